@@ -1,0 +1,120 @@
+# What every target of this project has in common. Flags are attached to targets, never to directories.
+
+add_library(ostrelWarnings INTERFACE)
+target_compile_options(ostrelWarnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety> $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety-beta>)
+if(OSTREL_WARNINGS_AS_ERRORS)
+  target_compile_options(ostrelWarnings INTERFACE -Werror)
+endif()
+
+add_library(ostrelBuild INTERFACE)
+target_compile_features(ostrelBuild INTERFACE cxx_std_20)
+# Unique symbols would keep every library that holds one loaded for ever, so dlclose could not unload.
+target_compile_options(ostrelBuild INTERFACE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-gnu-unique>)
+# Ranks of locks are checked where assertions are.
+target_compile_definitions(ostrelBuild INTERFACE $<$<CONFIG:Debug>:OSTREL_CHECK_LOCK_RANKS>)
+
+if(OSTREL_SANITIZE)
+  string(REPLACE ";" "," _sanitizers "${OSTREL_SANITIZE}")
+  target_compile_options(ostrelBuild INTERFACE -fsanitize=${_sanitizers} -fno-omit-frame-pointer
+    -fno-sanitize-recover=all)
+  target_link_options(ostrelBuild INTERFACE -fsanitize=${_sanitizers})
+endif()
+
+# ostrelPrograms: what a user runs. ostrelTests: the tests that this build tree takes part in, with what they need.
+add_custom_target(ostrelPrograms)
+add_custom_target(ostrelTests)
+
+# Programs and libraries find each other relative to where they stand, in the build tree and installed.
+function(_ostrel_common name rpath)
+  target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:ostrelBuild> $<BUILD_INTERFACE:ostrelWarnings>)
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON BUILD_RPATH_USE_ORIGIN ON
+    INSTALL_RPATH "${rpath}")
+endfunction()
+
+# ostrel_library(NAME SOURCES a.cpp … [HEADERS a.h …]): a shared library whose headers are included from BASE_DIR.
+function(ostrel_library name)
+  cmake_parse_arguments(ARG "" "BASE_DIR" "SOURCES;HEADERS" ${ARGN})
+  add_library(${name} SHARED ${ARG_SOURCES})
+  target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${ARG_BASE_DIR} FILES ${ARG_HEADERS})
+  set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  _ostrel_common(${name} "$ORIGIN")
+endfunction()
+
+# ostrel_export_only(NAME SCRIPT): the library exports what the version script lists, and nothing else.
+function(ostrel_export_only name script)
+  target_link_options(${name} PRIVATE "LINKER:--version-script=${CMAKE_CURRENT_SOURCE_DIR}/${script}")
+  set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${script})
+endfunction()
+
+# ostrel_program(NAME SOURCES …)
+function(ostrel_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  _ostrel_common(${name} "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+  add_dependencies(ostrelPrograms ${name})
+endfunction()
+
+# ostrel_module(TYPE SOURCES …): the node module trovio-node-TYPE.so, loaded on demand.
+function(ostrel_module type)
+  cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
+  set(name node${type})
+  add_library(${name} MODULE ${ARG_SOURCES})
+  _ostrel_common(${name} "$ORIGIN/..")
+  set_target_properties(${name} PROPERTIES PREFIX "" OUTPUT_NAME trovio-node-${type}
+    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/trovio CXX_VISIBILITY_PRESET hidden)
+  target_link_libraries(${name} PRIVATE ostrelSensorManager)
+  add_dependencies(ostrelPrograms ${name})
+endfunction()
+
+# Labels of a test say where it runs:
+#   tsan  also under the thread sanitizer, which runs nothing else
+#   long  not under the address sanitizer, unless everything runs (OSTREL_LONG)
+#   soak  only when everything runs
+function(_ostrel_runs_here result)
+  set(${result} TRUE PARENT_SCOPE)
+  if(OSTREL_ONLY_LABEL AND NOT OSTREL_ONLY_LABEL IN_LIST ARGN
+      OR NOT OSTREL_LONG AND ("soak" IN_LIST ARGN OR OSTREL_SKIP_LABEL AND OSTREL_SKIP_LABEL IN_LIST ARGN))
+    set(${result} FALSE PARENT_SCOPE)
+  endif()
+endfunction()
+
+# ostrel_test(NAME SOURCES … LIBRARIES … [NEEDS target …] [LABELS …] [TIMEOUT seconds]): a GoogleTest program. Its cases
+# carry the preset's name in ctest. NEEDS names what must be built before it runs: programs, modules.
+function(ostrel_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBRARIES;NEEDS;LABELS" ${ARGN})
+  _ostrel_runs_here(runs_here ${ARG_LABELS})
+  if(NOT runs_here)
+    return()
+  endif()
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 60)
+  endif()
+  if(OSTREL_SANITIZE)
+    math(EXPR ARG_TIMEOUT "5 * ${ARG_TIMEOUT}")
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  _ostrel_common(${name} "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gtest_main)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  add_dependencies(ostrelTests ${name} ${ARG_NEEDS})
+  gtest_discover_tests(${name} TEST_PREFIX "${OSTREL_TEST_PREFIX}" DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+endfunction()
+
+# ostrel_command_test(NAME COMMAND … [LABELS …] [TIMEOUT seconds] [PROPERTIES key value …]): a test that is any command;
+# it has failed when its exit status is not 0.
+function(ostrel_command_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "COMMAND;LABELS;PROPERTIES" ${ARGN})
+  _ostrel_runs_here(runs_here ${ARG_LABELS})
+  if(NOT runs_here)
+    return()
+  endif()
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 60)
+  endif()
+  add_test(NAME ${OSTREL_TEST_PREFIX}${name} COMMAND ${ARG_COMMAND})
+  set_tests_properties(${OSTREL_TEST_PREFIX}${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}"
+    ${ARG_PROPERTIES})
+endfunction()

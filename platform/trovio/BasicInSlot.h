@@ -1,0 +1,80 @@
+#pragma once
+
+#include "base/Semaphore.h"
+#include "trovio/Slot.h"
+#include "trovio/SlotCounts.h"
+
+namespace Trovio {
+
+class BasicOutSlot;
+
+/// The receiving end, without its value type: waiting, interrupting and counting.
+/// Threads: any thread, any operation.
+class BasicInSlot : public Slot {
+public:
+    Direction getDirection() const override { return Direction::In; }
+
+    /// True while no unread record is held.
+    virtual bool empty() const = 0;
+    /// Does nothing for null or for an out-slot of another value type.
+    virtual void connect(BasicOutSlot* outSlot) = 0;
+    virtual void disconnect(BasicOutSlot* outSlot) = 0;
+
+    /// The first connection came, the last one went.
+    virtual void startInSlot() { setActive(true); }
+    virtual void stopInSlot() { setActive(false); }
+
+    /// A record was stored. Runs on the pushing thread, after the data lock was released, under the out-slot's.
+    virtual void newData();
+
+    /// Releases one reader from its wait in pop(), or makes the next top() or pop() throw InterruptedException.
+    /// A second interrupt before the first one was taken adds nothing.
+    void interrupt();
+
+    InSlotCounts getCounts() const OSTREL_EXCLUDES(_dataLock);
+
+    /// Releases the data lock and then wakes the reader that up() owes: a reader woken under the lock would only
+    /// run into it.
+    void unlock() const OSTREL_RELEASE(_dataLock)
+    {
+        const bool wake = _wakeOwed;
+        _wakeOwed = false;
+        _dataLock.unlock();
+        if (wake)
+            _available.wake();
+    }
+
+    /// One more record can be taken.
+    void up() const OSTREL_REQUIRES(_dataLock)
+    {
+        ++_upCount;
+        _wakeOwed = _available.post() || _wakeOwed;
+    }
+
+    /// Blocks until a matching up() or an interrupt. May return once without either, after an interrupt that top()
+    /// took: look for the flag and the record, and wait again when there is neither.
+    void down() const OSTREL_EXCLUDES(_dataLock) { _available.wait(); }
+
+    // Counters, kept by the typed slots under the data lock.
+    void countStored() OSTREL_REQUIRES(_dataLock) { ++_stored; }
+    void countOverwritten() OSTREL_REQUIRES(_dataLock) { ++_overwritten; }
+    void countTaken() OSTREL_REQUIRES(_dataLock) { ++_taken; }
+
+protected:
+    explicit BasicInSlot(const std::string& name)
+        : Slot(name, Ostrel::LockRank::InSlotListeners, Ostrel::LockRank::InSlotData)
+    {
+    }
+
+    bool _interrupted OSTREL_GUARDED_BY(_dataLock) = false;
+
+private:
+    mutable bool _wakeOwed OSTREL_GUARDED_BY(_dataLock) = false;
+    mutable std::uint64_t _upCount OSTREL_GUARDED_BY(_dataLock) = 0; // records made available, not interrupts
+    std::uint64_t _stored OSTREL_GUARDED_BY(_dataLock) = 0;
+    std::uint64_t _overwritten OSTREL_GUARDED_BY(_dataLock) = 0;
+    std::uint64_t _taken OSTREL_GUARDED_BY(_dataLock) = 0;
+    mutable Ostrel::Semaphore _available; // as many tokens as unread records, and at times one for an interrupt
+};
+
+} // namespace Trovio

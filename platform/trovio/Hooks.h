@@ -1,0 +1,37 @@
+#pragma once
+
+#include "base/Mutex.h"
+#include "trovio/BasicInSlot.h"
+
+// What the typed slots need of this framework beyond its documented interface. A build against another framework
+// replaces this header by one whose operations do nothing.
+namespace Trovio::Hooks {
+
+/// Held around the whole of every connect and disconnect in the process, so that the two sides of a pair never
+/// disagree: each side alone changes under its own locks, one after the other.
+Ostrel::Mutex& wiringLock();
+
+class OSTREL_SCOPED_CAPABILITY WiringGuard {
+public:
+    WiringGuard() OSTREL_ACQUIRE(wiringLock()) { wiringLock().lock(); }
+    ~WiringGuard() OSTREL_RELEASE() { wiringLock().unlock(); }
+    WiringGuard(const WiringGuard&) = delete;
+    WiringGuard& operator=(const WiringGuard&) = delete;
+};
+
+inline void stored(BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+{
+    slot.countStored();
+}
+
+inline void overwritten(BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+{
+    slot.countOverwritten();
+}
+
+inline void taken(BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+{
+    slot.countTaken();
+}
+
+} // namespace Trovio::Hooks

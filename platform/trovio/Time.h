@@ -1,0 +1,21 @@
+#pragma once
+
+namespace Trovio {
+
+/// A point in time: wall-clock seconds since 1970-01-01 UTC. Zero where nothing has happened yet.
+class Time {
+public:
+    constexpr Time() = default;
+    constexpr explicit Time(double seconds) : _seconds(seconds) {}
+
+    /// From the system's real-time clock; steps when somebody sets that clock.
+    static Time getCurrentTime();
+
+    constexpr double getSeconds() const { return _seconds; }
+    constexpr bool operator==(const Time&) const = default;
+
+private:
+    double _seconds = 0.0;
+};
+
+} // namespace Trovio

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "trovio/Forward.h"
+
+namespace Trovio {
+
+/// The name of a slot value type as settings, messages and tools show it: "Vec3f", and "Vec3f[]" for a shared vector.
+template <class T>
+struct TypeName;
+
+#define TROVIO_DECLARE_NAME(type, name)                                                                                \
+    template <>                                                                                                        \
+    struct TypeName<type> {                                                                                            \
+        static std::string getName();                                                                                  \
+    };
+#define TROVIO_DECLARE_VECTOR_NAME(type, name) TROVIO_DECLARE_NAME(SmartPtr<std::vector<type>>, name "[]")
+
+TROVIO_PLAIN_ELEMENTS(TROVIO_DECLARE_NAME)
+TROVIO_DECLARE_NAME(SmartPtr<Image>, "Image")
+TROVIO_ELEMENTS(TROVIO_DECLARE_VECTOR_NAME)
+
+#undef TROVIO_DECLARE_VECTOR_NAME
+#undef TROVIO_DECLARE_NAME
+
+} // namespace Trovio

@@ -1,0 +1,99 @@
+#pragma once
+
+#include "trovio/InSlot.h"
+#include <vector>
+
+namespace Trovio {
+
+/// Receives records and keeps the newest maxSize of them in order of arrival; a full ring drops its oldest.
+/// Invariant: _count records are unread, from _readPos on; nothing grows or shrinks after construction.
+/// A ring of no records is not refused, and must not be pushed into.
+template <class T>
+class BufferedInSlot : public InSlot<T> {
+public:
+    BufferedInSlot(const std::string& name, unsigned int maxSize)
+        : InSlot<T>(name), _buffer(maxSize), _readPos(_buffer.begin()), _writePos(_buffer.begin())
+    {
+    }
+    ~BufferedInSlot() override = default;
+
+    bool empty() const override OSTREL_EXCLUDES(this->_dataLock);
+
+    /// The oldest unread record without taking it; whatever stands at the read position if there is none.
+    Data<T> top() override OSTREL_EXCLUDES(this->_dataLock);
+    Data<T> pop() override OSTREL_EXCLUDES(this->_dataLock);
+    void push(const Data<T>& data) override OSTREL_EXCLUDES(this->_dataLock);
+
+private:
+    using Position = typename std::vector<Data<T>>::iterator;
+
+    void advance(Position& position) OSTREL_REQUIRES(this->_dataLock)
+    {
+        if (++position == _buffer.end())
+            position = _buffer.begin();
+    }
+
+    std::vector<Data<T>> _buffer OSTREL_GUARDED_BY(this->_dataLock);
+    Position _readPos OSTREL_GUARDED_BY(this->_dataLock);  // of the oldest unread record
+    Position _writePos OSTREL_GUARDED_BY(this->_dataLock); // where the next record goes
+    unsigned int _count OSTREL_GUARDED_BY(this->_dataLock) = 0;
+};
+
+template <class T>
+bool BufferedInSlot<T>::empty() const
+{
+    this->lock();
+    const bool empty = _count == 0;
+    this->unlock();
+    return empty;
+}
+
+template <class T>
+Data<T> BufferedInSlot<T>::top()
+{
+    this->lock();
+    this->throwIfInterrupted();
+    const Data<T> data = *_readPos;
+    this->unlock();
+    return data;
+}
+
+template <class T>
+Data<T> BufferedInSlot<T>::pop()
+{
+    for (;;) {
+        this->down();
+        this->lock();
+        this->throwIfInterrupted();
+        if (_count != 0)
+            break;
+        // The token of an interrupt that top() has taken meanwhile.
+        this->unlock();
+    }
+    const Data<T> data = *_readPos;
+    advance(_readPos);
+    --_count;
+    Hooks::taken(*this);
+    this->unlock();
+    return data;
+}
+
+template <class T>
+void BufferedInSlot<T>::push(const Data<T>& data)
+{
+    this->lock();
+    Hooks::stored(*this);
+    if (_writePos != _readPos || _count == 0) {
+        ++_count;
+        this->up();
+    } else {
+        advance(_readPos);
+        Hooks::overwritten(*this);
+    }
+    *_writePos = data;
+    advance(_writePos);
+    this->unlock();
+    this->newData();
+}
+
+} // namespace Trovio
