@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# checks_find_faults.sh: the other checks of this folder fail on a tree with a known fault, and pass once it is gone.
+set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+tree=$(mktemp -d)
+trap 'rm -rf "$tree"' EXIT
+mkdir -p "$tree"/{platform/{base,trovio},trovio,host}
+touch "$tree"/platform/base/A.h "$tree"/trovio/B.h "$tree"/host/Main.h
+
+# expect_fault CHECK FILE LINE: the line alone in the file makes the check fail.
+expect_fault() {
+    "$here/$1" "$tree" >/dev/null 2>&1 || { echo "$1 fails on a tree without a fault" >&2 && exit 1; }
+    printf '%b' "$3" >"$tree/$2"
+    ! "$here/$1" "$tree" >/dev/null 2>&1 || { echo "$1 does not see '$3' in $2" >&2 && exit 1; }
+    rm "$tree/$2"
+}
+expect_fault layers.sh platform/base/Up.h '#include "trovio/B.h"\n'
+expect_fault layers.sh platform/base/Beside.h '#  include <../../trovio/B.h>\n'
+expect_fault layers.sh trovio/Aside.cpp '#include "base/A.h"\n#include "host/Main.h"\n'
+expect_fault layers.sh platform/trovio/B.h '\n'
+expect_fault words.sh host/path.cpp 'open("/r''oot/x");\n'
+expect_fault words.sh host/marker.md 'TO''DO: more\n'
+expect_fault words.sh host/tab.cpp 'a\tb\n'
+expect_fault words.sh host/blank.cpp 'a \n'

@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# words.sh [ROOT]: no file carries paths of somebody's machine, markers of unfinished work, tabs or trailing blanks.
+# Prints each fault and fails when there is one.
+set -euo pipefail
+cd "${1:-$(dirname "${BASH_SOURCE[0]}")/../..}"
+
+faults=0
+# refuse WHY PATTERN: patterns are written so that they do not match themselves.
+refuse() {
+    grep -rnIE --exclude-dir=build --exclude-dir='.[!.]*' -- "$2" . && {
+        echo "^ $1" >&2
+        faults=1
+    }
+    return 0
+}
+refuse "a path of one machine" '(^|[^[:alnum:]_.}])/([r]oot|[h]ome|[U]sers|[t]mp|[w]ork)/'
+refuse "a marker of unfinished work" '\b([T]ODO|[F]IXME|[X]XX|[H]ACK)\b'
+refuse "a tab" "$(printf '\t')"
+refuse "blanks at the end of a line" '[[:blank:]]+$'
+exit $faults
