@@ -1,0 +1,71 @@
+#pragma once
+
+#include "trovio/Slot.h"
+#include "trovio/Time.h"
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+// Copies of what stands in the tree at one moment, for tools that print or explain it.
+namespace Trovio {
+
+/// A slot as it is seen in one namespace.
+struct SlotInfo {
+    std::string _label;
+    Slot::Direction _direction;
+    std::string _typeName;
+    bool _own = false; // stands in this namespace, rather than being seen through a child's external route
+};
+
+/// Two slots that a route would join.
+struct RoutePair {
+    std::string _from;
+    std::string _to;
+    std::string _reason; // why they are not connected; empty when they are
+};
+
+struct RouteInfo {
+    std::string _from;
+    std::string _to;
+    std::vector<RoutePair> _pairs;
+    std::size_t _connections = 0;
+    std::string _reason; // why the route is pending; empty once it connects something
+    bool isPending() const { return _connections == 0; }
+};
+
+struct ExternalRouteInfo {
+    std::string _pattern;
+    std::string _target;
+    std::size_t _slots = 0; // how many it shows to the parent
+};
+
+/// Running, or degraded: it keeps trying, and the reason says what is missing.
+struct NodeState {
+    bool _degraded = false;
+    std::string _reason;
+    Time _since; // when the node came into this state
+};
+
+struct CounterInfo {
+    std::string _name;
+    std::uint64_t _value = 0;
+};
+
+struct NodeInfo {
+    std::string _typeName;
+    NodeState _state;
+    std::vector<CounterInfo> _counters;
+};
+
+struct NamespaceInfo {
+    std::string _label; // empty for one without a parent
+    bool _dirty = false;
+    std::optional<NodeInfo> _node; // where the namespace is a node
+    std::vector<SlotInfo> _slots;  // all that are in scope, by label
+    std::vector<RouteInfo> _routes;
+    std::vector<ExternalRouteInfo> _externalRoutes;
+    std::vector<NamespaceInfo> _children; // by label
+};
+
+} // namespace Trovio

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "trovio/Namespace.h"
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+
+namespace Trovio {
+
+/// The one root of the tree.
+class Root {
+public:
+    static std::atomic<bool> initialized_;
+    static Namespace the_;
+
+    /// Opens the root for use. A second call does nothing.
+    static void init();
+
+    /// Takes out and deletes everything below the root (nodes stop first), forgets all node types and closes their
+    /// modules. Whoever still holds a node that it took out of the tree must delete it before. Does nothing on a root
+    /// that is not open.
+    static void shutdown();
+
+    /// The root namespace. Ends the process if the root is not open.
+    static Namespace& get()
+    {
+        if (!initialized_.load(std::memory_order_acquire)) {
+            std::fputs("FATAL: Accessed Trovio::Root that is not initialized!\n", stderr);
+            std::abort();
+        }
+        return the_;
+    }
+
+    Root() = delete;
+};
+
+} // namespace Trovio

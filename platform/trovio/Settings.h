@@ -1,0 +1,73 @@
+#pragma once
+
+#include "merid/URL.h"
+#include "trovio/Exception.h"
+#include "trovio/Setting.h"
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Trovio {
+
+/// A network address as a setting names it, not looked up.
+struct Endpoint {
+    std::string _host; // without brackets; "127.0.0.1" where none was written
+    std::uint16_t _port = 0;
+    bool operator==(const Endpoint&) const = default;
+};
+
+/// The checked values of a node's settings, one for every row of its table.
+/// Asking for a name that the table does not have, or as another kind, is a mistake in the node: std::logic_error.
+/// Threads: unchanged once built.
+class Settings {
+public:
+    /// Reads blank-separated name=value pairs, the values bare or in single or double quotes; inside quotes the
+    /// escapes \\ \' \" \n \t stand for one character each. Every row that the text leaves out has its default.
+    /// Throws InvalidFieldException, with the setting, the value and what is allowed, for a text that breaks a rule.
+    /// baseURL is what relative file names are resolved against; none may lead out of it.
+    Settings(std::vector<Setting> table, std::string_view text, const std::optional<Merid::URL>& baseURL = {});
+
+    /// Whether the text named the setting, rather than leaving it to its default.
+    bool isGiven(std::string_view name) const;
+
+    /// The value as it was written, quotes and escapes resolved. Of any kind.
+    const std::string& text(std::string_view name) const;
+    bool flag(std::string_view name) const;
+    std::int64_t integer(std::string_view name) const;
+    double number(std::string_view name) const;
+    /// The position of the value among the choices, from 0.
+    std::size_t choice(std::string_view name) const;
+    /// Nothing for an empty value.
+    std::optional<Endpoint> endpoint(std::string_view name) const;
+    /// The path of the file, resolved; empty for an empty value.
+    const std::string& file(std::string_view name) const;
+
+    /// For a node that finds more wrong with a value than its table says: throw what this returns.
+    InvalidFieldException refusal(std::string_view name, std::string_view allowed) const;
+
+private:
+    struct Value {
+        Setting _row;
+        std::string _text;
+        bool _given = false;
+        double _number = 0.0;
+        std::int64_t _integer = 0; // also the position of a choice, and 0 or 1
+        std::optional<Endpoint> _endpoint;
+        std::string _path;
+    };
+
+    void assign(std::string_view name, std::string text, const std::optional<Merid::URL>& baseURL);
+    void applyDefaults(const std::optional<Merid::URL>& baseURL);
+    static void check(Value& value, const std::optional<Merid::URL>& baseURL);
+    std::string knownNames() const;
+    const Value& value(std::string_view name) const;
+    const Value& value(std::string_view name, SettingKind kind) const;
+
+    std::map<std::string, Value, std::less<>> _values;
+};
+
+} // namespace Trovio
