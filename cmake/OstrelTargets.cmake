@@ -99,8 +99,13 @@ function(ostrel_test name)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gtest_main)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   add_dependencies(ostrelTests ${name} ${ARG_NEEDS})
-  gtest_discover_tests(${name} TEST_PREFIX "${OSTREL_TEST_PREFIX}" DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-    PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+  set(properties TIMEOUT ${ARG_TIMEOUT})
+  if(ARG_LABELS)
+    list(JOIN ARG_LABELS "," labels)  # a list would not survive the discovery
+    list(APPEND properties LABELS ${labels})
+  endif()
+  gtest_discover_tests(${name} TEST_PREFIX "${OSTREL_TEST_PREFIX}" NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()
 
 # ostrel_command_test(NAME COMMAND … [LABELS …] [TIMEOUT seconds] [PROPERTIES key value …]): a test that is any command;

@@ -4,10 +4,14 @@
 set -euo pipefail
 cd "${1:-$(dirname "${BASH_SOURCE[0]}")/../..}"
 
+# What belongs to the project: what is committed, or, where there is no repository, all that is not built.
+mapfile -t files < <(git ls-files --cached 2>/dev/null)
+((${#files[@]})) || mapfile -t files < <(find . \( -name build -o -name .git \) -prune -o -type f -print)
+
 faults=0
 # refuse WHY PATTERN: patterns are written so that they do not match themselves.
 refuse() {
-    grep -rnIE --exclude-dir=build --exclude-dir='.[!.]*' -- "$2" . && {
+    grep -nIE --no-messages -- "$2" "${files[@]}" && {
         echo "^ $1" >&2
         faults=1
     }
