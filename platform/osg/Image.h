@@ -33,10 +33,10 @@ public:
     /// Empty: no pixels, format RGB.
     Image() = default;
 
-    /// Replaces format and pixels. `data` (which may be null: zeros then) is copied and holds every mipmap level, frame
-    /// and side one behind the other; with `allocate` false only the sizes are taken. Width and height may be 0, the
-    /// other counts are at least 1. `frameDelay` is in seconds. A refused call logs a warning that names the values,
-    /// changes nothing and returns false.
+    /// Replaces format and pixels. `data` (null for zeros; never this image's own) is copied and holds every mipmap
+    /// level, frame and side one behind the other; with `allocate` false only the sizes are taken. Width and height may
+    /// be 0, the other counts are at least 1. `frameDelay` is in seconds. A refused call logs a warning that names the
+    /// values, changes nothing and returns false.
     bool set(std::uint32_t pixelFormat, std::int32_t width, std::int32_t height, std::int32_t depth = 1,
              std::int32_t mipmapCount = 1, std::int32_t frameCount = 1, double frameDelay = 0.0,
              const std::uint8_t* data = nullptr, std::uint32_t dataType = UnsignedByte, bool allocate = true,

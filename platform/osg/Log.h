@@ -22,7 +22,8 @@ namespace osg {
 /// Ownership: the only log is *osgLogP, which lives as long as the process, so that unload-time code can log.
 class Log {
 public:
-    /// Sees each message before it is written; returns whether it is to be written as well. Runs under the log lock.
+    /// Sees each message before it is written; returns whether it is to be written as well. Runs under the log lock
+    /// and must not throw.
     using Hook = std::function<bool(const LogRecord&)>;
 
     /// Held for one message. Never null.
@@ -72,6 +73,8 @@ private:
     static constexpr int _levels = LogDebug + 1;
 
     void readEnvironment();
+    // Only called by the streams, whose users hold the log lock.
+    void writeStreamLine(int level, std::string_view line) OSTREL_NO_THREAD_SAFETY_ANALYSIS;
     void emit(const LogRecord& record, std::string_view line) OSTREL_REQUIRES(_pLogLock);
     void write(const LogRecord& record, const std::string& line) OSTREL_REQUIRES(_pLogLock);
 

@@ -57,6 +57,9 @@ public:
     /// Both or neither are given. Neither is owned; both outlive the field or are taken back by two nulls.
     void setOwner(Node* node, const FieldDescription* description);
 
+    /// "node.field" for messages.
+    std::string getDisplayName() const;
+
     /// From now on `target` gets each value that this field sends. Refused with a warning, returning false, for another
     /// class of field, for the field itself and for a link that exists.
     bool linkTo(Field& target);

@@ -1,0 +1,12 @@
+#include "ostrel/BaseObject.h"
+
+namespace Ostrel {
+
+int BaseObject::_objCount = 0;
+
+BaseObject::~BaseObject()
+{
+    --_objCount;
+}
+
+} // namespace Ostrel
