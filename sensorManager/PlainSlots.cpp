@@ -1,8 +1,7 @@
-#include "trovio/Instances.h"
+#include "sensorManager/SlotInstances.h"
 
 namespace Trovio {
 
-#define TROVIO_COMPILE_PLAIN(type, name) TROVIO_INSTANTIATE_SLOTS(template, type)
-TROVIO_PLAIN_ELEMENTS(TROVIO_COMPILE_PLAIN)
+TROVIO_PLAIN_TYPES(TROVIO_COMPILE_SLOTS)
 
 } // namespace Trovio

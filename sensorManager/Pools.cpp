@@ -1,9 +1,11 @@
-#include "trovio/Instances.h"
+#include "trovio/Values.h"
 
 namespace Trovio {
 
-#define TROVIO_COMPILE_POOL(type, name) TROVIO_INSTANTIATE_POOL(template, std::vector<type>)
-TROVIO_INSTANTIATE_POOL(template, Image)
-TROVIO_ELEMENTS(TROVIO_COMPILE_POOL)
+#define TROVIO_COMPILE_POOL(type, name)                                                                                \
+    template class RefCtr<type>;                                                                                       \
+    template class Cache<type>;                                                                                        \
+    template class SmartPtr<type>;
+TROVIO_POOLED_TYPES(TROVIO_COMPILE_POOL)
 
 } // namespace Trovio

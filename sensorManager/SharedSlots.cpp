@@ -1,9 +1,7 @@
-#include "trovio/Instances.h"
+#include "sensorManager/SlotInstances.h"
 
 namespace Trovio {
 
-#define TROVIO_COMPILE_SHARED(type, name) TROVIO_INSTANTIATE_SLOTS(template, SmartPtr<std::vector<type>>)
-TROVIO_INSTANTIATE_SLOTS(template, SmartPtr<Image>)
-TROVIO_ELEMENTS(TROVIO_COMPILE_SHARED)
+TROVIO_SHARED_TYPES(TROVIO_COMPILE_SLOTS)
 
 } // namespace Trovio

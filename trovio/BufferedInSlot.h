@@ -96,4 +96,10 @@ void BufferedInSlot<T>::push(const Data<T>& data)
     this->newData();
 }
 
+#ifndef TROVIO_OWN_INSTANCES
+#define TROVIO_EXTERN_BUFFERED(type, name) extern template class BufferedInSlot<type>;
+TROVIO_SLOT_TYPES(TROVIO_EXTERN_BUFFERED)
+#undef TROVIO_EXTERN_BUFFERED
+#endif
+
 } // namespace Trovio

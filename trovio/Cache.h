@@ -43,13 +43,10 @@ Cache<T>::~Cache() noexcept(false)
 
 // Defined in one unit of the library, in the order of the list: explicit specialisations are initialised in the order
 // in which they stand, instantiations are not.
-#define TROVIO_DECLARE_POOL(type)                                                                                      \
+#define TROVIO_DECLARE_POOL(type, name)                                                                                \
     template <>                                                                                                        \
     Cache<type> Cache<type>::the_;
-#define TROVIO_DECLARE_VECTOR_POOL(type, name) TROVIO_DECLARE_POOL(std::vector<type>)
-TROVIO_DECLARE_POOL(Image)
-TROVIO_ELEMENTS(TROVIO_DECLARE_VECTOR_POOL)
-#undef TROVIO_DECLARE_VECTOR_POOL
+TROVIO_POOLED_TYPES(TROVIO_DECLARE_POOL)
 #undef TROVIO_DECLARE_POOL
 
 } // namespace Trovio

@@ -16,11 +16,7 @@ template <class Visit>
 void forEachSlotType(Visit&& visit)
 {
 #define TROVIO_VISIT(type, name) visit(TypeTag<type>());
-#define TROVIO_VISIT_VECTOR(type, name) visit(TypeTag<SmartPtr<std::vector<type>>>());
-    TROVIO_PLAIN_ELEMENTS(TROVIO_VISIT)
-    visit(TypeTag<SmartPtr<Image>>());
-    TROVIO_ELEMENTS(TROVIO_VISIT_VECTOR)
-#undef TROVIO_VISIT_VECTOR
+    TROVIO_SLOT_TYPES(TROVIO_VISIT)
 #undef TROVIO_VISIT
 }
 

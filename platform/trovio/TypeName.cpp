@@ -7,10 +7,6 @@ namespace Trovio {
     {                                                                                                                  \
         return name;                                                                                                   \
     }
-#define TROVIO_DEFINE_VECTOR_NAME(type, name) TROVIO_DEFINE_NAME(SmartPtr<std::vector<type>>, name "[]")
-
-TROVIO_PLAIN_ELEMENTS(TROVIO_DEFINE_NAME)
-TROVIO_DEFINE_NAME(SmartPtr<Image>, "Image")
-TROVIO_ELEMENTS(TROVIO_DEFINE_VECTOR_NAME)
+TROVIO_SLOT_TYPES(TROVIO_DEFINE_NAME)
 
 } // namespace Trovio

@@ -13,13 +13,7 @@ struct TypeName;
     struct TypeName<type> {                                                                                            \
         static std::string getName();                                                                                  \
     };
-#define TROVIO_DECLARE_VECTOR_NAME(type, name) TROVIO_DECLARE_NAME(SmartPtr<std::vector<type>>, name "[]")
-
-TROVIO_PLAIN_ELEMENTS(TROVIO_DECLARE_NAME)
-TROVIO_DECLARE_NAME(SmartPtr<Image>, "Image")
-TROVIO_ELEMENTS(TROVIO_DECLARE_VECTOR_NAME)
-
-#undef TROVIO_DECLARE_VECTOR_NAME
+TROVIO_SLOT_TYPES(TROVIO_DECLARE_NAME)
 #undef TROVIO_DECLARE_NAME
 
 } // namespace Trovio

@@ -1,0 +1,84 @@
+#include "sensorManager/SensorHandler.h"
+
+#include "ostrel/DirectSensor.h"
+#include "ostrel/DirectSensorProc.h"
+
+namespace Ostrel {
+
+SensorHandler::SensorHandler(const std::string& name) : _name(name) {}
+
+SensorHandler::SensorHandler(SensorHandler&) : BaseObject() {}
+
+SensorHandler::~SensorHandler()
+{
+    deleteObservers();
+}
+
+void SensorHandler::deleteObservers()
+{
+    for (const auto& [sensor, observer] : _observers)
+        delete observer;
+    _observers.clear();
+}
+
+void SensorHandler::regDISensor(DirectSensor* sensor)
+{
+    if (!sensor || _observers.contains(sensor))
+        return;
+    DirectSensorProc* const proc = sensor->getDirectSensorProc();
+    UpdateObserver* const observer =
+        sensor->isOutput() ? createOutputUpdateObserver(sensor) : createUpdateObserver(sensor);
+    if (!observer)
+        return;
+    observer->_link = nullptr;
+    observer->_sensor = sensor;
+    observer->_field = proc->getField();
+    proc->getUpdateSubject().attach(*observer);
+    _observers.emplace(sensor, observer);
+}
+
+void SensorHandler::unregDISensor(DirectSensor* sensor)
+{
+    const auto found = _observers.find(sensor);
+    if (!sensor || found == _observers.end())
+        return;
+    delete found->second;
+    _observers.erase(found);
+}
+
+SensorHandler::UpdateObserver* SensorHandler::createUpdateObserver(DirectSensor*)
+{
+    return nullptr;
+}
+
+SensorHandler::UpdateObserver* SensorHandler::createOutputUpdateObserver(DirectSensor*)
+{
+    return nullptr;
+}
+
+bool SensorHandler::update(const TimeStamp&)
+{
+    return false;
+}
+
+bool SensorHandler::init()
+{
+    return true;
+}
+
+void SensorHandler::UpdateObserver::notify(const TimeStamp& now, BaseObject*, BaseObject*, BaseObject*)
+{
+    if (_sensor->isOutput())
+        updateOutput(now);
+    else
+        update(now);
+}
+
+bool SensorHandler::UpdateObserver::update(const TimeStamp&)
+{
+    return false;
+}
+
+void SensorHandler::UpdateObserver::updateOutput(const TimeStamp&) {}
+
+} // namespace Ostrel

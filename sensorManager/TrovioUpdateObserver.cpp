@@ -1,0 +1,98 @@
+#include "sensorManager/TrovioUpdateObserver.h"
+
+#include "sensorManager/Conversions.h"
+#include "sensorManager/FieldTypes.h"
+#include "sensorManager/LogMessage.h"
+#include "trovio/InSlot.h"
+#include "trovio/Namespace.h"
+#include "trovio/OutSlot.h"
+
+namespace Ostrel {
+
+namespace {
+
+constexpr char logFile[] = "sensorManager/TrovioSensorHandler";
+constexpr char unhandledType[] = "Can not handle Trovio Slot of DirectSensor type %s\n";
+
+/// Images come in, and never go out.
+template <class Row>
+constexpr bool isSent =
+    !std::is_same_v<typename Row::FieldType, SFImage> && !std::is_same_v<typename Row::FieldType, MFImage>;
+
+/// False if slot or field are not what the row says; nothing was taken then.
+template <class Row>
+bool takeOne(Trovio::BasicInSlot& basicSlot, Field& basicField)
+{
+    auto* const slot = dynamic_cast<Trovio::InSlot<typename Row::SlotValue>*>(&basicSlot);
+    auto* const field = dynamic_cast<typename Row::FieldType*>(&basicField);
+    if (!slot || !field)
+        return false;
+    auto record = slot->pop();
+    Conversions::toField(record.getValue(), *field);
+    return true;
+}
+
+template <class Row>
+void sendValue(Field& field, Trovio::Slot& slot)
+{
+    using Value = typename Row::SlotValue;
+    Trovio::Data<Value> record;
+    Conversions::toSlot(static_cast<typename Row::FieldType&>(field), record.getValue());
+    record.setTimeStamp();
+    static_cast<Trovio::OutSlot<Value>&>(slot).push(record);
+}
+
+} // namespace
+
+TrovioSensorHandler::UpdateObserver::UpdateObserver(TrovioSensorHandler& handler, const std::string& slotLabel)
+    : _slotLabel(slotLabel), _handler(&handler)
+{
+}
+
+TrovioSensorHandler::UpdateObserver::~UpdateObserver()
+{
+    if (!_slot)
+        return;
+    OSTREL_LOG(LogLevel::Always, logFile, "Delete Trovio Slot\n");
+    if (Trovio::Namespace* const ns = _handler->findNamespace())
+        ns->removeSlot(_slotLabel);
+    delete _slot;
+}
+
+bool TrovioSensorHandler::UpdateObserver::update(const TimeStamp& now)
+{
+    auto* const slot = dynamic_cast<Trovio::BasicInSlot*>(_slot);
+    if (!_field || !slot)
+        return false;
+    unsigned int count = 0;
+    bool fits = true;
+    while (fits && !slot->empty()) {
+        const bool handled =
+            withFieldType(_field->getTypeCode(), [&]<class Row>(Row) { fits = takeOne<Row>(*slot, *_field); });
+        if (!fits)
+            break;
+        if (handled)
+            _field->processValueChange(now, CallerOutside);
+        else
+            OSTREL_LOG(LogLevel::Fatal, logFile, unhandledType, _field->getTypeName().c_str());
+        ++count;
+    }
+    return count != 0;
+}
+
+void TrovioSensorHandler::UpdateObserver::updateOutput(const TimeStamp&)
+{
+    if (!_field || !dynamic_cast<Trovio::BasicOutSlot*>(_slot))
+        return;
+    bool sent = false;
+    withFieldType(_field->getTypeCode(), [&]<class Row>(Row) {
+        if constexpr (isSent<Row>) {
+            sendValue<Row>(*_field, *_slot);
+            sent = true;
+        }
+    });
+    if (!sent)
+        OSTREL_LOG(LogLevel::Fatal, logFile, unhandledType, _field->getTypeName().c_str());
+}
+
+} // namespace Ostrel
