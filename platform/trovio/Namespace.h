@@ -5,7 +5,6 @@
 #include "trovio/Inspection.h"
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,7 +33,7 @@ public:
 
     /// What relative file names in the settings of this namespace are resolved against.
     void setBaseURL(const Merid::URL& url);
-    std::optional<Merid::URL> getBaseURL() const;
+    Merid::URL getBaseURL() const; // empty before setBaseURL()
 
     /// Dirty: routes, nodes or settings changed since this was last set to false.
     void setDirty(bool dirty);
@@ -61,7 +60,7 @@ public:
     Namespace* getNamespace(const std::string& label) const;
 
     /// Takes a child out: stops its nodes, undoes the connections that routes made to and in it, and hands it back.
-    /// A child that is still starting, or that somebody else is removing, is not found.
+    /// A child that is still starting, or that somebody else is removing, is not found, nor is one in such a child.
     /// Throws InvalidNamespaceException if no child has this label. Waits until the nodes have stopped.
     std::unique_ptr<Namespace> removeNamespace(const std::string& label);
 
@@ -90,6 +89,7 @@ public:
     NamespaceInfo inspect() const;
 
 private:
+    friend class Node;
     friend class Root;
     using Children = std::map<std::string, std::unique_ptr<Namespace>>;
 
@@ -98,16 +98,15 @@ private:
 
     /// Unlike the public operations these expect the tree lock to be held.
     std::string freeLabel(const std::string& wanted) const OSTREL_REQUIRES(_treeLock);
-    std::string link(const std::string& wanted, std::unique_ptr<Namespace>& child) OSTREL_REQUIRES(_treeLock);
+    Children::iterator link(const std::string& wanted, std::unique_ptr<Namespace> child) OSTREL_REQUIRES(_treeLock);
     std::unique_ptr<Namespace> unlink(Children::iterator position) OSTREL_REQUIRES(_treeLock);
-    bool standsUnderRoot() const OSTREL_REQUIRES(_treeLock);
+    bool standsUnderRoot() const OSTREL_REQUIRES(_treeLock); // and is not leaving
+    bool isInMotion() const OSTREL_REQUIRES(_treeLock);      // it or one above it is joining or leaving
     void setConnecting(bool connecting) OSTREL_REQUIRES(_treeLock);
     void collectNodes(std::vector<Node*>& nodes) OSTREL_REQUIRES(_treeLock);
     NamespaceInfo inspectLocked() const OSTREL_REQUIRES(_treeLock);
-    void addSlot(const std::string& label, Slot* slot) OSTREL_EXCLUDES(_treeLock);
 
     std::string adopt(const std::string& wanted, std::unique_ptr<Namespace> child) OSTREL_EXCLUDES(_treeLock);
-    std::unique_ptr<Namespace> remove(const std::string& label) OSTREL_EXCLUDES(_treeLock);
     /// Takes out and deletes all children, and forgets all routes and slots. For the root, at shutdown.
     void clear() OSTREL_EXCLUDES(_treeLock);
 
@@ -117,7 +116,7 @@ private:
     Presence _presence OSTREL_GUARDED_BY(_treeLock) = Presence::Free;
     Children _children OSTREL_GUARDED_BY(_treeLock);
     const std::unique_ptr<Scope> _scope OSTREL_PT_GUARDED_BY(_treeLock);
-    std::optional<Merid::URL> _baseURL OSTREL_GUARDED_BY(_treeLock);
+    Merid::URL _baseURL OSTREL_GUARDED_BY(_treeLock);
     bool _dirty OSTREL_GUARDED_BY(_treeLock) = false;
 };
 

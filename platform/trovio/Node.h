@@ -56,11 +56,11 @@ protected:
     /// goes on trying. Must not remove the node itself or one above it.
     virtual void start();
 
-    /// Stops and joins what start() began; afterwards nothing is pushed. Called before the node leaves the tree and
-    /// only after start() returned or threw. No lock is held. May wait.
+    /// Stops and joins what start() began; afterwards nothing is pushed. Called before the node leaves the tree, and
+    /// only if start() returned: a start() that throws has undone what it began. No lock is held. May wait.
     virtual void stop();
 
-    /// The state that tools show. Each change is logged once. Any thread, but not under a lock of rank Log.
+    /// The state that tools show. Each change is logged once. Any thread, under any lock but the log's.
     void setRunning();
     void setDegraded(const std::string& reason);
 
@@ -72,8 +72,9 @@ private:
     friend class NodeType;
     bool isConfigured() const;
     std::string getWantedLabel() const; // what its settings say, or else the name of its type
-    void enter();                       // start(), unless the node is leaving already
-    void leave();                       // stop(), if it was started; swallows and logs what stop() throws
+    void showLabel(const std::string& label);
+    void enter(); // start(), unless the node is leaving already
+    void leave(); // stop(), if it was started; swallows and logs what stop() throws
     void changeState(bool degraded, const std::string& reason);
 
     // Serialises start and stop of this node: a remover waits here until start() is through.
@@ -84,6 +85,7 @@ private:
     NodeState _state OSTREL_GUARDED_BY(_stateLock);
     NodeTypeEntry _type OSTREL_GUARDED_BY(_stateLock);
     std::string _wantedLabel OSTREL_GUARDED_BY(_stateLock);
+    std::string _shownLabel OSTREL_GUARDED_BY(_stateLock); // for messages, which must not need the tree lock
     bool _configured OSTREL_GUARDED_BY(_stateLock) = false;
 
     std::deque<Counter> _counters;       // grows in constructors only, so that readers need no lock

@@ -2,23 +2,15 @@
 
 #include "merid/URL.h"
 #include "trovio/Exception.h"
-#include "trovio/Setting.h"
+#include "trovio/SettingValue.h"
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace Trovio {
-
-/// A network address as a setting names it, not looked up.
-struct Endpoint {
-    std::string _host; // without brackets; "127.0.0.1" where none was written
-    std::uint16_t _port = 0;
-    bool operator==(const Endpoint&) const = default;
-};
 
 /// The checked values of a node's settings, one for every row of its table.
 /// Asking for a name that the table does not have, or as another kind, is a mistake in the node: std::logic_error.
@@ -28,8 +20,9 @@ public:
     /// Reads blank-separated name=value pairs, the values bare or in single or double quotes; inside quotes the
     /// escapes \\ \' \" \n \t stand for one character each. Every row that the text leaves out has its default.
     /// Throws InvalidFieldException, with the setting, the value and what is allowed, for a text that breaks a rule.
-    /// baseURL is what relative file names are resolved against; none may lead out of it.
-    Settings(std::vector<Setting> table, std::string_view text, const std::optional<Merid::URL>& baseURL = {});
+    /// baseURL is what relative file names are resolved against, the working folder if it is empty; no relative name
+    /// may lead out of it.
+    Settings(std::vector<Setting> table, std::string_view text, const Merid::URL& baseURL = {});
 
     /// Whether the text named the setting, rather than leaving it to its default.
     bool isGiven(std::string_view name) const;
@@ -42,7 +35,7 @@ public:
     /// The position of the value among the choices, from 0.
     std::size_t choice(std::string_view name) const;
     /// Nothing for an empty value.
-    std::optional<Endpoint> endpoint(std::string_view name) const;
+    const std::optional<Endpoint>& endpoint(std::string_view name) const;
     /// The path of the file, resolved; empty for an empty value.
     const std::string& file(std::string_view name) const;
 
@@ -53,19 +46,14 @@ private:
     struct Value {
         Setting _row;
         std::string _text;
-        bool _given = false;
-        double _number = 0.0;
-        std::int64_t _integer = 0; // also the position of a choice, and 0 or 1
-        std::optional<Endpoint> _endpoint;
-        std::string _path;
+        bool _given;
+        SettingValue _read;
     };
 
-    void assign(std::string_view name, std::string text, const std::optional<Merid::URL>& baseURL);
-    void applyDefaults(const std::optional<Merid::URL>& baseURL);
-    static void check(Value& value, const std::optional<Merid::URL>& baseURL);
+    void assign(const std::string& name, std::string text);
     std::string knownNames() const;
     const Value& value(std::string_view name) const;
-    const Value& value(std::string_view name, SettingKind kind) const;
+    const SettingValue& value(std::string_view name, SettingKind kind) const;
 
     std::map<std::string, Value, std::less<>> _values;
 };

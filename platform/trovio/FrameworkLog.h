@@ -1,0 +1,16 @@
+#pragma once
+
+#include <source_location>
+#include <string>
+
+namespace Trovio {
+
+/// The levels of the log that the framework writes at.
+enum class LogLevel : int { Fatal = 1, Warning = 2, Notice = 3 };
+
+/// Writes one line, with module "Trovio" and the place of the caller, if the log's level admits it.
+/// Any thread, under any lock but the log's.
+void logMessage(LogLevel level, const std::string& text,
+                const std::source_location& where = std::source_location::current());
+
+} // namespace Trovio

@@ -1,0 +1,158 @@
+#include "trovio/Node.h"
+
+#include "trovio/ExceptionText.h"
+#include "trovio/FrameworkLog.h"
+
+namespace Trovio {
+
+using Ostrel::LockGuard;
+
+namespace {
+
+constexpr Setting common[] = {
+    Setting::text("label", "", "the label under which the node stands; its type's name if empty"),
+};
+
+} // namespace
+
+Node::Node()
+{
+    addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
+    setDirty(false);
+}
+
+Node::~Node() = default;
+
+std::span<const Setting> Node::commonSettings()
+{
+    return common;
+}
+
+void Node::configure(const Settings&) {}
+void Node::start() {}
+void Node::stop() {}
+
+void Node::setType(const NodeTypeEntry& type)
+{
+    const LockGuard guard(_stateLock);
+    _type = type;
+}
+
+std::string Node::getTypeName() const
+{
+    const LockGuard guard(_stateLock);
+    return _type._name;
+}
+
+void Node::setFieldValues(const std::string& text)
+{
+    if (const std::string label = getLabel(); !label.empty())
+        throw InvalidFieldException("node '" + label + "' already stands in the tree; take it out before you change " +
+                                    "its settings");
+    std::vector<Setting> table(std::begin(common), std::end(common));
+    {
+        const LockGuard guard(_stateLock);
+        table.insert(table.end(), _type._settings.begin(), _type._settings.end());
+    }
+    const Settings settings(std::move(table), text, getBaseURL());
+    configure(settings);
+    setDirty(true);
+    const LockGuard guard(_stateLock);
+    _wantedLabel = settings.text("label");
+    _configured = true;
+}
+
+bool Node::isConfigured() const
+{
+    const LockGuard guard(_stateLock);
+    return _configured;
+}
+
+std::string Node::getWantedLabel() const
+{
+    const LockGuard guard(_stateLock);
+    return _wantedLabel.empty() ? _type._name : _wantedLabel;
+}
+
+void Node::showLabel(const std::string& label)
+{
+    const LockGuard guard(_stateLock);
+    _shownLabel = label;
+}
+
+void Node::enter()
+{
+    const LockGuard guard(_lifeLock);
+    {
+        const LockGuard tree(_treeLock);
+        if (!standsUnderRoot())
+            return;
+    }
+    {
+        const LockGuard state(_stateLock);
+        _state = {false, {}, Time::getCurrentTime()};
+    }
+    start();
+    _started = true;
+}
+
+void Node::leave()
+{
+    const LockGuard guard(_lifeLock);
+    if (!_started)
+        return;
+    _started = false;
+    try {
+        stop();
+    } catch (...) {
+        logMessage(LogLevel::Fatal, "node '" + getLabel() + "' threw while it stopped: " + describeCurrentException());
+    }
+}
+
+void Node::setRunning()
+{
+    changeState(false, {});
+}
+
+void Node::setDegraded(const std::string& reason)
+{
+    changeState(true, reason);
+}
+
+void Node::changeState(bool degraded, const std::string& reason)
+{
+    std::string label;
+    {
+        const LockGuard guard(_stateLock);
+        if (_state._degraded == degraded && _state._reason == reason)
+            return;
+        const Time since = _state._degraded == degraded ? _state._since : Time::getCurrentTime();
+        _state = {degraded, reason, since};
+        label = _shownLabel.empty() ? _type._name : _shownLabel;
+    }
+    if (degraded)
+        logMessage(LogLevel::Warning, "node '" + label + "' is degraded: " + reason);
+    else
+        logMessage(LogLevel::Notice, "node '" + label + "' runs again");
+}
+
+NodeState Node::getState() const
+{
+    const LockGuard guard(_stateLock);
+    return _state;
+}
+
+Counter& Node::addCounter(const std::string& name)
+{
+    return _counters.emplace_back(name);
+}
+
+std::vector<CounterInfo> Node::getCounters() const
+{
+    std::vector<CounterInfo> counters;
+    for (const Counter& counter : _counters)
+        counters.push_back({counter.getName(), counter.get()});
+    return counters;
+}
+
+} // namespace Trovio

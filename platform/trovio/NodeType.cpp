@@ -1,0 +1,202 @@
+#include "trovio/NodeType.h"
+
+#include "trovio/Exception.h"
+#include "trovio/ExceptionText.h"
+#include "trovio/FrameworkLog.h"
+#include "trovio/Node.h"
+#include "trovio/NodeModuleFile.h"
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <set>
+
+namespace Trovio {
+
+using Ostrel::LockGuard;
+
+namespace {
+
+struct RegisteredType {
+    NodeTypeEntry _entry;
+    std::shared_ptr<NodeModuleFile> _module; // null for a type of the program itself
+};
+
+struct Registry {
+    Ostrel::Mutex _lock{Ostrel::LockRank::Registry};
+    std::map<std::string, RegisteredType> _types OSTREL_GUARDED_BY(_lock);
+};
+
+/// Never destroyed: types are looked up for as long as the process runs.
+Registry& registry()
+{
+    static auto* const instance = new Registry;
+    return *instance;
+}
+
+std::string joined(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "'" : ", '") + name + "'";
+    return text;
+}
+
+std::optional<RegisteredType> find(const std::string& name)
+{
+    Registry& types = registry();
+    const LockGuard guard(types._lock);
+    const auto found = types._types.find(name);
+    return found == types._types.end() ? std::nullopt : std::optional(found->second);
+}
+
+/// Adds the types of a module; those whose names are taken stay as they were.
+void enlist(const std::shared_ptr<NodeModuleFile>& module)
+{
+    Registry& types = registry();
+    for (const NodeTypeEntry& entry : module->getTypes()) {
+        const LockGuard guard(types._lock);
+        const auto [place, added] = types._types.try_emplace(entry._name, RegisteredType{entry, module});
+        const auto& owner = place->second._module;
+        if (!added && (!owner || owner->getPath() != module->getPath()))
+            logMessage(LogLevel::Warning,
+                       std::string("node type '") + entry._name + "' of module '" + module->getPath() +
+                           "' is not used: " + (owner ? "module '" + owner->getPath() + "'" : "the program") +
+                           " has a type of this name already");
+    }
+}
+
+RegisteredType load(const std::string& name)
+{
+    const auto folders = NodeModuleFile::searchFolders();
+    const std::string file = NodeModuleFile::fileNameFor(name);
+    for (const std::string& folder : folders) {
+        const auto path = std::filesystem::path(folder) / file;
+        std::error_code ignored;
+        if (!std::filesystem::exists(path, ignored))
+            continue;
+        enlist(std::make_shared<NodeModuleFile>(path.string()));
+        if (auto type = find(name))
+            return *std::move(type);
+        throw InvalidNodeException("module '" + path.string() + "' holds no node type '" + name +
+                                   "'; rebuild it, or remove the file");
+    }
+    throw InvalidNodeException("node type '" + name + "' is not known: no " + file + " in " + joined(folders) +
+                               "; check the name, install its module, or name its folder in TROVIO_NODE_PATH");
+}
+
+void checkName(const std::string& name)
+{
+    if (!NodeModuleFile::isValidName(name))
+        throw InvalidNodeException("'" + name + "' is no name of a node type; allowed are letters, digits and '_'");
+}
+
+/// Loads every module that can be found; the problem of each that cannot be loaded, by the name of its type.
+std::vector<NodeTypeInfo> loadAll()
+{
+    std::set<std::string> names;
+    for (const std::string& folder : NodeModuleFile::searchFolders()) {
+        std::error_code problem;
+        for (std::filesystem::directory_iterator file(folder, problem), end; !problem && file != end;
+             file.increment(problem)) {
+            if (const auto name = NodeModuleFile::typeNameOf(file->path().filename().string()); !name.empty())
+                names.insert(name);
+        }
+    }
+    std::vector<NodeTypeInfo> failed;
+    for (const std::string& name : names) {
+        try {
+            if (!find(name))
+                load(name);
+        } catch (const InvalidNodeException& problem) {
+            failed.push_back({name, {}, {}, {}, problem.getMessage()});
+        }
+    }
+    return failed;
+}
+
+} // namespace
+
+std::unique_ptr<Node> NodeType::newInstance(const std::string& name)
+{
+    checkName(name);
+    auto type = find(name);
+    if (!type)
+        type = load(name);
+    std::unique_ptr<Node> node;
+    try {
+        node = type->_entry._create();
+    } catch (...) {
+        throw InvalidNodeException("node type '" + name + "' could not be built: " + describeCurrentException());
+    }
+    if (!node)
+        throw InvalidNodeException("node type '" + name + "' could not be built: its factory made nothing");
+    node->setType(type->_entry);
+    node->_module = type->_module;
+    return node;
+}
+
+void NodeType::add(const NodeTypeEntry& type)
+{
+    checkName(type._name);
+    if (!type._create)
+        throw InvalidNodeException(std::string("node type '") + type._name + "' has no factory");
+    Registry& types = registry();
+    const LockGuard guard(types._lock);
+    if (!types._types.try_emplace(type._name, RegisteredType{type, nullptr}).second)
+        throw InvalidNodeException(std::string("node type '") + type._name + "' is there already; use another name");
+}
+
+void NodeType::remove(const std::string& name)
+{
+    Registry& types = registry();
+    const LockGuard guard(types._lock);
+    const auto found = types._types.find(name);
+    if (found != types._types.end() && !found->second._module)
+        types._types.erase(found);
+}
+
+std::vector<NodeTypeInfo> NodeType::list()
+{
+    std::vector<NodeTypeInfo> infos = loadAll();
+    Registry& types = registry();
+    {
+        const LockGuard guard(types._lock);
+        for (const auto& [name, type] : types._types)
+            infos.push_back({name,
+                             type._entry._description,
+                             {type._entry._settings.begin(), type._entry._settings.end()},
+                             type._module ? type._module->getPath() : "built in",
+                             {}});
+    }
+    std::sort(infos.begin(), infos.end(), [](const auto& left, const auto& right) { return left._name < right._name; });
+    return infos;
+}
+
+void NodeType::shutdown()
+{
+    std::map<std::string, RegisteredType> gone;
+    {
+        Registry& types = registry();
+        const LockGuard guard(types._lock);
+        gone.swap(types._types);
+    }
+    std::set<std::shared_ptr<NodeModuleFile>> modules;
+    for (const auto& [name, type] : gone) {
+        if (type._module)
+            modules.insert(type._module);
+    }
+    gone.clear();
+    // A node runs code of its module to its very end, so the last node must not be what closes it.
+    static auto* const kept = new std::vector<std::shared_ptr<NodeModuleFile>>; // open until the process ends
+    for (const auto& module : modules) {
+        if (module.use_count() == 1)
+            continue;
+        logMessage(LogLevel::Warning, "module '" + module->getPath() +
+                                          "' stays loaded: " + std::to_string(module.use_count() - 1) +
+                                          " of its nodes are still there; delete them before the shutdown");
+        kept->push_back(module);
+    }
+}
+
+} // namespace Trovio

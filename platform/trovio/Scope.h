@@ -1,0 +1,126 @@
+#pragma once
+
+#include "trovio/Inspection.h"
+#include "trovio/RouteRules.h"
+#include <map>
+#include <set>
+#include <unordered_set>
+
+namespace Trovio {
+
+class BasicInSlot;
+class BasicOutSlot;
+
+/// Everything that one namespace sees: slots under labels, the routes that join them, and the external routes that
+/// show them to the parent's scope.
+/// Invariant: while the scope is connecting, an out-slot and an in-slot are connected once for every route that leads
+///            from the one's label to the other's, if their value types are equal; otherwise not by routes at all.
+/// Ownership: refers to slots and to the parent's scope.
+/// Threads:   whoever holds the tree lock.
+class Scope {
+public:
+    Scope() = default;
+    ~Scope() = default; // touches no slot: they may be gone
+    Scope(const Scope&) = delete;
+    Scope& operator=(const Scope&) = delete;
+
+    /// Slots that stand here, not in a child. add throws Exception for a bad or taken label.
+    void addSlot(const std::string& label, BasicInSlot& slot);
+    void addSlot(const std::string& label, BasicOutSlot& slot);
+    void removeSlot(const std::string& label);
+
+    /// add throws Exception for a bad pattern; remove returns false for an unknown route.
+    void addRoute(const std::string& from, const std::string& to);
+    bool removeRoute(const std::string& from, const std::string& to);
+    void addExternalRoute(const std::string& pattern, const std::string& target);
+    bool removeExternalRoute(const std::string& pattern, const std::string& target);
+
+    /// Shows the slots to the parent's scope, for as long as it is attached.
+    void attach(Scope& parent, const std::string& label);
+    void detach();
+
+    /// Undoes all connections and makes no more, or makes them all again. A new scope connects.
+    void setConnecting(bool connecting);
+
+    /// Undoes all connections and forgets slots and routes. Only while nothing of a child is shown here.
+    void clear();
+
+    void inspect(NamespaceInfo& info) const;
+
+private:
+    struct Aim;
+    struct Route;
+    struct ExternalRoute;
+
+    struct Ends {
+        Slot* _slot;
+        BasicInSlot* _in; // one of these two is null
+        BasicOutSlot* _out;
+    };
+
+    /// A slot under one of the labels under which it is seen here.
+    struct Entry {
+        std::uint64_t _serial;
+        const std::string* _label; // the key under which it is kept
+        Ends _ends;
+        ExternalRoute* _shownBy;           // of the child that shows it; null for a slot of our own
+        Entry* _origin;                    // in that child's scope
+        std::set<Aim*, BySerial> _aims;    // where routes lead from it
+        std::set<Entry*, BySerial> _shown; // as it is seen in the parent
+    };
+
+    /// A route applied to an out-slot: the label of the in-slot that it leads to.
+    struct Aim {
+        std::uint64_t _serial;
+        const std::string* _target; // the key under which it is kept
+        Route* _route;
+        Entry* _from;
+    };
+
+    struct Route : RouteRule {
+        using RouteRule::RouteRule;
+        std::set<Aim*, BySerial> _aims;
+        std::size_t _connections = 0;
+        std::unordered_set<std::string> _reported; // mismatches that the log has seen
+    };
+
+    struct ExternalRoute : RouteRule {
+        using RouteRule::RouteRule;
+        std::set<Entry*, BySerial> _shown; // in the parent's scope
+    };
+
+    template <class Thing>
+    using ByLabel = std::unordered_map<std::string, std::map<std::uint64_t, Thing>>;
+
+    void addOwn(const std::string& label, const Ends& ends);
+    Entry& insert(const std::string& label, const Ends& ends, ExternalRoute* shownBy, Entry* origin);
+    void erase(Entry& entry);
+    void aim(Route& route, Entry& from, const std::vector<std::string_view>& matched);
+    void drop(Aim& aim);
+    void show(ExternalRoute& route, Entry& entry, const std::vector<std::string_view>& matched);
+    std::vector<Entry*> matching(const Pattern& pattern);
+    std::vector<const Entry*> sortedEntries() const;
+
+    void join(const Aim& aim, const Entry& to);
+    void part(const Aim& aim, const Entry& to);
+    void joinAll(bool join);
+    std::string mismatch(const Aim& aim, const Entry& to) const;
+    static std::string wrongWay(const Route& route, const std::string& label, const char* is, const char* must);
+    static std::string tooLong(const RouteRule& route, const std::string& label);
+    static void report(Route& route, const std::string& problem);
+
+    const Entry* findMatch(const Pattern& pattern) const;
+    RouteInfo inspectRoute(const Route& route) const;
+    std::string pendingReason(const Route& route, const RouteInfo& info) const;
+
+    ByLabel<Entry> _entries;
+    ByLabel<Aim> _aims;
+    RouteRules<Route> _routes;
+    RouteRules<ExternalRoute> _externalRoutes;
+    Scope* _parent = nullptr;
+    std::string _label; // in the parent
+    bool _connecting = true;
+    static std::uint64_t _nextSerial; // under the tree lock like everything here
+};
+
+} // namespace Trovio

@@ -1,0 +1,160 @@
+#include "trovio/Scope.h"
+
+#include "trovio/BasicInSlot.h"
+#include "trovio/BasicOutSlot.h"
+#include "trovio/FrameworkLog.h"
+#include <tuple>
+
+// How routes become connections, and what is told about those that do not.
+namespace Trovio {
+
+namespace {
+
+std::string quoted(const RouteRule& route)
+{
+    return "route '" + route._from.getText() + "' -> '" + route._to.getText() + "'";
+}
+
+} // namespace
+
+void Scope::join(const Aim& aim, const Entry& to)
+{
+    if (const std::string problem = mismatch(aim, to); !problem.empty()) {
+        report(*aim._route, problem);
+    } else if (_connecting) {
+        aim._from->_ends._out->connect(to._ends._in);
+        ++aim._route->_connections;
+    }
+}
+
+void Scope::part(const Aim& aim, const Entry& to)
+{
+    if (_connecting && mismatch(aim, to).empty()) {
+        aim._from->_ends._out->disconnect(to._ends._in);
+        --aim._route->_connections;
+    }
+}
+
+void Scope::setConnecting(bool connecting)
+{
+    if (connecting == _connecting)
+        return;
+    _connecting = true;
+    joinAll(connecting);
+    _connecting = connecting;
+}
+
+void Scope::joinAll(bool toJoin)
+{
+    for (const Route* route : _routes.all()) {
+        for (const Aim* aim : route->_aims) {
+            const auto found = _entries.find(*aim->_target);
+            if (found == _entries.end())
+                continue;
+            for (const auto& [serial, to] : found->second)
+                toJoin ? join(*aim, to) : part(*aim, to);
+        }
+    }
+}
+
+std::string Scope::mismatch(const Aim& aim, const Entry& to) const
+{
+    if (!to._ends._in)
+        return wrongWay(*aim._route, *to._label, "an out-slot", "in-slot");
+    const Slot& from = *aim._from->_ends._slot;
+    const Slot& target = *to._ends._slot;
+    if (from.getTypeID() == target.getTypeID())
+        return {};
+    return quoted(*aim._route) + ": '" + *aim._from->_label + "' carries " + from.getTypeName() + ", '" + *to._label +
+           "' takes " + target.getTypeName() + "; give both ends the same type, or route to another slot";
+}
+
+std::string Scope::wrongWay(const Route& route, const std::string& label, const char* is, const char* must)
+{
+    return quoted(route) + ": '" + label + "' is " + is + ", but this end of a route must be an " + must +
+           "; swap the two ends, or route to another slot";
+}
+
+std::string Scope::tooLong(const RouteRule& route, const std::string& label)
+{
+    return quoted(route) + ": of '" + label + "' it makes a label of none or of more than " +
+           std::to_string(MaxExpandedLength) + " bytes; use shorter labels";
+}
+
+void Scope::report(Route& route, const std::string& problem)
+{
+    if (route._reported.insert(problem).second)
+        logMessage(LogLevel::Warning, problem);
+}
+
+void Scope::inspect(NamespaceInfo& info) const
+{
+    for (const Entry* entry : sortedEntries())
+        info._slots.push_back({*entry->_label, entry->_ends._slot->getDirection(), entry->_ends._slot->getTypeName(),
+                               entry->_shownBy == nullptr});
+    for (const Route* route : _routes.all())
+        info._routes.push_back(inspectRoute(*route));
+    for (const ExternalRoute* route : _externalRoutes.all())
+        info._externalRoutes.push_back({route->_from.getText(), route->_to.getText(), route->_shown.size()});
+}
+
+std::vector<const Scope::Entry*> Scope::sortedEntries() const
+{
+    std::vector<const Entry*> entries;
+    for (const auto& [label, same] : _entries) {
+        for (const auto& [serial, entry] : same)
+            entries.push_back(&entry);
+    }
+    std::sort(entries.begin(), entries.end(), [](const Entry* left, const Entry* right) {
+        return std::tie(*left->_label, left->_serial) < std::tie(*right->_label, right->_serial);
+    });
+    return entries;
+}
+
+RouteInfo Scope::inspectRoute(const Route& route) const
+{
+    RouteInfo info{route._from.getText(), route._to.getText(), {}, route._connections, {}};
+    for (const Aim* aim : route._aims) {
+        const auto found = _entries.find(*aim->_target);
+        if (found == _entries.end()) {
+            info._pairs.push_back({*aim->_from->_label, *aim->_target, "no slot '" + *aim->_target + "' is in scope"});
+            continue;
+        }
+        for (const auto& [serial, to] : found->second) {
+            const std::string problem = mismatch(*aim, to);
+            info._pairs.push_back({*aim->_from->_label, *aim->_target,
+                                   problem.empty() && !_connecting ? "the namespace was taken out" : problem});
+        }
+    }
+    if (info.isPending())
+        info._reason = pendingReason(route, info);
+    return info;
+}
+
+std::string Scope::pendingReason(const Route& route, const RouteInfo& info) const
+{
+    // A mismatch is more to the point than an end that may still come.
+    for (const RoutePair& pair : info._pairs) {
+        if (_entries.contains(pair._to))
+            return pair._reason;
+    }
+    if (!info._pairs.empty())
+        return info._pairs.front()._reason;
+    const Entry* start = findMatch(route._from);
+    if (!start)
+        return "no slot '" + route._from.getText() + "' is in scope";
+    return start->_ends._in ? wrongWay(route, *start->_label, "an in-slot", "out-slot")
+                            : tooLong(route, *start->_label);
+}
+
+const Scope::Entry* Scope::findMatch(const Pattern& pattern) const
+{
+    const auto found = pattern.isLiteral()
+                           ? _entries.find(pattern.getText())
+                           : std::find_if(_entries.begin(), _entries.end(), [&pattern](const auto& same) {
+                                 return pattern.match(same.first).has_value();
+                             });
+    return found == _entries.end() ? nullptr : &found->second.begin()->second;
+}
+
+} // namespace Trovio
