@@ -1,0 +1,39 @@
+# What is installed, and how another project finds it.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/OstrelSensorManager)
+set(OSTREL_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/ostrelSensorManager)
+
+set_target_properties(ostrelSensorManager PROPERTIES EXPORT_NAME SensorManager)
+install(TARGETS ostrelSync osgBase merid ostrelBase ostrelDirectSensorNodePool Trovio trovioSlots ostrelSensorManager
+  EXPORT OstrelSensorManagerTargets
+  FILE_SET HEADERS DESTINATION ${OSTREL_INCLUDE_DIR})
+install(TARGETS ostrel-host)
+get_property(node_targets DIRECTORY nodes PROPERTY BUILDSYSTEM_TARGETS)
+foreach(target IN LISTS node_targets)
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "MODULE_LIBRARY")
+    install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/trovio)
+  endif()
+endforeach()
+install(EXPORT OstrelSensorManagerTargets NAMESPACE Ostrel:: DESTINATION ${package_dir})
+
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/OstrelSensorManagerConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/package/OstrelSensorManagerConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/package/OstrelSensorManagerConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/package/OstrelSensorManagerConfig.cmake
+  ${PROJECT_BINARY_DIR}/package/OstrelSensorManagerConfigVersion.cmake DESTINATION ${package_dir})
+
+# pkg-config finds the prefix from where its file stands, so that the tree may be moved.
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH OSTREL_PREFIX_FROM_PC /${pkgconfig_dir} /)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/ostrelSensorManager.pc.in ${PROJECT_BINARY_DIR}/package/ostrelSensorManager.pc
+  @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/package/ostrelSensorManager.pc DESTINATION ${pkgconfig_dir})
+
+install(FILES docs/man/ostrel-host.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES docs/man/ostrel-scene.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS)
