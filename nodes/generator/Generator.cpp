@@ -1,0 +1,101 @@
+#include "nodes/generator/Generator.h"
+
+#include "nodes/generator/TestPicture.h"
+#include "trovio/BasicOutSlot.h"
+
+namespace Trovio::Nodes {
+
+namespace {
+
+constexpr double longestLag = 1.0; // seconds
+constexpr std::size_t longestLabel = 1024;
+
+const Setting generatorSettings[] = {
+    Setting::text("type", "Float", "type of the values: any numeric slot type, Image, and each with []"),
+    Setting::text("slot", "value", "label of the out-slot"),
+    Setting::number("rate", "60", 0.001, 100000, "records a second"),
+    Setting::integer("count", "0", 0, 1e15, "records until it ends; 0: endless"),
+    Setting::choice("shape", "sine", "sine|ramp|square|steps|noise", "course of the values"),
+    Setting::number("frequency", "1", 0, 1e6, "periods a second"),
+    Setting::text("amplitude", "1", "half the height of the course; one number, or one for each component"),
+    Setting::text("offset", "0", "middle of the course; one number, or one for each component"),
+    Setting::text("phase", "0", "start of the course in periods; one number, or one for each component"),
+    Setting::integer("steps", "8", 2, 1000000, "levels of the shape steps"),
+    Setting::integer("seed", "1", 0, 1e15, "start of the shape noise; the same seed gives the same values"),
+    Setting::integer("elements", "4", 0, 1000000, "length of multiple values"),
+    Setting::integer("width", "64", 1, 4096, "pixels of a test picture from left to right"),
+    Setting::integer("height", "48", 1, 4096, "pixels of a test picture from top to bottom"),
+    Setting::choice("format", "RGB", TestPicture::FormatChoices, "pixel format of a test picture"),
+};
+
+} // namespace
+
+const NodeTypeEntry& Generator::getEntry()
+{
+    static constexpr auto create = []() -> std::unique_ptr<Node> {
+        return std::make_unique<Generator>(Clock::system());
+    };
+    static const NodeTypeEntry entry{"Generator", "made-up values at a steady rate, for tests and demonstrations",
+                                     generatorSettings, create};
+    return entry;
+}
+
+Generator::Generator(Clock& clock)
+    : _clock(clock), _records(addCounter("records")), _skipped(addCounter("skipped")), _worker(clock)
+{
+}
+
+Generator::~Generator() = default;
+
+void Generator::configure(const Settings& settings)
+{
+    const std::string& label = settings.text("slot");
+    if (label.empty() || label.size() > longestLabel)
+        throw settings.refusal("slot", "a text of 1 to " + std::to_string(longestLabel) + " bytes");
+    auto signal = Signal::create(settings);
+    if (_signal)
+        removeSlot(_slotLabel);
+    addOutSlot(label, &signal->getSlot());
+    _signal = std::move(signal);
+    _slotLabel = label;
+    _rate = settings.number("rate");
+    _count = static_cast<std::uint64_t>(settings.integer("count"));
+}
+
+void Generator::start()
+{
+    _next = 0;
+    _startTime = _clock.now();
+    _worker.start(
+        "generator", [this] { run(); }, [this](const std::string& problem) { setDegraded("ended: " + problem); });
+}
+
+void Generator::stop()
+{
+    _worker.stop();
+}
+
+void Generator::run()
+{
+    while (_worker.wait(isDone() ? std::nullopt : std::optional(dueTime())))
+        produceDue();
+}
+
+void Generator::produceDue()
+{
+    const double now = _clock.now();
+    const Time wallTime = _clock.wallTime();
+    if (now - dueTime() > longestLag) {
+        const auto late = static_cast<std::uint64_t>((now - dueTime()) * _rate);
+        _skipped.add(late);
+        _next += late;
+    }
+    while (!isDone() && dueTime() <= now && !_worker.isStopping()) {
+        const Tick tick{_next, static_cast<double>(_next) / _rate};
+        _signal->produce(tick, Time(wallTime.getSeconds() - (now - dueTime())));
+        _records.add();
+        ++_next;
+    }
+}
+
+} // namespace Trovio::Nodes

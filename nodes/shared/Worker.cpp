@@ -1,0 +1,127 @@
+#include "nodes/shared/Worker.h"
+
+#include "trovio/Exception.h"
+#include <array>
+#include <csignal>
+#include <cstdint>
+#include <poll.h>
+#include <pthread.h>
+#include <stdexcept>
+#include <sys/eventfd.h>
+#include <system_error>
+
+namespace Trovio::Nodes {
+
+namespace {
+
+constexpr std::size_t maxDescriptors = 8;
+
+/// Signals are for the program's own threads: a worker that caught one would only be in the way.
+class NoSignals {
+public:
+    NoSignals()
+    {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_BLOCK, &all, &_before);
+    }
+    ~NoSignals() { pthread_sigmask(SIG_SETMASK, &_before, nullptr); }
+    NoSignals(const NoSignals&) = delete;
+    NoSignals& operator=(const NoSignals&) = delete;
+
+private:
+    sigset_t _before{};
+};
+
+void runGuarded(const std::function<void()>& body, const std::function<void(const std::string&)>& failed)
+{
+    try {
+        body();
+    } catch (const std::exception& problem) {
+        failed(problem.what());
+    } catch (const Exception& problem) {
+        failed(problem.getMessage());
+    }
+}
+
+} // namespace
+
+Worker::Worker(Clock& clock) : _event(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)), _alarm(clock.createAlarm())
+{
+    if (!_event.isOpen())
+        throw std::system_error(errno, std::generic_category(), "no event descriptor");
+}
+
+Worker::~Worker()
+{
+    stop();
+}
+
+void Worker::start(const char* name, std::function<void()> body, std::function<void(const std::string&)> failed)
+{
+    _stopping = false;
+    const NoSignals inherited;
+    _thread = std::thread([body = std::move(body), failed = std::move(failed)] { runGuarded(body, failed); });
+    pthread_setname_np(_thread.native_handle(), std::string(name).substr(0, 15).c_str());
+}
+
+void Worker::stop()
+{
+    if (!_thread.joinable())
+        return;
+    _stopping = true;
+    signal();
+    _thread.join();
+}
+
+void Worker::wake()
+{
+    if (!_signalled.exchange(true))
+        signal();
+}
+
+bool Worker::wait(std::optional<double> until, std::span<const int> descriptors)
+{
+    if (isStopping())
+        return false;
+    if (descriptors.size() > maxDescriptors)
+        throw std::logic_error("a worker waits for at most " + std::to_string(maxDescriptors) + " descriptors");
+    setAlarm(until);
+
+    std::array<pollfd, maxDescriptors + 2> waiting{{{_event.get(), POLLIN, 0}, {_alarm->getDescriptor(), POLLIN, 0}}};
+    std::size_t count = 2;
+    for (const int descriptor : descriptors)
+        waiting[count++] = {descriptor, POLLIN, 0};
+    ::poll(waiting.data(), count, -1);
+    if (waiting[0].revents != 0)
+        clearSignal();
+    return !isStopping();
+}
+
+void Worker::setAlarm(std::optional<double> until)
+{
+    // An alarm that went off stays so until it is set anew, so the same one need not be set twice.
+    if (until == _until)
+        return;
+    _until = until;
+    if (until)
+        _alarm->set(*until);
+    else
+        _alarm->clear();
+}
+
+void Worker::signal()
+{
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const auto written = ::write(_event.get(), &one, sizeof(one)); // fails only where it is set anyway
+}
+
+void Worker::clearSignal()
+{
+    // Emptied before the mark is taken away: a wake() in between is seen by the caller, who looks at its work now.
+    std::uint64_t count = 0;
+    [[maybe_unused]] const auto taken = ::read(_event.get(), &count, sizeof(count));
+    _signalled = false;
+}
+
+} // namespace Trovio::Nodes

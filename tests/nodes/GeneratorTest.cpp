@@ -1,0 +1,209 @@
+#include "nodes/generator/Generator.h"
+#include "nodes/generator/TestPicture.h"
+#include "tests/nodes/ManualClock.h"
+#include "tests/nodes/NodeFixture.h"
+#include "trovio/OutSlot.h"
+#include "trovio/SlotTypes.h"
+#include <set>
+
+namespace Trovio::Nodes {
+namespace {
+
+Settings settingsOf(const std::string& text)
+{
+    const auto table = Generator::getEntry()._settings;
+    return Settings({table.begin(), table.end()}, text);
+}
+
+std::vector<double> course(const std::string& text, std::size_t length, std::size_t component = 0)
+{
+    const Settings settings = settingsOf(text);
+    const Wave wave(settings, 2);
+    std::vector<double> values;
+    for (std::size_t i = 0; i < length; ++i)
+        values.push_back(wave.value({i, static_cast<double>(i) / settings.number("rate")}, component, 0.0));
+    return values;
+}
+
+struct Course {
+    const char* _name;
+    const char* _settings;
+    std::vector<double> _expected;
+};
+class WaveCourse : public ::testing::TestWithParam<Course> {};
+
+TEST_P(WaveCourse, FollowsItsFormula)
+{
+    const auto& row = GetParam();
+    const auto values = course(row._settings, row._expected.size());
+    for (std::size_t i = 0; i < values.size(); ++i)
+        EXPECT_NEAR(values[i], row._expected[i], 1e-12) << "record " << i;
+}
+INSTANTIATE_TEST_SUITE_P(
+    Of, WaveCourse,
+    ::testing::Values(Course{"Sine", "rate=4", {0, 1, 0, -1, 0}},
+                      Course{"Ramp", "rate=4 shape=ramp", {-1, -.5, 0, .5, -1}},
+                      Course{"Square", "rate=4 shape=square", {1, 1, -1, -1, 1}},
+                      Course{"Steps", "rate=8 shape=steps steps=3", {-1, -1, -1, 0, 0, 0, 1, 1, -1}},
+                      Course{"Standing", "rate=4 frequency=0 phase=0.25", {1, 1, 1}},
+                      Course{"Scaled", "rate=4 amplitude=3 offset=10", {10, 13, 10, 7}},
+                      Course{"NegativePhase", "rate=4 shape=ramp phase=-0.25", {.5, -1, -.5}},
+                      Course{"OwnNumbersForEachComponent", "rate=4 amplitude='2 5' offset=' 1  7 ' ", {1, 3, 1, -1}}),
+    [](const auto& row) { return std::string(row.param._name); });
+
+TEST(WaveNoise, DependsOnSeedRecordAndComponentOnly)
+{
+    const auto values = course("shape=noise seed=7", 1000);
+    EXPECT_EQ(values, course("shape=noise seed=7 rate=3", 1000));
+    EXPECT_NE(values, course("shape=noise seed=8", 1000));
+    EXPECT_NE(values, course("shape=noise seed=7", 1000, 1));
+    EXPECT_EQ(std::set<double>(values.begin(), values.end()).size(), values.size());
+    EXPECT_LT(*std::max_element(values.begin(), values.end()), 1.0);
+    EXPECT_GE(*std::min_element(values.begin(), values.end()), -1.0);
+}
+
+/// The value of one tick as a slot of type T receives it.
+template <class T>
+T produced(const std::string& text, const Tick& tick = {})
+{
+    const auto signal = Signal::create(settingsOf(text + " type=" + TypeName<T>::getName()));
+    InSlot<T> receiver("");
+    receiver.connect(&signal->getSlot());
+    signal->produce(tick, Time(1.0));
+    receiver.disconnect(&signal->getSlot());
+    return receiver.pop().getValue();
+}
+
+TEST(Signal, EveryTypeButStringsIsProduced)
+{
+    int types = 0;
+    forEachSlotType([&]<class T>(TypeTag<T>) {
+        if constexpr (!std::is_same_v<T, std::string> && !std::is_same_v<T, SharedVector<std::string>>) {
+            produced<T>("");
+            ++types;
+        }
+    });
+    EXPECT_EQ(types, 38);
+}
+
+TEST(Signal, ValuesOfEveryKind)
+{
+    EXPECT_EQ((produced<Vec3<float>>("amplitude=0 offset='1 2 3'")), (Vec3<float>(1, 2, 3)));
+    EXPECT_EQ(produced<long>("amplitude=0 offset=-2.5"), -3);
+    EXPECT_EQ(produced<bool>("shape=square"), true);
+    EXPECT_EQ(produced<bool>("shape=square phase=0.5"), false);
+    EXPECT_EQ(produced<Time>("amplitude=0 offset=12.5"), Time(12.5));
+    EXPECT_EQ(produced<Rotation>("amplitude=0 offset='0 0 0 5'"), Rotation());
+    EXPECT_EQ(produced<Rotation>("amplitude=0"), Rotation());
+    EXPECT_EQ(produced<Rotation>("amplitude=0 offset='3 0 4 0'"), Rotation(0.6F, 0, 0.8F, 0));
+    EXPECT_EQ(*produced<SharedVector<double>>("shape=ramp elements=4"), (std::vector<double>{-1, -.5, 0, .5}));
+    EXPECT_TRUE(produced<SharedVector<long>>("elements=0")->empty());
+    EXPECT_EQ(produced<SharedVector<Image>>("elements=2 width=3 height=5")->at(1).getDataSize(), 45U);
+}
+
+TEST(TestPicture, ShowsTheSameInEveryColourFormat)
+{
+    for (const char* format : {"BGR", "RGB", "BGRA", "RGBA", "ARGB", "ABGR"}) {
+        Image image;
+        TestPicture(settingsOf(std::string("width=7 height=5 format=") + format)).draw(300, image);
+        Image rgb;
+        ASSERT_TRUE(image.convertFormat(Image::RGB, rgb)) << format;
+        const std::uint8_t* const last = rgb.getData() + rgb.getDataSize() - 3;
+        EXPECT_EQ(std::vector<int>(rgb.getData(), rgb.getData() + 6), (std::vector<int>{0, 0, 44, 42, 0, 44}))
+            << format;
+        EXPECT_EQ(std::vector<int>(last, last + 3), (std::vector<int>{255, 255, 44})) << format;
+    }
+}
+
+struct Refused {
+    const char* _name;
+    const char* _settings;
+    const char* _mentioned;
+};
+class GeneratorRefuses : public ::testing::TestWithParam<Refused> {};
+
+TEST_P(GeneratorRefuses, AndKeepsItsSlot)
+{
+    Generator generator(Clock::system());
+    generator.setType(Generator::getEntry());
+    generator.setFieldValues("slot=kept");
+    try {
+        generator.setFieldValues(GetParam()._settings);
+        ADD_FAILURE() << "accepted";
+    } catch (const InvalidFieldException& refusal) {
+        EXPECT_NE(refusal.getMessage().find(GetParam()._mentioned), std::string::npos) << refusal.getMessage();
+    }
+    EXPECT_EQ(generator.inspect()._slots.at(0)._label, "kept");
+}
+INSTANTIATE_TEST_SUITE_P(
+    Setting, GeneratorRefuses,
+    ::testing::Values(Refused{"UnknownType", "type=Vec5f", "Vec4f"}, Refused{"String", "type=String[]", "type"},
+                      Refused{"NoSlotLabel", "slot=''", "slot"},
+                      Refused{"TooManyNumbers", "amplitude='1 2'", "one number"},
+                      Refused{"TooFewNumbers", "type=Vec3f offset='1 2'", "or 3"},
+                      Refused{"NoNumber", "phase=x", "phase"}, Refused{"Endless", "offset=inf", "1e12"},
+                      Refused{"Blank", "offset=' '", "offset"}, Refused{"OneStep", "steps=1", "steps"}),
+    [](const auto& row) { return std::string(row.param._name); });
+
+class RunningGenerator : public ::testing::Test {
+protected:
+    /// Stands under the root and feeds a probe, with the record of time 0 already taken.
+    void run(const std::string& settings)
+    {
+        _node.emplace(std::make_unique<Generator>(_clock), settings);
+        _probe.emplace("Generator/value");
+        _probe->next();
+    }
+    std::vector<double> take(std::size_t count)
+    {
+        std::vector<double> values;
+        for (std::size_t i = 0; i < count; ++i)
+            values.push_back(_probe->next().getValue());
+        return values;
+    }
+
+    OpenRoot _root;
+    ManualClock _clock;
+    std::optional<StandingNode<Generator>> _node;
+    std::optional<Probe<double>> _probe;
+};
+
+TEST_F(RunningGenerator, PushesEachRecordOnceWithTheTimeItWasDue)
+{
+    run("type=Double rate=4 shape=ramp");
+    _clock.advance(0.25);
+    EXPECT_EQ(take(1), std::vector{-.5});
+    _clock.advance(0.6);
+    const auto second = _probe->next();
+    EXPECT_EQ(second.getValue(), 0.0);
+    EXPECT_NEAR(second.getTimeStamp().getSeconds(), ManualClock::Epoch + 0.5, 1e-6);
+    EXPECT_EQ(take(1), std::vector{.5});
+    _node->stop();
+    EXPECT_EQ(_node->count("records"), 4U);
+    EXPECT_EQ(_node->count("skipped"), 0U);
+}
+
+TEST_F(RunningGenerator, LeavesOutWhatIsLongOverdue)
+{
+    run("type=Double rate=4 frequency=0 amplitude=0");
+    _clock.advance(100.25); // records 1 to 401 are due, the last 2 of them hardly late
+    take(1);
+    _node->stop();
+    EXPECT_EQ(_node->count("records") + _node->count("skipped"), 402U);
+    EXPECT_GE(_node->count("skipped"), 396U);
+}
+
+TEST_F(RunningGenerator, EndsAfterItsCountAndStartsOverWhenItStandsAgain)
+{
+    run("type=Double rate=4 count=3 shape=ramp");
+    _clock.advance(1.0);
+    EXPECT_EQ(take(2), (std::vector{-.5, 0.0}));
+    _clock.advance(1.0);
+    _node->stop();
+    EXPECT_EQ(_node->count("records"), 3U);
+    _node->standAgain();
+    EXPECT_EQ(take(1), std::vector{-1.0});
+}
+
+} // namespace
+} // namespace Trovio::Nodes

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "trovio/BufferedInSlot.h"
+#include "trovio/Node.h"
+#include "trovio/Root.h"
+#include <gtest/gtest.h>
+
+namespace Trovio::Nodes {
+
+/// Keeps the root open for a test, and closes it when all nodes are gone.
+class OpenRoot {
+public:
+    OpenRoot() { Root::init(); }
+    ~OpenRoot() { Root::shutdown(); }
+};
+
+/// A node that stands under the root, and so has started, while this lives.
+template <class NodeT>
+class StandingNode {
+public:
+    StandingNode(std::unique_ptr<NodeT> node, const std::string& settings) : _node(node.get())
+    {
+        node->setType(NodeT::getEntry());
+        node->setFieldValues(settings);
+        _label = Root::get().addNamespace(std::unique_ptr<Node>(std::move(node)));
+    }
+    ~StandingNode() { stop(); }
+    StandingNode(const StandingNode&) = delete;
+    StandingNode& operator=(const StandingNode&) = delete;
+
+    NodeT* operator->() { return _node; }
+    const std::string& getLabel() const { return _label; }
+
+    void stop()
+    {
+        if (!_taken)
+            _taken = Root::get().removeNamespace(_label);
+    }
+
+    /// Puts a stopped node back under the root.
+    void standAgain() { _label = Root::get().addNamespace(_label, std::move(_taken)); }
+
+    std::uint64_t count(const std::string& counter) const
+    {
+        for (const auto& [name, value] : _node->getCounters())
+            if (name == counter)
+                return value;
+        ADD_FAILURE() << "no counter '" << counter << "'";
+        return 0;
+    }
+
+private:
+    NodeT* _node;
+    std::string _label;
+    std::unique_ptr<Namespace> _taken;
+};
+
+/// Reads what a node pushes, through a route.
+template <class T>
+class Probe {
+public:
+    explicit Probe(const std::string& source, unsigned capacity = 4096) : _source(source), _slot("probe", capacity)
+    {
+        Root::get().addInSlot(label(), &_slot);
+        Root::get().addRoute(_source, label());
+    }
+    ~Probe()
+    {
+        Root::get().removeRoute(_source, label());
+        Root::get().removeSlot(label());
+    }
+    Probe(const Probe&) = delete;
+    Probe& operator=(const Probe&) = delete;
+
+    Data<T> next() { return _slot.pop(); }
+    BufferedInSlot<T>& slot() { return _slot; }
+
+private:
+    std::string label() const { return "probe of " + _source; }
+
+    const std::string _source;
+    BufferedInSlot<T> _slot;
+};
+
+} // namespace Trovio::Nodes
