@@ -44,11 +44,14 @@ std::string hexText(char c)
     return {'%', digits[byte >> 4U], digits[byte & 0xFU]};
 }
 
-/// Long texts are cut, so that a message stays readable.
+/// Long texts are cut, so that a message stays readable; a zero byte would end it.
 std::string quoted(std::string_view text)
 {
     constexpr std::size_t longest = 200;
-    return "'" + std::string(text.substr(0, longest)) + (text.size() > longest ? "…'" : "'");
+    std::string result = "'";
+    for (const char c : text.substr(0, longest))
+        result += c == '\0' ? hexText(c) : std::string(1, c);
+    return result + (text.size() > longest ? "…'" : "'");
 }
 
 [[noreturn]] void refuse(std::string_view text, const std::string& problem)

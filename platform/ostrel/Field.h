@@ -73,7 +73,7 @@ public:
     /// One change passes through at most so many fields in a row, and so many times from field to field in all. What is
     /// beyond is not sent, and a warning says so.
     static constexpr unsigned maxDepth = 1'000;
-    static constexpr unsigned maxDeliveries = 1'000'000;
+    static constexpr unsigned maxDeliveries = 100'000;
 
 private:
     class Sending;

@@ -1,0 +1,151 @@
+#include "ostrel/Scene.h"
+
+#include "ostrel/FieldTypes.h"
+#include "tests/ostrel/Recorder.h"
+#include <gtest/gtest.h>
+#include <stdexcept>
+
+using namespace Ostrel;
+
+namespace {
+
+DirectSensor& addSensor(Scene& scene, const std::string& name, bool output = false)
+{
+    auto sensor = std::make_unique<DirectSensor>(std::make_unique<SFFloat>());
+    sensor->setName(name);
+    sensor->setOutput(output);
+    return scene.add(std::move(sensor));
+}
+
+std::string namesOf(const std::vector<DirectSensor*>& sensors)
+{
+    std::string names;
+    for (const DirectSensor* sensor : sensors)
+        names += sensor->getName();
+    return names;
+}
+
+Subject& updates(DirectSensor& sensor)
+{
+    return sensor.getDirectSensorProc()->getUpdateSubject();
+}
+
+TEST(Scene, ServicesInputsBeforeOutputsInSceneOrder)
+{
+    std::string order;
+    Recorder recorder([&order](BaseObject* object) { order += dynamic_cast<DirectSensor&>(*object).getName(); });
+    Scene scene;
+    for (const char* name : {"A", "b", "C", "d"})
+        updates(addSensor(scene, name, *name >= 'a')).attach(recorder);
+    scene.frame(3.0);
+    EXPECT_EQ(order, "ACbd");
+    EXPECT_EQ(recorder._times, (std::vector<double>{3, 3, 3, 3}));
+}
+
+TEST(Scene, LinkedValueGoesOutInTheFrameItCameIn)
+{
+    Scene scene;
+    DirectSensor& output = addSensor(scene, "out", true);
+    DirectSensor& input = addSensor(scene, "in");
+    auto& from = dynamic_cast<SFFloat&>(*input.getField());
+    auto& to = dynamic_cast<SFFloat&>(*output.getField());
+    from.linkTo(to);
+    Recorder feeds([&from](auto*) {
+        from.value() += 1.0F;
+        from.processValueChange(1.0, CallerOutside);
+    });
+    std::vector<float> sent;
+    Recorder sends([&](auto*) { sent.push_back(to.value()); });
+    updates(input).attach(feeds);
+    updates(output).attach(sends);
+    scene.frame(1.0);
+    scene.frame(1.0);
+    EXPECT_EQ(sent, (std::vector<float>{1, 2}));
+}
+
+TEST(Scene, SensorsMayComeAndGoDuringAFrame)
+{
+    Scene scene;
+    Recorder others;
+    DirectSensor& first = addSensor(scene, "first");
+    DirectSensor& next = addSensor(scene, "next");
+    updates(next).attach(others);
+    updates(addSensor(scene, "last")).attach(others);
+    Recorder changes([&](auto*) {
+        scene.remove(next);
+        updates(addSensor(scene, "new")).attach(others);
+        scene.remove(first); // the one that is being serviced
+    });
+    updates(first).attach(changes);
+    scene.frame(1.0);
+    EXPECT_EQ(others.count(), 1U);
+    EXPECT_EQ(namesOf(scene.sensors()), "lastnew");
+    scene.frame(2.0);
+    EXPECT_EQ(others.count(), 3U);
+}
+
+TEST(Scene, TellsWhatChangedOnce)
+{
+    Scene scene;
+    DirectSensor& a = addSensor(scene, "a");
+    addSensor(scene, "b");
+    DirectSensor& c = addSensor(scene, "c");
+    for (DirectSensor* sensor : {&c, &a, &c})
+        sensor->getField()->processValueChange(1.0, CallerOutside);
+    EXPECT_EQ(namesOf(scene.takeChanged()), "ac");
+    EXPECT_EQ(namesOf(scene.takeChanged()), "");
+    c.getField()->processValueChange(1.0, CallerOutside);
+    scene.remove(c);
+    EXPECT_EQ(namesOf(scene.takeChanged()), "");
+}
+
+TEST(Scene, TakesBackASensorWhoseRegistrationFails)
+{
+    Scene scene;
+    Recorder unregisters;
+    DirectSensorProc::unregisterSubject().attach(unregisters);
+    {
+        Recorder throws([](auto*) { throw std::runtime_error("no"); });
+        DirectSensorProc::registerSubject().attach(throws);
+        EXPECT_THROW(addSensor(scene, "a"), std::runtime_error);
+    }
+    EXPECT_EQ(scene.size(), 0U);
+    EXPECT_EQ(unregisters.count(), 1U);
+    addSensor(scene, "b");
+    EXPECT_EQ(namesOf(scene.sensors()), "b");
+}
+
+TEST(Scene, RemovedSensorLeavesTheContext)
+{
+    Scene scene;
+    Scene other;
+    DirectSensor& sensor = addSensor(scene, "a");
+    EXPECT_EQ(sensor.context(), &scene.context());
+    EXPECT_EQ(other.remove(sensor), nullptr);
+    const auto removed = scene.remove(sensor);
+    ASSERT_EQ(removed.get(), &sensor);
+    EXPECT_EQ(removed->context(), nullptr);
+    EXPECT_EQ(removed->parent(), nullptr);
+    EXPECT_EQ(scene.remove(sensor), nullptr);
+}
+
+TEST(Scene, UnregistersAllSensorsBeforeTheContextEnds)
+{
+    const int before = BaseObject::_objCount;
+    std::string order;
+    Recorder unregisters([&order](BaseObject* object) {
+        const auto& sensor = dynamic_cast<DirectSensor&>(*object);
+        EXPECT_EQ(sensor.context()->getAttachment(0), nullptr); // it lives
+        order += sensor.getName();
+    });
+    DirectSensorProc::unregisterSubject().attach(unregisters);
+    {
+        Scene scene;
+        addSensor(scene, "a");
+        addSensor(scene, "b");
+    }
+    EXPECT_EQ(order, "ab");
+    EXPECT_EQ(BaseObject::_objCount, before);
+}
+
+} // namespace
