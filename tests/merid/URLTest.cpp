@@ -47,18 +47,6 @@ TEST(URL, RefusesWithPlaceAndCure)
     EXPECT_LT(problemOf([] { const URL url(std::string(1'000'000, '!')); }).size(), 500U);
 }
 
-TEST(URL, CopiesShareOneText)
-{
-    const URL first("file:.");
-    {
-        const URL second = first;
-        EXPECT_EQ(&second.str(), &first.str());
-        EXPECT_EQ(first.useCount(), 2);
-    }
-    EXPECT_EQ(first.useCount(), 1);
-    EXPECT_EQ(URL().useCount(), 0);
-}
-
 TEST(URL, ResolvesBelowTheBase)
 {
     struct Row {

@@ -115,20 +115,6 @@ TEST(Scene, TakesBackASensorWhoseRegistrationFails)
     EXPECT_EQ(namesOf(scene.sensors()), "b");
 }
 
-TEST(Scene, RemovedSensorLeavesTheContext)
-{
-    Scene scene;
-    Scene other;
-    DirectSensor& sensor = addSensor(scene, "a");
-    EXPECT_EQ(sensor.context(), &scene.context());
-    EXPECT_EQ(other.remove(sensor), nullptr);
-    const auto removed = scene.remove(sensor);
-    ASSERT_EQ(removed.get(), &sensor);
-    EXPECT_EQ(removed->context(), nullptr);
-    EXPECT_EQ(removed->parent(), nullptr);
-    EXPECT_EQ(scene.remove(sensor), nullptr);
-}
-
 TEST(Scene, UnregistersAllSensorsBeforeTheContextEnds)
 {
     const int before = BaseObject::_objCount;
