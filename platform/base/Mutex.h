@@ -19,6 +19,15 @@ public:
         _mutex.lock();
     }
 
+    /// Takes the mutex if nobody holds it. Not by the thread that holds it already.
+    bool tryLock() OSTREL_TRY_ACQUIRE(true)
+    {
+        if (!_mutex.try_lock())
+            return false;
+        HeldRanks::acquire(_rank);
+        return true;
+    }
+
     void unlock() OSTREL_RELEASE()
     {
         _mutex.unlock();

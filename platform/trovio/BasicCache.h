@@ -13,6 +13,7 @@ public:
     BasicCache& operator=(const BasicCache&) = delete;
 
     void lock() OSTREL_ACQUIRE() OSTREL_NO_THREAD_SAFETY_ANALYSIS { _mutex.lock(); }
+    bool tryLock() OSTREL_TRY_ACQUIRE(true) OSTREL_NO_THREAD_SAFETY_ANALYSIS { return _mutex.tryLock(); }
     void unlock() OSTREL_RELEASE() OSTREL_NO_THREAD_SAFETY_ANALYSIS { _mutex.unlock(); }
 
 private:

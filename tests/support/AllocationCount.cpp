@@ -1,0 +1,70 @@
+#include "tests/support/AllocationCount.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<std::uint64_t> calls{0};
+
+void* counted(std::size_t size, std::size_t alignment)
+{
+    calls.fetch_add(1, std::memory_order_relaxed);
+    void* memory = nullptr;
+    if (posix_memalign(&memory, alignment < sizeof(void*) ? sizeof(void*) : alignment, size ? size : 1) != 0)
+        throw std::bad_alloc();
+    return memory;
+}
+
+} // namespace
+
+std::uint64_t AllocationCount::total()
+{
+    return calls.load(std::memory_order_relaxed);
+}
+
+void* operator new(std::size_t size)
+{
+    return counted(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+}
+
+void* operator new[](std::size_t size)
+{
+    return counted(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+}
+
+void* operator new(std::size_t size, std::align_val_t alignment)
+{
+    return counted(size, static_cast<std::size_t>(alignment));
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::align_val_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept
+{
+    std::free(memory);
+}
