@@ -8,7 +8,6 @@ set_target_properties(ostrelSensorManager PROPERTIES EXPORT_NAME SensorManager)
 install(TARGETS ostrelSync osgBase merid ostrelBase ostrelDirectSensorNodePool Trovio trovioSlots ostrelSensorManager
   EXPORT OstrelSensorManagerTargets
   FILE_SET HEADERS DESTINATION ${OSTREL_INCLUDE_DIR})
-install(TARGETS ostrel-host)
 get_property(node_targets DIRECTORY nodes PROPERTY BUILDSYSTEM_TARGETS)
 foreach(target IN LISTS node_targets)
   get_target_property(type ${target} TYPE)
