@@ -1,6 +1,6 @@
 #include "osg/Image.h"
 
-#include "tests/osg/LogCapture.h"
+#include "tests/support/LogCapture.h"
 #include <gtest/gtest.h>
 #include <limits>
 

@@ -2,7 +2,7 @@
 
 #include "osg/LogMessage.h"
 #include "osg/LogText.h"
-#include "tests/osg/LogCapture.h"
+#include "tests/support/LogCapture.h"
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>

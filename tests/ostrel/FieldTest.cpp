@@ -1,7 +1,7 @@
 #include "ostrel/Field.h"
 
 #include "ostrel/FieldTypes.h"
-#include "tests/osg/LogCapture.h"
+#include "tests/support/LogCapture.h"
 #include "tests/ostrel/Recorder.h"
 #include <deque>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "ostrel/AttachmentBag.h"
 #include "ostrel/Node.h"
 #include "ostrel/RefCountObject.h"
-#include "tests/osg/LogCapture.h"
+#include "tests/support/LogCapture.h"
 #include <gtest/gtest.h>
 #include <memory>
 
