@@ -1,20 +1,14 @@
 #include "trovio/FrameworkLog.h"
 
-#include "osg/Log.h"
+#include "osg/LogMessage.h"
 #include <filesystem>
 
 namespace Trovio {
 
-void logMessage(LogLevel level, const std::string& text, const std::source_location& where)
+void logMessage(LogLevel level, const std::string& text, const char* file, unsigned line, const char* function)
 {
-    if (!osg::osgLogP)
-        osg::doInitLog();
-    if (osg::osgLogP->getLogLevel() < static_cast<int>(level))
-        return;
-    const std::string file = "trovio/" + std::filesystem::path(where.file_name()).stem().string();
-    osg::osgStartLog(true, static_cast<int>(level), "Trovio", file.c_str(), where.line(), where.function_name());
-    osg::osgLogP->doLog("%s\n", text.c_str());
-    osg::Log::_pLogLock->release();
+    const std::string place = "trovio/" + std::filesystem::path(file).stem().string();
+    osg::logMessage(static_cast<int>(level), {"Trovio", place.c_str(), line, function}, "%s\n", text.c_str());
 }
 
 } // namespace Trovio

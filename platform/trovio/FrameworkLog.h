@@ -1,6 +1,5 @@
 #pragma once
 
-#include <source_location>
 #include <string>
 
 namespace Trovio {
@@ -10,7 +9,7 @@ enum class LogLevel : int { Fatal = 1, Warning = 2, Notice = 3 };
 
 /// Writes one line, with module "Trovio" and the place of the caller, if the log's level admits it.
 /// Any thread, under any lock but the log's.
-void logMessage(LogLevel level, const std::string& text,
-                const std::source_location& where = std::source_location::current());
+void logMessage(LogLevel level, const std::string& text, const char* file = __builtin_FILE(),
+                unsigned line = __builtin_LINE(), const char* function = __builtin_FUNCTION());
 
 } // namespace Trovio

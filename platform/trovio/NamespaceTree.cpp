@@ -4,7 +4,6 @@
 #include "trovio/Pattern.h"
 #include "trovio/Root.h"
 #include "trovio/Scope.h"
-#include <ranges>
 
 // Children: how they come, how they go, and when their nodes run.
 namespace Trovio {
@@ -45,8 +44,7 @@ std::string Namespace::adopt(const std::string& wanted, std::unique_ptr<Namespac
         for (Node* node : nodes)
             node->enter();
     } catch (...) {
-        for (Node* node : std::views::reverse(nodes))
-            node->leave();
+        stopAll(nodes);
         std::unique_ptr<Namespace> refused; // goes after the lock
         const LockGuard guard(_treeLock);
         refused = unlink(position);
@@ -86,6 +84,13 @@ std::unique_ptr<Namespace> Namespace::unlink(Children::iterator position)
     return child;
 }
 
+/// In the opposite order of their start; those that did not start are left alone.
+void Namespace::stopAll(const std::vector<Node*>& nodes)
+{
+    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node)
+        (*node)->leave();
+}
+
 Namespace* Namespace::getNamespace(const std::string& label) const
 {
     const LockGuard guard(_treeLock);
@@ -106,8 +111,7 @@ std::unique_ptr<Namespace> Namespace::removeNamespace(const std::string& label)
         position->second->_presence = Presence::Leaving;
         position->second->collectNodes(nodes);
     }
-    for (Node* node : std::views::reverse(nodes))
-        node->leave();
+    stopAll(nodes);
     const LockGuard guard(_treeLock);
     return unlink(position);
 }

@@ -1,0 +1,139 @@
+#include "trovio/NodeType.h"
+#include "tests/framework/CapturedLog.h"
+#include "trovio/Exception.h"
+#include "trovio/Node.h"
+#include "trovio/NodeModuleFile.h"
+#include "trovio/Root.h"
+#include <algorithm>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+using Trovio::NodeType;
+using Trovio::Root;
+
+namespace {
+
+const std::string goodModule = TEST_MODULES "/trovio-node-Good.so";
+
+bool isLoaded(const std::string& path)
+{
+    void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    if (library)
+        dlclose(library);
+    return library != nullptr;
+}
+
+class Modules : public ::testing::Test {
+protected:
+    Modules()
+    {
+        setenv("TROVIO_NODE_PATH", "::/nonexistent:" TEST_MODULES ":", 1);
+        Root::init();
+    }
+    ~Modules() override
+    {
+        Root::shutdown();
+        unsetenv("TROVIO_NODE_PATH");
+    }
+
+    static std::string problemOf(const std::string& name)
+    {
+        try {
+            NodeType::newInstance(name);
+        } catch (const Trovio::InvalidNodeException& problem) {
+            return problem.getMessage();
+        }
+        return {};
+    }
+};
+
+TEST_F(Modules, LoadOnDemandAndUnloadAtShutdown)
+{
+    EXPECT_FALSE(isLoaded(goodModule));
+    auto node = NodeType::newInstance("Good");
+    EXPECT_TRUE(isLoaded(goodModule));
+    EXPECT_EQ(node->getTypeName(), "Good");
+    EXPECT_THROW(node->setFieldValues("gain=3"), Trovio::InvalidFieldException);
+    node->setFieldValues("gain=2");
+    EXPECT_EQ(Root::get().addNamespace(std::move(node)), "Good");
+    Root::shutdown();
+    EXPECT_FALSE(isLoaded(goodModule));
+}
+
+TEST_F(Modules, ModuleStaysWhileOneOfItsNodesIsLeft)
+{
+    const CapturedLog log;
+    auto node = NodeType::newInstance("Good");
+    Root::shutdown();
+    EXPECT_TRUE(isLoaded(goodModule));
+    ASSERT_EQ(log.texts().size(), 1U);
+    EXPECT_NE(log.texts()[0].find("stays loaded: 1 of its nodes"), std::string::npos);
+    node.reset(); // runs the module's code
+}
+
+TEST_F(Modules, RefusalsSayWhatToDo)
+{
+    const struct {
+        const char* _type;
+        std::vector<const char*> _parts;
+    } rows[] = {{"", {"letters, digits and '_'"}},
+                {"../Good", {"'../Good'", "letters"}},
+                {"Good.so", {"letters"}},
+                {"Nobody", {"'Nobody'", "trovio-node-Nobody.so", TEST_MODULES, "TROVIO_NODE_PATH"}},
+                {"OldVersion", {"version 0", "needs 1", "rebuild"}},
+                {"NoEntry", {"trovioNodeModule()", "trovio-node-NoEntry.so"}},
+                {"LacksLibrary", {"libabsent.so.7", "package libabsent7"}}};
+    for (const auto& row : rows) {
+        const std::string problem = problemOf(row._type);
+        for (const char* part : row._parts)
+            EXPECT_NE(problem.find(part), std::string::npos) << row._type << ": " << problem;
+    }
+    NodeType::newInstance("Good");
+    EXPECT_NE(problemOf("Throws").find("no such device"), std::string::npos);
+    EXPECT_NE(problemOf("MakesNothing").find("made nothing"), std::string::npos);
+}
+
+TEST_F(Modules, ListShowsTypesAndProblems)
+{
+    const auto types = NodeType::list();
+    const auto find = [&types](const std::string& name) {
+        const auto found =
+            std::find_if(types.begin(), types.end(), [&name](const auto& type) { return type._name == name; });
+        return found == types.end() ? Trovio::NodeTypeInfo{"not listed", {}, {}, {}, "not listed"} : *found;
+    };
+    const auto good = find("Good");
+    EXPECT_TRUE(good._problem.empty() && good._origin == goodModule) << good._problem;
+    ASSERT_EQ(good._settings.size(), 1U);
+    EXPECT_EQ(Trovio::describeAllowed(good._settings[0]), "number from 0.5 to 2");
+    EXPECT_TRUE(find("Throws")._problem.empty()) << "what a factory does is not known before it is called";
+    for (const char* name : {"OldVersion", "NoEntry", "LacksLibrary"})
+        EXPECT_EQ(find(name)._problem, problemOf(name));
+}
+
+TEST_F(Modules, ProgramMayAddItsOwnTypes)
+{
+    const Trovio::NodeTypeEntry own{"Own", "", {}, [] { return std::make_unique<Trovio::Node>(); }};
+    NodeType::add(own);
+    EXPECT_THROW(NodeType::add(own), Trovio::InvalidNodeException);
+    EXPECT_THROW(NodeType::add({"a/b", "", {}, own._create}), Trovio::InvalidNodeException);
+    EXPECT_THROW(NodeType::add({"NoFactory"}), Trovio::InvalidNodeException);
+    EXPECT_EQ(Root::get().addNamespace(NodeType::newInstance("Own")), "Own");
+    NodeType::remove("Own");
+    EXPECT_NE(problemOf("Own"), "");
+}
+
+TEST(NodeModuleFile, KnowsThePackagesOfLibraries)
+{
+    const std::pair<const char*, const char*> rows[] = {{"liblo.so.7", "liblo7"},
+                                                        {"libSDL2-2.0.so.0", "libsdl2-2.0-0"},
+                                                        {"libmosquitto.so.1", "libmosquitto1"},
+                                                        {"libsqlite3.so.0", "libsqlite3-0"},
+                                                        {"libddsc.so.0", "libddsc0debian"},
+                                                        {"libplain.so", ""},
+                                                        {"libncursesw.so.6", "libncursesw6"}};
+    for (const auto& [library, package] : rows)
+        EXPECT_EQ(Trovio::packageOfLibrary(library), package);
+}
+
+} // namespace

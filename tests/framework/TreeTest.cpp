@@ -1,0 +1,218 @@
+#include "tests/framework/CapturedLog.h"
+#include "tests/framework/TestNode.h"
+#include "trovio/InSlot.h"
+#include "trovio/OutSlot.h"
+#include "trovio/Root.h"
+#include <gtest/gtest.h>
+
+using Trovio::Namespace;
+using Trovio::Root;
+
+namespace {
+
+class Tree : public ::testing::Test {
+protected:
+    Tree() { Root::init(); }
+    ~Tree() override { Root::shutdown(); }
+
+    std::unique_ptr<TestNode> make(const std::string& name) { return std::make_unique<TestNode>(name, _events); }
+
+    TestNode::Events takeEvents() { return std::exchange(_events, {}); }
+
+    Trovio::InSlot<float> _in{"in"};
+    Trovio::OutSlot<float> _out{"out"};
+    Namespace& _root = Root::the_;
+    TestNode::Events _events;
+};
+
+using Events = TestNode::Events;
+
+TEST_F(Tree, TakenLabelsGetTheLowestFreeNumber)
+{
+    for (const char* expected : {"Context", "Context2", "Context3"})
+        EXPECT_EQ(_root.addNamespace("Context", std::make_unique<Namespace>()), expected);
+    _root.removeNamespace("Context2");
+    EXPECT_EQ(_root.addNamespace("Context", std::make_unique<Namespace>()), "Context2");
+    EXPECT_EQ(_root.addNamespace("Context", std::make_unique<Namespace>()), "Context4");
+
+    EXPECT_EQ(_root.addNamespace(make("a")), "Test");
+    EXPECT_EQ(_root.addNamespace(make("b")), "Test2");
+    auto named = make("c");
+    named->setFieldValues("label='my node'");
+    EXPECT_EQ(_root.addNamespace(std::move(named)), "my node");
+}
+
+TEST_F(Tree, UnknownAndUnusableNamespacesAreRefused)
+{
+    EXPECT_EQ(_root.getNamespace("nobody"), nullptr);
+    EXPECT_THROW(_root.removeNamespace("nobody"), Trovio::InvalidNamespaceException);
+    EXPECT_THROW(_root.addNamespace("x", nullptr), Trovio::InvalidNamespaceException);
+    EXPECT_THROW(_root.addNamespace("", std::make_unique<Namespace>()), Trovio::InvalidNamespaceException);
+    EXPECT_THROW(_root.addNamespace(std::string(1025, 'x'), std::make_unique<Namespace>()),
+                 Trovio::InvalidNamespaceException);
+    EXPECT_THROW(_root.addNamespace(std::unique_ptr<Trovio::Node>()), Trovio::InvalidNodeException);
+    EXPECT_THROW(_root.setFieldValues("x=1"), Trovio::InvalidFieldException);
+    EXPECT_NO_THROW(_root.setFieldValues(" "));
+    EXPECT_TRUE(_root.inspect()._children.empty());
+}
+
+TEST_F(Tree, NodesRunExactlyWhileTheyStandUnderTheRoot)
+{
+    auto branch = std::make_unique<Namespace>();
+    branch->addNamespace(make("a"));
+    auto outer = make("b");
+    outer->addNamespace(make("c"));
+    branch->addNamespace(std::move(outer));
+    EXPECT_EQ(takeEvents(), Events{});
+
+    _root.addNamespace("branch", std::move(branch));
+    EXPECT_EQ(takeEvents(), (Events{"start a", "start b", "start c"}));
+    branch = _root.removeNamespace("branch");
+    EXPECT_EQ(takeEvents(), (Events{"stop c", "stop b", "stop a"}));
+    branch->removeNamespace("Test");
+    EXPECT_EQ(takeEvents(), Events{"~a"});
+
+    _root.addNamespace("branch", std::move(branch));
+    EXPECT_EQ(takeEvents(), (Events{"start b", "start c"})) << "a node may come back";
+    Root::shutdown();
+    EXPECT_EQ(takeEvents(), (Events{"stop c", "stop b", "~b", "~c"}));
+}
+
+TEST_F(Tree, NodeStopsBeforeItsConnectionsAreUndone)
+{
+    auto node = make("a");
+    node->addOutSlot("x", &_out);
+    node->_onStop = [&] { _out.push(Trovio::Data<float>(5.0F)); };
+    _root.addInSlot("in", &_in);
+    _root.addRoute("Test/x", "in");
+    _root.addNamespace(std::move(node));
+
+    const auto removed = _root.removeNamespace("Test");
+    ASSERT_FALSE(_in.empty());
+    EXPECT_EQ(_in.pop().getValue(), 5.0F);
+    _out.push(Trovio::Data<float>(6.0F));
+    EXPECT_TRUE(_in.empty());
+}
+
+TEST_F(Tree, NodeThatThrowsFromStartIsTakenOutAgainWithAllThatStartedBefore)
+{
+    auto branch = std::make_unique<Namespace>();
+    branch->addNamespace(make("a"));
+    auto bad = make("b");
+    bad->_onStart = [] { throw Trovio::InvalidNodeException("never works"); };
+    branch->addNamespace(std::move(bad));
+    EXPECT_THROW(_root.addNamespace("branch", std::move(branch)), Trovio::InvalidNodeException);
+    EXPECT_EQ(takeEvents(), (Events{"start a", "start b", "stop a", "~b", "~a"}));
+    EXPECT_EQ(_root.addNamespace("branch", std::make_unique<Namespace>()), "branch");
+}
+
+TEST_F(Tree, StartMayUseTheTreeAndStopMayThrow)
+{
+    const CapturedLog log;
+    auto node = make("a");
+    TestNode& running = *node;
+    running._onStart = [&] {
+        running.addInSlot("in", &_in);
+        running.addNamespace(make("b"));
+        EXPECT_EQ(_root.getNamespace("Test"), nullptr) << "not to be found while it starts";
+    };
+    running._onStop = [] { throw std::runtime_error("stuck"); };
+    _root.addNamespace(std::move(node));
+    EXPECT_EQ(takeEvents(), (Events{"start a", "start b"}));
+    _root.removeNamespace("Test");
+    EXPECT_EQ(takeEvents(), (Events{"stop b", "stop a", "~a", "~b"}));
+    ASSERT_EQ(log.texts().size(), 1U);
+    EXPECT_NE(log.texts()[0].find("'Test' threw while it stopped: stuck"), std::string::npos);
+}
+
+TEST_F(Tree, SecondRemoverFindsNothing)
+{
+    auto branch = std::make_unique<Namespace>();
+    Namespace& inner = *branch;
+    auto node = make("a");
+    node->_onStop = [&] {
+        EXPECT_EQ(_root.getNamespace("branch"), nullptr);
+        EXPECT_THROW(_root.removeNamespace("branch"), Trovio::InvalidNamespaceException);
+        EXPECT_THROW(inner.removeNamespace("Test"), Trovio::InvalidNamespaceException);
+        inner.addNamespace(make("late"));
+    };
+    branch->addNamespace(std::move(node));
+    _root.addNamespace("branch", std::move(branch));
+    EXPECT_NE(_root.removeNamespace("branch"), nullptr);
+    EXPECT_EQ(takeEvents(), (Events{"start a", "stop a", "~late", "~a"})) << "what comes too late never starts";
+}
+
+TEST_F(Tree, SettingsAreAppliedWholeOrNotAtAll)
+{
+    auto node = make("a");
+    for (const char* bad : {"size=10", "label=x size=0", "size=4 speed=1", "label=x size=7", "size=4 size=5"}) {
+        EXPECT_THROW(node->setFieldValues(bad), Trovio::InvalidFieldException) << bad;
+        EXPECT_EQ(node->_size, 0) << bad;
+    }
+    EXPECT_FALSE(node->isDirty());
+    TestNode& standing = *node;
+    EXPECT_EQ(_root.addNamespace(std::move(node)), "Test") << "a refused label is forgotten";
+    EXPECT_EQ(standing._size, 3) << "without settings it is configured with its defaults";
+    EXPECT_THROW(standing.setFieldValues("size=4"), Trovio::InvalidFieldException) << "it runs already";
+    EXPECT_EQ(standing._size, 3);
+}
+
+TEST_F(Tree, DirtyTellsOfChangesToRoutesNodesAndSettings)
+{
+    auto node = make("a");
+    TestNode& child = *node;
+    const std::pair<const char*, std::function<void()>> changes[] = {
+        {"route", [&] { _root.addRoute("a", "b"); }},
+        {"route gone", [&] { _root.removeRoute("a", "b"); }},
+        {"external route", [&] { _root.addExternalRoute("a", "b"); }},
+        {"external route gone", [&] { _root.removeExternalRoute("a", "b"); }},
+        {"node", [&] { _root.addNamespace(std::move(node)); }},
+        {"node gone", [&] { _root.removeNamespace("Test"); }}};
+    child.setFieldValues("size=4");
+    EXPECT_TRUE(child.isDirty());
+    for (const auto& [what, change] : changes) {
+        _root.setDirty(false);
+        _root.addInSlot("in", &_in); // slots are the scene's, not the tree's set-up
+        _root.removeSlot("in");
+        EXPECT_FALSE(_root.isDirty()) << what;
+        change();
+        EXPECT_TRUE(_root.isDirty()) << what;
+    }
+}
+
+TEST_F(Tree, InspectionShowsStateCountersSlotsAndRoutes)
+{
+    auto node = make("a");
+    Trovio::Counter& counter = node->addCounter("packets");
+    node->addOutSlot("x", &_out);
+    TestNode& running = *node;
+    _root.addInSlot("in", &_in);
+    _root.addRoute("Test/*", "in");
+    _root.addNamespace(std::move(node));
+    counter.add(41);
+    counter.add();
+    {
+        const CapturedLog log;
+        running.setDegraded("port 9000 is taken");
+        running.setDegraded("port 9000 is taken");
+        EXPECT_EQ(log.texts(), Events{"node 'Test' is degraded: port 9000 is taken\n"});
+    }
+
+    const Trovio::NamespaceInfo info = _root.inspect();
+    ASSERT_EQ(info._slots.size(), 2U);
+    EXPECT_TRUE(info._slots[0]._label == "Test/x" && !info._slots[0]._own && info._slots[0]._typeName == "Float");
+    EXPECT_TRUE(info._slots[1]._label == "in" && info._slots[1]._own);
+    ASSERT_EQ(info._routes.at(0)._pairs.size(), 1U);
+    EXPECT_EQ(info._routes[0]._pairs[0]._from, "Test/x");
+    const auto& shown = info._children.at(0);
+    EXPECT_TRUE(shown._label == "Test" && shown._externalRoutes.at(0)._slots == 1);
+    ASSERT_TRUE(shown._node.has_value());
+    EXPECT_EQ(shown._node->_typeName, "Test");
+    EXPECT_EQ(shown._node->_counters.at(0)._value, 42U);
+    EXPECT_TRUE(shown._node->_state._degraded && shown._node->_state._reason == "port 9000 is taken");
+    EXPECT_GT(shown._node->_state._since.getSeconds(), 0.0);
+    running.setRunning();
+    EXPECT_FALSE(running.getState()._degraded);
+}
+
+} // namespace

@@ -1,0 +1,4 @@
+int absentFunction()
+{
+    return 1;
+}
