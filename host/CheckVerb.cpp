@@ -1,0 +1,98 @@
+#include "host/Verbs.h"
+
+#include "host/Escape.h"
+#include "host/ExitCode.h"
+#include "host/Failure.h"
+#include "host/NearestName.h"
+#include "host/SceneURL.h"
+#include "sensorManager/SensorHandlerType.h"
+#include "trovio/Node.h"
+#include "trovio/NodeType.h"
+#include "trovio/Root.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace Host {
+namespace {
+
+// What a run would warn of and go on; so it is said here and is no error either.
+class SceneNotes {
+public:
+    explicit SceneNotes(const SceneFile& scene) : _scene(scene) {}
+
+    void say()
+    {
+        for (const HandlerEntry& handler : _scene._handlers)
+            checkHandler(handler);
+        if (_trovioHandlers > 1)
+            note({}, "the scene has " + std::to_string(_trovioHandlers) +
+                         " Trovio handlers; each of them serves every sensor");
+        for (const SensorEntry& sensor : _scene._sensors)
+            if (sensor._label._value.empty())
+                note(sensor._name._position,
+                     "sensor " + inQuotes(sensor._name._value) + " has no label, so nothing can reach it");
+        std::size_t routes = _scene._routes.size();
+        for (const HandlerEntry& handler : _scene._handlers)
+            routes += handler._routes.size();
+        std::printf("%s: good: sensors %zu, handlers %zu, routes %zu, links %zu, notes %zu\n",
+                    escaped(_scene._path).c_str(), _scene._sensors.size(), _scene._handlers.size(), routes,
+                    _scene._links.size(), _notes);
+    }
+
+private:
+    void checkHandler(const HandlerEntry& handler);
+    void checkNode(const LocatedPair& node, const Merid::URL& baseURL);
+    void note(Position position, const std::string& text);
+
+    const SceneFile& _scene;
+    std::size_t _trovioHandlers = 0;
+    std::size_t _notes = 0;
+};
+
+void SceneNotes::note(Position position, const std::string& text)
+{
+    ++_notes;
+    std::fprintf(stderr, "%s:%u:%u: note: %s\n", escaped(_scene._path).c_str(), position._line, position._column,
+                 text.c_str());
+}
+
+void SceneNotes::checkHandler(const HandlerEntry& handler)
+{
+    constexpr std::string_view kinds[] = {"Trovio", "OT", "ORDAN", "TORVA"};
+    const std::string& kind = handler._kind._value;
+    if (Ostrel::SensorHandlerType::find(kind) == nullptr)
+        note(handler._kind._position,
+             "unknown handler kind " + inQuotes(kind) + "; allowed: " + listed(kinds) + nearestHint(kind, kinds));
+    if (kind != kinds[0])
+        return;
+    ++_trovioHandlers;
+    for (const LocatedPair& node : handler._nodes)
+        checkNode(node, sceneURL(handler._url._value, _scene._path));
+}
+
+// A node that stands nowhere opens nothing, but it knows its settings.
+void SceneNotes::checkNode(const LocatedPair& node, const Merid::URL& baseURL)
+{
+    std::unique_ptr<Trovio::Node> made;
+    if (const auto failure = failureOf([&] { made = Trovio::NodeType::newInstance(node._first._value); }))
+        return note(node._first._position, escaped(*failure, 400));
+    made->setBaseURL(baseURL);
+    if (const auto failure = failureOf([&] { made->setFieldValues(node._second._value); }))
+        note(node._second._position, escaped(*failure, 400));
+}
+} // namespace
+
+int checkVerb(const Options& options)
+{
+    const auto files = readScenes(options);
+    if (!files)
+        return BadUsage;
+    Ostrel::initSensorManager();
+    Trovio::Root::init();
+    for (const SceneFile& file : *files)
+        SceneNotes(file).say();
+    Trovio::Root::shutdown();
+    return Done;
+}
+} // namespace Host

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Host {
+
+enum class Format { Automatic, Table, Lines, Json };
+
+/// What the caller asked for; each verb reads what concerns it.
+struct Options {
+    std::vector<std::string> _names; // scenes of run and check, names for nodes and types
+    double _seconds = std::numeric_limits<double>::infinity();
+    std::uint64_t _frames = std::numeric_limits<std::uint64_t>::max();
+    std::optional<double> _rate; // frames per second, instead of the scene's
+    Format _format = Format::Automatic;
+    bool _quiet = false;
+    bool _verbose = false;
+};
+
+/// One thing that the program can do; run returns the exit code.
+struct Verb {
+    const char* _name;
+    const char* _help;
+    enum class Takes { Nothing, Names, Scenes, ScenesAndRunOptions } _takes;
+    int (*_run)(const Options& options);
+};
+
+/// Parses the arguments, runs the verb and returns its exit code. Help goes to standard output; wrong usage is said
+/// on standard error and returns BadUsage.
+int runCommandLine(int argc, char** argv, const std::vector<Verb>& verbs);
+} // namespace Host

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "trovio/Exception.h"
+
+#include <exception>
+#include <optional>
+#include <string>
+
+namespace Host {
+
+/// Runs `action` and returns the text of what it threw, if it threw. The framework's exceptions are no std::exception.
+template <class Action>
+std::optional<std::string> failureOf(Action&& action)
+{
+    try {
+        action();
+        return std::nullopt;
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (const Trovio::Exception& error) {
+        return error.getMessage();
+    }
+}
+} // namespace Host

@@ -1,0 +1,119 @@
+#include "host/LoadedScene.h"
+
+#include "host/Escape.h"
+#include "host/Failure.h"
+#include "host/InitialValue.h"
+#include "host/SceneURL.h"
+#include "ostrel/FieldClass.h"
+#include "sensorManager/SensorHandler.h"
+#include "sensorManager/SensorManager.h"
+
+#include <unordered_map>
+
+namespace Host {
+namespace {
+
+constexpr std::string_view fieldSuffix = ".value";
+
+std::string place(const SceneFile& file, const LocatedText& text)
+{
+    return escaped(file._path) + ":" + std::to_string(text._position._line) + ": ";
+}
+} // namespace
+
+LoadedScene::LoadedScene(SceneFile file, std::string title) : _file(std::move(file)), _title(std::move(title)) {}
+
+void LoadedScene::addSensors()
+{
+    for (const SensorEntry& entry : _file._sensors)
+        addSensor(entry);
+    addLinks();
+}
+
+void LoadedScene::addSensor(const SensorEntry& entry)
+{
+    auto field = Ostrel::FieldClass::find(std::string_view(entry._type._value))->create();
+    if (entry._value)
+        setInitialValue(*field, *entry._value);
+    auto sensor = std::make_unique<Ostrel::DirectSensor>(std::move(field));
+    sensor->setName(entry._name._value);
+    sensor->setLabel(entry._label._value);
+    sensor->setDescription(entry._description._value);
+    sensor->setBufferSize(entry._buffer._value);
+    sensor->setOutput(entry._output._value);
+    _watches.emplace_back(_scene.add(std::move(sensor)), _title);
+}
+
+void LoadedScene::addLinks()
+{
+    std::unordered_map<std::string_view, Ostrel::Field*> fields;
+    for (const SensorWatch& watch : _watches)
+        fields.emplace(watch.sensor().getName(), &watch.field());
+    const auto fieldOf = [&fields](std::string_view end) {
+        return fields.at(end.substr(0, end.size() - fieldSuffix.size()));
+    };
+    for (const LocatedPair& link : _file._links)
+        fieldOf(link._first._value)->linkTo(*fieldOf(link._second._value));
+}
+
+LoadedHandler LoadedScene::madeHandler(const HandlerEntry& entry, const Say& say)
+{
+    Ostrel::SensorHandler* handler = nullptr;
+    const auto failure = failureOf([&] {
+        auto& manager = *Ostrel::SensorManager::requestManager(_scene.context());
+        handler = manager.addHandler(entry._kind._value, entry._name._value, sceneURL(entry._url._value, _file._path));
+    });
+    if (handler == nullptr)
+        say(place(_file, entry._name) + "handler " + inQuotes(entry._name._value) + " of kind " +
+            inQuotes(entry._kind._value) + " could not be made" + (failure ? ": " + escaped(*failure) : ""));
+    return {&entry, handler};
+}
+
+void LoadedScene::addHandlers(const Say& say)
+{
+    _handlers.reserve(_file._handlers.size());
+    for (const HandlerEntry& entry : _file._handlers) {
+        _handlers.push_back(madeHandler(entry, say));
+        if (_handlers.back()._handler == nullptr)
+            continue;
+        for (const LocatedPair& route : entry._routes) {
+            std::string from = route._first._value, to = route._second._value;
+            _handlers.back()._handler->addLabel(from, to);
+        }
+    }
+}
+
+void LoadedScene::addNodes(const Say& say)
+{
+    for (const LoadedHandler& loaded : _handlers) {
+        if (loaded._handler == nullptr)
+            continue;
+        for (const LocatedPair& node : loaded._entry->_nodes) {
+            std::string type = node._first._value, settings = node._second._value;
+            if (const auto failure = failureOf([&] { loaded._handler->addParameter(type, settings); }))
+                say(place(_file, node._first) + "node " + inQuotes(type) +
+                    " could not be started: " + escaped(*failure));
+        }
+    }
+}
+
+void LoadedScene::frame(double now)
+{
+    _scene.frame(now);
+    _scene.takeChanged(); // ends the round, so that the next change marks its sensor anew
+}
+
+void LoadedScene::unregisterSensors()
+{
+    _watches.clear();
+    _scene.clear();
+}
+
+void LoadedScene::deleteHandlers()
+{
+    for (const LoadedHandler& loaded : _handlers)
+        if (loaded._handler != nullptr)
+            Ostrel::SensorManager::requestManager(_scene.context())->delHandler(loaded._handler);
+    _handlers.clear();
+}
+} // namespace Host

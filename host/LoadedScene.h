@@ -1,0 +1,64 @@
+#pragma once
+
+#include "host/SceneFile.h"
+#include "host/SensorWatch.h"
+#include "ostrel/Scene.h"
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Ostrel {
+class SensorHandler;
+}
+
+namespace Host {
+
+/// Where a line for the person at the terminal goes.
+using Say = std::function<void(const std::string& line)>;
+
+/// One handler of a scene; null where none could be made. The sensor manager owns it.
+struct LoadedHandler {
+    const HandlerEntry* _entry;
+    Ostrel::SensorHandler* _handler;
+};
+
+/// A scene file made into a context with sensors and handlers.
+/// Order:   addSensors, addHandlers, addNodes; then frames; then unregisterSensors, deleteHandlers, destructor.
+/// Threads: the scene thread only.
+class LoadedScene {
+public:
+    /// `title` names the scene in messages where several run, else it is empty.
+    LoadedScene(SceneFile file, std::string title);
+
+    /// Makes and registers the sensors with their initial values, and links their fields.
+    void addSensors();
+    /// Makes the handlers and their routes; says which could not be made, and goes on.
+    void addHandlers(const Say& say);
+    /// Gives the handlers their nodes, which start at once; says which could not be added, and goes on.
+    void addNodes(const Say& say);
+
+    void frame(double now);
+
+    void unregisterSensors();
+    void deleteHandlers();
+
+    const SceneFile& file() const { return _file; }
+    const std::vector<LoadedHandler>& handlers() const { return _handlers; }
+    /// In scene order; they end when the sensors are unregistered.
+    std::deque<SensorWatch>& watches() { return _watches; }
+
+private:
+    void addSensor(const SensorEntry& entry);
+    void addLinks();
+    LoadedHandler madeHandler(const HandlerEntry& entry, const Say& say);
+
+    const SceneFile _file;
+    const std::string _title;
+    Ostrel::Scene _scene;
+    std::vector<LoadedHandler> _handlers;
+    std::deque<SensorWatch> _watches; // never moves: fields refer to them
+};
+} // namespace Host

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "host/FrameLoop.h"
+#include "host/Session.h"
+
+namespace Host {
+
+/// Says what a person should know before the first frame: sensors that nothing reaches, routes that met nobody, and
+/// the state of every node.
+void reportStart(const Session& session, const Say& say);
+
+/// Says what came of the run: values of each sensor with the counters of its slots, counters of each node, frames.
+/// While the session still stands.
+void reportEnd(const Session& session, const FrameLoop& loop, const Say& say);
+} // namespace Host

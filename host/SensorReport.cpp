@@ -1,0 +1,77 @@
+#include "host/SensorReport.h"
+
+#include "host/Escape.h"
+#include "host/Json.h"
+#include "sensorManager/TrovioSensorHandler.h"
+#include "trovio/BasicInSlot.h"
+#include "trovio/BasicOutSlot.h"
+
+#include <algorithm>
+
+namespace Host {
+namespace {
+
+// The slots that serve the sensor, one for each handler that has one.
+std::vector<Trovio::Slot*> slotsOf(const LoadedScene& scene, const SensorWatch& watch)
+{
+    std::vector<Trovio::Slot*> slots;
+    auto* sensor = const_cast<Ostrel::DirectSensor*>(&watch.sensor()); // only looked up, not changed
+    for (const LoadedHandler& loaded : scene.handlers())
+        if (const auto* handler = dynamic_cast<const Ostrel::TrovioSensorHandler*>(loaded._handler))
+            if (Trovio::Slot* slot = handler->getSlot(sensor))
+                slots.push_back(slot);
+    return slots;
+}
+
+std::string named(const SensorWatch& watch)
+{
+    const std::string& label = watch.sensor().getLabel();
+    return "sensor " + inQuotes(watch.title()) + (label.empty() ? "" : " (label " + inQuotes(label) + ")");
+}
+
+std::string slotCounts(const Trovio::Slot& slot)
+{
+    if (const auto* out = dynamic_cast<const Trovio::BasicOutSlot*>(&slot))
+        return "; out-slot: " + std::to_string(out->getWritten()) + " written";
+    const auto* in = dynamic_cast<const Trovio::BasicInSlot*>(&slot);
+    if (in == nullptr)
+        return {};
+    const Trovio::InSlotCounts counts = in->getCounts();
+    return "; in-slot: " + std::to_string(counts.stored) + " stored, " + std::to_string(counts.overwritten) +
+           " overwritten, " + std::to_string(counts.taken) + " taken, " + std::to_string(counts.waiting) + " waiting";
+}
+
+std::string whyUnbound(const LoadedScene& scene, const SensorWatch& watch)
+{
+    if (watch.sensor().getLabel().empty())
+        return " is bound to nothing: it has no label";
+    const auto slots = slotsOf(scene, watch);
+    if (slots.empty())
+        return " is bound to nothing: no handler has a slot for it (" + watch.field().getTypeName() + ")";
+    if (std::ranges::none_of(slots, &Trovio::Slot::isActive))
+        return watch.sensor().isOutput() ? " gives its values to nobody: no route leads from its label"
+                                         : " gets no values: no route leads to its label";
+    return {};
+}
+} // namespace
+
+void reportUnbound(LoadedScene& scene, const Say& say)
+{
+    for (const SensorWatch& watch : scene.watches())
+        if (const std::string why = whyUnbound(scene, watch); !why.empty())
+            say(named(watch) + why);
+}
+
+void reportValues(LoadedScene& scene, const Say& say)
+{
+    constexpr int digits = 6;
+    constexpr std::size_t longestValue = 80;
+    for (const SensorWatch& watch : scene.watches()) {
+        std::string line = named(watch) + " " + watch.field().getTypeName() + ": " + std::to_string(watch.changes()) +
+                           " values, last " + valueText(watch.field(), digits, longestValue);
+        for (const Trovio::Slot* slot : slotsOf(scene, watch))
+            line += slotCounts(*slot);
+        say(line);
+    }
+}
+} // namespace Host

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "ostrel/DirectSensor.h"
+#include "ostrel/Observer.h"
+
+#include <cstdint>
+
+namespace Host {
+
+class SensorWatch;
+
+/// Hears of every change of every watched sensor, on the scene thread.
+class ChangeListener {
+public:
+    /// `time` is the frame's, in wall-clock seconds.
+    virtual void changed(const SensorWatch& watch, double time) = 0;
+
+protected:
+    ~ChangeListener() = default;
+};
+
+/// Counts the changes of one sensor's field and tells a listener, which may be null.
+/// Ownership: refers to the sensor, which must have a field and live as long; is told by nobody once it is destroyed.
+class SensorWatch final : public Ostrel::Observer {
+public:
+    /// `scene` names the sensor's scene where several run, else it is empty.
+    SensorWatch(Ostrel::DirectSensor& sensor, std::string scene);
+
+    void setListener(ChangeListener* listener) { _listener = listener; }
+
+    const std::string& scene() const { return _scene; }
+    const Ostrel::DirectSensor& sensor() const { return _sensor; }
+    Ostrel::Field& field() const { return *_sensor.getField(); }
+
+    /// The name, with the scene before it where several run.
+    std::string title() const;
+
+    std::uint64_t changes() const { return _changes; }
+    double lastChange() const { return _lastChange; } // wall-clock seconds, 0 before the first
+
+    void notify(const Ostrel::TimeStamp& time, Ostrel::BaseObject*, Ostrel::BaseObject*, Ostrel::BaseObject*) override;
+
+private:
+    Ostrel::DirectSensor& _sensor;
+    const std::string _scene;
+    ChangeListener* _listener = nullptr;
+    std::uint64_t _changes = 0;
+    double _lastChange = 0;
+};
+} // namespace Host

@@ -1,0 +1,73 @@
+#include "host/StopSignal.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cmath>
+#include <csignal>
+#include <ctime>
+#include <fcntl.h>
+#include <poll.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace Host {
+namespace {
+
+// Reached from the signal handler, which gets no argument of ours.
+std::atomic<bool> stopRequested{false};
+int wakePipe[2] = {-1, -1};
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+void onSignal(int number)
+{
+    const int error = errno;
+    if (stopRequested.exchange(true))
+        _exit(128 + number);
+    // The byte is never read: from now on every wait returns at once.
+    [[maybe_unused]] const ssize_t ignored = write(wakePipe[1], "", 1);
+    errno = error;
+}
+
+void install(int number, void (*handler)(int))
+{
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    sigaction(number, &action, nullptr);
+}
+} // namespace
+
+StopSignal::StopSignal()
+{
+    if (pipe2(wakePipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        throw std::system_error(errno, std::generic_category(), "cannot make the pipe that signals wake");
+    stopRequested = false;
+    install(SIGINT, onSignal);
+    install(SIGTERM, onSignal);
+    install(SIGPIPE, SIG_IGN);
+}
+
+StopSignal::~StopSignal()
+{
+    for (const int number : {SIGINT, SIGTERM, SIGPIPE})
+        install(number, SIG_DFL);
+    close(wakePipe[0]);
+    close(wakePipe[1]);
+}
+
+bool StopSignal::requested() const
+{
+    return stopRequested;
+}
+
+void StopSignal::wait(double seconds) const
+{
+    constexpr double longest = 3600; // callers look at the clock and come again
+    const double bounded = std::clamp(seconds, 0.0, longest);
+    const double whole = std::floor(bounded);
+    const timespec timeout = {static_cast<time_t>(whole), static_cast<long>((bounded - whole) * 1e9)};
+    pollfd wake = {wakePipe[0], POLLIN, 0};
+    ppoll(&wake, 1, &timeout, nullptr);
+}
+} // namespace Host

@@ -1,0 +1,69 @@
+#include "host/TreeReport.h"
+
+#include "host/Escape.h"
+
+namespace Host {
+namespace {
+
+std::string pathBelow(const std::string& path, const Trovio::NamespaceInfo& child)
+{
+    return path.empty() ? child._label : path + "/" + child._label;
+}
+
+// Calls visit(path, namespace) for the namespace and all below it, parents first.
+template <class Visit>
+void walk(const Trovio::NamespaceInfo& info, const std::string& path, const Visit& visit)
+{
+    visit(path, info);
+    for (const Trovio::NamespaceInfo& child : info._children)
+        walk(child, pathBelow(path, child), visit);
+}
+
+std::string where(const std::string& path)
+{
+    return path.empty() ? "in the root" : "in " + inQuotes(path);
+}
+
+void reportRoute(const std::string& path, const Trovio::RouteInfo& route, const Say& say)
+{
+    if (route.isPending())
+        return say("route from " + inQuotes(route._from) + " to " + inQuotes(route._to) + " " + where(path) +
+                   " met nobody: " + escaped(route._reason));
+    for (const Trovio::RoutePair& pair : route._pairs)
+        if (!pair._reason.empty())
+            say("route from " + inQuotes(pair._from) + " to " + inQuotes(pair._to) + " " + where(path) +
+                " is not connected: " + escaped(pair._reason));
+}
+} // namespace
+
+void reportRoutes(const Trovio::NamespaceInfo& root, const Say& say)
+{
+    walk(root, "", [&say](const std::string& path, const Trovio::NamespaceInfo& info) {
+        for (const Trovio::RouteInfo& route : info._routes)
+            reportRoute(path, route, say);
+    });
+}
+
+void reportNodes(const Trovio::NamespaceInfo& root, const Say& say)
+{
+    walk(root, "", [&say](const std::string& path, const Trovio::NamespaceInfo& info) {
+        if (!info._node)
+            return;
+        const Trovio::NodeState& state = info._node->_state;
+        say("node " + inQuotes(path) + " (" + info._node->_typeName + "): " +
+            (state._degraded ? "degraded" : "running") + (state._reason.empty() ? "" : ", " + escaped(state._reason)));
+    });
+}
+
+void reportCounters(const Trovio::NamespaceInfo& root, const Say& say)
+{
+    walk(root, "", [&say](const std::string& path, const Trovio::NamespaceInfo& info) {
+        if (!info._node || info._node->_counters.empty())
+            return;
+        std::string line;
+        for (const Trovio::CounterInfo& counter : info._node->_counters)
+            line += (line.empty() ? "" : ", ") + counter._name + " " + std::to_string(counter._value);
+        say("node " + inQuotes(path) + " (" + info._node->_typeName + "): " + line);
+    });
+}
+} // namespace Host

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "host/CommandLine.h"
+#include "host/SceneFile.h"
+
+#include <optional>
+#include <vector>
+
+namespace Host {
+
+/// Runs the scenes until a limit, a signal or the end of standard output.
+int runVerb(const Options& options);
+/// Reads the scenes and says what is wrong or odd with them; runs nothing.
+int checkVerb(const Options& options);
+/// Lists the node types with their settings.
+int nodesVerb(const Options& options);
+/// Lists the field types and how their values are written.
+int typesVerb(const Options& options);
+int versionVerb(const Options& options);
+
+/// The scene files that the caller named; says what is wrong with each, and is empty if anything is.
+std::optional<std::vector<SceneFile>> readScenes(const Options& options);
+} // namespace Host

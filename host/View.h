@@ -1,0 +1,31 @@
+#pragma once
+
+#include "host/CommandLine.h"
+#include "host/SensorWatch.h"
+
+#include <iosfwd>
+#include <memory>
+#include <vector>
+
+namespace Host {
+
+/// Shows the values of a run as they change. Scene thread only.
+class View : public ChangeListener {
+public:
+    virtual ~View() = default;
+    void changed(const SensorWatch&, double) override {}
+
+    /// A frame is over; `now` is its wall-clock time in seconds.
+    virtual void frame(double now) { (void)now; }
+};
+
+/// One line per change: seconds since `start`, name, type, value.
+std::unique_ptr<View> makeLinesView(std::ostream& out, double start);
+
+/// One JSON object per change and line.
+std::unique_ptr<View> makeJsonView(std::ostream& out);
+
+/// A table of all sensors four times a second. On a terminal, whose messages of the log it then shows above itself, it
+/// is redrawn in place; elsewhere it is written again, once a second.
+std::unique_ptr<View> makeTableView(std::ostream& out, bool onTerminal, std::vector<SensorWatch*> watches);
+} // namespace Host

@@ -1,0 +1,147 @@
+#include "host/Report.h"
+#include "host/SceneReader.h"
+#include "host/View.h"
+#include "trovio/Node.h"
+#include "trovio/NodeType.h"
+#include "trovio/OutSlot.h"
+#include "trovio/Root.h"
+#include "trovio/Values.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <sstream>
+
+using namespace Host;
+
+namespace {
+
+/// A node whose values the test pushes itself.
+class Source final : public Trovio::Node {
+public:
+    Source()
+    {
+        addOutSlot("position", &_position);
+        _last = this;
+    }
+    Trovio::OutSlot<Trovio::Vec3<float>> _position{"position"};
+
+    static Source* _last;
+};
+Source* Source::_last = nullptr;
+
+const Trovio::NodeTypeEntry sourceType{
+    "Source", "for tests", {}, []() -> std::unique_ptr<Trovio::Node> { return std::make_unique<Source>(); }};
+
+constexpr char handler[] = "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\nnodes = [[\"Source\"]]\n"
+                           "routes = [[\"Source/position\", \"Wand\"]]\n";
+constexpr char wand[] = "[[sensor]]\nname = \"wand\"\ntype = \"SFVec3f\"\nlabel = \"Wand\"\nbuffer = 4\n";
+
+/// A session of scenes that are written in the test; gathers what it says.
+class SessionTest : public ::testing::Test {
+protected:
+    void build(const std::vector<std::string>& texts)
+    {
+        Trovio::NodeType::add(sourceType);
+        std::vector<SceneFile> files;
+        for (const std::string& text : texts)
+            files.push_back(parseScene(text, "scene" + std::to_string(files.size())));
+        _session.build(std::move(files), _say);
+    }
+    void show(View& view)
+    {
+        for (SensorWatch* watch : _session.watches())
+            watch->setListener(&view);
+    }
+    static void push(float x) { Source::_last->_position.push(Trovio::Data(Trovio::Vec3<float>(x, 0, 0))); }
+    bool said(const std::string& line) const { return std::ranges::find(_said, line) != _said.end(); }
+
+    std::vector<std::string> _said;
+    const Say _say = [this](const std::string& line) { _said.push_back(line); };
+    std::ostringstream _out;
+    Session _session; // last: it ends while the test's node type is still there
+};
+
+TEST_F(SessionTest, ShowsEveryValueThatCameBetweenFrames)
+{
+    build({std::string(handler) + wand});
+    const auto view = makeJsonView(_out);
+    show(*view);
+    push(1);
+    push(2.5F);
+    _session.frame(100.5);
+    _session.frame(101);
+    EXPECT_EQ(_out.str(),
+              "{\"time\":100.5,\"sensor\":\"wand\",\"label\":\"Wand\",\"type\":\"SFVec3f\",\"value\":[1.0,0.0,0.0]}\n"
+              "{\"time\":100.5,\"sensor\":\"wand\",\"label\":\"Wand\",\"type\":\"SFVec3f\",\"value\":[2.5,0.0,0.0]}\n");
+    EXPECT_EQ(_said, std::vector<std::string>());
+}
+
+TEST_F(SessionTest, PassesValuesAlongLinksAndOutInTheSameFrame)
+{
+    build({std::string(handler) + wand +
+               "[[sensor]]\nname = \"echo\"\ntype = \"SFVec3f\"\nlabel = \"Echo\"\noutput = true\n"
+               "[[link]]\nfrom = \"wand.value\"\nto = \"echo.value\"\n"
+               "[[route]]\nfrom = \"Context/Echo\"\nto = \"Context2/Wand\"\n",
+           "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n" + std::string(wand)});
+    const auto view = makeLinesView(_out, 100);
+    show(*view);
+    push(7);
+    _session.frame(101);
+    EXPECT_EQ(_out.str(), "     1.000 scene0: wand SFVec3f 7 0 0\n"
+                          "     1.000 scene0: echo SFVec3f 7 0 0\n"
+                          "     1.000 scene1: wand SFVec3f 7 0 0\n");
+}
+
+TEST_F(SessionTest, SaysAtStartWhatIsNotConnected)
+{
+    build({std::string(handler) + "[[sensor]]\nname = \"mute\"\ntype = \"SFBool\"\n"
+                                  "[[sensor]]\nname = \"node\"\ntype = \"SFNode\"\nlabel = \"Node\"\n"
+                                  "[[sensor]]\nname = \"alone\"\ntype = \"SFBool\"\nlabel = \"Alone\"\n"
+                                  "[[sensor]]\nname = \"out\"\ntype = \"SFBool\"\nlabel = \"Out\"\noutput = true\n"
+                                  "[[sensor]]\nname = \"wrong\"\ntype = \"SFFloat\"\nlabel = \"Wand\"\n"
+                                  "[[handler]]\nkind = \"TORVA\"\nname = \"t\"\n"});
+    reportStart(_session, _say);
+    EXPECT_TRUE(said("scene0:28: handler 't' of kind 'TORVA' could not be made"));
+    EXPECT_TRUE(said("sensor 'mute' is bound to nothing: it has no label"));
+    EXPECT_TRUE(said("sensor 'node' (label 'Node') is bound to nothing: no handler has a slot for it (SFNode)"));
+    EXPECT_TRUE(said("sensor 'alone' (label 'Alone') gets no values: no route leads to its label"));
+    EXPECT_TRUE(said("sensor 'out' (label 'Out') gives its values to nobody: no route leads from its label"));
+    EXPECT_TRUE(said("node 'Context/Source' (Source): running"));
+    EXPECT_EQ(std::ranges::count_if(_said,
+                                    [](const std::string& line) {
+                                        return line.starts_with(
+                                            "route from 'Source/position' to 'Wand' in 'Context' met nobody: ");
+                                    }),
+              1);
+}
+
+TEST_F(SessionTest, SumsUpAtTheEnd)
+{
+    build({std::string(handler) + wand});
+    for (int i = 1; i <= 6; ++i)
+        push(static_cast<float>(i));
+    _session.frame(101);
+    push(9);
+    class NoClock final : public FrameClock {
+        double now() override { return 0; }
+        double steady() override { return 0; }
+        bool waitUntil(double) override { return false; }
+    } clock;
+    const FrameLoop loop(clock, 1, {1, 1});
+    reportEnd(_session, loop, _say);
+    EXPECT_TRUE(said("sensor 'wand' (label 'Wand') SFVec3f: 4 values, last 6 0 0; in-slot: 7 stored, 2 overwritten, 4 "
+                     "taken, 1 waiting"));
+    EXPECT_TRUE(said("frames: 0 run, 0 left out"));
+}
+
+TEST_F(SessionTest, SaysTheFirstOfManyAndHowManyMore)
+{
+    std::string scene = "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n";
+    for (int i = 0; i < 100; ++i)
+        scene += "[[sensor]]\ntype = \"SFBool\"\nname = \"s" + std::to_string(i) + "\"\n";
+    build({scene});
+    reportStart(_session, _say);
+    EXPECT_EQ(_said.size(), 21u);
+    EXPECT_EQ(_said.back(), "and 80 more sensors of this kind");
+}
+} // namespace
