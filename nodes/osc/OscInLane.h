@@ -1,0 +1,29 @@
+#pragma once
+
+#include "nodes/osc/OscAddressList.h"
+#include "nodes/osc/OscPacket.h"
+#include <memory>
+
+namespace Trovio {
+class BasicOutSlot;
+}
+
+namespace Trovio::Nodes {
+
+/// One address that is listened to, and the out-slot that its messages go to.
+/// Threads: one thread delivers; the slot itself is for any thread.
+class OscInLane {
+public:
+    virtual ~OscInLane() = default;
+    virtual BasicOutSlot& getSlot() = 0;
+
+    /// Pushes the message's value. False, and nothing is pushed, if its arguments do not make one.
+    virtual bool deliver(const OscMessage& message) = 0;
+
+    /// The tags that fit best: "fff", "(fff)*".
+    virtual std::string getExpected() const = 0;
+
+    static std::unique_ptr<OscInLane> create(const OscAddress& address);
+};
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,91 @@
+#include "nodes/osc/OscInput.h"
+
+namespace Trovio::Nodes {
+
+namespace {
+
+constexpr double retryPeriod = 2.0;     // seconds between two tries to get the port
+constexpr double malformedPeriod = 1.0; // seconds between two reports
+
+std::string describe(const std::vector<SocketAddress>& addresses)
+{
+    std::string text;
+    for (const SocketAddress& address : addresses)
+        text += (text.empty() ? "" : " and ") + address.str();
+    return text;
+}
+
+} // namespace
+
+OscInput::OscInput(Clock& clock, OscInSettings settings, OscInCounters& counters, Health health)
+    : _clock(clock),
+      _settings(std::move(settings)),
+      _counters(counters),
+      _health(std::move(health)),
+      _dispatcher(_settings._addresses, counters),
+      _malformedReports(clock, malformedPeriod),
+      _worker(clock)
+{
+}
+
+void OscInput::start()
+{
+    open();
+    _worker.start(
+        "osc input", [this] { run(); }, [this](const std::string& problem) { _health("input ended: " + problem); });
+}
+
+void OscInput::stop()
+{
+    _worker.stop();
+    _counters._dropped.add(_receiver.takeDropped());
+    _receiver.close();
+}
+
+void OscInput::run()
+{
+    std::optional<double> retry;
+    for (;;) {
+        if (!_receiver.isOpen() && !retry)
+            retry = _clock.now() + retryPeriod;
+        if (!_worker.wait(retry, _receiver.getDescriptors()))
+            return;
+        if (retry && _clock.now() >= *retry) {
+            open();
+            retry.reset();
+        }
+        _receiver.receive(*this);
+        _counters._dropped.add(_receiver.takeDropped());
+    }
+}
+
+void OscInput::open()
+{
+    const std::string problem = _receiver.open(_settings._listen, _settings._bufferBytes);
+    _health(problem);
+    if (!problem.empty())
+        return;
+    const int granted = _receiver.getGrantedBuffer();
+    const bool isSmall = granted < _settings._bufferBytes;
+    const std::string buffer = " with a receive buffer of " + std::to_string(granted) + " bytes";
+    report(osg::LogAlways, "OSC: listening on " + describe(getAddresses()) + buffer);
+    if (isSmall)
+        report(osg::LogNotice, "OSC:" + buffer + " instead of " + std::to_string(_settings._bufferBytes) +
+                                   " bursts may be lost; allow more with sysctl net.core.rmem_max=" +
+                                   std::to_string(_settings._bufferBytes));
+}
+
+void OscInput::receive(Bytes packet, const SocketAddress& sender, const Time& arrival)
+{
+    _counters._packets.add();
+    const auto problem = readOscPacket(packet, arrival, _dispatcher);
+    if (!problem)
+        return;
+    _counters._malformed.add();
+    if (const auto withheld = _malformedReports.admit())
+        report(osg::LogWarning, "OSC: malformed packet of " + std::to_string(packet.size()) + " bytes from " +
+                                    sender.str() + ": " + *problem +
+                                    (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : ""));
+}
+
+} // namespace Trovio::Nodes

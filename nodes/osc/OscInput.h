@@ -1,0 +1,53 @@
+#pragma once
+
+#include "nodes/osc/OscDispatcher.h"
+#include "nodes/osc/UdpReceiver.h"
+#include "nodes/shared/Report.h"
+#include "nodes/shared/Worker.h"
+
+namespace Trovio::Nodes {
+
+/// Where an OSC node listens, and for what.
+struct OscInSettings {
+    std::vector<SocketAddress> _listen;
+    int _bufferBytes = 0; // asked of the kernel
+    std::vector<OscAddress> _addresses;
+};
+
+/// The receiving half of an OSC node: sockets, a thread, and lanes.
+/// A port that cannot be had is tried again every few seconds.
+/// Threads: messages are read and pushed on a thread of its own.
+class OscInput final : UdpPacketVisitor {
+public:
+    /// Told, from any thread, what is in the way; nothing when it is well.
+    using Health = std::function<void(const std::string& problem)>;
+
+    OscInput(Clock& clock, OscInSettings settings, OscInCounters& counters, Health health);
+
+    void start();
+    void stop();
+
+    void forEachSlot(const std::function<void(const std::string&, BasicOutSlot&)>& use)
+    {
+        _dispatcher.forEachSlot(use);
+    }
+
+    /// What it is bound to, once start() returned; for tests, and for port 0.
+    std::vector<SocketAddress> getAddresses() const { return _receiver.getAddresses(); }
+
+private:
+    void run();
+    void open();
+    void receive(Bytes packet, const SocketAddress& sender, const Time& arrival) override;
+
+    Clock& _clock;
+    const OscInSettings _settings;
+    OscInCounters& _counters;
+    const Health _health;
+    OscDispatcher _dispatcher;
+    UdpReceiver _receiver;
+    Seldom _malformedReports;
+    Worker _worker;
+};
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,175 @@
+#include "nodes/osc/OscNode.h"
+
+#include "trovio/BasicInSlot.h"
+#include "trovio/BasicOutSlot.h"
+#include <algorithm>
+
+namespace Trovio::Nodes {
+
+namespace {
+
+const Setting oscSettings[] = {
+    Setting::endpoint("listen", "", "where to receive, ADDRESS:PORT; the address numeric, or localhost"),
+    Setting::text("in", "", "what to receive: '/address Type, ...'; each address is an out-slot"),
+    Setting::integer("buffer", "8388608", 4096, 1 << 30, "bytes that may wait in the receiving socket"),
+    Setting::endpoint("send", "", "where to send, HOST:PORT"),
+    Setting::text("out", "", "what to send: '/address Type, ...'; each address is an in-slot"),
+    Setting::integer("queue", "256", 1, 65536, "records that may wait in each in-slot; the newest are kept"),
+    Setting::choice("bundle", "auto", "auto|always|never",
+                    "whether messages go in bundles, which carry times: where several wait, always, never"),
+};
+
+/// Both or neither of a half's two settings.
+void checkPair(const Settings& settings, const char* place, const char* addresses)
+{
+    if (settings.text(place).empty() != settings.text(addresses).empty())
+        throw settings.refusal(settings.text(place).empty() ? place : addresses,
+                               std::string("a value, since '") + (settings.text(place).empty() ? addresses : place) +
+                                   "' has one");
+}
+
+OscInSettings readIn(const Settings& settings)
+{
+    OscInSettings in;
+    in._addresses = readOscAddresses(settings, "in");
+    in._bufferBytes = static_cast<int>(settings.integer("buffer"));
+    // Where only a port was written, both loopbacks are meant.
+    const Endpoint endpoint = *settings.endpoint("listen");
+    const std::string& text = settings.text("listen");
+    const bool isPortOnly = text.find(':') == std::string::npos || text.front() == ':';
+    in._listen = SocketAddress::forListening(isPortOnly ? "localhost" : endpoint._host, endpoint._port);
+    if (in._listen.empty())
+        throw settings.refusal("listen", "a numeric address of this machine or localhost, and a port; 0.0.0.0 or [::] "
+                                         "for all of its addresses");
+    return in;
+}
+
+OscOutSettings readOut(const Settings& settings)
+{
+    OscOutSettings out;
+    out._addresses = readOscAddresses(settings, "out");
+    out._target = *settings.endpoint("send");
+    out._queue = static_cast<unsigned>(settings.integer("queue"));
+    out._bundling = static_cast<Bundling>(settings.choice("bundle"));
+    if (out._target._port == 0)
+        throw settings.refusal("send", "a host and a port from 1 to 65535");
+    return out;
+}
+
+void checkApart(const Settings& settings, const std::vector<OscAddress>& in, const std::vector<OscAddress>& out)
+{
+    std::vector<std::string> known;
+    for (const OscAddress& address : in)
+        known.push_back(address._address);
+    std::sort(known.begin(), known.end());
+    for (const OscAddress& address : out)
+        if (std::binary_search(known.begin(), known.end(), address._address))
+            throw settings.refusal("out", "addresses that 'in' does not have, but both have " + address._address +
+                                              "; use two nodes for that");
+}
+
+} // namespace
+
+const NodeTypeEntry& OscNode::getEntry()
+{
+    static constexpr auto create = []() -> std::unique_ptr<Node> { return std::make_unique<OscNode>(Clock::system()); };
+    static const NodeTypeEntry entry{"OSC", "Open Sound Control messages over UDP, received and sent", oscSettings,
+                                     create};
+    return entry;
+}
+
+OscNode::OscNode(Clock& clock, std::unique_ptr<NameLookup> lookup)
+    : _clock(clock),
+      _lookup(std::move(lookup)),
+      _inCounters{addCounter("in packets"),
+                  addCounter("in messages"),
+                  addCounter("in values"),
+                  addCounter("in mismatched"),
+                  addCounter("in unknown"),
+                  addCounter("in malformed"),
+                  addCounter("in dropped by the kernel")},
+      _outCounters{addCounter("out messages"), addCounter("out packets"), addCounter("out failed"),
+                   addCounter("out refused")}
+{
+}
+
+OscNode::~OscNode() = default;
+
+void OscNode::configure(const Settings& settings)
+{
+    checkPair(settings, "listen", "in");
+    checkPair(settings, "send", "out");
+    if (settings.text("listen").empty() && settings.text("send").empty())
+        throw settings.refusal("listen", "a value, unless 'send' has one");
+    std::unique_ptr<OscInput> input;
+    std::unique_ptr<OscOutput> output;
+    checkApart(settings, readOscAddresses(settings, "in"), readOscAddresses(settings, "out"));
+    if (settings.endpoint("listen"))
+        input = std::make_unique<OscInput>(_clock, readIn(settings), _inCounters, [this](const std::string& problem) {
+            setProblem(&Problems::_input, problem);
+        });
+    if (settings.endpoint("send"))
+        output = std::make_unique<OscOutput>(
+            _clock, _lookup, readOut(settings), _outCounters,
+            [this](const std::string& problem) { setProblem(&Problems::_output, problem); });
+
+    removeSlots();
+    _input = std::move(input);
+    _output = std::move(output);
+    if (_input)
+        _input->forEachSlot([this](const std::string& label, BasicOutSlot& slot) {
+            addOutSlot(label, &slot);
+            _labels.push_back(label);
+        });
+    if (_output)
+        _output->forEachSlot([this](const std::string& label, BasicInSlot& slot) {
+            addInSlot(label, &slot);
+            _labels.push_back(label);
+        });
+}
+
+void OscNode::removeSlots()
+{
+    for (const std::string& label : _labels)
+        removeSlot(label);
+    _labels.clear();
+}
+
+void OscNode::start()
+{
+    {
+        const Ostrel::LockGuard guard(_problemLock);
+        _problems = {};
+    }
+    if (_input)
+        _input->start();
+    if (_output)
+        _output->start();
+}
+
+void OscNode::stop()
+{
+    if (_input)
+        _input->stop();
+    if (_output)
+        _output->stop();
+}
+
+std::vector<SocketAddress> OscNode::getListenAddresses() const
+{
+    return _input ? _input->getAddresses() : std::vector<SocketAddress>();
+}
+
+void OscNode::setProblem(std::string Problems::*half, const std::string& problem)
+{
+    const Ostrel::LockGuard guard(_problemLock);
+    _problems.*half = problem;
+    if (_problems._input.empty() && _problems._output.empty())
+        setRunning();
+    else if (_problems._input.empty() || _problems._output.empty())
+        setDegraded(_problems._input + _problems._output);
+    else
+        setDegraded(_problems._input + "; " + _problems._output);
+}
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "nodes/osc/OscInput.h"
+#include "nodes/osc/OscOutput.h"
+
+namespace Trovio::Nodes {
+
+/// Receives and sends Open Sound Control messages over UDP: each address it knows is a slot.
+/// Ownership: owns its slots; routes refer to them only while the node stands in a namespace.
+/// Threads:   one thread receives and pushes, one sends; a half without settings has none.
+class OscNode final : public Node {
+public:
+    explicit OscNode(Clock& clock, std::unique_ptr<NameLookup> lookup = NameLookup::system());
+    ~OscNode() override;
+
+    static const NodeTypeEntry& getEntry();
+
+    /// Where it listens, while it does.
+    std::vector<SocketAddress> getListenAddresses() const;
+
+private:
+    /// What is wrong with a half; empty if nothing is.
+    struct Problems {
+        std::string _input, _output;
+    };
+
+    void configure(const Settings& settings) override;
+    void start() override;
+    void stop() override;
+
+    void removeSlots();
+    void setProblem(std::string Problems::*half, const std::string& problem) OSTREL_EXCLUDES(_problemLock);
+
+    Clock& _clock;
+    const std::shared_ptr<NameLookup> _lookup; // of one output after another
+    OscInCounters _inCounters;
+    OscOutCounters _outCounters;
+
+    Ostrel::Mutex _problemLock; // held while the node's state changes, so that the two halves do not cross
+    Problems _problems OSTREL_GUARDED_BY(_problemLock);
+
+    // Unchanged while the node runs.
+    std::vector<std::string> _labels; // of all slots
+    std::unique_ptr<OscInput> _input;
+    std::unique_ptr<OscOutput> _output;
+};
+
+} // namespace Trovio::Nodes

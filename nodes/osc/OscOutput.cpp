@@ -1,0 +1,198 @@
+#include "nodes/osc/OscOutput.h"
+
+#include "trovio/BasicInSlot.h"
+#include <cerrno>
+#include <cstring>
+
+namespace Trovio::Nodes {
+
+namespace {
+
+constexpr double lookPeriod = 0.05;  // seconds between two looks for the answer of a name server
+constexpr double pausePeriod = 5.0;  // seconds from a failed search to the next
+constexpr double agingPeriod = 10.0; // seconds after which the address of a troubled host is asked for again
+constexpr double probation = 1.0;    // seconds in which a refusal would have come back
+constexpr double tooLargePeriod = 1.0;
+constexpr int roundsAtOnce = 256; // through all lanes, before looking at other things
+constexpr int repliesAtOnce = 64;
+constexpr timeval longestSend = {0, 200000};
+
+} // namespace
+
+OscOutput::OscOutput(Clock& clock, std::shared_ptr<NameLookup> lookup, OscOutSettings settings,
+                     OscOutCounters& counters, Health health)
+    : _clock(clock),
+      _lookup(std::move(lookup)),
+      _settings(std::move(settings)),
+      _counters(counters),
+      _health(std::move(health)),
+      _packer(_settings._bundling, [this](Bytes packet, std::size_t messages) { send(packet, messages); }),
+      _tooLargeReports(clock, tooLargePeriod),
+      _worker(clock)
+{
+    for (const OscAddress& address : _settings._addresses)
+        _lanes.push_back(OscOutLane::create(address, _settings._queue, [this] { _worker.wake(); }));
+}
+
+void OscOutput::start()
+{
+    _worker.start(
+        "osc output", [this] { run(); }, [this](const std::string& problem) { _health("output ended: " + problem); });
+}
+
+void OscOutput::stop()
+{
+    _worker.stop();
+    _lookup->cancel();
+    _socket = FileDescriptor();
+    _search = Search::Idle;
+    _searchTime = 0.0;
+    _troubled = false;
+    _wellFrom.reset();
+}
+
+void OscOutput::forEachSlot(const std::function<void(const std::string&, BasicInSlot&)>& use)
+{
+    for (std::size_t i = 0; i < _lanes.size(); ++i)
+        use(_settings._addresses[i].getLabel(), _lanes[i]->getSlot());
+}
+
+void OscOutput::run()
+{
+    for (;;) {
+        if (_socket.isOpen() && isOutdated())
+            _socket = FileDescriptor();
+        if (!_socket.isOpen())
+            seekTarget();
+        if (_socket.isOpen()) {
+            listen();
+            drain();
+        }
+        const int descriptor = _socket.get();
+        if (!_worker.wait(_socket.isOpen() ? _wellFrom : _searchTime, {&descriptor, _socket.isOpen() ? 1U : 0U}))
+            return;
+    }
+}
+
+bool OscOutput::isOutdated() const
+{
+    return _troubled && _search == Search::Done && _clock.now() >= _searchTime + agingPeriod;
+}
+
+void OscOutput::seekTarget()
+{
+    const Endpoint& target = _settings._target;
+    const double now = _clock.now();
+    if (now < _searchTime)
+        return;
+    _searchTime = now + pausePeriod;
+    if (const auto numeric =
+            SocketAddress::parse(target._host == "localhost" ? "127.0.0.1" : target._host, target._port)) {
+        openSocket(*numeric);
+        return;
+    }
+    if (_search != Search::Asked)
+        _lookup->begin(target._host, target._port);
+    const auto answer = _lookup->poll();
+    _search = answer ? Search::Done : Search::Asked;
+    if (!answer)
+        _searchTime = now + lookPeriod;
+    else if (answer->_address)
+        openSocket(*answer->_address);
+    else
+        fail("cannot find the host '" + target._host + "': " + answer->_problem);
+}
+
+void OscOutput::openSocket(const SocketAddress& target)
+{
+    FileDescriptor socket(::socket(target.getFamily(), SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    const int on = 1;
+    ::setsockopt(socket.get(), SOL_SOCKET, SO_BROADCAST, &on, sizeof(on));
+    ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &longestSend, sizeof(longestSend));
+    _target = target.str();
+    if (!socket.isOpen() || ::connect(socket.get(), target.get(), target.getLength()) != 0) {
+        fail("cannot send to " + _target + ": " + std::strerror(errno));
+        return;
+    }
+    _socket = std::move(socket);
+    if (_troubled)
+        _wellFrom = _clock.now() + probation;
+}
+
+void OscOutput::drain()
+{
+    bool foundAny = true;
+    for (int round = 0; foundAny && round < roundsAtOnce; ++round) {
+        foundAny = false;
+        // One of each in turn, so that a busy address does not hold up the others.
+        for (const auto& lane : _lanes) {
+            if (const auto stamp = lane->take(_writer)) {
+                _packer.add(_writer.finish(), *stamp);
+                foundAny = true;
+            }
+        }
+    }
+    _packer.flush();
+    if (foundAny)
+        _worker.wake();
+}
+
+void OscOutput::send(Bytes packet, std::size_t messages)
+{
+    int error = 0;
+    // The first try may only bring back what became of an earlier packet.
+    for (int tries = 0; tries < 2; ++tries) {
+        if (::send(_socket.get(), packet.data(), packet.size(), MSG_NOSIGNAL) >= 0) {
+            _counters._packets.add();
+            _counters._messages.add(messages);
+            if (_troubled && !_wellFrom)
+                _wellFrom = _clock.now() + probation;
+            return;
+        }
+        error = errno;
+        if (error != ECONNREFUSED)
+            break;
+        refused();
+    }
+    _counters._failed.add(messages);
+    if (error != EMSGSIZE) {
+        fail("cannot send to " + _target + ": " + std::strerror(error));
+    } else if (const auto withheld = _tooLargeReports.admit()) {
+        report(osg::LogWarning, "OSC: a message of " + std::to_string(packet.size()) +
+                                    " bytes does not fit into one packet to " + _target + ", which holds about 65000" +
+                                    (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : ""));
+    }
+}
+
+void OscOutput::listen()
+{
+    char ignored = 0;
+    int error = 0;
+    for (int i = 0; i < repliesAtOnce && error != EAGAIN; ++i) {
+        error = ::recv(_socket.get(), &ignored, 1, MSG_DONTWAIT) < 0 ? errno : 0;
+        if (error == ECONNREFUSED)
+            refused();
+        else if (error != 0 && error != EAGAIN)
+            fail("cannot send to " + _target + ": " + std::strerror(error));
+    }
+    if (_wellFrom && _clock.now() >= *_wellFrom) {
+        _wellFrom.reset();
+        _troubled = false;
+        _health({});
+    }
+}
+
+void OscOutput::refused()
+{
+    _counters._refused.add();
+    fail("nobody listens at " + _target);
+}
+
+void OscOutput::fail(const std::string& problem)
+{
+    _wellFrom.reset();
+    _troubled = true;
+    _health(problem);
+}
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "nodes/osc/OscOutLane.h"
+#include "nodes/osc/OscPacker.h"
+#include "nodes/shared/NameLookup.h"
+#include "nodes/shared/Report.h"
+#include "nodes/shared/Worker.h"
+#include "trovio/Node.h"
+
+namespace Trovio::Nodes {
+
+/// Where an OSC node sends to, and what.
+struct OscOutSettings {
+    Endpoint _target;
+    std::vector<OscAddress> _addresses;
+    unsigned _queue = 1; // records that may wait in each slot
+    Bundling _bundling = Bundling::Auto;
+};
+
+/// What became of records; shown by the node.
+struct OscOutCounters {
+    Counter& _messages; // in packets that the system took
+    Counter& _packets;
+    Counter& _failed;  // messages in packets that the system did not take
+    Counter& _refused; // answers that nobody listens there
+};
+
+/// The sending half of an OSC node: in-slots, a thread that writes, packs and sends, and a socket.
+/// Nothing here ever makes a producer wait: while the target is unknown, records wait in the slots, the newest of them.
+/// Threads: sends on a thread of its own.
+class OscOutput {
+public:
+    /// Told, from any thread, what is in the way; nothing when it is well.
+    using Health = std::function<void(const std::string& problem)>;
+
+    OscOutput(Clock& clock, std::shared_ptr<NameLookup> lookup, OscOutSettings settings, OscOutCounters& counters,
+              Health health);
+
+    void start();
+    void stop();
+
+    /// Calls use(label, slot) for every address.
+    void forEachSlot(const std::function<void(const std::string&, BasicInSlot&)>& use);
+
+private:
+    void run();
+    /// A troubled host may have moved to another address.
+    bool isOutdated() const;
+    void seekTarget();
+    void openSocket(const SocketAddress& target);
+    void drain();
+    void send(Bytes packet, std::size_t messages);
+    /// Takes refusals in, and throws away what anybody may send here.
+    void listen();
+    void refused();
+    void fail(const std::string& problem);
+
+    Clock& _clock;
+    const std::shared_ptr<NameLookup> _lookup;
+    const OscOutSettings _settings;
+    OscOutCounters& _counters;
+    const Health _health;
+    std::vector<std::unique_ptr<OscOutLane>> _lanes;
+
+    // Of the output's thread.
+    OscWriter _writer;
+    OscPacker _packer;
+    FileDescriptor _socket; // connected, so that the system tells when nobody listens
+    std::string _target;    // its address as text
+    enum class Search { Idle, Asked, Done } _search = Search::Idle; // of a name; Idle for a numeric address
+    double _searchTime = 0.0;                                       // when to try or to look again
+    bool _troubled = false;                                         // the last that was heard is bad
+    std::optional<double> _wellFrom; // if nothing bad is heard until then, it is well again
+    Seldom _tooLargeReports;
+
+    Worker _worker;
+};
+
+} // namespace Trovio::Nodes
