@@ -104,6 +104,8 @@ private:
     bool isInMotion() const OSTREL_REQUIRES(_treeLock);      // it or one above it is joining or leaving
     void setConnecting(bool connecting) OSTREL_REQUIRES(_treeLock);
     void collectNodes(std::vector<Node*>& nodes) OSTREL_REQUIRES(_treeLock);
+    std::unique_ptr<Namespace> takeOut(Children::iterator position) OSTREL_EXCLUDES(_treeLock);
+    static void startAll(const std::vector<Node*>& nodes) OSTREL_EXCLUDES(_treeLock);
     static void stopAll(const std::vector<Node*>& nodes) OSTREL_EXCLUDES(_treeLock);
     NamespaceInfo inspectLocked() const OSTREL_REQUIRES(_treeLock);
 

@@ -41,13 +41,9 @@ std::string Namespace::adopt(const std::string& wanted, std::unique_ptr<Namespac
             position->second->collectNodes(nodes);
     }
     try {
-        for (Node* node : nodes)
-            node->enter();
+        startAll(nodes);
     } catch (...) {
-        stopAll(nodes);
-        std::unique_ptr<Namespace> refused; // goes after the lock
-        const LockGuard guard(_treeLock);
-        refused = unlink(position);
+        const auto refused = takeOut(position);
         throw;
     }
     const LockGuard guard(_treeLock);
@@ -84,6 +80,17 @@ std::unique_ptr<Namespace> Namespace::unlink(Children::iterator position)
     return child;
 }
 
+void Namespace::startAll(const std::vector<Node*>& nodes)
+{
+    try {
+        for (Node* node : nodes)
+            node->enter();
+    } catch (...) {
+        stopAll(nodes);
+        throw;
+    }
+}
+
 /// In the opposite order of their start; those that did not start are left alone.
 void Namespace::stopAll(const std::vector<Node*>& nodes)
 {
@@ -112,6 +119,11 @@ std::unique_ptr<Namespace> Namespace::removeNamespace(const std::string& label)
         position->second->collectNodes(nodes);
     }
     stopAll(nodes);
+    return takeOut(position);
+}
+
+std::unique_ptr<Namespace> Namespace::takeOut(Children::iterator position)
+{
     const LockGuard guard(_treeLock);
     return unlink(position);
 }

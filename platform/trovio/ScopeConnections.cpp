@@ -83,7 +83,9 @@ std::string Scope::tooLong(const RouteRule& route, const std::string& label)
 
 void Scope::report(Route& route, const std::string& problem)
 {
-    if (route._reported.insert(problem).second)
+    // Labels may come from outside and without end; inspect() still tells of all.
+    constexpr std::size_t maxReports = 100;
+    if (route._reported.size() < maxReports && route._reported.insert(problem).second)
         logMessage(LogLevel::Warning, problem);
 }
 

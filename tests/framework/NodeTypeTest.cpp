@@ -1,5 +1,5 @@
 #include "trovio/NodeType.h"
-#include "tests/framework/CapturedLog.h"
+#include "tests/support/LogCapture.h"
 #include "trovio/Exception.h"
 #include "trovio/Node.h"
 #include "trovio/NodeModuleFile.h"
@@ -63,7 +63,7 @@ TEST_F(Modules, LoadOnDemandAndUnloadAtShutdown)
 
 TEST_F(Modules, ModuleStaysWhileOneOfItsNodesIsLeft)
 {
-    const CapturedLog log;
+    const LogCapture log;
     auto node = NodeType::newInstance("Good");
     Root::shutdown();
     EXPECT_TRUE(isLoaded(goodModule));

@@ -1,4 +1,4 @@
-#include "tests/framework/CapturedLog.h"
+#include "tests/support/LogCapture.h"
 #include "trovio/Exception.h"
 #include "trovio/InSlot.h"
 #include "trovio/Namespace.h"
@@ -170,7 +170,7 @@ TEST_F(Route, PendingOneTellsItsReason)
                 {"in", "out", {"'in' is an in-slot", "swap"}},
                 {"out", "other", {"'other' is an out-slot", "swap"}},
                 {"out", "wide", {"'out' carries Float", "'wide' takes Double", "same type"}}};
-    const CapturedLog log;
+    const LogCapture log;
     for (const auto& row : rows) {
         scene.addRoute(row._from, row._to);
         const auto info = scene.inspect()._routes.at(0);
@@ -186,7 +186,7 @@ TEST_F(Route, PendingOneTellsItsReason)
 TEST_F(Route, MismatchIsLoggedOnceHoweverOftenTheEndsComeAndGo)
 {
     InSlot<double> wide("wide");
-    const CapturedLog log;
+    const LogCapture log;
     _namespace.addRoute("out", "wide");
     _namespace.addInSlot("wide", &wide);
     for (int i = 0; i < 3; ++i) {
@@ -218,7 +218,7 @@ TEST_F(Route, RefusedOnesLeaveNothingBehind)
 
 TEST_F(Route, LabelsThatGrowWithEveryLevelEndAtTheLimit)
 {
-    const CapturedLog log;
+    const LogCapture log;
     Namespace* level = &_namespace;
     for (int i = 0; i < 20; ++i) {
         auto child = std::make_unique<Namespace>();

@@ -1,5 +1,5 @@
-#include "tests/framework/CapturedLog.h"
 #include "tests/framework/TestNode.h"
+#include "tests/support/LogCapture.h"
 #include "trovio/InSlot.h"
 #include "trovio/OutSlot.h"
 #include "trovio/Root.h"
@@ -108,7 +108,7 @@ TEST_F(Tree, NodeThatThrowsFromStartIsTakenOutAgainWithAllThatStartedBefore)
 
 TEST_F(Tree, StartMayUseTheTreeAndStopMayThrow)
 {
-    const CapturedLog log;
+    const LogCapture log;
     auto node = make("a");
     TestNode& running = *node;
     running._onStart = [&] {
@@ -192,7 +192,7 @@ TEST_F(Tree, InspectionShowsStateCountersSlotsAndRoutes)
     counter.add(41);
     counter.add();
     {
-        const CapturedLog log;
+        const LogCapture log;
         running.setDegraded("port 9000 is taken");
         running.setDegraded("port 9000 is taken");
         EXPECT_EQ(log.texts(), Events{"node 'Test' is degraded: port 9000 is taken\n"});
