@@ -38,8 +38,9 @@ private:
         const Time stamp = fromTimeTag(readBigEndian64(data.data() + sizeof(bundleMark)), _arrival);
         data = data.subspan(bundleHeader);
         while (!data.empty()) {
-            const std::size_t size = data.size() < 4 ? data.size() : readBigEndian32(data.data());
-            if (data.size() < 4 || size > data.size() - 4)
+            // There are four bytes at least: all sizes are multiples of four.
+            const std::size_t size = readBigEndian32(data.data());
+            if (size > data.size() - 4)
                 return "an element of a bundle is longer than the bundle";
             if (Problem problem = element(data.subspan(4, size), stamp, depth))
                 return problem;

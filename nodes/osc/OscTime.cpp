@@ -1,5 +1,6 @@
 #include "nodes/osc/OscTime.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace Trovio::Nodes {
@@ -30,7 +31,8 @@ OscTimeTag toTimeTag(const Time& time)
     // Whole seconds and fraction apart: together they need more bits than a double has.
     const double whole = std::floor(seconds);
     const auto fraction = static_cast<OscTimeTag>(std::llround((seconds - whole) * fractions));
-    return (static_cast<OscTimeTag>(whole + secondsTo1970) << 32U) + fraction;
+    const OscTimeTag tag = (static_cast<OscTimeTag>(whole + secondsTo1970) << 32U) + fraction;
+    return std::max(tag, OscImmediately + 1); // the era changes at 0, which would mean another thing
 }
 
 } // namespace Trovio::Nodes

@@ -1,0 +1,171 @@
+#include "nodes/osc/OscValue.h"
+#include "nodes/osc/OscInLane.h"
+#include "nodes/osc/OscOutLane.h"
+#include "nodes/osc/OscPacket.h"
+#include "tests/nodes/OscMessages.h"
+#include "tests/nodes/SampleValues.h"
+#include "trovio/InSlot.h"
+#include "trovio/OutSlot.h"
+#include "trovio/SlotTypes.h"
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace Trovio::Nodes {
+namespace {
+
+/// Takes packets through a lane of type T.
+template <class T>
+class Receiver final : OscMessageVisitor {
+public:
+    Receiver() : _lane(OscInLane::create({"/a", TypeName<T>::getName()})) { _slot.connect(&_lane->getSlot()); }
+    ~Receiver() { _slot.disconnect(&_lane->getSlot()); }
+
+    /// The value that arrives; nothing if the lane refuses the message.
+    std::optional<T> receive(Bytes packet)
+    {
+        EXPECT_EQ(readOscPacket(packet, Time(1.0), *this), std::nullopt);
+        if (_slot.empty())
+            return std::nullopt;
+        return _slot.pop().getValue();
+    }
+
+private:
+    void visit(const OscMessage& message) override
+    {
+        const bool delivered = _lane->deliver(message);
+        EXPECT_EQ(delivered, !_slot.empty());
+    }
+
+    std::unique_ptr<OscInLane> _lane;
+    InSlot<T> _slot{""};
+};
+
+template <class T>
+std::optional<T> received(Bytes packet)
+{
+    return Receiver<T>().receive(packet);
+}
+
+TEST(OscValue, EveryNumberTagFeedsEveryNumericType)
+{
+    forEachSlotType([]<class T>(TypeTag<T>) {
+        if constexpr (Numeric<T>) {
+            using Access = Components<T>;
+            std::vector<double> numbers;
+            for (std::size_t i = 0; i < Access::Count; ++i)
+                numbers.push_back(static_cast<double>(i + 1));
+            for (const char tag : {'i', 'h', 'f', 'd'}) {
+                const auto value = received<T>(numbersMessage("/a", tag, numbers));
+                ASSERT_TRUE(value) << TypeName<T>::getName() << " from " << tag;
+                for (std::size_t i = 0; i < Access::Count; ++i)
+                    EXPECT_EQ(Access::get(*value, i), static_cast<typename Access::Component>(numbers[i]));
+            }
+        }
+    });
+}
+
+TEST(OscValue, OtherCountsAndKindsAreRefused)
+{
+    const LoMessage text = newLoMessage(), truth = newLoMessage();
+    lo_message_add_string(text.get(), "1");
+    lo_message_add_true(truth.get());
+    forEachSlotType([&]<class T>(TypeTag<T>) {
+        if constexpr (Numeric<T>) {
+            const std::vector<double> tooMany(Components<T>::Count + 1, 1.0);
+            const std::vector<double> tooFew(Components<T>::Count - 1, 1.0);
+            EXPECT_FALSE(received<T>(numbersMessage("/a", 'f', tooMany))) << TypeName<T>::getName();
+            EXPECT_FALSE(received<T>(numbersMessage("/a", 'f', tooFew))) << TypeName<T>::getName();
+            EXPECT_FALSE(received<T>(serialised(text, "/a"))) << TypeName<T>::getName();
+            EXPECT_EQ(received<T>(serialised(truth, "/a")).has_value(), (std::is_same_v<T, bool>));
+        }
+    });
+    EXPECT_FALSE(received<std::string>(numbersMessage("/a", 'i', {1})));
+    EXPECT_FALSE(received<SharedVector<Vec3<float>>>(numbersMessage("/a", 'f', {1, 2, 3, 4})));
+    EXPECT_FALSE(received<SharedVector<std::string>>(serialised(truth, "/a")));
+}
+
+TEST(OscValue, NumbersThatDoNotFitAreHeldAtTheEnds)
+{
+    constexpr long lowest = std::numeric_limits<long>::min(), highest = std::numeric_limits<long>::max();
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const auto& [number, expected] : std::vector<std::pair<double, long>>{{2.9, 2},
+                                                                               {-2.9, -2},
+                                                                               {1e300, highest},
+                                                                               {-1e300, lowest},
+                                                                               {infinity, highest},
+                                                                               {0x1p63, highest},
+                                                                               {-0x1p63, lowest},
+                                                                               {std::nan(""), 0}})
+        for (const char tag : {'f', 'd'})
+            EXPECT_EQ(received<long>(numbersMessage("/a", tag, {number})), expected) << number << tag;
+    EXPECT_EQ(received<float>(numbersMessage("/a", 'd', {1e300})), std::numeric_limits<float>::infinity());
+    EXPECT_EQ(received<bool>(numbersMessage("/a", 'd', {0.0})), false);
+    EXPECT_EQ(received<bool>(numbersMessage("/a", 'f', {0.25})), true);
+}
+
+TEST(OscValue, ColoursAndTimesHaveArgumentsOfTheirOwn)
+{
+    using namespace std::string_literals;
+    const Packet colour = raw("/a\0\0,r\0\0\xff\0\x33\x66"s);
+    EXPECT_EQ(received<Color>(colour), Color(1.0F, 0.0F, 0.2F));
+    EXPECT_EQ(received<ColorRGBA>(colour), ColorRGBA(1.0F, 0.0F, 0.2F, 0.4F));
+    EXPECT_FALSE(received<float>(colour));
+    const auto colours = received<SharedVector<Color>>(raw("/a\0\0,[r][r]\0\xff\0\0\0\0\xff\0\0"s));
+    ASSERT_TRUE(colours);
+    EXPECT_EQ(**colours, (std::vector{Color(1, 0, 0), Color(0, 1, 0)}));
+
+    const LoMessage time = newLoMessage();
+    lo_message_add_timetag(time.get(), {2'208'988'800U + 1'600'000'000U, 0x80000000U});
+    EXPECT_EQ(received<Time>(serialised(time, "/a")), Time(1'600'000'000.5));
+    EXPECT_FALSE(received<double>(serialised(time, "/a")));
+}
+
+struct BadImage {
+    std::int32_t _width, _height, _format;
+    std::size_t _bytes;
+};
+
+TEST(OscValue, ImagesWhoseNumbersDoNotFitTheirPixelsAreRefused)
+{
+    const std::vector<std::uint8_t> pixels(100);
+    for (const auto& [width, height, format, bytes] : {BadImage{2, 2, Image::RGB, 11},
+                                                       {2, 2, Image::RGB, 13},
+                                                       {2, 2, 3, 12},
+                                                       {-2, -2, Image::RGB, 12},
+                                                       {2, 2, -1, 12},
+                                                       {65537, 0, Image::RGB, 0},
+                                                       {65536, 65536, Image::RGBA, 0}}) {
+        OscWriter writer;
+        writer.begin("/a");
+        for (const std::int32_t number : {width, height, format})
+            writer.addInt32(number);
+        writer.addBlob(Bytes(pixels).first(bytes));
+        EXPECT_FALSE(received<SharedImage>(writer.finish())) << width << " x " << height << " format " << format;
+    }
+}
+
+TEST(OscValue, WhatGoesOutComesBackEqual)
+{
+    forEachSlotType([]<class T>(TypeTag<T>) {
+        const auto out = OscOutLane::create({"/a", TypeName<T>::getName()}, 4, [] {});
+        OutSlot<T> source("");
+        source.connect(&out->getSlot());
+        OscWriter writer;
+        for (const T& sample : sampleValues<T>()) {
+            source.push(Data<T>(sample, Time(3.0)));
+            ASSERT_EQ(out->take(writer), Time(3.0));
+            Packet packet(writer.finish().begin(), writer.finish().end());
+            const auto back = received<T>(packet);
+            ASSERT_TRUE(back) << TypeName<T>::getName();
+            EXPECT_TRUE(isSame(*back, sample)) << TypeName<T>::getName();
+            // Another implementation understands it, too.
+            const LoMessage other(lo_message_deserialise(packet.data(), packet.size(), nullptr), &lo_message_free);
+            EXPECT_TRUE(other) << TypeName<T>::getName();
+        }
+        EXPECT_EQ(out->take(writer), std::nullopt);
+        source.disconnect(&out->getSlot());
+    });
+}
+
+} // namespace
+} // namespace Trovio::Nodes
