@@ -5,10 +5,10 @@
 
 namespace Trovio::Nodes {
 
-void report(osg::LogLevel level, const std::string& text, const std::source_location& where)
+void report(osg::LogLevel level, const std::string& text, const Place& where)
 {
-    const std::string file = "nodes/" + std::filesystem::path(where.file_name()).stem().string();
-    osg::logMessage(level, {"Trovio", file.c_str(), where.line(), where.function_name()}, "%s\n", text.c_str());
+    const std::string file = "nodes/" + std::filesystem::path(where._file).stem().string();
+    osg::logMessage(level, {"Trovio", file.c_str(), where._line, where._function}, "%s\n", text.c_str());
 }
 
 } // namespace Trovio::Nodes
