@@ -39,6 +39,10 @@ function(ostrel_library name)
   add_library(${name} SHARED ${ARG_SOURCES})
   target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${ARG_BASE_DIR} FILES ${ARG_HEADERS})
   set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  # What the headers promise is exported, whatever visibility the builder prefers for the rest.
+  if(CMAKE_CXX_VISIBILITY_PRESET)
+    set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET default VISIBILITY_INLINES_HIDDEN OFF)
+  endif()
   _ostrel_common(${name} "$ORIGIN")
 endfunction()
 
