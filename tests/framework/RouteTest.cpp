@@ -113,6 +113,21 @@ TEST_F(Route, SlotsAreSeenAboveOnlyThroughExternalRoutesLevelByLevel)
     EXPECT_FALSE(delivers(_out, _in));
 }
 
+TEST_F(Route, SlotsShownUnderTheLabelOfAnotherShareItAndStayWhenThatOneGoes)
+{
+    Namespace& device = addChild(_namespace, "OSC");
+    _namespace.addRoute("OSC/wand", "Wand");
+    _namespace.addInSlot("Wand", &_in);
+    device.addOutSlot("wand", &_out);
+    _namespace.addOutSlot("OSC/wand", &_otherOut);
+    EXPECT_TRUE(delivers(_out, _in) && delivers(_otherOut, _in));
+    _namespace.removeSlot("OSC/wand");
+    EXPECT_TRUE(delivers(_out, _in));
+    EXPECT_FALSE(delivers(_otherOut, _in));
+    _namespace.removeSlot("OSC/wand");
+    EXPECT_TRUE(delivers(_out, _in)) << "a child's slot is not the parent's to remove";
+}
+
 TEST_F(Route, NamespaceLabelIsTheOneThatTheParentGave)
 {
     _namespace.addInSlot("Wand", &_in);

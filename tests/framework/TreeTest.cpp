@@ -4,6 +4,7 @@
 #include "trovio/OutSlot.h"
 #include "trovio/Root.h"
 #include <gtest/gtest.h>
+#include <thread>
 
 using Trovio::Namespace;
 using Trovio::Root;
@@ -142,19 +143,45 @@ TEST_F(Tree, SecondRemoverFindsNothing)
     EXPECT_EQ(takeEvents(), (Events{"start a", "stop a", "~late", "~a"})) << "what comes too late never starts";
 }
 
+TEST_F(Tree, NodeWhoseTurnComesWhileItsBranchLeavesNeverStarts)
+{
+    _root.addNamespace("outer", std::make_unique<Namespace>());
+    Namespace& outer = *_root.getNamespace("outer");
+    std::unique_ptr<Namespace> removed;
+    std::thread remover;
+    auto first = make("a");
+    first->_onStart = [&] {
+        remover = std::thread([&] { removed = _root.removeNamespace("outer"); });
+        while (_root.getNamespace("outer"))
+            std::this_thread::yield();
+    };
+    auto branch = std::make_unique<Namespace>();
+    branch->addNamespace(std::move(first));
+    branch->addNamespace(make("b"));
+    outer.addNamespace("branch", std::move(branch));
+    remover.join();
+    EXPECT_EQ(takeEvents(), (Events{"start a", "stop a"}));
+}
+
 TEST_F(Tree, SettingsAreAppliedWholeOrNotAtAll)
 {
     auto node = make("a");
+    node->setFieldValues("size=2 label=good");
+    node->setDirty(false);
     for (const char* bad : {"size=10", "label=x size=0", "size=4 speed=1", "label=x size=7", "size=4 size=5"}) {
         EXPECT_THROW(node->setFieldValues(bad), Trovio::InvalidFieldException) << bad;
-        EXPECT_EQ(node->_size, 0) << bad;
+        EXPECT_EQ(node->_size, 2) << bad;
     }
     EXPECT_FALSE(node->isDirty());
     TestNode& standing = *node;
-    EXPECT_EQ(_root.addNamespace(std::move(node)), "Test") << "a refused label is forgotten";
-    EXPECT_EQ(standing._size, 3) << "without settings it is configured with its defaults";
+    EXPECT_EQ(_root.addNamespace(std::move(node)), "good");
     EXPECT_THROW(standing.setFieldValues("size=4"), Trovio::InvalidFieldException) << "it runs already";
-    EXPECT_EQ(standing._size, 3);
+    EXPECT_EQ(standing._size, 2);
+
+    auto plain = make("b");
+    TestNode& configured = *plain;
+    EXPECT_EQ(_root.addNamespace(std::move(plain)), "Test");
+    EXPECT_EQ(configured._size, 3) << "without settings it is configured with its defaults";
 }
 
 TEST_F(Tree, DirtyTellsOfChangesToRoutesNodesAndSettings)
