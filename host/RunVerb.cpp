@@ -5,10 +5,10 @@
 #include "host/Failure.h"
 #include "host/Problems.h"
 #include "host/Report.h"
+#include "host/RunLog.h"
 #include "host/SceneReader.h"
 #include "host/SystemClock.h"
 #include "host/View.h"
-#include "osg/Log.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -32,7 +32,7 @@ double rateOf(const std::vector<SceneFile>& files, const Options& options)
     return options._rate.value_or(rate);
 }
 
-std::unique_ptr<View> makeView(const Options& options, const Session& session, double start)
+std::unique_ptr<View> makeView(const Options& options, const Session& session, RunLog& log, double start)
 {
     const bool onTerminal = isatty(STDOUT_FILENO);
     if (options._quiet)
@@ -40,8 +40,15 @@ std::unique_ptr<View> makeView(const Options& options, const Session& session, d
     if (options._format == Format::Json)
         return makeJsonView(std::cout);
     if (options._format == Format::Table || (options._format == Format::Automatic && onTerminal))
-        return makeTableView(std::cout, onTerminal, session.watches());
+        return makeTableView(std::cout, onTerminal, onTerminal && isatty(STDERR_FILENO) ? &log : nullptr,
+                             session.watches());
     return makeLinesView(std::cout, start);
+}
+
+// The stream alone does not tell: the C library keeps a line that it could not write for later.
+bool canWrite()
+{
+    return std::cout.good() && !std::ferror(stdout);
 }
 
 // Runs frames until the end of the run; false if nobody can read the values any more.
@@ -52,22 +59,24 @@ bool runFrames(Session& session, FrameLoop& loop, View& view)
     loop.run([&](double now) {
         session.frame(now);
         view.frame(now);
-        return std::cout.good();
+        return canWrite();
     });
     for (SensorWatch* watch : session.watches())
         watch->setListener(nullptr);
-    return std::cout.flush().good();
+    std::cout.flush();
+    return canWrite();
 }
 
 int runScenes(std::vector<SceneFile> files, const Options& options)
 {
+    RunLog log(options._verbose);
     const StopSignal stop;
     SystemClock clock(stop);
     FrameLoop loop(clock, rateOf(files, options), {options._seconds, options._frames});
     Session session;
     session.build(std::move(files), say);
     reportStart(session, say);
-    const bool shown = runFrames(session, loop, *makeView(options, session, clock.now()));
+    const bool shown = runFrames(session, loop, *makeView(options, session, log, clock.now()));
     reportEnd(session, loop, say);
     if (!shown)
         say("standard output cannot be written to, so the run was ended");
@@ -94,8 +103,6 @@ int runVerb(const Options& options)
 {
     // Whole lines, also for whoever reads along through a pipe.
     std::setvbuf(stdout, nullptr, _IOLBF, 1u << 16);
-    osg::doInitLog();
-    osg::osgLogP->setInfoShown(options._verbose);
     auto files = readScenes(options);
     if (!files)
         return BadUsage;

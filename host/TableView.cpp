@@ -1,11 +1,10 @@
 #include "host/Escape.h"
 #include "host/Json.h"
 #include "host/LiveTable.h"
-#include "host/LogCapture.h"
+#include "host/RunLog.h"
 #include "host/View.h"
 
 #include <algorithm>
-#include <optional>
 #include <ostream>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -31,12 +30,19 @@ Size terminalSize()
 
 class TableView final : public View {
 public:
-    TableView(std::ostream& out, bool onTerminal, std::vector<SensorWatch*> watches)
-        : _out(out), _onTerminal(onTerminal), _watches(std::move(watches)), _counted(_watches.size())
+    TableView(std::ostream& out, bool onTerminal, RunLog* log, std::vector<SensorWatch*> watches)
+        : _out(out), _onTerminal(onTerminal), _log(log), _watches(std::move(watches)), _counted(_watches.size())
     {
-        if (_onTerminal && isatty(STDERR_FILENO))
-            _log.emplace();
+        if (_log != nullptr)
+            _log->hold(true);
     }
+    ~TableView() override
+    {
+        if (_log != nullptr)
+            _log->hold(false);
+    }
+    TableView(const TableView&) = delete;
+    TableView& operator=(const TableView&) = delete;
 
     void frame(double now) override
     {
@@ -59,9 +65,9 @@ private:
 
     std::ostream& _out;
     const bool _onTerminal;
+    RunLog* const _log; // null where the log is not shown on this terminal
     const std::vector<SensorWatch*> _watches;
-    std::vector<Counted> _counted; // one per watch, as of _lastRate
-    std::optional<LogCapture> _log;
+    std::vector<Counted> _counted;       // one per watch, as of _lastRate
     double _lastDraw = 0, _lastRate = 0; // wall-clock seconds, 0 before the first
     std::size_t _drawnLines = 0;
 };
@@ -98,15 +104,15 @@ void TableView::draw(double now)
     std::string text;
     if (_onTerminal && _drawnLines > 0)
         text = "\x1b[" + std::to_string(_drawnLines) + "A\r\x1b[J";
-    if (_log)
+    if (_log != nullptr)
         text += _log->take();
     _out << text + table << std::flush;
     _drawnLines = static_cast<std::size_t>(std::ranges::count(table, '\n'));
 }
 } // namespace
 
-std::unique_ptr<View> makeTableView(std::ostream& out, bool onTerminal, std::vector<SensorWatch*> watches)
+std::unique_ptr<View> makeTableView(std::ostream& out, bool onTerminal, RunLog* log, std::vector<SensorWatch*> watches)
 {
-    return std::make_unique<TableView>(out, onTerminal, std::move(watches));
+    return std::make_unique<TableView>(out, onTerminal, log, std::move(watches));
 }
 } // namespace Host

@@ -9,6 +9,8 @@
 
 namespace Host {
 
+class RunLog;
+
 /// Shows the values of a run as they change. Scene thread only.
 class View : public ChangeListener {
 public:
@@ -25,7 +27,7 @@ std::unique_ptr<View> makeLinesView(std::ostream& out, double start);
 /// One JSON object per change and line.
 std::unique_ptr<View> makeJsonView(std::ostream& out);
 
-/// A table of all sensors four times a second. On a terminal, whose messages of the log it then shows above itself, it
-/// is redrawn in place; elsewhere it is written again, once a second.
-std::unique_ptr<View> makeTableView(std::ostream& out, bool onTerminal, std::vector<SensorWatch*> watches);
+/// A table of all sensors. On a terminal it is redrawn in place four times a second, and shows above itself what `log`
+/// holds back meanwhile; null where messages go elsewhere. Not on a terminal it is written again once a second.
+std::unique_ptr<View> makeTableView(std::ostream& out, bool onTerminal, RunLog* log, std::vector<SensorWatch*> watches);
 } // namespace Host
