@@ -1,0 +1,229 @@
+#include "Numbered.h"
+#include "PoolCheck.h"
+#include "StormLength.h"
+#include "Watchdog.h"
+#include "trovio/BufferedInSlot.h"
+#include "trovio/OutSlot.h"
+#include <array>
+#include <gtest/gtest.h>
+#include <map>
+#include <random>
+#include <thread>
+
+using namespace Trovio;
+
+namespace {
+
+/// Two producers push while two threads make, wire, read, interrupt, unwire and destroy slots of their own, and a
+/// reader sleeps on a ring that is connected all along.
+template <class T>
+class Storm {
+public:
+    static constexpr int Pairs = 2;
+
+    Storm(Watchdog& watchdog, const StormLength& length) : _watchdog(watchdog), _length(length)
+    {
+        for (auto& out : _outs)
+            out.connect(&_ring);
+        _reader = std::thread([this] { readRing(); });
+        for (int i = 0; i < Pairs; ++i) {
+            _producers[i] = std::thread([this, i] { produce(i); });
+            _visitors[i] = std::thread([this, i] { visit(i); });
+        }
+    }
+
+    void finish()
+    {
+        for (auto& visitor : _visitors)
+            visitor.join();
+        _done = true;
+        for (auto& producer : _producers)
+            producer.join();
+        _ring.interrupt(); // after the last record: the reader either takes it or leaves it waiting
+        _reader.join();
+        std::printf("%s: %d turns, %llu records taken\n", _ring.getTypeName().c_str(), _turns.load(),
+                    static_cast<unsigned long long>(_popped));
+        checkRing();
+        for (auto& out : _outs) {
+            out.disconnect(&_ring);
+            EXPECT_FALSE(out.isActive());
+        }
+        EXPECT_FALSE(_ring.isActive());
+    }
+
+private:
+    using Slots = std::vector<std::unique_ptr<InSlot<T>>>;
+
+    Data<T> next(int source) { return Data<T>(Numbered<T>::make(++_numbers[source] * Sources + source), Time(0)); }
+
+    /// Each source's numbers rise; a record is never one that nobody sent.
+    static void follow(std::map<long, long>& last, const Data<T>& record)
+    {
+        const long number = Numbered<T>::read(record.getValue());
+        ASSERT_GT(number, 0);
+        EXPECT_GT(number, std::exchange(last[number % Sources], number));
+    }
+
+    void produce(int source)
+    {
+        while (!_done) {
+            _outs[source].push(next(source));
+            std::this_thread::yield();
+        }
+    }
+
+    void readRing()
+    {
+        for (std::map<long, long> last;;) {
+            try {
+                follow(last, _ring.pop());
+                ++_popped;
+            } catch (const InterruptedException&) {
+                if (_done)
+                    return;
+            }
+        }
+    }
+
+    void visit(int visitor)
+    {
+        std::minstd_rand random(static_cast<unsigned>(visitor + 1));
+        Slots slots;
+        int turns = 0;
+        for (; !_length.isOver(turns); ++turns) {
+            _watchdog.alive();
+            if (slots.empty() || (slots.size() < 4 && random() % 8 == 0))
+                makeSlot(slots, random());
+            act(*slots[random() % slots.size()], visitor, random());
+            if (random() % 16 == 0) {
+                endSlot(*slots.back());
+                slots.pop_back();
+            }
+        }
+        for (auto& slot : slots)
+            endSlot(*slot);
+        _turns += turns;
+    }
+
+    static void makeSlot(Slots& slots, unsigned long choice)
+    {
+        if (choice % 2 == 0)
+            slots.push_back(std::make_unique<InSlot<T>>("single"));
+        else
+            slots.push_back(std::make_unique<BufferedInSlot<T>>("ring", 1 + choice % 5));
+    }
+
+    void act(InSlot<T>& slot, int visitor, unsigned long choice)
+    {
+        OutSlot<T>& out = _outs[choice / 16 % Pairs];
+        switch (choice % 8) {
+        case 0:
+            return slot.connect(&out);
+        case 1:
+            return out.connect(&slot);
+        case 2:
+            return slot.disconnect(&out);
+        case 3:
+            return out.disconnect(&slot);
+        case 4:
+            return slot.interrupt();
+        case 5:
+            return _ring.interrupt();
+        case 6:
+            return pushFromNewSlot(slot, Pairs + visitor);
+        default:
+            return read(slot);
+        }
+    }
+
+    void pushFromNewSlot(InSlot<T>& slot, int source)
+    {
+        OutSlot<T> out("new");
+        out.connect(&_ring);
+        out.push(next(source));
+        slot.connect(&out);
+        out.push(next(source));
+        out.disconnect(&slot);
+        _ring.disconnect(&out);
+        EXPECT_FALSE(out.isActive());
+        _fromNewSlots += out.getWritten();
+    }
+
+    /// Nobody else reads this slot, so that what is not empty now stays so.
+    static void read(InSlot<T>& slot)
+    {
+        try {
+            if (slot.empty())
+                return;
+            EXPECT_GT(Numbered<T>::read(slot.top().getValue()), 0);
+            EXPECT_GT(Numbered<T>::read(slot.pop().getValue()), 0);
+        } catch (const InterruptedException&) {
+            return;
+        }
+    }
+
+    void endSlot(InSlot<T>& slot)
+    {
+        while (slot.isActive())
+            for (auto& out : _outs)
+                out.disconnect(&slot);
+        expectWaiting(slot);
+    }
+
+    /// As many records as are said to wait can be taken.
+    static void expectWaiting(InSlot<T>& slot)
+    {
+        const InSlotCounts counts = slot.getCounts();
+        EXPECT_EQ(counts.stored, counts.overwritten + counts.taken + counts.waiting);
+        for (std::uint64_t i = 0; i <= counts.waiting && !slot.empty(); ++i)
+            read(slot);
+        if (!slot.empty()) // an interrupt stood in the way of one
+            read(slot);
+        EXPECT_TRUE(slot.empty());
+        EXPECT_EQ(slot.getCounts().taken, counts.taken + counts.waiting);
+    }
+
+    void checkRing()
+    {
+        const InSlotCounts counts = _ring.getCounts();
+        EXPECT_EQ(counts.stored, _outs[0].getWritten() + _outs[1].getWritten() + _fromNewSlots);
+        EXPECT_EQ(counts.taken, _popped);
+        EXPECT_GT(_popped, 0U);
+        expectWaiting(_ring);
+    }
+
+    static constexpr long Sources = 2 * Pairs; // producers and visitors
+
+    Watchdog& _watchdog;
+    const StormLength& _length;
+    std::array<OutSlot<T>, Pairs> _outs{OutSlot<T>("a"), OutSlot<T>("b")};
+    BufferedInSlot<T> _ring{"ring", 16};
+    std::array<long, Sources> _numbers{}; // each used by one thread
+    std::atomic<std::uint64_t> _fromNewSlots{0};
+    std::atomic<int> _turns{0};
+    std::uint64_t _popped = 0; // the reader's, until it has ended
+    std::atomic<bool> _done{false};
+    std::array<std::thread, Pairs> _producers;
+    std::array<std::thread, Pairs> _visitors;
+    std::thread _reader;
+};
+
+} // namespace
+
+TEST(SlotStorm, SlotsOfFourKindsComeAndGoUnderTraffic)
+{
+    Watchdog watchdog;
+    {
+        const StormLength length(4 * Storm<long>::Pairs);
+        Storm<long> numbers(watchdog, length);
+        Storm<std::string> texts(watchdog, length);
+        Storm<SharedVector<long>> vectors(watchdog, length);
+        Storm<SharedImage> images(watchdog, length);
+        numbers.finish();
+        texts.finish();
+        vectors.finish();
+        images.finish();
+    }
+    EXPECT_TRUE(poolIsWhole<std::vector<long>>());
+    EXPECT_TRUE(poolIsWhole<Image>());
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <chrono>
+#include <cstdlib>
+
+/// How long a storm goes on: for OSTREL_STORM_SECONDS, and until OSTREL_STORM_OPERATIONS are done.
+class StormLength {
+public:
+    /// The operations are shared out evenly among so many threads.
+    explicit StormLength(int threads)
+        : _end(std::chrono::steady_clock::now() + std::chrono::seconds(setting("OSTREL_STORM_SECONDS", 5))),
+          _operations(setting("OSTREL_STORM_OPERATIONS", 100'000) / threads)
+    {
+    }
+
+    bool isOver(int done) const { return done >= _operations && std::chrono::steady_clock::now() >= _end; }
+
+private:
+    static int setting(const char* name, int otherwise)
+    {
+        const char* const wanted = std::getenv(name);
+        return wanted ? std::atoi(wanted) : otherwise;
+    }
+
+    const std::chrono::steady_clock::time_point _end;
+    const int _operations;
+};
