@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # debian.sh CPACK BUILD-FOLDER: the Debian package, unpacked into an empty folder, holds a program that runs from there
-# and finds its node modules; what only a module needs is recommended, not depended on.
+# and finds its node modules; a library that only a module needs is recommended, not depended on.
 set -euo pipefail
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -8,13 +8,12 @@ cd "$2"
 "$1" -G DEB -B "$work" >"$work/log" || { cat "$work/log" && exit 1; }
 
 package=$(echo "$work"/*.deb)
-field() { dpkg-deb --field "$package" "$1"; }
+depends=$(dpkg-deb --field "$package" Depends)
+recommends=$(dpkg-deb --field "$package" Recommends)
 expect() {
     [[ $2 == *"$3"* ]] || { echo "$1 lacks '$3': $2" >&2 && exit 1; }
 }
-expect Depends "$(field Depends)" libstdc++6
-expect Recommends "$(field Recommends)" liblo7
-[[ $(field Depends) != *liblo* ]] || { echo "liblo is needed by a module only: $(field Depends)" >&2 && exit 1; }
+expect Depends "$depends" libstdc++6
 
 dpkg-deb --extract "$package" "$work/unpacked"
 host=$work/unpacked/usr/bin/ostrel-host
@@ -22,3 +21,13 @@ host=$work/unpacked/usr/bin/ostrel-host
 expect "node types" "$("$host" nodes)" OSC
 expect "loaded libraries" "$(ldd "$host")" "$work/unpacked/usr"
 "$host" check "$work"/unpacked/usr/share/doc/*/examples/first-light.toml
+
+# All libraries that the given files load directly.
+loaded_by() { objdump -p "$@" | awk '$1 == "NEEDED" { print $2 }' | sort -u; }
+modules=("$work"/unpacked/usr/lib/trovio/*.so)
+for library in $(comm -13 <(loaded_by "$host" "$work"/unpacked/usr/lib/*.so) <(loaded_by "${modules[@]}")); do
+    provider=$(dpkg-query --search "$library" | head -n 1)
+    provider=${provider%%:*}
+    expect Recommends "$recommends" "$provider"
+    [[ $depends != *"$provider"* ]] || { echo "Depends has $provider, which only a module needs: $depends" >&2 && exit 1; }
+done
