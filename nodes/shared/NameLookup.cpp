@@ -1,7 +1,9 @@
 #include "nodes/shared/NameLookup.h"
 
+#include "base/Mutex.h"
 #include <csignal>
 #include <netdb.h>
+#include <vector>
 
 namespace Trovio::Nodes {
 
@@ -19,6 +21,43 @@ struct Request {
         if (_control.ar_result)
             ::freeaddrinfo(_control.ar_result);
     }
+};
+
+/// Lookups that were given up but could not be called back: the C library writes into them when they end, and only then
+/// may their memory go.
+/// Threads: any.
+class AbandonedRequests {
+public:
+    static AbandonedRequests& get()
+    {
+        static AbandonedRequests requests;
+        return requests;
+    }
+
+    /// Those that are still under way when the program ends are left to the C library.
+    ~AbandonedRequests()
+    {
+        sweep();
+        for (auto& request : _requests)
+            static_cast<void>(request.release());
+    }
+
+    void add(std::unique_ptr<Request> request)
+    {
+        sweep();
+        const Ostrel::LockGuard guard(_lock);
+        _requests.push_back(std::move(request));
+    }
+
+private:
+    void sweep()
+    {
+        const Ostrel::LockGuard guard(_lock);
+        std::erase_if(_requests, [](const auto& request) { return ::gai_error(&request->_control) != EAI_INPROGRESS; });
+    }
+
+    Ostrel::Mutex _lock;
+    std::vector<std::unique_ptr<Request>> _requests OSTREL_GUARDED_BY(_lock);
 };
 
 class SystemLookup final : public NameLookup {
@@ -59,10 +98,8 @@ public:
 
     void cancel() override
     {
-        // One that is under way cannot be called back, and the C library writes into it when it ends: it is left
-        // to it for good, some hundred bytes.
         if (_request && _problem == 0 && ::gai_cancel(&_request->_control) == EAI_NOTCANCELED)
-            static_cast<void>(_request.release());
+            AbandonedRequests::get().add(std::move(_request));
         _request.reset();
     }
 

@@ -3,6 +3,7 @@
 #include "tests/support/LogCapture.h"
 #include "trovio/OutSlot.h"
 #include "trovio/SlotTypes.h"
+#include <cstring>
 
 namespace Trovio::Nodes {
 namespace {
@@ -94,7 +95,9 @@ TEST_F(OscOutput, RecordsBecomeMessagesThatOthersUnderstand)
     ASSERT_TRUE(message);
     EXPECT_STREQ(lo_get_path(packet.data(), static_cast<ssize_t>(packet.size())), "/light/color");
     EXPECT_STREQ(lo_message_get_types(message.get()), "fff");
-    EXPECT_EQ(lo_message_get_argv(message.get())[1]->f, 0.5F);
+    float green = 0; // copied: arguments stand at multiples of four
+    std::memcpy(&green, lo_message_get_argv(message.get())[1], sizeof(green));
+    EXPECT_EQ(green, 0.5F);
     awaitCount("out messages", 1);
 }
 
