@@ -53,8 +53,10 @@ private:
 void SceneNotes::note(Position position, const std::string& text)
 {
     ++_notes;
-    std::fprintf(stderr, "%s:%u:%u: note: %s\n", escaped(_scene._path).c_str(), position._line, position._column,
-                 text.c_str());
+    std::string place = escaped(_scene._path);
+    if (position._line != 0)
+        place += ":" + std::to_string(position._line) + ":" + std::to_string(position._column);
+    std::fprintf(stderr, "%s: note: %s\n", place.c_str(), text.c_str());
 }
 
 void SceneNotes::checkHandler(const HandlerEntry& handler)

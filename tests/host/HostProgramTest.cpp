@@ -21,7 +21,8 @@ const std::string host = HOST_PROGRAM;
 class SceneOnDisk {
 public:
     explicit SceneOnDisk(const std::string& text)
-        : _path(std::filesystem::temp_directory_path() / ("scene-" + std::to_string(getpid()) + ".toml"))
+        : _path(std::filesystem::temp_directory_path() /
+                ("scene-" + std::to_string(getpid()) + "-" + std::to_string(_number++) + ".toml"))
     {
         std::ofstream(_path) << text;
     }
@@ -29,6 +30,7 @@ public:
     std::string path() const { return _path.string(); }
 
 private:
+    static inline int _number = 0;
     const std::filesystem::path _path;
 };
 
@@ -169,6 +171,39 @@ TEST(HostProgram, EndsWhenNobodyReadsItsValues)
     running.stopReading();
     EXPECT_EQ(running.wait(), 1);
     EXPECT_NE(running.err().find("standard output cannot be written to"), std::string::npos);
+}
+
+TEST(HostProgram, RunsTheExamples)
+{
+    const std::string folder = EXAMPLES_FOLDER;
+    HostProcess check(host, {"check", folder + "/first-light.toml", folder + "/devices.toml"});
+    EXPECT_EQ(check.wait(), 0);
+    EXPECT_EQ(check.err(), ""); // not even a note
+
+    HostProcess maker(folder + "/make-large-scene", {"2000"});
+    ASSERT_EQ(maker.wait(), 0) << maker.err();
+    const SceneOnDisk large(maker.out());
+    HostProcess running(host, {"run", large.path(), "--frames", "2"});
+    EXPECT_EQ(running.wait(), 0);
+    EXPECT_NE(running.err().find("and 1980 more sensors without connection\n"), std::string::npos) << running.err();
+    EXPECT_NE(running.err().find("and 1980 more routes\n"), std::string::npos) << running.err();
+}
+
+// A run warns of these and goes on, so they are no errors here either.
+TEST(HostProgram, ChecksWithNotes)
+{
+    const SceneOnDisk scene("[[handler]]\nkind = \"Trovio\"\nname = \"a\"\nnodes = [[\"Nothing\"]]\n"
+                            "[[handler]]\nkind = \"Trovio\"\nname = \"b\"\nnodes = [[\"Generator\", \"rate=x\"]]\n"
+                            "[[handler]]\nkind = \"Trovia\"\nname = \"c\"\n"
+                            "[[sensor]]\nname = \"s\"\ntype = \"SFBool\"\n");
+    HostProcess check(host, {"check", scene.path()});
+    EXPECT_EQ(check.wait(), 0);
+    EXPECT_NE(check.out().find(": good: sensors 1, handlers 3, routes 0, links 0, notes 5\n"), std::string::npos);
+    for (const char* note : {":4:11: note: node type 'Nothing' is not known", ":8:24: note: ",
+                             ":10:8: note: unknown handler kind 'Trovia'; allowed: Trovio, OT, ORDAN, TORVA; nearest",
+                             ":13:8: note: sensor 's' has no label",
+                             ": note: the scene has 2 Trovio handlers; each of them serves every sensor"})
+        EXPECT_NE(check.err().find(note), std::string::npos) << note << "\n" << check.err();
 }
 
 TEST(HostProgram, SaysWithItsExitCodeHowItWent)

@@ -142,6 +142,6 @@ TEST_F(SessionTest, SaysTheFirstOfManyAndHowManyMore)
     build({scene});
     reportStart(_session, _say);
     EXPECT_EQ(_said.size(), 21u);
-    EXPECT_EQ(_said.back(), "and 80 more sensors of this kind");
+    EXPECT_EQ(_said.back(), "and 80 more sensors without connection");
 }
 } // namespace

@@ -1,0 +1,101 @@
+#include "host/RunLog.h"
+#include "host/View.h"
+#include "osg/LogMessage.h"
+#include "ostrel/FieldTypes.h"
+
+#include <gtest/gtest.h>
+#include <sstream>
+
+using namespace Host;
+
+namespace {
+
+void log(int level, const char* module, const char* text)
+{
+    osg::logMessage(level, {module, "unit", 7, "f()"}, "%s\n", text);
+}
+
+struct ShownRow {
+    const char* _name;
+    bool _verbose;
+    bool _held;
+    const char* _taken;
+    const char* _written; // to standard error
+};
+class RunLogShows : public ::testing::TestWithParam<ShownRow> {};
+
+TEST_P(RunLogShows, WhatConcernsThePersonAtTheTerminal)
+{
+    const ShownRow& row = GetParam();
+    testing::internal::CaptureStderr();
+    RunLog runLog(row._verbose);
+    runLog.hold(row._held);
+    log(osg::LogAlways, "Ostrel", "chatter");
+    log(osg::LogAlways, "Trovio", "listening\x1b");
+    log(osg::LogWarning, "Ostrel", "odd");
+    EXPECT_EQ(runLog.take(), row._taken);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), row._written);
+}
+constexpr char plain[] = "listening\\x1b\nWARNING Ostrel unit:7: odd\n";
+constexpr char everything[] =
+    "LOG Ostrel unit:7: chatter\nLOG Trovio unit:7: listening\\x1b\nWARNING Ostrel unit:7: odd\n";
+INSTANTIATE_TEST_SUITE_P(Run, RunLogShows,
+                         ::testing::Values(ShownRow{"Plain", false, false, "", plain},
+                                           ShownRow{"Verbose", true, false, "", everything},
+                                           ShownRow{"AboveATable", false, true, plain, ""},
+                                           ShownRow{"VerboseAboveATable", true, true, everything, ""}),
+                         [](const auto& row) { return std::string(row.param._name); });
+
+TEST(RunLog, WritesWhatNobodyTook)
+{
+    testing::internal::CaptureStderr();
+    {
+        RunLog runLog(false);
+        runLog.hold(true);
+        log(osg::LogWarning, "Ostrel", "odd");
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "WARNING Ostrel unit:7: odd\n");
+}
+
+/// The bytes that a table view wrote, and the sensor that it shows.
+class TableViewTest : public ::testing::Test {
+protected:
+    void change(double time) { _watch.notify(time, nullptr, nullptr, nullptr); }
+    std::string shown()
+    {
+        std::string text = _out.str();
+        _out.str("");
+        return text;
+    }
+
+    Ostrel::DirectSensor _sensor{std::make_unique<Ostrel::SFFloat>()};
+    SensorWatch _watch{_sensor, ""};
+    std::ostringstream _out;
+};
+
+TEST_F(TableViewTest, CountsValuesPerSecond)
+{
+    const auto view = makeTableView(_out, false, nullptr, {&_watch});
+    view->frame(100);
+    EXPECT_NE(shown().find("  0.0         -\n"), std::string::npos);
+    for (int i = 0; i < 30; ++i)
+        change(100.5);
+    view->frame(100.75);
+    EXPECT_EQ(shown(), "");
+    view->frame(102);
+    EXPECT_NE(shown().find(" 15.0     1.5 s\n"), std::string::npos);
+}
+
+TEST_F(TableViewTest, IsDrawnInPlaceBelowTheMessages)
+{
+    RunLog runLog(false);
+    const auto view = makeTableView(_out, true, &runLog, {&_watch});
+    view->frame(100);
+    EXPECT_TRUE(shown().starts_with("sensor "));
+    view->frame(100.1);
+    EXPECT_EQ(shown(), "");
+    log(osg::LogWarning, "Ostrel", "odd");
+    view->frame(100.3);
+    EXPECT_TRUE(shown().starts_with("\x1b[2A\r\x1b[JWARNING Ostrel unit:7: odd\nsensor "));
+}
+} // namespace
