@@ -1,49 +1,11 @@
 #include "nodes/generator/Wave.h"
 
-#include <charconv>
+#include "nodes/shared/NumberList.h"
 #include <numbers>
 
 namespace Trovio::Nodes {
 
 namespace {
-
-constexpr double largest = 1e12; // of amplitudes and offsets, so that every sum fits into 64 bits
-
-std::optional<double> parseNumber(std::string_view text)
-{
-    double number = 0.0;
-    const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (problem != std::errc() || end != text.data() + text.size() || !(std::abs(number) <= largest))
-        return std::nullopt;
-    return number;
-}
-
-/// Blank-separated numbers: one for all components, or one for each.
-std::vector<double> readNumbers(const Settings& settings, const char* name, std::size_t count)
-{
-    const auto refusal = [&] {
-        const std::string each = count == 1 ? "one number" : "one number, or " + std::to_string(count);
-        return settings.refusal(name, each + ", from -1e12 to 1e12, separated by blanks");
-    };
-    std::vector<double> numbers;
-    std::string_view rest = settings.text(name);
-    for (;;) {
-        rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
-        if (rest.empty())
-            break;
-        const auto word = rest.substr(0, rest.find(' '));
-        const auto number = parseNumber(word);
-        if (!number || numbers.size() == count)
-            throw refusal();
-        numbers.push_back(*number);
-        rest.remove_prefix(word.size());
-    }
-    if (numbers.size() == 1)
-        numbers.resize(count, numbers.front());
-    if (numbers.size() != count)
-        throw refusal();
-    return numbers;
-}
 
 /// Scatters the bits of a number so that neighbours have nothing in common.
 /// Source: the finaliser of splitmix64, public domain, https://prng.di.unimi.it/splitmix64.c
@@ -63,9 +25,9 @@ Wave::Wave(const Settings& settings, std::size_t components)
       _steps(static_cast<double>(settings.integer("steps"))),
       _seed(static_cast<std::uint64_t>(settings.integer("seed")))
 {
-    const auto amplitudes = readNumbers(settings, "amplitude", components);
-    const auto offsets = readNumbers(settings, "offset", components);
-    const auto phases = readNumbers(settings, "phase", components);
+    const auto amplitudes = readComponents(settings, "amplitude", components);
+    const auto offsets = readComponents(settings, "offset", components);
+    const auto phases = readComponents(settings, "phase", components);
     for (std::size_t i = 0; i < components; ++i)
         _channels.push_back({amplitudes[i], offsets[i], phases[i]});
 }

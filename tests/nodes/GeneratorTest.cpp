@@ -141,7 +141,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Refused{"NoSlotLabel", "slot=''", "slot"},
                       Refused{"TooManyNumbers", "amplitude='1 2'", "one number"},
                       Refused{"TooFewNumbers", "type=Vec3f offset='1 2'", "or 3"},
-                      Refused{"NoNumber", "phase=x", "phase"}, Refused{"Endless", "offset=inf", "1e12"},
+                      Refused{"NoNumber", "phase=x", "phase"}, Refused{"Endless", "offset=inf", "1e+12"},
                       Refused{"Blank", "offset=' '", "offset"}, Refused{"OneStep", "steps=1", "steps"}),
     [](const auto& row) { return std::string(row.param._name); });
 
