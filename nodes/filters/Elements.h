@@ -1,0 +1,49 @@
+#pragma once
+
+#include "trovio/Components.h"
+#include <cmath>
+#include <limits>
+
+namespace Trovio::Nodes {
+
+/// What a slot value type is made of: itself, or the elements of its array.
+template <class T>
+struct ElementOf {
+    using Type = T;
+};
+template <class E>
+struct ElementOf<SharedVector<E>> {
+    using Type = E;
+};
+
+template <class E, class... Others>
+constexpr bool isOneOf = (std::is_same_v<E, Others> || ...);
+
+template <class E>
+concept Scalar = isOneOf<E, double, float, long>;
+
+template <class E>
+concept Vector = isOneOf<E, Vec2<double>, Vec2<float>, Vec3<double>, Vec3<float>, Vec4<double>, Vec4<float>>;
+
+template <class E>
+concept Matrix = isOneOf<E, Matrix3<double>, Matrix3<float>, Matrix4<double>, Matrix4<float>>;
+
+/// Types whose components are quantities, each of which means something on its own.
+template <class E>
+concept Measure = Scalar<E> || Vector<E> || isOneOf<E, Color, ColorRGBA>;
+
+/// Sets a component to a number, rounded where it is a whole one. False, and nothing is set, if it does not fit.
+template <class E>
+bool setNumber(E& element, std::size_t i, double number)
+{
+    using Component = typename Components<E>::Component;
+    constexpr bool isWhole = std::is_integral_v<Component>;
+    // The upper limit of the whole numbers is no double; the next power of two is.
+    if (isWhole ? !(std::abs(number) < 0x1p63)
+                : !(std::abs(number) <= static_cast<double>(std::numeric_limits<Component>::max())))
+        return false;
+    Components<E>::set(element, i, static_cast<Component>(isWhole ? std::round(number) : number));
+    return true;
+}
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "nodes/filters/ElementWise.h"
+#include "nodes/filters/RelayNode.h"
+#include "trovio/SlotTypes.h"
+#include <array>
+
+namespace Trovio::Nodes {
+
+/// A relay that applies a formula to each value. What a formula is, ElementWise.h says.
+class FilterNode : public RelayNode {
+public:
+    /// Throws InvalidFieldException.
+    using CreateLane = std::unique_ptr<Lane> (*)(const Settings& settings, unsigned queue);
+    FilterNode(Clock& clock, CreateLane create);
+
+private:
+    std::unique_ptr<Lane> createLane(const Settings& settings) override;
+    void count(Outcome outcome) override;
+
+    const CreateLane _createLane;
+    std::array<Counter*, 3> _rejected; // by Outcome, without Sent
+};
+
+/// Whether the filter has a formula for a slot value type, or for its elements. Filter::Formula<E> is constrained to
+/// the element types that the filter makes sense for.
+template <class Filter, class T>
+concept FilterOf = requires
+{
+    typename Filter::template Formula<typename ElementOf<T>::Type>;
+};
+
+/// The names of the types that a filter makes sense for, as choices of a setting.
+template <class Filter>
+std::string fittingTypes()
+{
+    std::string names;
+    forEachSlotType([&]<class T>(TypeTag<T>) {
+        if constexpr (FilterOf<Filter, T>)
+            names += (names.empty() ? "" : "|") + TypeName<T>::getName();
+    });
+    return names;
+}
+
+template <class Filter>
+std::unique_ptr<Lane> createFilterLane(const Settings& settings, unsigned queue)
+{
+    std::unique_ptr<Lane> lane;
+    withSlotType(settings.text("type"), [&]<class T>(TypeTag<T>) {
+        if constexpr (FilterOf<Filter, T>) {
+            using Process = ElementWise<T, typename Filter::template Formula<typename ElementOf<T>::Type>>;
+            lane = std::make_unique<TypedLane<T, Process>>(queue, Process(settings));
+        }
+    });
+    return lane;
+}
+
+} // namespace Trovio::Nodes

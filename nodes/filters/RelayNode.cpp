@@ -1,0 +1,68 @@
+#include "nodes/filters/RelayNode.h"
+
+namespace Trovio::Nodes {
+
+RelayTable::RelayTable(std::string types, const char* initialType, std::initializer_list<Setting> rows)
+    : _types(std::move(types)),
+      _rows{Setting::choice("type", initialType, _types.c_str(), "slot type of both ends"),
+            Setting::integer("queue", "256", 1, 65536, "records that may wait in the in-slot; the newest are kept")}
+{
+    _rows.insert(_rows.end(), rows);
+}
+
+RelayNode::RelayNode(Clock& clock) : _received(addCounter("received")), _sent(addCounter("sent")), _worker(clock) {}
+
+RelayNode::~RelayNode() = default;
+
+unsigned RelayNode::readQueue(const Settings& settings)
+{
+    return static_cast<unsigned>(settings.integer("queue"));
+}
+
+void RelayNode::configure(const Settings& settings)
+{
+    auto lane = createLane(settings);
+    removeSlot("in");
+    removeSlot("out");
+    _lane = std::move(lane);
+    _lane->getInSlot().setListener(this);
+    addInSlot("in", &_lane->getInSlot());
+    addOutSlot("out", &_lane->getOutSlot());
+}
+
+void RelayNode::start()
+{
+    _worker.start(
+        getTypeName().c_str(), [this] { run(); },
+        [this](const std::string& problem) { setDegraded("ended: " + problem); });
+}
+
+void RelayNode::stop()
+{
+    _worker.stop();
+}
+
+void RelayNode::run()
+{
+    std::optional<double> until;
+    do {
+        relayWaiting();
+        until = look();
+    } while (_worker.wait(until));
+}
+
+void RelayNode::relayWaiting()
+{
+    while (!_worker.isStopping()) {
+        const auto outcome = _lane->relayNext();
+        if (!outcome)
+            return;
+        _received.add();
+        if (*outcome == Outcome::Sent)
+            _sent.add();
+        else
+            count(*outcome);
+    }
+}
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "nodes/filters/Lane.h"
+#include "nodes/shared/Worker.h"
+#include "trovio/Node.h"
+#include <memory>
+
+namespace Trovio::Nodes {
+
+/// The settings of a relay: its type, how many records may wait, and rows of its own.
+/// Lives as long as the node type, which refers to it.
+class RelayTable {
+public:
+    /// types: the names of the types that the relay is made for, as choices: "Float|Vec3f".
+    RelayTable(std::string types, const char* initialType, std::initializer_list<Setting> rows);
+    RelayTable(const RelayTable&) = delete;
+    RelayTable& operator=(const RelayTable&) = delete;
+
+    std::span<const Setting> rows() const { return _rows; }
+
+private:
+    const std::string _types;
+    std::vector<Setting> _rows;
+};
+
+/// Takes records from an in-slot, in order, and sends what becomes of them through an out-slot of the same type.
+/// Invariant: received = sent + rejected whenever nothing waits.
+/// Ownership: owns its slots; routes refer to them only while the node stands in a namespace.
+/// Threads:   a record that arrives is queued and wakes the node's own thread, which does all the rest.
+class RelayNode : public Node, private SlotListener {
+public:
+    ~RelayNode() override;
+
+protected:
+    explicit RelayNode(Clock& clock);
+
+    /// The lane that the settings ask for. Throws InvalidFieldException, before anything has changed.
+    virtual std::unique_ptr<Lane> createLane(const Settings& settings) = 0;
+
+    /// Runs on the node's thread whenever no record waits. When it wants to run again, if nothing comes before that.
+    virtual std::optional<double> look() { return std::nullopt; }
+
+    void configure(const Settings& settings) override;
+    void start() override;
+    void stop() override;
+
+    static unsigned readQueue(const Settings& settings);
+
+private:
+    void dataArrived(Slot&) override { _worker.wake(); }
+    void run();
+    void relayWaiting();
+    virtual void count(Outcome) {} // what is neither received nor sent
+
+    Counter& _received;
+    Counter& _sent;
+    std::unique_ptr<Lane> _lane; // unchanged while the node runs
+    Worker _worker;
+};
+
+/// The factory of a node type that needs nothing but the system's clock.
+template <class NodeT>
+std::unique_ptr<Node> createOnSystemClock()
+{
+    return std::make_unique<NodeT>(Clock::system());
+}
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,106 @@
+#include "nodes/filters/OneEuro.h"
+#include "nodes/filters/Scale.h"
+#include "tests/filters/RelayBench.h"
+#include <thread>
+
+namespace Trovio::Nodes {
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+template <class E>
+SharedVector<E> shared(std::vector<E> elements)
+{
+    SharedVector<E> handle;
+    *handle = std::move(elements);
+    return handle;
+}
+
+TEST(Filter, RejectsByCauseAndTheSumsAreExact)
+{
+    RelayBench<Scale, float> bench("gain=10");
+    for (const double value : {1.0, std::nan(""), infinity, -infinity, 2e38, 2.0})
+        bench.send(static_cast<float>(value));
+    EXPECT_EQ(bench.next().getValue(), 10.0F);
+    EXPECT_EQ(bench.next().getValue(), 20.0F);
+    bench.node().stop();
+    EXPECT_EQ(bench.node().count("received"), 6U);
+    EXPECT_EQ(bench.node().count("sent"), 2U);
+    EXPECT_EQ(bench.node().count("rejected value"), 3U);
+    EXPECT_EQ(bench.node().count("rejected result"), 1U);
+}
+
+TEST(Filter, RotationsWithoutDirectionAreRejected)
+{
+    RelayBench<OneEuro, Rotation> bench("");
+    bench.send(Rotation(0, 0, 0, 0), 1.0);
+    EXPECT_EQ(bench.pass(Rotation(0, 0, 0, 2), 2.0), Rotation());
+    bench.node().stop();
+    EXPECT_EQ(bench.node().count("rejected value"), 1U);
+}
+
+TEST(Filter, ArraysAreChangedInACopyAndAsAWhole)
+{
+    RelayBench<Scale, SharedVector<Vec2<float>>> bench("gain='2 3'");
+    const auto sent = shared<Vec2<float>>({{1, 1}, {2, -1}});
+    const auto received = bench.pass(sent);
+    EXPECT_EQ(*received, (std::vector<Vec2<float>>{{2, 3}, {4, -3}}));
+    EXPECT_EQ(*sent, (std::vector<Vec2<float>>{{1, 1}, {2, -1}}));
+
+    bench.send(shared<Vec2<float>>({{1, 1}, {2, std::nanf("")}}));
+    EXPECT_TRUE(bench.pass(SharedVector<Vec2<float>>())->empty());
+    bench.node().stop();
+    EXPECT_EQ(bench.node().count("rejected value"), 1U);
+}
+
+TEST(Filter, EachElementOfAnArrayHasAHistoryUntilTheLengthChanges)
+{
+    RelayBench<OneEuro, SharedVector<double>> bench("");
+    bench.pass(shared<double>({1, 100}), 0.0);
+    const auto second = bench.pass(shared<double>({1.2, 100}), 0.01);
+    expectNear(*second, {1.011823479, 100}, 1e-9);
+    EXPECT_EQ(*bench.pass(shared<double>({5, 6, 7}), 0.02), (std::vector<double>{5, 6, 7}));
+}
+
+TEST(Filter, PushesFromItsOwnThreadInOrder)
+{
+    class Listener final : public SlotListener {
+    public:
+        void dataArrived(Slot&) override
+        {
+            if (std::this_thread::get_id() == _pusher)
+                ++_onPusher;
+        }
+        const std::thread::id _pusher = std::this_thread::get_id();
+        std::atomic<int> _onPusher{0};
+    };
+    Listener listener;
+    BufferedInSlot<long> receiver("receiver", 1000);
+    receiver.setListener(&listener);
+    {
+        RelayBench<Scale, long> bench("gain=2 queue=1000");
+        Root::get().addInSlot("receiver", &receiver);
+        Root::get().addRoute("relay/out", "receiver");
+        for (long i = 0; i < 1000; ++i)
+            bench.send(i);
+        for (long i = 0; i < 1000; ++i)
+            EXPECT_EQ(receiver.pop().getValue(), 2 * i);
+        Root::get().removeSlot("receiver");
+    }
+    EXPECT_EQ(listener._onPusher, 0);
+}
+
+TEST(Filter, WorksOnAfterItStoodElsewhere)
+{
+    RelayBench<Scale, double> bench("gain=3");
+    EXPECT_EQ(bench.pass(1.0), 3.0);
+    bench.node().stop();
+    bench.send(2.0); // kept by the out-slot, and delivered to whoever connects next
+    bench.node().standAgain();
+    while (bench.next().getValue() != 6.0) { // its own last record comes again first, as to every new reader
+    }
+    EXPECT_EQ(bench.pass(4.0), 12.0);
+}
+
+} // namespace
+} // namespace Trovio::Nodes

@@ -1,0 +1,105 @@
+#pragma once
+
+#include "nodes/filters/Elements.h"
+#include "tests/nodes/ManualClock.h"
+#include "tests/nodes/NodeFixture.h"
+#include "trovio/OutSlot.h"
+
+namespace Trovio::Nodes {
+
+/// A relay under the root, between an out-slot of the test and a probe.
+template <class NodeT, class T>
+class RelayBench {
+public:
+    explicit RelayBench(const std::string& settings)
+        : _node(std::make_unique<NodeT>(_clock), "label=relay type=" + TypeName<T>::getName() + " " + settings),
+          _probe("relay/out")
+    {
+        Root::get().addOutSlot("source", &_source);
+        Root::get().addRoute("source", "relay/in");
+    }
+    ~RelayBench()
+    {
+        Root::get().removeRoute("source", "relay/in");
+        Root::get().removeSlot("source");
+    }
+
+    void send(const T& value, double stamp = 1.0) { _source.push(Data<T>(value, Time(stamp))); }
+    Data<T> next() { return _probe.next(); }
+    T pass(const T& value, double stamp = 1.0)
+    {
+        send(value, stamp);
+        return next().getValue();
+    }
+    ManualClock& clock() { return _clock; }
+    StandingNode<NodeT>& node() { return _node; }
+    BufferedInSlot<T>& output() { return _probe.slot(); }
+
+private:
+    OpenRoot _root;
+    ManualClock _clock;
+    OutSlot<T> _source{"source"};
+    StandingNode<NodeT> _node;
+    Probe<T> _probe;
+};
+
+/// Numbers as a value of type T, and back.
+template <class T>
+T fromNumbers(const std::vector<double>& numbers)
+{
+    T value{};
+    for (std::size_t i = 0; i < Components<T>::Count; ++i)
+        setNumber(value, i, numbers.at(i));
+    return value;
+}
+
+template <class T>
+std::vector<double> toNumbers(const T& value)
+{
+    std::vector<double> numbers;
+    for (std::size_t i = 0; i < Components<T>::Count; ++i)
+        numbers.push_back(static_cast<double>(Components<T>::get(value, i)));
+    return numbers;
+}
+
+inline void expectNear(const std::vector<double>& values, const std::vector<double>& expected, double tolerance)
+{
+    ASSERT_EQ(values.size(), expected.size());
+    for (std::size_t i = 0; i < values.size(); ++i)
+        EXPECT_NEAR(values[i], expected[i], tolerance) << "number " << i;
+}
+
+/// Why a node refuses the settings, which must leave its slots as they were.
+template <class NodeT>
+std::string refusalBy(const std::string& settings)
+{
+    ManualClock clock;
+    NodeT node(clock);
+    node.setType(NodeT::getEntry());
+    node.setFieldValues("type=Vec2f");
+    std::string refusal = "accepted";
+    try {
+        node.setFieldValues(settings);
+    } catch (const InvalidFieldException& problem) {
+        refusal = problem.getMessage();
+    }
+    for (const SlotInfo& slot : node.inspect()._slots)
+        EXPECT_TRUE(slot._label == "alive" || slot._typeName == "Vec2f") << slot._label << " " << slot._typeName;
+    return refusal;
+}
+
+/// One row of a table of settings that are refused.
+struct RefusedSettings {
+    const char* _name;
+    std::string (*_refuse)(const std::string& settings);
+    const char* _settings;
+    const char* _mentioned;
+};
+
+inline void expectRefused(const RefusedSettings& row)
+{
+    const std::string refusal = row._refuse(row._settings);
+    EXPECT_NE(refusal.find(row._mentioned), std::string::npos) << refusal;
+}
+
+} // namespace Trovio::Nodes
