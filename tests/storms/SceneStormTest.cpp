@@ -118,7 +118,7 @@ class SceneStorm {
 public:
     ~SceneStorm()
     {
-        for (int i = 0; i < Sensors; ++i)
+        for (std::size_t i = 0; i < Sensors; ++i)
             removeSensor(i);
         for (const char* name : {"first", "second"})
             removeHandler(name);
@@ -126,7 +126,7 @@ public:
 
     void turn(std::minstd_rand& random)
     {
-        const int sensor = static_cast<int>(random() % Sensors);
+        const std::size_t sensor = random() % Sensors;
         const char* const handler = random() % 2 == 0 ? "first" : "second";
         const auto choice = random() % 32;
         if (choice < 8)
@@ -141,16 +141,16 @@ public:
     std::uint64_t taken() const { return _taken; }
 
 private:
-    static constexpr int Sensors = 8; // four that take values, four that give them
+    static constexpr std::size_t Sensors = 8; // four that take values, four that give them
 
-    void addSensor(int i)
+    void addSensor(std::size_t i)
     {
         static constexpr const char* types[Sensors] = {"SFFloat",  "SFString", "MFVec3f", "SFImage",
                                                        "MFString", "SFFloat",  "MFFloat", "SFVec3f"};
         _sensors[i] = &_scene.add(makeSensor(types[i], "S" + std::to_string(i), i >= 4, i % 2 == 0 ? 4 : 0));
     }
 
-    void removeSensor(int i)
+    void removeSensor(std::size_t i)
     {
         if (!_sensors[i])
             return;

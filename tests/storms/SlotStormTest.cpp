@@ -19,14 +19,14 @@ namespace {
 template <class T>
 class Storm {
 public:
-    static constexpr int Pairs = 2;
+    static constexpr std::size_t Pairs = 2;
 
     Storm(Watchdog& watchdog, const StormLength& length) : _watchdog(watchdog), _length(length)
     {
         for (auto& out : _outs)
             out.connect(&_ring);
         _reader = std::thread([this] { readRing(); });
-        for (int i = 0; i < Pairs; ++i) {
+        for (std::size_t i = 0; i < Pairs; ++i) {
             _producers[i] = std::thread([this, i] { produce(i); });
             _visitors[i] = std::thread([this, i] { visit(i); });
         }
@@ -54,7 +54,10 @@ public:
 private:
     using Slots = std::vector<std::unique_ptr<InSlot<T>>>;
 
-    Data<T> next(int source) { return Data<T>(Numbered<T>::make(++_numbers[source] * Sources + source), Time(0)); }
+    Data<T> next(std::size_t source)
+    {
+        return Data<T>(Numbered<T>::make(++_numbers[source] * Sources + static_cast<long>(source)), Time(0));
+    }
 
     /// Each source's numbers rise; a record is never one that nobody sent.
     static void follow(std::map<long, long>& last, const Data<T>& record)
@@ -64,7 +67,7 @@ private:
         EXPECT_GT(number, std::exchange(last[number % Sources], number));
     }
 
-    void produce(int source)
+    void produce(std::size_t source)
     {
         while (!_done) {
             _outs[source].push(next(source));
@@ -85,7 +88,7 @@ private:
         }
     }
 
-    void visit(int visitor)
+    void visit(std::size_t visitor)
     {
         std::minstd_rand random(static_cast<unsigned>(visitor + 1));
         Slots slots;
@@ -113,7 +116,7 @@ private:
             slots.push_back(std::make_unique<BufferedInSlot<T>>("ring", 1 + choice % 5));
     }
 
-    void act(InSlot<T>& slot, int visitor, unsigned long choice)
+    void act(InSlot<T>& slot, std::size_t visitor, unsigned long choice)
     {
         OutSlot<T>& out = _outs[choice / 16 % Pairs];
         switch (choice % 8) {
@@ -136,7 +139,7 @@ private:
         }
     }
 
-    void pushFromNewSlot(InSlot<T>& slot, int source)
+    void pushFromNewSlot(InSlot<T>& slot, std::size_t source)
     {
         OutSlot<T> out("new");
         out.connect(&_ring);

@@ -1,0 +1,110 @@
+#include "Rig.h"
+#include "tests/storms/PoolCheck.h"
+
+#include "RealSemaphore.h" // last
+
+namespace Explorer {
+
+namespace {
+
+using Handle = Trovio::SmartPtr<Halves>;
+
+} // namespace
+
+} // namespace Explorer
+
+template <>
+Trovio::Cache<Explorer::Halves> Trovio::Cache<Explorer::Halves>::the_{};
+
+template <>
+struct Trovio::TypeName<Explorer::Handle> {
+    static std::string getName() { return "Handle"; }
+};
+
+namespace Explorer {
+
+namespace {
+
+Handle acquire(long number)
+{
+    Handle handle;
+    handle.acquire();
+    *handle = Halves(number);
+    return handle;
+}
+
+void expectStill(const Handle& handle, long number)
+{
+    expect(std::as_const(handle)->number() == number, "an object was reused while somebody held it");
+}
+
+/// One travels through a slot while others take from the pool and give back.
+void releaseAgainstAcquire(Scheduler& scheduler)
+{
+    {
+        Trovio::OutSlot<Handle> out("out");
+        Trovio::InSlot<Handle> in("in");
+        out.connect(&in);
+        scheduler.spawn([&] {
+            for (long number = 1; number <= 2; ++number)
+                out.push(Trovio::Data<Handle>(acquire(number), Trovio::Time(0)));
+        });
+        scheduler.spawn([&] {
+            for (long number = 0; number != 2;) {
+                const Trovio::Data<Handle> record = in.pop();
+                const Handle& value = record.getValue();
+                const long before = std::exchange(number, std::as_const(value)->number());
+                expect(number > before && number <= 2, "a reader got another record than was sent");
+                expectStill(value, number);
+            }
+        });
+        scheduler.spawn([&] {
+            for (long number = 3; number <= 4; ++number) {
+                Handle handle = acquire(number);
+                const Handle copy(handle);
+                handle = acquire(-number);
+                expectStill(copy, number);
+                expectStill(handle, -number);
+            }
+        });
+        scheduler.run();
+        out.disconnect(&in);
+    }
+    expect(poolIsWhole<Halves>(), "an object did not come back to its pool");
+}
+
+void semaphore(Scheduler& scheduler)
+{
+    Ostrel::RealSemaphore semaphore;
+    int passed = 0;
+    for (int i = 0; i < 3; ++i)
+        scheduler.spawn([&] {
+            semaphore.wait();
+            ++passed;
+        });
+    for (const int tokens : {1, 2})
+        scheduler.spawn([&semaphore, tokens] {
+            for (int i = 0; i < tokens; ++i)
+                if (semaphore.post())
+                    semaphore.wake();
+        });
+    scheduler.run();
+    expect(passed == 3, "a token was lost");
+    const bool somebodySleeps = semaphore.post();
+    expect(!somebodySleeps, "somebody is said to sleep after all have passed");
+}
+
+constexpr Scenario scenarios[] = {
+    {"pool_release_against_acquire", "shared objects travel and come back while others are taken",
+     releaseAgainstAcquire},
+    {"semaphore", "the semaphore itself, each use of its counters a step", semaphore},
+};
+
+} // namespace
+
+std::span<const Scenario> poolScenarios()
+{
+    return scenarios;
+}
+
+} // namespace Explorer

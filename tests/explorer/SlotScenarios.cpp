@@ -1,0 +1,140 @@
+#include "Rig.h"
+
+namespace Explorer {
+
+namespace {
+
+constexpr char brokenOrder[] = "a reader got an older record after a newer one";
+
+/// Takes records until the last one of a producer, which is never overwritten. Returns how many.
+unsigned readUntil(In& slot, long lastNumber)
+{
+    unsigned taken = 0;
+    for (long number = 0, before = 0; number != lastNumber; before = number)
+        if (popUnlessInterrupted(slot, number)) {
+            ++taken;
+            expect(number > before, brokenOrder);
+        }
+    return taken;
+}
+
+void pushAgainstPop(Scheduler& scheduler)
+{
+    Out out("out");
+    In in("in");
+    out.connect(&in);
+    unsigned taken = 0;
+    scheduler.spawn([&] {
+        for (long number = 1; number <= 3; ++number)
+            push(out, number);
+    });
+    scheduler.spawn([&] { taken = readUntil(in, 3); });
+    scheduler.run();
+    expectAccounts(in, 3, taken);
+    expect(out.getWritten() == 3, "a push was not counted");
+}
+
+void popInterruptAndTop(Scheduler& scheduler)
+{
+    In in("in");
+    unsigned taken = 0;
+    int seenByTop = 0;
+    scheduler.spawn([&] {
+        push(in, 1);
+        push(in, 2);
+    });
+    scheduler.spawn([&] { taken = readUntil(in, 2); });
+    scheduler.spawn([&] {
+        in.interrupt();
+        in.interrupt();
+    });
+    scheduler.spawn([&] {
+        for (int i = 0; i < 3; ++i)
+            seenByTop += topIsInterrupted(in);
+    });
+    scheduler.run();
+    expect(seenByTop <= 2, "more interrupts came than were sent");
+    topIsInterrupted(in); // one that nobody saw yet
+    expect(!topIsInterrupted(in), "an interrupt came twice");
+    expectAccounts(in, 2, taken);
+}
+
+void fullRing(Scheduler& scheduler)
+{
+    Ring ring("ring", 2);
+    std::vector<long> taken;
+    for (const long producer : {100, 200})
+        scheduler.spawn([&ring, producer] {
+            for (long number = 1; number <= 3; ++number)
+                push(ring, producer + number);
+        });
+    scheduler.spawn([&] {
+        for (int i = 0; i < 2; ++i) // so many are there even if nobody reads before the end
+            taken.push_back(pop(ring));
+    });
+    scheduler.run();
+    const Trovio::InSlotCounts counts = ring.getCounts();
+    expect(counts.stored == 6 && counts.waiting <= 2, "a ring holds more than it can");
+    expect(counts.stored == counts.overwritten + counts.taken + counts.waiting, "the counts do not add up");
+    const std::vector<long> left = drain(ring);
+    expect(counts.taken == taken.size() && counts.waiting == left.size(), "records were lost or invented");
+    taken.insert(taken.end(), left.begin(), left.end());
+    long last[3] = {};
+    for (const long number : taken)
+        expect(number % 100 > std::exchange(last[number / 100], number % 100), brokenOrder);
+    expect(taken.back() % 100 == 3, "a full ring dropped the newest record");
+}
+
+void interruptWhileAValueWaits(Scheduler& scheduler)
+{
+    In in("in");
+    push(in, 1);
+    int interrupted = 0;
+    long number = 0;
+    scheduler.spawn([&] { in.interrupt(); });
+    scheduler.spawn([&] {
+        while (!popUnlessInterrupted(in, number))
+            ++interrupted;
+    });
+    scheduler.run();
+    expect(number == 1, "the value that waited did not come");
+    expect(interrupted + topIsInterrupted(in) == 1, "an interrupt was lost or came twice");
+    expectAccounts(in, 1, 1);
+}
+
+void twoReaders(Scheduler& scheduler)
+{
+    Ring ring("ring", 4);
+    std::vector<long> taken;
+    for (int reader = 0; reader < 2; ++reader)
+        scheduler.spawn([&] {
+            for (int i = 0; i < 2; ++i)
+                taken.push_back(pop(ring));
+        });
+    for (const long first : {1, 3})
+        scheduler.spawn([&ring, first] {
+            push(ring, first);
+            push(ring, first + 1);
+        });
+    scheduler.run();
+    std::sort(taken.begin(), taken.end());
+    expect(taken == std::vector<long>{1, 2, 3, 4}, "two readers did not get each record once");
+    expectAccounts(ring, 4, 4);
+}
+
+constexpr Scenario scenarios[] = {
+    {"push_against_pop", "a producer and a reader that sleeps", pushAgainstPop},
+    {"pop_interrupt_top", "top() takes interrupts from a sleeping reader, and both are pushed to", popInterruptAndTop},
+    {"full_ring", "two producers overrun a ring under its reader", fullRing},
+    {"interrupt_while_a_value_waits", "neither gets lost, whichever the reader sees first", interruptWhileAValueWaits},
+    {"two_readers", "two sleeping readers share what two producers push", twoReaders},
+};
+
+} // namespace
+
+std::span<const Scenario> slotScenarios()
+{
+    return scenarios;
+}
+
+} // namespace Explorer
