@@ -14,7 +14,7 @@ std::unique_ptr<Lane> FilterNode::createLane(const Settings& settings)
     return _createLane(settings, readQueue(settings));
 }
 
-void FilterNode::count(Outcome outcome)
+void FilterNode::countRejected(Outcome outcome)
 {
     _rejected.at(static_cast<std::size_t>(outcome) - 1)->add();
 }

@@ -16,7 +16,7 @@ public:
 
 private:
     std::unique_ptr<Lane> createLane(const Settings& settings) override;
-    void count(Outcome outcome) override;
+    void countRejected(Outcome outcome) override;
 
     const CreateLane _createLane;
     std::array<Counter*, 3> _rejected; // by Outcome, without Sent

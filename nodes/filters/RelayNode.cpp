@@ -61,7 +61,7 @@ void RelayNode::relayWaiting()
         if (*outcome == Outcome::Sent)
             _sent.add();
         else
-            count(*outcome);
+            countRejected(*outcome);
     }
 }
 

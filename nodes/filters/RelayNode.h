@@ -40,6 +40,9 @@ protected:
     /// Runs on the node's thread whenever no record waits. When it wants to run again, if nothing comes before that.
     virtual std::optional<double> look() { return std::nullopt; }
 
+    /// Runs on the node's thread for each record that was received but not sent.
+    virtual void countRejected(Outcome) {}
+
     void configure(const Settings& settings) override;
     void start() override;
     void stop() override;
@@ -50,7 +53,6 @@ private:
     void dataArrived(Slot&) override { _worker.wake(); }
     void run();
     void relayWaiting();
-    virtual void count(Outcome) {} // what is neither received nor sent
 
     Counter& _received;
     Counter& _sent;

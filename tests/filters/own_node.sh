@@ -5,8 +5,8 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 cmake=$1 compiler=$2 prefix=$3 build=$4
 rm -rf "$build"
-"$cmake" -S "$root/examples/own-node" -B "$build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" \
-    -DCMAKE_CXX_FLAGS="-Wall -Wextra -Wpedantic -Werror"
+"$cmake" -S "$root/examples/own-node" -B "$build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="-Wall -Wextra -Wpedantic -Werror"
 "$cmake" --build "$build"
 
 expect() {
@@ -29,4 +29,5 @@ for value in '"sensor":"distance","label":"Distance","type":"SFFloat","value":7'
 done
 
 sed -i 's/near=10/near=-1/' "$build/scene.toml"
-expect "the refusal" "$("$host" check "$build/scene.toml" 2>&1)" "'near': value '-1' is not allowed; allowed: number from 0 to 1000"
+expect "the refusal" "$("$host" check "$build/scene.toml" 2>&1)" \
+    "'near': value '-1' is not allowed; allowed: number from 0 to 1000"
