@@ -73,7 +73,7 @@ Data<T> BufferedInSlot<T>::pop()
     const Data<T> data = *_readPos;
     advance(_readPos);
     --_count;
-    Hooks::taken(*this);
+    Hooks::taken(*this, data);
     this->unlock();
     return data;
 }
@@ -82,7 +82,7 @@ template <class T>
 void BufferedInSlot<T>::push(const Data<T>& data)
 {
     this->lock();
-    Hooks::stored(*this);
+    Hooks::stored(*this, data);
     if (_writePos != _readPos || _count == 0) {
         ++_count;
         this->up();

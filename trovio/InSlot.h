@@ -96,7 +96,7 @@ Data<T> InSlot<T>::pop()
     }
     const Data<T> data = _data;
     _empty = true;
-    Hooks::taken(*this);
+    Hooks::taken(*this, data);
     this->unlock();
     return data;
 }
@@ -105,7 +105,7 @@ template <class T>
 void InSlot<T>::push(const Data<T>& data)
 {
     this->lock();
-    Hooks::stored(*this);
+    Hooks::stored(*this, data);
     if (_empty) {
         _empty = false;
         this->up();

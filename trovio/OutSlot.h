@@ -45,7 +45,7 @@ void OutSlot<T>::push(const Data<T>& data)
     this->lock();
     if (&data != &_data)
         _data = data;
-    this->setHasValue();
+    this->setHasValue(data.getTimeStamp());
     for (const auto& [inSlot, count] : _inSlots)
         inSlot->push(data);
     this->unlock();

@@ -11,6 +11,8 @@ void BasicInSlot::newData()
 void BasicInSlot::interrupt()
 {
     lock();
+    ++_interrupts;
+    _takenAtInterrupt = _taken;
     if (!_interrupted) {
         _interrupted = true;
         _wakeOwed = _available.post() || _wakeOwed;
@@ -21,9 +23,19 @@ void BasicInSlot::interrupt()
 InSlotCounts BasicInSlot::getCounts() const
 {
     lock();
-    const InSlotCounts counts{_stored, _overwritten, _taken, _upCount - _taken};
+    const InSlotCounts counts = countsLocked();
     unlock();
     return counts;
+}
+
+InSlotActivity BasicInSlot::getActivity() const
+{
+    lock();
+    const InSlotActivity activity{countsLocked(), _stamps.getCounts(),
+                                  _lastTaken,     _overwritten - _overwrittenAtTake,
+                                  _interrupts,    _interrupts != 0 && _taken == _takenAtInterrupt};
+    unlock();
+    return activity;
 }
 
 } // namespace Trovio

@@ -3,6 +3,7 @@
 #include "base/Semaphore.h"
 #include "trovio/Slot.h"
 #include "trovio/SlotCounts.h"
+#include "trovio/StampWatch.h"
 
 namespace Trovio {
 
@@ -32,6 +33,7 @@ public:
     void interrupt();
 
     InSlotCounts getCounts() const OSTREL_EXCLUDES(_dataLock);
+    InSlotActivity getActivity() const OSTREL_EXCLUDES(_dataLock);
 
     /// Releases the data lock and then wakes the reader that up() owes: a reader woken under the lock would only
     /// run into it.
@@ -56,9 +58,18 @@ public:
     void down() const OSTREL_EXCLUDES(_dataLock) { _available.wait(); }
 
     // Counters, kept by the typed slots under the data lock.
-    void countStored() OSTREL_REQUIRES(_dataLock) { ++_stored; }
+    void countStored(const Time& stamp) OSTREL_REQUIRES(_dataLock)
+    {
+        ++_stored;
+        _stamps.note(stamp);
+    }
     void countOverwritten() OSTREL_REQUIRES(_dataLock) { ++_overwritten; }
-    void countTaken() OSTREL_REQUIRES(_dataLock) { ++_taken; }
+    void countTaken(const Time& stamp) OSTREL_REQUIRES(_dataLock)
+    {
+        ++_taken;
+        _lastTaken = stamp;
+        _overwrittenAtTake = _overwritten;
+    }
 
 protected:
     explicit BasicInSlot(const std::string& name)
@@ -69,11 +80,21 @@ protected:
     bool _interrupted OSTREL_GUARDED_BY(_dataLock) = false;
 
 private:
+    InSlotCounts countsLocked() const OSTREL_REQUIRES(_dataLock)
+    {
+        return {_stored, _overwritten, _taken, _upCount - _taken};
+    }
+
     mutable bool _wakeOwed OSTREL_GUARDED_BY(_dataLock) = false;
     mutable std::uint64_t _upCount OSTREL_GUARDED_BY(_dataLock) = 0; // records made available, not interrupts
     std::uint64_t _stored OSTREL_GUARDED_BY(_dataLock) = 0;
     std::uint64_t _overwritten OSTREL_GUARDED_BY(_dataLock) = 0;
     std::uint64_t _taken OSTREL_GUARDED_BY(_dataLock) = 0;
+    std::uint64_t _overwrittenAtTake OSTREL_GUARDED_BY(_dataLock) = 0;
+    std::uint64_t _interrupts OSTREL_GUARDED_BY(_dataLock) = 0;
+    std::uint64_t _takenAtInterrupt OSTREL_GUARDED_BY(_dataLock) = 0;
+    Time _lastTaken OSTREL_GUARDED_BY(_dataLock);
+    StampWatch _stamps OSTREL_GUARDED_BY(_dataLock);
     mutable Ostrel::Semaphore _available; // as many tokens as unread records, and at times one for an interrupt
 };
 

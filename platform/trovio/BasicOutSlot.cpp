@@ -10,4 +10,12 @@ std::uint64_t BasicOutSlot::getWritten() const
     return written;
 }
 
+OutSlotActivity BasicOutSlot::getActivity() const
+{
+    lock();
+    const OutSlotActivity activity{_written, _stamps.getCounts()};
+    unlock();
+    return activity;
+}
+
 } // namespace Trovio

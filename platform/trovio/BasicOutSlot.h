@@ -1,7 +1,7 @@
 #pragma once
 
 #include "trovio/Slot.h"
-#include <cstdint>
+#include "trovio/StampWatch.h"
 
 namespace Trovio {
 
@@ -26,6 +26,7 @@ public:
 
     /// How many records were pushed.
     std::uint64_t getWritten() const OSTREL_EXCLUDES(_dataLock);
+    OutSlotActivity getActivity() const OSTREL_EXCLUDES(_dataLock);
 
 protected:
     explicit BasicOutSlot(const std::string& name)
@@ -35,11 +36,16 @@ protected:
 
     bool hasValue() const OSTREL_REQUIRES(_dataLock) { return _written != 0; }
 
-    /// Notes that a record was pushed; each call counts one.
-    void setHasValue() OSTREL_REQUIRES(_dataLock) { ++_written; }
+    /// Notes that a record with that time stamp was pushed; each call counts one.
+    void setHasValue(const Time& stamp) OSTREL_REQUIRES(_dataLock)
+    {
+        ++_written;
+        _stamps.note(stamp);
+    }
 
 private:
     std::uint64_t _written OSTREL_GUARDED_BY(_dataLock) = 0;
+    StampWatch _stamps OSTREL_GUARDED_BY(_dataLock);
 };
 
 } // namespace Trovio

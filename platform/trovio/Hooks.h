@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Mutex.h"
+#include "trovio/BasicData.h"
 #include "trovio/BasicInSlot.h"
 
 // What the typed slots need of this framework beyond its documented interface. A build against another framework
@@ -19,9 +20,9 @@ public:
     WiringGuard& operator=(const WiringGuard&) = delete;
 };
 
-inline void stored(BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+inline void stored(BasicInSlot& slot, const BasicData& record) OSTREL_NO_THREAD_SAFETY_ANALYSIS
 {
-    slot.countStored();
+    slot.countStored(record.getTimeStamp());
 }
 
 inline void overwritten(BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
@@ -29,9 +30,9 @@ inline void overwritten(BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
     slot.countOverwritten();
 }
 
-inline void taken(BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+inline void taken(BasicInSlot& slot, const BasicData& record) OSTREL_NO_THREAD_SAFETY_ANALYSIS
 {
-    slot.countTaken();
+    slot.countTaken(record.getTimeStamp());
 }
 
 } // namespace Trovio::Hooks
