@@ -1,13 +1,14 @@
 #pragma once
 
+#include "trovio/NearestName.h"
+
 #include <span>
 #include <string>
 #include <string_view>
 
 namespace Host {
 
-/// The known name that `found` was most likely meant to be; empty if none is near enough. Case does not count.
-std::string_view nearestName(std::string_view found, std::span<const std::string_view> known);
+using Trovio::nearestName;
 
 /// "; nearest: 'name'", or nothing: the end of a message about an unknown name.
 std::string nearestHint(std::string_view found, std::span<const std::string_view> known);

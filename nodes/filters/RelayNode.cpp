@@ -10,7 +10,10 @@ RelayTable::RelayTable(std::string types, const char* initialType, std::initiali
     _rows.insert(_rows.end(), rows);
 }
 
-RelayNode::RelayNode(Clock& clock) : _received(addCounter("received")), _sent(addCounter("sent")), _worker(clock) {}
+RelayNode::RelayNode(Clock& clock) : _received(addCounter("received")), _sent(addCounter("sent")), _worker(clock)
+{
+    declareRelay();
+}
 
 RelayNode::~RelayNode() = default;
 

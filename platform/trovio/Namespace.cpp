@@ -15,7 +15,11 @@ Ostrel::Mutex Namespace::_treeLock(Ostrel::LockRank::Tree);
 
 Namespace::Namespace() : _scope(std::make_unique<Scope>()) {}
 
-Namespace::~Namespace() = default;
+Namespace::~Namespace()
+{
+    const LockGuard guard(_treeLock);
+    _scope->leaveTree();
+}
 
 void Namespace::setBaseURL(const Merid::URL& url)
 {

@@ -2,6 +2,7 @@
 
 #include "base/Mutex.h"
 #include "merid/URL.h"
+#include "trovio/Explanation.h"
 #include "trovio/Inspection.h"
 #include <map>
 #include <memory>
@@ -66,7 +67,9 @@ public:
 
     /// Connects every out-slot whose label matches from with the in-slot that to names. A '*' in from stands for any
     /// run of characters; each '*' in to is replaced by what the '*' of from matched, in turn. The same route added
-    /// twice counts two. Throws Exception for a bad pattern: empty, longer than 1,024 bytes, or more '*' in to.
+    /// twice counts two. Throws Exception for a bad pattern: empty, longer than 1,024 bytes, or more '*' in to; and,
+    /// with the loop spelled out, where records would come back into a node that passed them on. A pair of slots that
+    /// closes such a loop later, when it appears, stays apart, with that reason and one message in the log.
     void addRoute(const std::string& from, const std::string& to);
 
     /// Takes one such route away and undoes its connections. An unknown route is reported in the log.
@@ -88,6 +91,12 @@ public:
     /// A copy of everything in and below this namespace, as it was at one moment.
     NamespaceInfo inspect() const;
 
+    /// Whether records flow from one label seen here to another, through routes and nodes, and if not, the first cause
+    /// on the way. '*' as in addRoute: the first pair that does not flow is explained. A record older than staleAfter,
+    /// in seconds by its time stamp, is stale, and a reader that is so far behind does not read.
+    /// Throws Exception for a bad pattern. Looks through the whole tree, so it is for people, not for every frame.
+    Explanation explain(const std::string& from, const std::string& to, double staleAfter = 1.0) const;
+
 private:
     friend class Node;
     friend class Root;
@@ -108,6 +117,9 @@ private:
     static void startAll(const std::vector<Node*>& nodes) OSTREL_EXCLUDES(_treeLock);
     static void stopAll(const std::vector<Node*>& nodes) OSTREL_EXCLUDES(_treeLock);
     NamespaceInfo inspectLocked() const OSTREL_REQUIRES(_treeLock);
+    /// Calls visit(path, scope) for everything below.
+    template <class Visit>
+    void forEachBelow(const std::string& path, const Visit& visit) const OSTREL_REQUIRES(_treeLock);
 
     std::string adopt(const std::string& wanted, std::unique_ptr<Namespace> child) OSTREL_EXCLUDES(_treeLock);
     /// Takes out and deletes all children, and forgets all routes and slots. For the root, at shutdown.

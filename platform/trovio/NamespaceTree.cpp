@@ -1,9 +1,9 @@
 #include "trovio/Exception.h"
+#include "trovio/FlowQuery.h"
 #include "trovio/Namespace.h"
 #include "trovio/Node.h"
 #include "trovio/Pattern.h"
 #include "trovio/Root.h"
-#include "trovio/Scope.h"
 
 // Children: how they come, how they go, and when their nodes run.
 namespace Trovio {
@@ -186,6 +186,24 @@ void Namespace::clear()
     _scope->clear();
     _baseURL = Merid::URL();
     _dirty = false;
+}
+
+template <class Visit>
+void Namespace::forEachBelow(const std::string& path, const Visit& visit) const
+{
+    for (const auto& [label, child] : _children) {
+        const std::string childPath = path.empty() ? label : path + "/" + label;
+        visit(childPath, *child->_scope);
+        child->forEachBelow(childPath, visit);
+    }
+}
+
+Explanation Namespace::explain(const std::string& from, const std::string& to, double staleAfter) const
+{
+    const LockGuard guard(_treeLock);
+    std::vector<FlowQuery::Below> below;
+    forEachBelow({}, [&below](const std::string& path, const Scope& scope) { below.push_back({path, &scope}); });
+    return FlowQuery(*_scope, std::move(below), staleAfter).explain(from, to);
 }
 
 NamespaceInfo Namespace::inspect() const

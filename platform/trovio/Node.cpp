@@ -2,6 +2,7 @@
 
 #include "trovio/ExceptionText.h"
 #include "trovio/FrameworkLog.h"
+#include "trovio/Scope.h"
 
 namespace Trovio {
 
@@ -17,6 +18,10 @@ constexpr Setting common[] = {
 
 Node::Node()
 {
+    {
+        const LockGuard guard(_treeLock);
+        _scope->setNode(*this);
+    }
     addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
     setDirty(false);
 }
@@ -140,6 +145,12 @@ NodeState Node::getState() const
 {
     const LockGuard guard(_stateLock);
     return _state;
+}
+
+void Node::declareRelay()
+{
+    const LockGuard guard(_treeLock);
+    _scope->setRelaying();
 }
 
 Counter& Node::addCounter(const std::string& name)

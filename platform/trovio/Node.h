@@ -64,6 +64,11 @@ protected:
     void setRunning();
     void setDegraded(const std::string& reason);
 
+    /// Says that what goes into the in-slots comes out of the out-slots, changed or not, as in a filter: routes then
+    /// must not lead back into the node. Only in the constructor, before the first slot is added. A device whose
+    /// in-slots end in the device, such as the rumble of a controller, does not say this.
+    void declareRelay();
+
     /// A counter that tools show. Only in the constructor; it lives as long as the node.
     Counter& addCounter(const std::string& name);
 

@@ -26,6 +26,9 @@ struct RouteRule {
     {
     }
 
+    /// For messages.
+    std::string quoted() const { return "route '" + _from.getText() + "' -> '" + _to.getText() + "'"; }
+
     const std::uint64_t _serial;
     const Pattern _from;
     const LabelTemplate _to;

@@ -34,12 +34,12 @@ std::uint64_t Scope::_nextSerial = 1;
 
 void Scope::addSlot(const std::string& label, BasicInSlot& slot)
 {
-    addOwn(label, {&slot, &slot, nullptr});
+    addOwn(label, {&slot, &slot, nullptr, _relay.get()});
 }
 
 void Scope::addSlot(const std::string& label, BasicOutSlot& slot)
 {
-    addOwn(label, {&slot, nullptr, &slot});
+    addOwn(label, {&slot, nullptr, &slot, _relay.get()});
 }
 
 void Scope::addOwn(const std::string& label, const Ends& ends)
@@ -60,12 +60,16 @@ void Scope::removeSlot(const std::string& label)
     forEachUnder(_entries, label, [&own](Entry& entry) { own = entry._shownBy ? own : &entry; });
     if (own)
         erase(*own);
+    retryLooping();
 }
 
 void Scope::addRoute(const std::string& from, const std::string& to)
 {
-    Route& route = _routes.add(std::make_unique<Route>(_nextSerial++, from, to, LabelTemplate::Placeholders::None));
-    for (Entry* entry : matching(route._from))
+    auto made = std::make_unique<Route>(_nextSerial++, from, to, LabelTemplate::Placeholders::None);
+    const std::vector<Entry*> entries = matching(made->_from);
+    refuseLoop(*made, entries);
+    Route& route = _routes.add(std::move(made));
+    for (Entry* entry : entries)
         aim(route, *entry, *route._from.match(*entry->_label));
 }
 
@@ -76,6 +80,7 @@ bool Scope::removeRoute(const std::string& from, const std::string& to)
         return false;
     while (!route->_aims.empty())
         drop(**route->_aims.begin());
+    retryLooping();
     return true;
 }
 
@@ -94,6 +99,7 @@ bool Scope::removeExternalRoute(const std::string& pattern, const std::string& t
         return false;
     while (!route->_shown.empty())
         _parent->erase(**route->_shown.begin());
+    retryLooping();
     return true;
 }
 
@@ -115,6 +121,7 @@ void Scope::detach()
     }
     _parent = nullptr;
     _label.clear();
+    retryLooping();
 }
 
 void Scope::clear()
@@ -131,8 +138,8 @@ Scope::Entry& Scope::insert(const std::string& label, const Ends& ends, External
 {
     const std::uint64_t serial = _nextSerial++;
     const auto place = _entries.try_emplace(label).first;
-    Entry& entry =
-        place->second.try_emplace(serial, Entry{serial, &place->first, ends, shownBy, origin, {}, {}}).first->second;
+    Entry& entry = place->second.try_emplace(serial, Entry{serial, this, &place->first, ends, shownBy, origin, {}, {}})
+                       .first->second;
 
     forEachUnder(_aims, label, [&](const Aim& aim) { join(aim, entry); });
     _routes.forEachMatch(label, [&](Route& route, const auto& matched) { aim(route, entry, matched); });

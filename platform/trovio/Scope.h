@@ -1,6 +1,7 @@
 #pragma once
 
 #include "trovio/Inspection.h"
+#include "trovio/Relay.h"
 #include "trovio/RouteRules.h"
 #include <map>
 #include <set>
@@ -10,11 +11,13 @@ namespace Trovio {
 
 class BasicInSlot;
 class BasicOutSlot;
+class Node;
 
 /// Everything that one namespace sees: slots under labels, the routes that join them, and the external routes that
 /// show them to the parent's scope.
 /// Invariant: while the scope is connecting, an out-slot and an in-slot are connected once for every route that leads
-///            from the one's label to the other's, if their value types are equal; otherwise not by routes at all.
+///            from the one's label to the other's, if their value types are equal and no loop of nodes is closed;
+///            otherwise not by routes at all.
 /// Ownership: refers to slots and to the parent's scope.
 /// Threads:   whoever holds the tree lock.
 class Scope {
@@ -29,7 +32,13 @@ public:
     void addSlot(const std::string& label, BasicOutSlot& slot);
     void removeSlot(const std::string& label);
 
-    /// add throws Exception for a bad pattern; remove returns false for an unknown route.
+    /// Says that the scope is a node's. It has no slots yet.
+    void setNode(const Node& node) { _node = &node; }
+    /// Says that what goes into the node's in-slots comes out of its out-slots, so that routes must not lead back.
+    void setRelaying() { _relay = std::make_unique<Relay>(); }
+
+    /// add throws Exception for a bad pattern, and for a route that would close a loop of nodes; remove returns false
+    /// for an unknown route.
     void addRoute(const std::string& from, const std::string& to);
     bool removeRoute(const std::string& from, const std::string& to);
     void addExternalRoute(const std::string& pattern, const std::string& target);
@@ -45,9 +54,14 @@ public:
     /// Undoes all connections and forgets slots and routes. Only while nothing of a child is shown here.
     void clear();
 
+    /// To be called, once, before the scope is destroyed.
+    void leaveTree();
+
     void inspect(NamespaceInfo& info) const;
 
 private:
+    friend class FlowQuery;
+    friend class FlowSearch;
     struct Aim;
     struct Route;
     struct ExternalRoute;
@@ -56,11 +70,13 @@ private:
         Slot* _slot;
         BasicInSlot* _in; // one of these two is null
         BasicOutSlot* _out;
+        Relay* _relay; // of the node that the slot belongs to; null where nothing is relayed
     };
 
     /// A slot under one of the labels under which it is seen here.
     struct Entry {
         std::uint64_t _serial;
+        Scope* _scope;
         const std::string* _label; // the key under which it is kept
         Ends _ends;
         ExternalRoute* _shownBy;           // of the child that shows it; null for a slot of our own
@@ -101,10 +117,30 @@ private:
     std::vector<Entry*> matching(const Pattern& pattern);
     std::vector<const Entry*> sortedEntries() const;
 
+    struct RelayPair {
+        const Entry* _from;
+        const Entry* _to;
+    };
+
+    /// A pair that a route would join, if that did not close a loop of nodes.
+    struct Looping {
+        const Aim* _aim;
+        const Entry* _to;
+        std::string _reason;
+    };
+
     void join(const Aim& aim, const Entry& to);
     void part(const Aim& aim, const Entry& to);
+    bool relays(const Entry& from, const Entry& to) const;
+    bool closesLoop(const Aim& aim, const Entry& to);
+    std::vector<RelayPair> relayPairs(const Route& route, const std::vector<Entry*>& starts) const;
+    void refuseLoop(const Route& route, const std::vector<Entry*>& starts) const;
+    void forgetLooping(Relay::Key key);
+    static void retryLooping();
+    static std::string spellLoop(const RouteRule& route, const std::vector<Relay::Joint>& loop);
     void joinAll(bool join);
     std::string mismatch(const Aim& aim, const Entry& to) const;
+    std::string whyApart(const Aim& aim, const Entry& to) const;
     static std::string wrongWay(const Route& route, const std::string& label, const char* is, const char* must);
     static std::string tooLong(const RouteRule& route, const std::string& label);
     static void report(Route& route, const std::string& problem);
@@ -117,10 +153,16 @@ private:
     ByLabel<Aim> _aims;
     RouteRules<Route> _routes;
     RouteRules<ExternalRoute> _externalRoutes;
+    std::map<Relay::Key, Looping> _looping;
+    const Node* _node = nullptr;
+    std::unique_ptr<Relay> _relay;
     Scope* _parent = nullptr;
     std::string _label; // in the parent
     bool _connecting = true;
-    static std::uint64_t _nextSerial; // under the tree lock like everything here
+    // Under the tree lock like everything here.
+    static std::uint64_t _nextSerial;
+    static std::set<Scope*> _withLooping; // those that hold pairs back
+    static bool _retryDue;                // a joint went, so one of these may be joined now
 };
 
 } // namespace Trovio

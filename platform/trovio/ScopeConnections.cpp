@@ -8,20 +8,11 @@
 // How routes become connections, and what is told about those that do not.
 namespace Trovio {
 
-namespace {
-
-std::string quoted(const RouteRule& route)
-{
-    return "route '" + route._from.getText() + "' -> '" + route._to.getText() + "'";
-}
-
-} // namespace
-
 void Scope::join(const Aim& aim, const Entry& to)
 {
     if (const std::string problem = mismatch(aim, to); !problem.empty()) {
         report(*aim._route, problem);
-    } else if (_connecting) {
+    } else if (_connecting && !closesLoop(aim, to)) {
         aim._from->_ends._out->connect(to._ends._in);
         ++aim._route->_connections;
     }
@@ -29,10 +20,15 @@ void Scope::join(const Aim& aim, const Entry& to)
 
 void Scope::part(const Aim& aim, const Entry& to)
 {
-    if (_connecting && mismatch(aim, to).empty()) {
-        aim._from->_ends._out->disconnect(to._ends._in);
-        --aim._route->_connections;
-    }
+    if (!_connecting || !mismatch(aim, to).empty())
+        return;
+    const Relay::Key key{aim._serial, to._serial};
+    if (_looping.contains(key))
+        return forgetLooping(key);
+    aim._from->_ends._out->disconnect(to._ends._in);
+    --aim._route->_connections;
+    if (relays(*aim._from, to) && aim._from->_ends._relay->disconnect(*to._ends._relay, key))
+        _retryDue = true;
 }
 
 void Scope::setConnecting(bool connecting)
@@ -42,6 +38,7 @@ void Scope::setConnecting(bool connecting)
     _connecting = true;
     joinAll(connecting);
     _connecting = connecting;
+    retryLooping();
 }
 
 void Scope::joinAll(bool toJoin)
@@ -65,19 +62,29 @@ std::string Scope::mismatch(const Aim& aim, const Entry& to) const
     const Slot& target = *to._ends._slot;
     if (from.getTypeID() == target.getTypeID())
         return {};
-    return quoted(*aim._route) + ": '" + *aim._from->_label + "' carries " + from.getTypeName() + ", '" + *to._label +
+    return aim._route->quoted() + ": '" + *aim._from->_label + "' carries " + from.getTypeName() + ", '" + *to._label +
            "' takes " + target.getTypeName() + "; give both ends the same type, or route to another slot";
+}
+
+std::string Scope::whyApart(const Aim& aim, const Entry& to) const
+{
+    if (const std::string problem = mismatch(aim, to); !problem.empty())
+        return problem;
+    if (!_connecting)
+        return "the namespace was taken out";
+    const auto looping = _looping.find({aim._serial, to._serial});
+    return looping == _looping.end() ? std::string() : looping->second._reason;
 }
 
 std::string Scope::wrongWay(const Route& route, const std::string& label, const char* is, const char* must)
 {
-    return quoted(route) + ": '" + label + "' is " + is + ", but this end of a route must be an " + must +
+    return route.quoted() + ": '" + label + "' is " + is + ", but this end of a route must be an " + must +
            "; swap the two ends, or route to another slot";
 }
 
 std::string Scope::tooLong(const RouteRule& route, const std::string& label)
 {
-    return quoted(route) + ": of '" + label + "' it makes a label of none or of more than " +
+    return route.quoted() + ": of '" + label + "' it makes a label of none or of more than " +
            std::to_string(MaxExpandedLength) + " bytes; use shorter labels";
 }
 
@@ -122,11 +129,8 @@ RouteInfo Scope::inspectRoute(const Route& route) const
             info._pairs.push_back({*aim->_from->_label, *aim->_target, "no slot '" + *aim->_target + "' is in scope"});
             continue;
         }
-        for (const auto& [serial, to] : found->second) {
-            const std::string problem = mismatch(*aim, to);
-            info._pairs.push_back({*aim->_from->_label, *aim->_target,
-                                   problem.empty() && !_connecting ? "the namespace was taken out" : problem});
-        }
+        for (const auto& [serial, to] : found->second)
+            info._pairs.push_back({*aim->_from->_label, *aim->_target, whyApart(*aim, to)});
     }
     if (info.isPending())
         info._reason = pendingReason(route, info);

@@ -1,0 +1,126 @@
+#include "trovio/FlowQuery.h"
+
+// Which routes there are between two slots, and what is wrong with them.
+namespace Trovio {
+
+namespace {
+
+/// Whether the route may lead to a slot of that label.
+bool aimsAt(const RouteRule& route, const std::string& label)
+{
+    return Pattern(route._to.getText()).match(label).has_value();
+}
+
+} // namespace
+
+Explanation FlowQuery::blocked(const Step& step) const
+{
+    const Slot& out = *step._before->_ends._slot;
+    const Slot& in = *step._home->_ends._slot;
+    const std::string from = labelOf(*step._before), to = labelOf(*step._home);
+    const Details details{{"out-slot", from}, {"in-slot", to}, {"route", step._aim->_route->quoted()}};
+    if (out.getTypeID() != in.getTypeID()) {
+        Explanation cause{Verdict::TypesDiffer,
+                          "'" + from + "' carries " + out.getTypeName() + ", '" + to + "' takes " + in.getTypeName() +
+                              "; give both ends the same type",
+                          details};
+        cause._details.push_back({"out type", out.getTypeName()});
+        cause._details.push_back({"in type", in.getTypeName()});
+        return cause;
+    }
+    const Scope& scope = *step._to->_scope;
+    return {scope._connecting ? Verdict::Loop : Verdict::NoRoute, scope.whyApart(*step._aim, *step._to), details};
+}
+
+Explanation FlowQuery::noWay(const std::string& to, const Entries& ends, const Entries& reached) const
+{
+    Explanation cause;
+    for (const Entry* end : ends) {
+        FlowSearch::forEachView(*FlowSearch::home(end), [&](const Entry& seen) {
+            if (cause._verdict == Verdict::Flowing)
+                cause = at(*seen._scope).badRoute(*seen._label, reached);
+        });
+    }
+    if (cause._verdict != Verdict::Flowing)
+        return cause;
+    const std::string last = labelOf(*reached.back());
+    const Slot& out = *reached.back()->_ends._slot;
+    const Slot& in = *ends.front()->_ends._slot;
+    return {Verdict::NoRoute,
+            "no route leads on from '" + last + "' (" + out.getTypeName() + ") to '" + to + "' (" + in.getTypeName() +
+                ")",
+            {{"out-slot", last}, {"in-slot", to}}};
+}
+
+/// The same questions, asked in a scope below; or above, where nothing is known of what stands beside this one.
+FlowQuery FlowQuery::at(const Scope& scope) const
+{
+    std::vector<Below> below;
+    const std::string prefix = nameOf(scope) + "/";
+    for (const Below& known : _below) {
+        if (&scope != &_here && known._path.starts_with(prefix))
+            below.push_back({known._path.substr(prefix.size()), known._scope});
+    }
+    return {scope, &scope == &_here ? _below : std::move(below), _staleAfter};
+}
+
+/// What is wrong with a route that looks as if it were meant to lead here; flowing if there is none.
+Explanation FlowQuery::badRoute(const std::string& to, const Entries& reached) const
+{
+    for (const Entry* home : reached) {
+        if (Explanation cause = deadEnd(to, *home); cause._verdict != Verdict::Flowing)
+            return cause;
+    }
+    for (const Scope::Route* route : _here._routes.all()) {
+        Explanation cause;
+        if (leadsBack(*route, to, reached))
+            cause = {Verdict::WrongDirection, route->quoted() + " leads the other way; swap its two ends", {}};
+        else if (aimsAt(*route, to) && route->_aims.empty())
+            cause = deadStart(*route);
+        if (cause._verdict == Verdict::Flowing)
+            continue;
+        cause._details.push_back({"route", route->quoted()});
+        return cause;
+    }
+    return {};
+}
+
+/// A route from the slot leads to a label that nobody has and that looks like the one asked for.
+Explanation FlowQuery::deadEnd(const std::string& to, const Entry& home) const
+{
+    Explanation cause;
+    FlowSearch::forEachView(home, [&](const Entry& view) {
+        for (const Scope::Aim* aim : view._aims) {
+            const std::string& target = *aim->_target;
+            if (view._scope != &_here || _here._entries.contains(target) || nearest(target, Slot::Direction::In) != to)
+                continue;
+            const std::string route = aim->_route->quoted();
+            cause = {Verdict::NoSuchLabel,
+                     route + " leads to '" + target + "', but no slot '" + target + "' is in scope; nearest: '" + to +
+                         "'",
+                     {{"label", target}, {"nearest", to}, {"route", route}}};
+        }
+    });
+    return cause;
+}
+
+bool FlowQuery::leadsBack(const Scope::Route& route, const std::string& to, const Entries& reached) const
+{
+    return route._from.getText() == to &&
+           std::ranges::any_of(reached, [&](const Entry* home) { return labelOf(*home) == route._to.getText(); });
+}
+
+/// A route that starts at a label that nobody has, matches nothing, or starts at an in-slot.
+Explanation FlowQuery::deadStart(const Scope::Route& route) const
+{
+    const std::string& start = route._from.getText();
+    if (!route._from.isLiteral() && _here.findMatch(route._from))
+        return {};
+    if (route._from.isLiteral() && !findEnds(start, Slot::Direction::Out).empty())
+        return {};
+    Explanation cause = route._from.isLiteral() ? whyNoEnd(start, Slot::Direction::Out) : noMatch(route._from);
+    cause._text = route.quoted() + ": " + cause._text;
+    return cause;
+}
+
+} // namespace Trovio
