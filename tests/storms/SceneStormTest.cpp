@@ -1,3 +1,4 @@
+#include "Numbered.h"
 #include "PoolCheck.h"
 #include "StormLength.h"
 #include "Watchdog.h"
@@ -29,8 +30,8 @@ protected:
     {
         _stop = false;
         _thread = std::thread([this] {
-            for (float number = 0; !_stop; std::this_thread::yield())
-                _out.push(Trovio::Data<float>(++number));
+            for (long number = 0; !_stop; std::this_thread::yield())
+                _out.push(Trovio::Data<long>(++number));
         });
     }
     void stop() override
@@ -40,40 +41,10 @@ protected:
     }
 
 private:
-    Trovio::OutSlot<float> _out{"out"};
+    Trovio::OutSlot<long> _out{"out"};
     std::atomic<bool> _stop{false};
     std::thread _thread;
 };
-
-template <class T>
-Trovio::Data<T> someRecord(int)
-{
-    return Trovio::Data<T>(T());
-}
-template <>
-Trovio::Data<float> someRecord(int number)
-{
-    return Trovio::Data<float>(static_cast<float>(number));
-}
-template <>
-Trovio::Data<std::string> someRecord(int number)
-{
-    return Trovio::Data<std::string>(std::string(40, 'x') + std::to_string(number));
-}
-template <>
-Trovio::Data<Trovio::SharedVector<Trovio::Vec3<float>>> someRecord(int number)
-{
-    Trovio::SharedVector<Trovio::Vec3<float>> values;
-    values->assign(static_cast<std::size_t>(number % 8), Trovio::Vec3<float>(1.0F, 2.0F, 3.0F));
-    return Trovio::Data(values);
-}
-template <>
-Trovio::Data<Trovio::SharedImage> someRecord(int number)
-{
-    Trovio::SharedImage image;
-    *image = Trovio::Image(Trovio::Image::RGB, 4, static_cast<unsigned>(number % 4));
-    return Trovio::Data(image);
-}
 
 /// Both ends of one type of value at the root: FeedN pushes on a thread of its own, SinkM keeps what a scene sends.
 template <class FeedT, class SinkT>
@@ -85,8 +56,8 @@ public:
         Root::get().addOutSlot(_feed, &_out);
         Root::get().addInSlot(_sink, &_in);
         _thread = std::thread([this, &done] {
-            for (int number = 0; !done; std::this_thread::yield())
-                _out.push(someRecord<FeedT>(++number));
+            for (long number = 0; !done; std::this_thread::yield())
+                _out.push(Trovio::Data<FeedT>(Numbered<FeedT>::make(++number)));
         });
     }
     ~Ends()
@@ -145,7 +116,7 @@ private:
 
     void addSensor(std::size_t i)
     {
-        static constexpr const char* types[Sensors] = {"SFFloat",  "SFString", "MFVec3f", "SFImage",
+        static constexpr const char* types[Sensors] = {"SFInt32",  "SFString", "MFInt32", "SFImage",
                                                        "MFString", "SFFloat",  "MFFloat", "SFVec3f"};
         _sensors[i] = &_scene.add(makeSensor(types[i], "S" + std::to_string(i), i >= 4, i % 2 == 0 ? 4 : 0));
     }
@@ -239,9 +210,9 @@ TEST(SceneStorm, SensorsHandlersRoutesAndNodesComeAndGoUnderTraffic)
         Watchdog watchdog;
         const StormLength length(1);
         std::atomic<bool> done{false};
-        Ends<float, Trovio::SharedVector<std::string>> first("Feed0", "Sink4", done);
+        Ends<long, Trovio::SharedVector<std::string>> first("Feed0", "Sink4", done);
         Ends<std::string, float> second("Feed1", "Sink5", done);
-        Ends<Trovio::SharedVector<Trovio::Vec3<float>>, Trovio::SharedVector<float>> third("Feed2", "Sink6", done);
+        Ends<Trovio::SharedVector<long>, Trovio::SharedVector<float>> third("Feed2", "Sink6", done);
         Ends<Trovio::SharedImage, Trovio::Vec3<float>> fourth("Feed3", "Sink7", done);
         std::thread tree([&done] { changeRoot(done); });
         std::minstd_rand random(1);
@@ -261,7 +232,7 @@ TEST(SceneStorm, SensorsHandlersRoutesAndNodesComeAndGoUnderTraffic)
     EXPECT_GT(taken, 0U);
     Root::shutdown();
     EXPECT_TRUE(poolIsWhole<Trovio::Image>());
-    EXPECT_TRUE(poolIsWhole<std::vector<Trovio::Vec3<float>>>());
+    EXPECT_TRUE(poolIsWhole<std::vector<long>>());
     EXPECT_TRUE(poolIsWhole<std::vector<std::string>>());
     EXPECT_TRUE(poolIsWhole<std::vector<float>>());
 }
