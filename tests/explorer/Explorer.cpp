@@ -25,14 +25,18 @@ struct Options {
 const char* runningScenario = "";
 std::uint64_t runningSeed = 0;
 
+// Also where nothing but a write can be relied on.
+void say(const char* format, const char* text, unsigned long long number)
+{
+    char line[256];
+    const int length = std::snprintf(line, sizeof(line), format, text, number);
+    if (write(STDERR_FILENO, line, static_cast<std::size_t>(length)) < 0)
+        std::_Exit(1);
+}
+
 void sayHowToReplay()
 {
-    char text[256];
-    const int length =
-        std::snprintf(text, sizeof(text), "Replay: explorer --scenario %s --seed %llu --schedules 1 --trace\n",
-                      runningScenario, static_cast<unsigned long long>(runningSeed));
-    if (write(STDERR_FILENO, text, static_cast<std::size_t>(length)) < 0)
-        return;
+    say("Replay: explorer --scenario %s --seed %llu --schedules 1 --trace\n", runningScenario, runningSeed);
 }
 
 void catchCrashes()
@@ -41,7 +45,8 @@ void catchCrashes()
     __sanitizer_set_death_callback(sayHowToReplay);
 #else
     for (const int signal : {SIGSEGV, SIGBUS, SIGABRT})
-        std::signal(signal, [](int) {
+        std::signal(signal, [](int number) {
+            say("FAILED %s: crashed with signal %llu\n", runningScenario, static_cast<unsigned>(number));
             sayHowToReplay();
             std::_Exit(1);
         });
@@ -111,7 +116,7 @@ void sayUsage()
     std::fputs("usage: explorer [--scenario NAME] [--seed N] [--schedules N] [--trace]\nScenarios:\n", stderr);
     for (const auto scenarios : {slotScenarios(), wiringScenarios(), poolScenarios()})
         for (const Scenario& scenario : scenarios)
-            std::fprintf(stderr, "  %-28s%s\n", scenario._name, scenario._meaning);
+            std::fprintf(stderr, "  %-32s%s\n", scenario._name, scenario._meaning);
 }
 
 } // namespace

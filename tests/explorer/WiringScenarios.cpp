@@ -10,19 +10,20 @@ void connectDisconnectPush(Scheduler& scheduler)
 {
     Out out("out");
     In in("in");
-    out.connect(&in);
     scheduler.spawn([&] {
         in.connect(&out);
         out.disconnect(&in);
+    });
+    scheduler.spawn([&] {
+        in.disconnect(&out);
         out.connect(&in);
     });
-    scheduler.spawn([&] { in.disconnect(&out); });
     scheduler.spawn([&] {
         push(out, 1);
         push(out, 2);
     });
     scheduler.run();
-    expectAgreement(out, in, 1, 2); // one more if the second disconnect found nothing
+    expectAgreement(out, in, 0, 1); // each disconnect may have found nothing
 }
 
 void twoConnects(Scheduler& scheduler)
