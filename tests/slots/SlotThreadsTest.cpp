@@ -93,7 +93,7 @@ TEST(SlotThreads, InterruptTakenByTopInventsNoValue)
 // Producers push while pairs are wired and unwired and readers come and go; afterwards every record is accounted for.
 TEST(SlotThreads, CountsAddUpUnderDisconnectsAndInterrupts)
 {
-    constexpr int producers = 2;
+    constexpr std::size_t producers = 2;
     constexpr long recordsEach = 20'000;
     std::array<OutSlot<SharedVector<long>>, producers> outs{OutSlot<SharedVector<long>>("a"),
                                                             OutSlot<SharedVector<long>>("b")};
@@ -124,7 +124,7 @@ TEST(SlotThreads, CountsAddUpUnderDisconnectsAndInterrupts)
             }
     });
     std::array<std::thread, producers> pushers;
-    for (int i = 0; i < producers; ++i)
+    for (std::size_t i = 0; i < producers; ++i)
         pushers[i] = std::thread([&, i] {
             for (long n = 0; n < recordsEach; ++n) {
                 SharedVector<long> values;
