@@ -27,34 +27,59 @@ CLI::Validator between(double above, double upTo, const std::string& what)
         std::string());
 }
 
-Format formatOf(const std::string& name)
+// An option that takes one of several names of formats.
+void addFormat(CLI::App& app, const std::string& option, const char* help, Format& format,
+               std::initializer_list<std::pair<const char*, Format>> table)
 {
-    constexpr std::string_view names[] = {"table", "lines", "json"};
-    constexpr Format formats[] = {Format::Table, Format::Lines, Format::Json};
-    for (std::size_t i = 0; i < std::size(names); ++i)
-        if (name == names[i])
-            return formats[i];
-    throw CLI::ValidationError("--format",
-                               inQuotes(name) + " is no format; allowed: " + listed(names) + nearestHint(name, names));
+    const auto read = [option, &format, rows = std::vector(table)](const std::string& name) {
+        std::vector<std::string_view> names;
+        for (const auto& [known, value] : rows) {
+            names.push_back(known);
+            if (name == known)
+                format = value;
+        }
+        if (std::ranges::find(names, name) == names.end())
+            throw CLI::ValidationError(option, inQuotes(name) + " is no format; allowed: " + listed(names) +
+                                                   nearestHint(name, names));
+    };
+    app.add_option_function<std::string>(option, read, help)->type_name("FORMAT");
+}
+
+void addSeconds(CLI::App& app, const char* option, const char* help, double& seconds)
+{
+    app.add_option(option, seconds, help)->type_name("S")->check(between(0, 1e9, "a number of seconds above 0"));
 }
 
 void addRunOptions(CLI::App& app, Options& options)
 {
-    app.add_option("--seconds", options._seconds, "stop after this many seconds")
-        ->type_name("S")
-        ->check(between(0, 1e9, "a number of seconds above 0"));
+    addSeconds(app, "--seconds", "stop after this many seconds", options._seconds);
     app.add_option("--frames", options._frames, "stop after this many frames")
         ->type_name("N")
         ->check(between(0, 1e15, "a number of frames above 0"));
     app.add_option("--rate", options._rate, "frames per second, instead of the scene's")
         ->type_name("HZ")
         ->check(between(0, highestRate, "a rate above 0 and up to 10000 frames per second"));
-    app.add_option_function<std::string>(
-           "--format", [&options](const std::string& name) { options._format = formatOf(name); },
-           "how values are shown: table, lines or json")
-        ->type_name("FORMAT");
+    addFormat(app, "--format", "how values are shown: table, lines or json", options._format,
+              {{"table", Format::Table}, {"lines", Format::Lines}, {"json", Format::Json}});
     app.add_flag("--quiet", options._quiet, "show no values, only messages");
     app.add_flag("--verbose", options._verbose, "show the library's informational lines");
+}
+
+void addScenes(CLI::App& app, Options& options)
+{
+    app.add_option("SCENE", options._names, "scene files, one context each")->required();
+}
+
+void addLabels(CLI::App& app, Options& options)
+{
+    const auto addScene = [&options](const std::string& scene) { options._names.push_back(scene); };
+    app.add_option_function<std::string>("SCENE", addScene, "scene file")->required();
+    app.add_option("FROM", options._from, "label that records come from; '*' stands for any text")->required();
+    app.add_option("TO", options._to, "label that they shall get to")->required();
+    addSeconds(app, "--seconds", "give up after this many seconds", options._seconds);
+    addSeconds(app, "--stale", "age from which a record is stale; 1 if not given", options._staleAfter);
+    addSeconds(app, "--patience", "how long a cause must last that may pass; 1 if not given", options._patience);
+    addFormat(app, "--format", "text or json", options._format, {{"text", Format::Text}, {"json", Format::Json}});
 }
 
 void addVerb(CLI::App& app, const Verb& verb, Options& options)
@@ -66,11 +91,17 @@ void addVerb(CLI::App& app, const Verb& verb, Options& options)
     case Verb::Takes::Names:
         sub.add_option("NAME", options._names, "only these");
         break;
+    case Verb::Takes::SceneAndLabels:
+        addLabels(sub, options);
+        break;
     case Verb::Takes::ScenesAndRunOptions:
         addRunOptions(sub, options);
-        [[fallthrough]];
-    case Verb::Takes::Scenes:
-        sub.add_option("SCENE", options._names, "scene files, one context each")->required();
+        addScenes(sub, options);
+        break;
+    case Verb::Takes::ScenesAndGraph:
+        addFormat(sub, "--graph", "print the graph of what runs: text, json or dot", options._graph,
+                  {{"text", Format::Text}, {"json", Format::Json}, {"dot", Format::Dot}});
+        addScenes(sub, options);
         break;
     }
 }

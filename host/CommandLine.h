@@ -8,7 +8,7 @@
 
 namespace Host {
 
-enum class Format { Automatic, Table, Lines, Json };
+enum class Format { Automatic, Table, Lines, Json, Text, Dot };
 
 /// What the caller asked for; each verb reads what concerns it.
 struct Options {
@@ -17,6 +17,10 @@ struct Options {
     std::uint64_t _frames = std::numeric_limits<std::uint64_t>::max();
     std::optional<double> _rate; // frames per second, instead of the scene's
     Format _format = Format::Automatic;
+    Format _graph = Format::Automatic; // of check; Automatic for none
+    std::string _from, _to;            // labels of why
+    double _staleAfter = 1;            // seconds
+    double _patience = 1;              // seconds
     bool _quiet = false;
     bool _verbose = false;
 };
@@ -25,7 +29,7 @@ struct Options {
 struct Verb {
     const char* _name;
     const char* _help;
-    enum class Takes { Nothing, Names, Scenes, ScenesAndRunOptions } _takes;
+    enum class Takes { Nothing, Names, ScenesAndRunOptions, ScenesAndGraph, SceneAndLabels } _takes;
     int (*_run)(const Options& options);
 };
 

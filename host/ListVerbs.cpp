@@ -3,13 +3,12 @@
 #include "host/Escape.h"
 #include "host/ExitCode.h"
 #include "host/NearestName.h"
+#include "host/SlotTypes.h"
 #include "host/ValueForm.h"
 #include "ostrel/FieldClass.h"
-#include "sensorManager/FieldTypes.h"
 #include "trovio/Node.h"
 #include "trovio/NodeType.h"
 #include "trovio/Root.h"
-#include "trovio/TypeName.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -54,13 +53,6 @@ void printNode(const Trovio::NodeTypeInfo& type)
         printSetting(setting);
 }
 
-std::string slotTypeName(int code)
-{
-    std::string name = "none";
-    Ostrel::withFieldType(code,
-                          [&name]<class Row>(Row) { name = Trovio::TypeName<typename Row::SlotValue>::getName(); });
-    return name;
-}
 } // namespace
 
 int nodesVerb(const Options& options)

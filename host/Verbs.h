@@ -12,6 +12,8 @@ namespace Host {
 int runVerb(const Options& options);
 /// Reads the scenes and says what is wrong or odd with them; runs nothing.
 int checkVerb(const Options& options);
+/// Runs a scene without a word and says whether records flow between two labels.
+int whyVerb(const Options& options);
 /// Lists the node types with their settings.
 int nodesVerb(const Options& options);
 /// Lists the field types and how their values are written.

@@ -1,11 +1,10 @@
 #include "nodes/shared/SocketAddress.h"
 #include "tests/host/HostProcess.h"
+#include "tests/host/SceneOnDisk.h"
 #include "tests/nodes/UdpPeer.h"
 
 #include <algorithm>
 #include <csignal>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
 #include <unistd.h>
@@ -16,23 +15,6 @@ using Trovio::Nodes::UdpPeer;
 namespace {
 
 const std::string host = HOST_PROGRAM;
-
-/// A scene file that is gone after the test.
-class SceneOnDisk {
-public:
-    explicit SceneOnDisk(const std::string& text)
-        : _path(std::filesystem::temp_directory_path() /
-                ("scene-" + std::to_string(getpid()) + "-" + std::to_string(_number++) + ".toml"))
-    {
-        std::ofstream(_path) << text;
-    }
-    ~SceneOnDisk() { std::filesystem::remove(_path); }
-    std::string path() const { return _path.string(); }
-
-private:
-    static inline int _number = 0;
-    const std::filesystem::path _path;
-};
 
 /// A scene with an OSC node that receives numbers and positions at `port`, 0 for any.
 std::string oscScene(const std::string& port)

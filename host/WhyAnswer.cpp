@@ -1,0 +1,104 @@
+#include "host/WhyAnswer.h"
+
+#include "host/Escape.h"
+#include "host/SlotTypes.h"
+#include "trovio/NodeType.h"
+#include "trovio/Root.h"
+
+#include <algorithm>
+
+namespace Host {
+namespace {
+
+using Trovio::Explanation;
+using Trovio::Verdict;
+
+// How much of what was asked for the namespace knows.
+int known(const Explanation& explanation, const std::string& from)
+{
+    constexpr Verdict ofEnds[] = {Verdict::NoSuchLabel, Verdict::NoMatch, Verdict::NoExternalRoute,
+                                  Verdict::WrongDirection};
+    if (std::ranges::find(ofEnds, explanation._verdict) == std::end(ofEnds) || explanation.findText("route"))
+        return 4;
+    const std::string* missing = explanation.findText("label");
+    const bool hasHint = explanation._verdict != Verdict::NoSuchLabel || explanation.findText("nearest");
+    return (missing && *missing != from ? 2 : 0) + (hasHint ? 1 : 0);
+}
+
+// Whether the label is the sensor's, alone or with that of its namespace before it.
+const SensorWatch* sensorAt(const Session& session, const std::string& label)
+{
+    for (const SensorWatch* watch : session.watches()) {
+        const std::string& known = watch->sensor().getLabel();
+        if (!known.empty() && (label == known || label.ends_with("/" + known)))
+            return watch;
+    }
+    return nullptr;
+}
+
+// The node whose slot has the label: its label stands before the slot's.
+const Trovio::NamespaceInfo* nodeAt(const Trovio::NamespaceInfo& info, const std::string& label)
+{
+    for (const Trovio::NamespaceInfo& child : info._children) {
+        const bool below = label.starts_with(child._label + "/");
+        const Trovio::NamespaceInfo* node = nodeAt(child, below ? label.substr(child._label.size() + 1) : label);
+        if (node || (below && child._node))
+            return node ? node : &child;
+    }
+    return nullptr;
+}
+
+std::string settingFor(const Trovio::NodeInfo& node, const std::string& slotType)
+{
+    for (const Trovio::NodeTypeInfo& type : Trovio::NodeType::list()) {
+        if (type._name != node._typeName)
+            continue;
+        for (const Trovio::Setting& setting : type._settings)
+            if (setting._name == std::string_view("type") &&
+                ("|" + std::string(setting._choices) + "|").find("|" + slotType + "|") != std::string::npos)
+                return "type=" + slotType;
+    }
+    return {};
+}
+
+// What the slot's end must be made to carry that type; empty if nobody can say.
+std::string fitAt(const std::string& label, const std::string& slotType, const Session& session)
+{
+    if (sensorAt(session, label))
+        return "a sensor of type " + fieldTypeFor(slotType) + " at " + inQuotes(label) + " would fit";
+    const Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
+    const Trovio::NamespaceInfo* node = nodeAt(root, label);
+    const std::string setting = node ? settingFor(*node->_node, slotType) : std::string();
+    return setting.empty()
+               ? setting
+               : "node " + inQuotes(node->_label) + " (" + node->_node->_typeName + ") with " + setting + " would fit";
+}
+} // namespace
+
+Explanation explainLabels(const std::string& from, const std::string& to, double staleAfter)
+{
+    Trovio::Namespace& root = Trovio::Root::get();
+    std::vector<Explanation> answers;
+    for (const Trovio::NamespaceInfo& child : root.inspect()._children)
+        if (const Trovio::Namespace* space = root.getNamespace(child._label))
+            answers.push_back(space->explain(from, to, staleAfter));
+    answers.push_back(root.explain(from, to, staleAfter));
+    return *std::ranges::max_element(answers, {}, [&from](const Explanation& answer) { return known(answer, from); });
+}
+
+std::string whatFits(const Explanation& explanation, const Session& session)
+{
+    if (explanation._verdict != Verdict::TypesDiffer)
+        return {};
+    const std::string in = fitAt(*explanation.findText("in-slot"), *explanation.findText("out type"), session);
+    return !in.empty() ? in : fitAt(*explanation.findText("out-slot"), *explanation.findText("in type"), session);
+}
+
+bool WhyDecision::take(Verdict verdict, double now)
+{
+    if (verdict != _last)
+        _since = now;
+    _last = verdict;
+    return verdict == Verdict::Flowing || verdict == Verdict::TypesDiffer || now - _since >= _patience;
+}
+} // namespace Host

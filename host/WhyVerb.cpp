@@ -1,0 +1,114 @@
+#include "host/Verbs.h"
+
+#include "host/Escape.h"
+#include "host/ExitCode.h"
+#include "host/Failure.h"
+#include "host/FrameLoop.h"
+#include "host/RunLog.h"
+#include "host/SystemClock.h"
+#include "host/WhyAnswer.h"
+#include "trovio/Namespace.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+namespace Host {
+namespace {
+
+using Trovio::Explanation;
+using Trovio::Verdict;
+
+constexpr double lookInterval = 0.05; // seconds; a look walks through the whole tree
+
+struct Answer {
+    Explanation _explanation;
+    bool _decided = false;
+    std::string _fits;
+};
+
+Answer findAnswer(SceneFile file, const Options& options)
+{
+    RunLog log(false);
+    log.hold(true);
+    const StopSignal stop;
+    SystemClock clock(stop);
+    FrameLoop loop(clock, std::max(file._host._rate._value, 1 / lookInterval), {options._seconds, options._frames});
+    Session session;
+    std::vector<SceneFile> files;
+    files.push_back(std::move(file));
+    session.build(std::move(files), [](const std::string&) {});
+    Answer answer;
+    WhyDecision decision(options._patience);
+    double nextLook = 0;
+    loop.run([&](double now) {
+        session.frame(now);
+        if (clock.steady() < nextLook)
+            return true;
+        nextLook = clock.steady() + lookInterval;
+        answer._explanation = explainLabels(options._from, options._to, options._staleAfter);
+        answer._decided = decision.take(answer._explanation._verdict, clock.steady());
+        return !answer._decided;
+    });
+    answer._fits = whatFits(answer._explanation, session);
+    log.take(); // what the log said is no answer
+    return answer;
+}
+
+int exitCode(const Answer& answer)
+{
+    if (!answer._decided)
+        return NoAnswer;
+    const Verdict verdict = answer._explanation._verdict;
+    return verdict == Verdict::Flowing ? Done : verdict == Verdict::TypesDiffer ? TypeMismatch : NothingFound;
+}
+
+void printText(const Answer& answer)
+{
+    std::string text = answer._explanation._text;
+    if (!answer._decided)
+        text = "no answer in the time given; so far: " + text;
+    if (!answer._fits.empty())
+        text += "; " + answer._fits;
+    std::printf("%s\n", escaped(text, 4000).c_str());
+}
+
+void printJson(const Answer& answer, const Options& options)
+{
+    nlohmann::ordered_json object{{"from", options._from},
+                                  {"to", options._to},
+                                  {"decided", answer._decided},
+                                  {"verdict", toString(answer._explanation._verdict)},
+                                  {"text", answer._explanation._text},
+                                  {"details", nlohmann::ordered_json::object()}};
+    for (const Explanation::Detail& detail : answer._explanation._details)
+        std::visit([&](const auto& value) { object["details"][detail._name] = value; }, detail._value);
+    if (!answer._fits.empty())
+        object["fits"] = answer._fits;
+    std::printf("%s\n", object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+}
+} // namespace
+
+int whyVerb(const Options& options)
+{
+    if (const auto failure = failureOf([&] { Trovio::Namespace().explain(options._from, options._to); })) {
+        std::fprintf(stderr, "%s\n", escaped(*failure, 4000).c_str());
+        return BadUsage;
+    }
+    auto files = readScenes(options);
+    if (!files)
+        return BadUsage;
+    int code = Failed;
+    const auto failure = failureOf([&] {
+        const Answer answer = findAnswer(std::move(files->front()), options);
+        code = exitCode(answer);
+        if (options._format == Format::Json)
+            printJson(answer, options);
+        else
+            printText(answer);
+    });
+    if (failure)
+        std::fprintf(stderr, "%s\n", escaped(*failure, 4000).c_str());
+    return code;
+}
+} // namespace Host

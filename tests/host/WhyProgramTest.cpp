@@ -1,0 +1,71 @@
+#include "tests/host/HostProcess.h"
+#include "tests/host/SceneOnDisk.h"
+#include "tests/nodes/UdpPeer.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const std::string host = HOST_PROGRAM;
+
+/// A wave goes through a filter into a sensor, and a device that nothing sends to waits beside it.
+std::string scene(const std::string& port)
+{
+    return "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n"
+           "nodes = [[\"Generator\", \"rate=200\"], [\"Scale\", \"gain=2\"], [\"Clamp\", \"type=Vec3f\"],\n"
+           "  [\"OSC\", \"listen=127.0.0.1:" +
+           port +
+           " in='/wand Vec3f'\"]]\n"
+           "routes = [[\"Generator/value\", \"Scale/in\"], [\"Scale/out\", \"Wave\"], [\"OSC/wand\", \"Wand\"],\n"
+           "  [\"OSC/wand\", \"Wave\"], [\"Generator/value\", \"Clamp/in\"]]\n"
+           "[[sensor]]\nname = \"wave\"\ntype = \"SFFloat\"\nlabel = \"Wave\"\n"
+           "[[sensor]]\nname = \"wand\"\ntype = \"SFVec3f\"\nlabel = \"Wand\"\n"
+           "[[sensor]]\nname = \"lonely\"\ntype = \"SFFloat\"\nlabel = \"Lonely\"\n";
+}
+
+TEST(Why, AnswersWithItsExitCodeToo)
+{
+    const SceneOnDisk file(scene("0"));
+    const struct {
+        std::vector<std::string> _arguments; // behind the scene
+        int _code;
+        const char* _says;
+    } rows[] = {
+        {{"Generator/value", "Wave"}, 0, "records flow from 'Generator/value' to 'Wave': "},
+        {{"Context/Scale/out", "Context/Wave"}, 0, "records flow"},
+        {{"Scale/*", "Wave", "--format", "json"}, 0, "\"verdict\":\"flowing\",\"text\":\"records flow"},
+        {{"OSC/wand", "Wave"},
+         4,
+         "carries Vec3f, 'Wave' takes Float; give both ends the same type; a sensor of type "
+         "SFVec3f at 'Wave' would fit\n"},
+        {{"Generator/value", "Clamp/in"}, 4, "node 'Clamp' (Clamp) with type=Float would fit\n"},
+        {{"OSC/wnd", "Wand"}, 3, "no such label: no slot 'OSC/wnd' is in scope; nearest: 'OSC/wand'\n"},
+        {{"OSCC/*", "Wand"}, 3, "pattern matches nothing: "},
+        {{"Wand", "OSC/wand"}, 3, "wrong direction: "},
+        {{"Generator/value", "Lonely"}, 3, "no route: no route leads on from "},
+        {{"OSC/wand", "Wand", "--patience", "0.1"}, 3, "never written: nobody has written into 'OSC/wand' yet\n"},
+        {{"OSC/wand", "Wand", "--seconds", "0.1"}, 124, "no answer in the time given; so far: nothing flows"},
+        {{"OSC/wand", "*"}, 2, "has 1 '*', but its pattern 'OSC/wand' only 0"},
+        {{"OSC/wand"}, 2, "TO is required"},
+    };
+    for (const auto& row : rows) {
+        std::vector<std::string> arguments{"why", file.path()};
+        arguments.insert(arguments.end(), row._arguments.begin(), row._arguments.end());
+        HostProcess process(host, arguments);
+        EXPECT_EQ(process.wait(), row._code) << process.out() << process.err();
+        EXPECT_NE((process.out() + process.err()).find(row._says), std::string::npos) << row._says << "\n"
+                                                                                      << process.out() << process.err();
+    }
+}
+
+TEST(Why, NamesTheDeviceThatIsMissing)
+{
+    const Trovio::Nodes::UdpPeer taken;
+    const SceneOnDisk file(scene(std::to_string(taken.getPort())));
+    HostProcess process(host, {"why", file.path(), "OSC/wand", "Wand", "--format", "json"});
+    EXPECT_EQ(process.wait(), 3);
+    EXPECT_NE(process.out().find("\"verdict\":\"node degraded\""), std::string::npos) << process.out();
+    EXPECT_NE(process.out().find("\"reason\":\"cannot listen on 127.0.0.1:"), std::string::npos) << process.out();
+    EXPECT_EQ(process.err(), "");
+}
+} // namespace
