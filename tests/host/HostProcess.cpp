@@ -5,6 +5,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
@@ -37,6 +38,7 @@ HostProcess::HostProcess(const std::string& program, const std::vector<std::stri
     if (_child < 0)
         fail("no process");
     if (_child == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL); // a test that is ended leaves nothing behind
         dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
         dup2(out[1], STDOUT_FILENO);
         dup2(err[1], STDERR_FILENO);
