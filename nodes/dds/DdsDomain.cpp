@@ -1,0 +1,79 @@
+#include "nodes/dds/DdsDomain.h"
+
+#include "base/Mutex.h"
+#include "nodes/dds/DdsConfig.h"
+#include "nodes/dds/DdsLog.h"
+#include "nodes/dds/LoopbackOnly.h"
+#include <map>
+
+namespace Trovio::Nodes {
+
+namespace {
+
+/// The domains of this program. The library's own threads outlive static objects, so this one is never destroyed.
+struct OpenDomains {
+    Ostrel::Mutex _lock;
+    std::map<unsigned, std::weak_ptr<DdsDomain>> _domains OSTREL_GUARDED_BY(_lock);
+
+    static OpenDomains& get()
+    {
+        static OpenDomains& domains = *new OpenDomains;
+        return domains;
+    }
+};
+
+/// Under the lock, so that nobody opens a domain that is just being closed.
+void closeDomain(DdsDomain* domain)
+{
+    OpenDomains& open = OpenDomains::get();
+    const Ostrel::LockGuard guard(open._lock);
+    open._domains.erase(domain->getSettings()._number);
+    delete domain;
+}
+
+DdsEntity createDomain(const DdsDomainSettings& settings)
+{
+    const std::string config = makeDdsConfig(settings);
+    DdsLog::Listening log;
+    const dds_entity_t domain = dds_create_domain(settings._number, config.c_str());
+    if (domain < 0)
+        throw DdsProblem("cannot open " + settings.describe() + ": " +
+                         (log.text().empty() ? dds_strretcode(domain) : log.text()) +
+                         "; choose a network interface of this machine with interface=NAME");
+    return DdsEntity(domain, "");
+}
+
+} // namespace
+
+std::string DdsDomainSettings::describe() const
+{
+    std::string text = "domain " + std::to_string(_number) + " on interface " + (_interface.empty() ? "?" : _interface);
+    if (isLoopback())
+        return text + ", this machine only";
+    return text + (isMulticast() ? ", peers found by multicast" : ", without multicast");
+}
+
+std::shared_ptr<DdsDomain> DdsDomain::open(const DdsDomainSettings& settings)
+{
+    OpenDomains& open = OpenDomains::get();
+    std::shared_ptr<DdsDomain> domain;
+    const Ostrel::LockGuard guard(open._lock);
+    if (const auto found = open._domains.find(settings._number); found != open._domains.end())
+        domain = found->second.lock();
+    if (!domain) {
+        domain = std::shared_ptr<DdsDomain>(new DdsDomain(settings), closeDomain);
+        open._domains[settings._number] = domain;
+    }
+    if (!(domain->getSettings() == settings))
+        throw DdsProblem("another node of this program has already opened " + domain->getSettings().describe() +
+                         "; give both the same interface, host, lease, processes and largest, or another domain");
+    return domain;
+}
+
+DdsDomain::DdsDomain(const DdsDomainSettings& settings) : _settings(settings), _domain(createDomain(settings))
+{
+    if (settings.isLoopback())
+        confineToLoopback(settings._number);
+}
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "nodes/dds/DdsEntity.h"
+#include <memory>
+#include <vector>
+
+namespace Trovio::Nodes {
+
+/// What belongs to a domain, and so is the same for all nodes of this program that take part in it.
+struct DdsDomainSettings {
+    unsigned _number = 0;
+    std::string _interface;          // empty: the one that leads to the first host
+    std::vector<std::string> _hosts; // numeric; with any of them nothing is multicast
+    double _lease = 3.0;             // seconds of silence after which a peer counts as gone
+    unsigned _processes = 1;         // programs that are looked for on a host, where nothing is multicast
+    unsigned _largest = 1;           // bytes of a sample; larger ones are neither sent nor taken
+
+    bool isLoopback() const { return _interface == "lo"; }
+    bool isMulticast() const { return !isLoopback() && _hosts.empty(); }
+    bool operator==(const DdsDomainSettings&) const = default;
+
+    /// "domain 0 on interface lo, this machine only"
+    std::string describe() const;
+};
+
+/// This program's part in a DDS domain: its sockets and threads, shared by all nodes that name the same number.
+/// On the loopback its sockets take nothing that comes in from another interface.
+/// Threads: open() and the last handle's end from any thread; both may take milliseconds.
+class DdsDomain {
+public:
+    /// Joins what is open already, or opens it. Throws DdsProblem where it is open with other settings, or where the
+    /// interface is not there.
+    static std::shared_ptr<DdsDomain> open(const DdsDomainSettings& settings);
+
+    explicit DdsDomain(const DdsDomainSettings& settings);
+
+    const DdsDomainSettings& getSettings() const { return _settings; }
+
+private:
+    const DdsDomainSettings _settings;
+    const DdsEntity _domain;
+};
+
+} // namespace Trovio::Nodes

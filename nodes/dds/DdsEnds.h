@@ -1,0 +1,18 @@
+#pragma once
+
+#include "nodes/dds/DdsEntity.h"
+#include "nodes/dds/DdsQos.h"
+#include <functional>
+
+namespace Trovio::Nodes {
+
+/// What topics are opened with: made by a session, which outlives everything that is opened with it.
+struct DdsEnds {
+    dds_entity_t _participant;
+    dds_entity_t _publisher;
+    dds_entity_t _subscriber;
+    dds_qos_t* _qos;
+    std::function<void()> _wake; // the node's thread; from any thread, under any lock
+};
+
+} // namespace Trovio::Nodes

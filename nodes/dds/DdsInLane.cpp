@@ -1,0 +1,154 @@
+#include "nodes/dds/DdsInLane.h"
+
+#include "nodes/dds/WireValue.h"
+#include "trovio/SlotTypes.h"
+#include <array>
+
+namespace Trovio::Nodes {
+
+namespace {
+
+constexpr double reportPeriod = 1.0;         // seconds
+constexpr double latestStamp = 253402300800; // the year 10000, in seconds since 1970
+constexpr std::size_t samplesAtOnce = 32;
+
+template <class T>
+class TypedInLane final : public DdsInLane {
+public:
+    TypedInLane(const ListedSlot& topic, bool finite, DdsInCounters& counters, Clock& clock)
+        : DdsInLane(topic, WireType<T>::descriptor(), counters, clock), _finite(finite), _slot(topic._name)
+    {
+    }
+
+    BasicOutSlot& getSlot() override { return _slot; }
+
+private:
+    std::string deliver(const void* sample, const Time& stamp) override
+    {
+        Data<T> record(T(), stamp);
+        std::string problem =
+            WireValue<T>::read(*static_cast<const typename WireType<T>::Sample*>(sample), _finite, record.getValue());
+        if (problem.empty())
+            _slot.push(record);
+        return problem;
+    }
+
+    const bool _finite;
+    OutSlot<T> _slot;
+};
+
+struct ListenerDelete {
+    void operator()(dds_listener_t* listener) const { dds_delete_listener(listener); }
+};
+
+} // namespace
+
+std::unique_ptr<DdsInLane> DdsInLane::create(const ListedSlot& topic, bool finite, DdsInCounters& counters,
+                                             Clock& clock)
+{
+    std::unique_ptr<DdsInLane> lane;
+    withSlotType(topic._typeName,
+                 [&]<class T>(TypeTag<T>) { lane = std::make_unique<TypedInLane<T>>(topic, finite, counters, clock); });
+    return lane;
+}
+
+DdsInLane::DdsInLane(const ListedSlot& topic, const dds_topic_descriptor_t& descriptor, DdsInCounters& counters,
+                     Clock& clock)
+    : _topic(topic),
+      _descriptor(descriptor),
+      _counters(counters),
+      _aliveSlot(topic._name + "/alive"),
+      _reports(clock, reportPeriod)
+{
+}
+
+void DdsInLane::open(const DdsEnds& ends)
+{
+    _wake = ends._wake;
+    const std::string what = "cannot subscribe to " + _topic._name;
+    const std::unique_ptr<dds_listener_t, ListenerDelete> listener(dds_create_listener(this));
+    dds_lset_data_available(listener.get(), onData);
+    dds_lset_subscription_matched(listener.get(), onMatched);
+    _ddsTopic =
+        DdsEntity(dds_create_topic(ends._participant, &_descriptor, _topic._name.c_str(), ends._qos, nullptr), what);
+    _reader = DdsEntity(dds_create_reader(ends._subscriber, _ddsTopic.get(), ends._qos, listener.get()), what);
+}
+
+void DdsInLane::close()
+{
+    _reader = DdsEntity();
+    if (_alive)
+        setAlive(false);
+}
+
+void DdsInLane::lookForWriters()
+{
+    dds_subscription_matched_status_t status{};
+    dds_get_subscription_matched_status(_reader.get(), &status);
+    setAlive(status.current_count > 0);
+}
+
+void DdsInLane::setAlive(bool alive)
+{
+    if (alive == _alive)
+        return;
+    _alive = alive;
+    _aliveSlot.push(Data<bool>(alive));
+}
+
+void DdsInLane::onData(dds_entity_t reader, void* lane) noexcept
+{
+    static_cast<DdsInLane*>(lane)->takeAll(reader);
+}
+
+void DdsInLane::onMatched(dds_entity_t, dds_subscription_matched_status_t, void* lane) noexcept
+{
+    static_cast<DdsInLane*>(lane)->_wake();
+}
+
+void DdsInLane::takeAll(dds_entity_t reader)
+{
+    const Ostrel::LockGuard guard(_takeLock);
+    std::array<void*, samplesAtOnce> samples{};
+    std::array<dds_sample_info_t, samplesAtOnce> infos{};
+    for (dds_return_t count = 1; count > 0;) {
+        samples[0] = nullptr; // asks the library for a loan
+        count = dds_take(reader, samples.data(), infos.data(), samplesAtOnce, samplesAtOnce);
+        for (std::size_t i = 0; count > 0 && i < static_cast<std::size_t>(count); ++i)
+            if (infos[i].valid_data) // else it only tells that a writer has left
+                take(samples[i]);
+        if (count > 0)
+            dds_return_loan(reader, samples.data(), count);
+    }
+}
+
+void DdsInLane::take(const void* sample)
+{
+    const auto& origin = *static_cast<const Trovio_Wire_Origin*>(sample);
+    // Written so that a stamp that is no number is refused, too.
+    if (!(origin.stamp >= 0.0 && origin.stamp < latestStamp)) {
+        refuse("its time stamp is " + std::to_string(origin.stamp) + " seconds since 1970");
+        return;
+    }
+    const auto [isNew, missed] = _numbers.note(origin.writer, origin.number);
+    _counters._missed.add(missed);
+    if (!isNew) {
+        _counters._repeated.add();
+        return;
+    }
+    if (const std::string problem = deliver(sample, Time(origin.stamp)); !problem.empty())
+        refuse("it holds " + problem);
+    else
+        _counters._samples.add();
+}
+
+void DdsInLane::refuse(const std::string& problem)
+{
+    _counters._refused.add();
+    if (const auto withheld = _reports.admit())
+        report(osg::LogWarning, "DDS: a sample of " + _topic._name + " (" + _topic._typeName +
+                                    ") is refused: " + problem +
+                                    (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : ""));
+}
+
+} // namespace Trovio::Nodes

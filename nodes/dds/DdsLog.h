@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+namespace Trovio::Nodes {
+
+/// The messages of the DDS library: they go to our log, or to who opens something and wants to say why that failed.
+class DdsLog {
+public:
+    /// From now on, for the whole program. Call it before the library is used.
+    static void takeOver();
+
+    /// While it lives, the messages that the library writes on this thread are kept here instead. One at a time.
+    class Listening {
+    public:
+        Listening();
+        ~Listening();
+        Listening(const Listening&) = delete;
+        Listening& operator=(const Listening&) = delete;
+        const std::string& text() const { return _text; }
+        void add(const std::string& message) { _text += (_text.empty() ? "" : "; ") + message; }
+
+    private:
+        std::string _text;
+    };
+};
+
+} // namespace Trovio::Nodes

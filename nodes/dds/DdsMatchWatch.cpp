@@ -1,0 +1,178 @@
+#include "nodes/dds/DdsMatchWatch.h"
+
+#include "nodes/dds/WireTypes.h"
+#include "trovio/SlotTypes.h"
+#include <array>
+#include <memory>
+
+namespace Trovio::Nodes {
+
+namespace {
+
+constexpr std::size_t mostFound = 64;   // ends that are remembered; peers can make any number
+constexpr std::size_t longestText = 80; // characters of a peer's words in a message
+constexpr std::size_t samplesAtOnce = 64;
+
+/// The slot value type that travels as a topic type, or that type as its owner calls it.
+std::string slotTypeOf(const std::string& topicType)
+{
+    std::string found = "'" + topicType.substr(0, longestText) + "'";
+    forEachSlotType([&]<class T>(TypeTag<T>) {
+        if (topicType == WireType<T>::descriptor().m_typename)
+            found = TypeName<T>::getName();
+    });
+    return found;
+}
+
+void wake(dds_entity_t, void* ends) noexcept
+{
+    static_cast<const DdsEnds*>(ends)->_wake();
+}
+
+bool isReliable(const dds_qos_t* qos)
+{
+    dds_reliability_kind_t kind = DDS_RELIABILITY_BEST_EFFORT;
+    dds_qget_reliability(qos, &kind, nullptr);
+    return kind == DDS_RELIABILITY_RELIABLE;
+}
+
+bool keepsLast(const dds_qos_t* qos)
+{
+    dds_durability_kind_t kind = DDS_DURABILITY_VOLATILE;
+    dds_qget_durability(qos, &kind);
+    return kind != DDS_DURABILITY_VOLATILE;
+}
+
+std::string property(const dds_qos_t* qos, const char* name)
+{
+    char* value = nullptr;
+    const std::string text = dds_qget_prop(qos, name, &value) && value ? value : "";
+    dds_free(value);
+    return text.substr(0, longestText);
+}
+
+} // namespace
+
+DdsMatchWatch::DdsMatchWatch(const DdsQuality& quality, const std::vector<ListedSlot>& published,
+                             const std::vector<ListedSlot>& subscribed)
+    : _quality(quality)
+{
+    for (const ListedSlot& topic : published)
+        _published[topic._name] = topic._typeName;
+    for (const ListedSlot& topic : subscribed)
+        _subscribed[topic._name] = topic._typeName;
+}
+
+DdsMatchWatch::~DdsMatchWatch() = default;
+
+void DdsMatchWatch::open(const DdsEnds& ends)
+{
+    const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t*)> listener(
+        dds_create_listener(const_cast<DdsEnds*>(&ends)), dds_delete_listener);
+    dds_lset_data_available(listener.get(), wake);
+    const auto openReader = [&](dds_entity_t topic) {
+        return DdsEntity(dds_create_reader(ends._participant, topic, nullptr, listener.get()),
+                         "cannot look for other programs");
+    };
+    _participants = openReader(DDS_BUILTIN_TOPIC_DCPSPARTICIPANT);
+    _writers = openReader(DDS_BUILTIN_TOPIC_DCPSPUBLICATION);
+    _readers = openReader(DDS_BUILTIN_TOPIC_DCPSSUBSCRIPTION);
+}
+
+void DdsMatchWatch::close()
+{
+    _participants = DdsEntity();
+    _writers = DdsEntity();
+    _readers = DdsEntity();
+    _found.clear();
+}
+
+void DdsMatchWatch::look()
+{
+    lookAt(_writers.get(), _subscribed, true);
+    lookAt(_readers.get(), _published, false);
+}
+
+std::string DdsMatchWatch::getProblem() const
+{
+    if (_found.empty())
+        return {};
+    const std::string others = _found.size() > 1 ? ", and " + std::to_string(_found.size() - 1) + " more" : "";
+    return _found.begin()->second + others;
+}
+
+void DdsMatchWatch::lookAt(dds_entity_t reader, const Types& ours, bool isWriter)
+{
+    std::array<void*, samplesAtOnce> samples{};
+    std::array<dds_sample_info_t, samplesAtOnce> infos{};
+    for (dds_return_t count = 1; count > 0;) {
+        samples[0] = nullptr; // asks the library for a loan
+        count = dds_take(reader, samples.data(), infos.data(), samplesAtOnce, samplesAtOnce);
+        for (std::size_t i = 0; count > 0 && i < static_cast<std::size_t>(count); ++i) {
+            const bool isThere = infos[i].valid_data && infos[i].instance_state == DDS_ALIVE_INSTANCE_STATE;
+            const std::string problem =
+                isThere ? compare(*static_cast<dds_builtintopic_endpoint_t*>(samples[i]), ours, isWriter) : "";
+            if (problem.empty())
+                _found.erase(infos[i].instance_handle);
+            else if (_found.size() < mostFound)
+                _found[infos[i].instance_handle] = problem;
+        }
+        if (count > 0)
+            dds_return_loan(reader, samples.data(), count);
+    }
+}
+
+std::string DdsMatchWatch::compare(const dds_builtintopic_endpoint_t& other, const Types& ours, bool isWriter) const
+{
+    const auto found = ours.find(std::string_view(other.topic_name));
+    if (found == ours.end() || !isInPartition(other.qos))
+        return {};
+    const auto& [topic, type] = *found;
+    const std::string where = "topic " + topic + ": ";
+    const std::string they = describePeer(other) + (isWriter ? " publishes " : " subscribes to ");
+    if (const std::string theirs = slotTypeOf(other.type_name); theirs != type)
+        return where + they + theirs + ", here it is " + type + "; give both ends one type";
+    // A reader may ask for no more than a writer offers.
+    if (isWriter ? _quality._reliable && !isReliable(other.qos) : !_quality._reliable && isReliable(other.qos))
+        return where + they + type + " with reliable=" + (isWriter ? "no" : "yes") +
+               ", here it is reliable=" + (isWriter ? "yes" : "no") +
+               "; set reliable=no where it is subscribed to, or yes where it is published";
+    if (isWriter && !keepsLast(other.qos))
+        return where + they + type + " without keeping the last value for those that join later (transient-local), " +
+               "which is needed here";
+    return {};
+}
+
+bool DdsMatchWatch::isInPartition(const dds_qos_t* qos) const
+{
+    std::uint32_t count = 0;
+    char** names = nullptr;
+    dds_qget_partition(qos, &count, &names);
+    bool found = count == 0 && _quality._partition.empty();
+    for (std::uint32_t i = 0; i < count; ++i) {
+        found = found || _quality._partition == names[i];
+        dds_free(names[i]);
+    }
+    dds_free(names);
+    return found;
+}
+
+std::string DdsMatchWatch::describePeer(const dds_builtintopic_endpoint_t& endpoint) const
+{
+    void* sample = nullptr;
+    dds_sample_info_t info{};
+    const dds_return_t count =
+        dds_read_instance(_participants.get(), &sample, &info, 1, 1, endpoint.participant_instance_handle);
+    std::string peer = "another program";
+    if (count > 0 && info.valid_data) {
+        const dds_qos_t* qos = static_cast<dds_builtintopic_participant_t*>(sample)->qos;
+        const std::string process = property(qos, "__ProcessName");
+        if (!process.empty())
+            peer = process + " (process " + property(qos, "__Pid") + " on " + property(qos, "__Hostname") + ")";
+    }
+    if (count > 0)
+        dds_return_loan(_participants.get(), &sample, count);
+    return peer;
+}
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,136 @@
+#include "nodes/dds/DdsNode.h"
+
+#include "nodes/dds/DdsLog.h"
+#include "nodes/dds/DdsSettings.h"
+#include "trovio/BasicInSlot.h"
+
+namespace Trovio::Nodes {
+
+namespace {
+
+constexpr double reopenPeriod = 2.0;  // seconds from a failed opening to the next
+constexpr double retryPeriod = 0.001; // seconds to the next try where a reader does not keep up
+constexpr std::size_t mostNamed = 3;  // topics that a message names
+
+std::string listOf(const std::vector<std::string>& names)
+{
+    std::string list;
+    for (std::size_t i = 0; i < names.size() && i < mostNamed; ++i)
+        list += (i > 0 ? ", " : "") + names[i];
+    return names.size() > mostNamed ? list + " and " + std::to_string(names.size() - mostNamed) + " more" : list;
+}
+
+} // namespace
+
+const NodeTypeEntry& DdsNode::getEntry()
+{
+    static constexpr auto create = []() -> std::unique_ptr<Node> { return std::make_unique<DdsNode>(Clock::system()); };
+    static const NodeTypeEntry entry{"DDS", "topics shared with other programs and machines, published and subscribed",
+                                     ddsSettingRows(), create};
+    return entry;
+}
+
+DdsNode::DdsNode(Clock& clock)
+    : _clock(clock),
+      _outCounters{addCounter("out samples"), addCounter("out delays"), addCounter("out failed")},
+      _inCounters{addCounter("in samples"), addCounter("in missed"), addCounter("in repeated"),
+                  addCounter("in refused")},
+      _worker(clock)
+{
+}
+
+DdsNode::~DdsNode() = default;
+
+void DdsNode::configure(const Settings& settings)
+{
+    auto session = std::make_unique<DdsSession>(_clock, readDdsSettings(settings), _outCounters, _inCounters, [this] {
+        _lookNeeded = true;
+        _worker.wake();
+    });
+    removeSlots();
+    _session = std::move(session);
+    _session->forEachInSlot([this](const std::string& label, BasicInSlot& slot) {
+        addInSlot(label, &slot);
+        _labels.push_back(label);
+    });
+    _session->forEachOutSlot([this](const std::string& label, BasicOutSlot& slot) {
+        addOutSlot(label, &slot);
+        _labels.push_back(label);
+    });
+}
+
+void DdsNode::removeSlots()
+{
+    for (const std::string& label : _labels)
+        removeSlot(label);
+    _labels.clear();
+}
+
+void DdsNode::start()
+{
+    DdsLog::takeOver();
+    _worker.start(
+        "dds", [this] { run(); }, [this](const std::string& problem) { setDegraded("ended: " + problem); });
+}
+
+void DdsNode::stop()
+{
+    _worker.stop();
+    _session->close();
+}
+
+void DdsNode::run()
+{
+    std::optional<double> next;
+    do {
+        if (!_session->isOpen())
+            tryOpen();
+        next = _session->isOpen() ? work() : _clock.now() + reopenPeriod;
+    } while (_worker.wait(next));
+}
+
+void DdsNode::tryOpen()
+{
+    try {
+        _session->open();
+    } catch (const DdsProblem& problem) {
+        setDegraded(problem.what());
+        return;
+    }
+    const DdsDomainSettings& domain = _session->getSettings()._domain;
+    report(osg::LogNotice, "DDS: " + domain.describe() + "; interface=NAME or host=ADDRESS chooses another");
+    _graceEnd = _clock.now() + domain._lease;
+    _lookNeeded = true;
+}
+
+std::optional<double> DdsNode::work()
+{
+    bool retry = false;
+    if (_session->sendWaiting(retry))
+        _worker.wake();
+    const bool isGrace = _clock.now() < _graceEnd;
+    if (_lookNeeded.exchange(false) || (!isGrace && _graceEnd > 0.0)) {
+        _session->lookAround();
+        reportHealth();
+    }
+    if (!isGrace)
+        _graceEnd = 0.0;
+    if (retry)
+        return _clock.now() + retryPeriod;
+    return isGrace ? std::optional(_graceEnd) : std::nullopt;
+}
+
+void DdsNode::reportHealth()
+{
+    const auto unpublished = _session->getUnpublished();
+    const std::string mismatch = _session->getMismatch();
+    if (!mismatch.empty())
+        setDegraded(mismatch);
+    else if (!unpublished.empty() && _clock.now() >= _graceEnd)
+        setDegraded("nobody publishes " + listOf(unpublished) + " in " + _session->getSettings()._domain.describe() +
+                    "; interface=NAME or host=ADDRESS chooses another");
+    else
+        setRunning();
+}
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "nodes/dds/DdsSession.h"
+#include "nodes/shared/Worker.h"
+
+namespace Trovio::Nodes {
+
+/// Slots that meet across programs and machines: an in-slot for each topic that is published, an out-slot for each that
+/// is subscribed to, by the same label everywhere.
+/// Ownership: owns its slots; routes refer to them only while the node stands in a namespace.
+/// Threads:   one thread sends and looks after peers; what comes in is pushed on threads of the DDS library.
+class DdsNode final : public Node {
+public:
+    explicit DdsNode(Clock& clock);
+    ~DdsNode() override;
+
+    static const NodeTypeEntry& getEntry();
+
+private:
+    void configure(const Settings& settings) override;
+    void start() override;
+    void stop() override;
+
+    void removeSlots();
+    void run();
+    void tryOpen();
+    /// Sends and looks around; when to do so again, if nothing happens before.
+    std::optional<double> work();
+    void reportHealth();
+
+    Clock& _clock;
+    DdsOutCounters _outCounters;
+    DdsInCounters _inCounters;
+
+    std::vector<std::string> _labels;     // of all slots; unchanged while the node runs
+    std::unique_ptr<DdsSession> _session; // the worker's while the node runs
+    std::atomic<bool> _lookNeeded{true};  // peers came or went
+    double _graceEnd = 0.0;               // until then a topic without a publisher is no trouble yet
+    Worker _worker;
+};
+
+} // namespace Trovio::Nodes

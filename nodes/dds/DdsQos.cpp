@@ -1,0 +1,39 @@
+#include "nodes/dds/DdsQos.h"
+
+namespace Trovio::Nodes {
+
+namespace {
+
+// How long one write may wait for a reader that does not keep up. The node's thread only: it tries again, and looks
+// after the other topics meanwhile.
+constexpr double longestWrite = 0.005;
+
+} // namespace
+
+DdsQos makeTopicQos(const DdsQuality& quality)
+{
+    DdsQos qos(dds_create_qos());
+    dds_qset_reliability(qos.get(), quality._reliable ? DDS_RELIABILITY_RELIABLE : DDS_RELIABILITY_BEST_EFFORT,
+                         toDdsDuration(longestWrite));
+    dds_qset_history(qos.get(), DDS_HISTORY_KEEP_LAST, quality._depth);
+    dds_qset_durability(qos.get(), DDS_DURABILITY_TRANSIENT_LOCAL);
+    dds_qset_durability_service(qos.get(), 0, DDS_HISTORY_KEEP_LAST, 1, DDS_LENGTH_UNLIMITED, DDS_LENGTH_UNLIMITED,
+                                DDS_LENGTH_UNLIMITED);
+    return qos;
+}
+
+DdsQos makeGroupQos(const DdsQuality& quality)
+{
+    DdsQos qos(dds_create_qos());
+    const char* partition = quality._partition.c_str();
+    if (!quality._partition.empty())
+        dds_qset_partition(qos.get(), 1, &partition);
+    return qos;
+}
+
+dds_duration_t toDdsDuration(double seconds)
+{
+    return static_cast<dds_duration_t>(seconds * 1e9);
+}
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <dds/dds.h>
+#include <memory>
+#include <string>
+
+namespace Trovio::Nodes {
+
+/// What a node asks of its topics.
+struct DdsQuality {
+    std::string _partition;
+    int _depth = 1; // records that may wait at either end
+    bool _reliable = true;
+};
+
+struct DdsQosDelete {
+    void operator()(dds_qos_t* qos) const { dds_delete_qos(qos); }
+};
+using DdsQos = std::unique_ptr<dds_qos_t, DdsQosDelete>;
+
+/// For topics, writers and readers: keeps the last records only, and the very last one for those that join later.
+DdsQos makeTopicQos(const DdsQuality& quality);
+
+/// For publishers and subscribers.
+DdsQos makeGroupQos(const DdsQuality& quality);
+
+/// Seconds as the library counts them.
+dds_duration_t toDdsDuration(double seconds);
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,117 @@
+#include "nodes/dds/DdsSession.h"
+
+#include "trovio/BasicInSlot.h"
+
+namespace Trovio::Nodes {
+
+namespace {
+
+constexpr int roundsAtOnce = 256; // through all topics, before looking at other things
+
+} // namespace
+
+DdsSession::DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, DdsInCounters& in,
+                       std::function<void()> wake)
+    : _settings(std::move(settings)),
+      _ends{0, 0, 0, nullptr, std::move(wake)},
+      _watch(_settings._quality, _settings._published, _settings._subscribed),
+      _topicQos(makeTopicQos(_settings._quality))
+{
+    _ends._qos = _topicQos.get();
+    for (const ListedSlot& topic : _settings._published)
+        _outLanes.push_back(
+            DdsOutLane::create(topic, static_cast<unsigned>(_settings._quality._depth), out, clock, _ends._wake));
+    for (const ListedSlot& topic : _settings._subscribed)
+        _inLanes.push_back(DdsInLane::create(topic, _settings._finite, in, clock));
+}
+
+DdsSession::~DdsSession()
+{
+    close();
+}
+
+void DdsSession::forEachInSlot(const std::function<void(const std::string&, BasicInSlot&)>& use)
+{
+    for (const auto& lane : _outLanes)
+        use(lane->getTopic()._name, lane->getSlot());
+}
+
+void DdsSession::forEachOutSlot(const std::function<void(const std::string&, BasicOutSlot&)>& use)
+{
+    for (const auto& lane : _inLanes) {
+        use(lane->getTopic()._name, lane->getSlot());
+        use(lane->getAliveSlot().getName(), lane->getAliveSlot());
+    }
+}
+
+void DdsSession::open()
+{
+    _domain = DdsDomain::open(_settings._domain);
+    try {
+        openTopics();
+    } catch (const DdsProblem&) {
+        close();
+        throw;
+    }
+}
+
+void DdsSession::openTopics()
+{
+    const std::string what = "cannot take part in " + _settings._domain.describe();
+    _participant = DdsEntity(dds_create_participant(_settings._domain._number, nullptr, nullptr), what);
+    const DdsQos group = makeGroupQos(_settings._quality);
+    _ends._participant = _participant.get();
+    _ends._publisher = dds_create_publisher(_participant.get(), group.get(), nullptr);
+    _ends._subscriber = dds_create_subscriber(_participant.get(), group.get(), nullptr);
+    if (_ends._publisher < 0 || _ends._subscriber < 0)
+        throw DdsProblem(what + ": " + dds_strretcode(std::min(_ends._publisher, _ends._subscriber)));
+    _watch.open(_ends);
+    for (const auto& lane : _outLanes)
+        lane->open(_ends);
+    for (const auto& lane : _inLanes)
+        lane->open(_ends);
+}
+
+void DdsSession::close()
+{
+    _watch.close();
+    for (const auto& lane : _outLanes)
+        lane->close();
+    for (const auto& lane : _inLanes)
+        lane->close();
+    _participant = DdsEntity();
+    _domain.reset();
+}
+
+bool DdsSession::sendWaiting(bool& retry)
+{
+    bool foundAny = true;
+    for (int round = 0; foundAny && round < roundsAtOnce; ++round) {
+        foundAny = false;
+        // One of each in turn, so that a busy topic does not hold up the others.
+        for (const auto& lane : _outLanes) {
+            const auto outcome = lane->send();
+            foundAny = foundAny || outcome == DdsOutLane::Outcome::Sent;
+            retry = retry || outcome == DdsOutLane::Outcome::TryLater;
+        }
+    }
+    return foundAny;
+}
+
+void DdsSession::lookAround()
+{
+    _watch.look();
+    for (const auto& lane : _inLanes)
+        lane->lookForWriters();
+}
+
+std::vector<std::string> DdsSession::getUnpublished() const
+{
+    std::vector<std::string> names;
+    for (const auto& lane : _inLanes)
+        if (!lane->isAlive())
+            names.push_back(lane->getTopic()._name);
+    return names;
+}
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "nodes/dds/DdsDomain.h"
+#include "nodes/dds/DdsInLane.h"
+#include "nodes/dds/DdsMatchWatch.h"
+#include "nodes/dds/DdsOutLane.h"
+
+namespace Trovio::Nodes {
+
+/// All that a DDS node has.
+struct DdsSettings {
+    DdsDomainSettings _domain;
+    DdsQuality _quality;
+    std::vector<ListedSlot> _published;
+    std::vector<ListedSlot> _subscribed;
+    bool _finite = true;
+};
+
+/// A node's topics, with their slots, and its part in the domain while it is open.
+/// Threads: one; the slots are for any thread.
+class DdsSession {
+public:
+    /// wake is called from any thread, under any lock.
+    DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, DdsInCounters& in, std::function<void()> wake);
+    ~DdsSession();
+
+    const DdsSettings& getSettings() const { return _settings; }
+    void forEachInSlot(const std::function<void(const std::string&, BasicInSlot&)>& use);
+    void forEachOutSlot(const std::function<void(const std::string&, BasicOutSlot&)>& use);
+
+    /// Throws DdsProblem, and is closed then.
+    void open();
+    bool isOpen() const { return _participant.isOpen(); }
+    /// Afterwards nothing is pushed.
+    void close();
+
+    /// Sends what waits, for a while. True if there may be more at once; retry is set where a reader does not keep up.
+    bool sendWaiting(bool& retry);
+    void lookAround();
+
+    /// Topics that somebody subscribes to here and nobody publishes.
+    std::vector<std::string> getUnpublished() const;
+    std::string getMismatch() const { return _watch.getProblem(); }
+
+private:
+    void openTopics();
+
+    const DdsSettings _settings;
+    DdsEnds _ends;
+    std::vector<std::unique_ptr<DdsOutLane>> _outLanes;
+    std::vector<std::unique_ptr<DdsInLane>> _inLanes;
+    DdsMatchWatch _watch;
+    DdsQos _topicQos;
+
+    std::shared_ptr<DdsDomain> _domain;
+    DdsEntity _participant; // goes before the domain
+};
+
+} // namespace Trovio::Nodes

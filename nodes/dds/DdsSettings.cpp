@@ -1,0 +1,110 @@
+#include "nodes/dds/DdsSettings.h"
+
+#include "nodes/dds/DdsTopicNames.h"
+#include "nodes/shared/NumberList.h"
+#include "nodes/shared/SocketAddress.h"
+#include <algorithm>
+#include <net/if.h>
+#include <set>
+
+namespace Trovio::Nodes {
+
+namespace {
+
+constexpr std::size_t mostHosts = 256;
+constexpr std::size_t longestPartition = 200;
+constexpr std::string_view nameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.:-";
+
+const Setting rows[] = {
+    Setting::text("publish", "", "what to send: 'Topic Type, ...'; each topic is an in-slot"),
+    Setting::text("subscribe", "",
+                  "what to receive: 'Topic Type, ...'; each topic is an out-slot, and Topic/alive too"),
+    Setting::integer("domain", "0", 0, 230, "number of the domain; only nodes of one domain meet"),
+    Setting::text("interface", "", "network interface; lo, for this machine only, unless 'host' is given"),
+    Setting::text("host", "", "numeric addresses of peers, for networks without multicast, separated by blanks"),
+    Setting::text("partition", "", "name of a part of the domain; only nodes of one partition meet"),
+    Setting::integer("depth", "64", 1, 65536, "records of a topic that may wait at either end; the newest are kept"),
+    Setting::choice("reliable", "yes", "yes|no", "whether what is lost on the line is sent again"),
+    Setting::choice("finite", "yes", "yes|no", "whether samples with infinite numbers or not-a-number are refused"),
+    Setting::number("lease", "3", 0.5, 60, "seconds of silence after which a peer counts as gone"),
+    Setting::integer("processes", "32", 1, 119, "programs that are looked for on a machine, without multicast"),
+    Setting::integer("largest", "67108864", 1024, 1 << 30, "bytes of a sample; larger ones are neither sent nor taken"),
+};
+
+bool isPlainName(const std::string& text, std::size_t longest)
+{
+    return text.size() <= longest && text.find_first_not_of(nameCharacters) == std::string::npos;
+}
+
+std::vector<std::string> readHosts(const Settings& settings)
+{
+    std::vector<std::string> hosts;
+    for (const std::string_view word : splitWords(settings.text("host"))) {
+        const auto address = SocketAddress::parse(std::string(word), 0);
+        if (!address || address->getFamily() != AF_INET || hosts.size() == mostHosts)
+            throw settings.refusal("host", "up to " + std::to_string(mostHosts) +
+                                               " numeric IPv4 addresses separated by blanks, such as 192.168.0.2");
+        hosts.emplace_back(word);
+    }
+    return hosts;
+}
+
+DdsDomainSettings readDomain(const Settings& settings)
+{
+    DdsDomainSettings domain;
+    domain._number = static_cast<unsigned>(settings.integer("domain"));
+    domain._hosts = readHosts(settings);
+    domain._interface = settings.text("interface");
+    if (domain._interface.empty() && domain._hosts.empty())
+        domain._interface = "lo";
+    if (!isPlainName(domain._interface, IFNAMSIZ - 1))
+        throw settings.refusal("interface", "the name of a network interface, such as lo or eth0");
+    domain._lease = settings.number("lease");
+    domain._processes = static_cast<unsigned>(settings.integer("processes"));
+    domain._largest = static_cast<unsigned>(settings.integer("largest"));
+    return domain;
+}
+
+/// Labels are of one kind: what is published, what is subscribed to, and what says who is there.
+void checkApart(const Settings& settings, const DdsSettings& read)
+{
+    std::set<std::string> labels;
+    for (const ListedSlot& topic : read._subscribed) {
+        labels.insert(topic._name);
+        labels.insert(topic._name + "/alive");
+    }
+    if (labels.size() < 2 * read._subscribed.size())
+        throw settings.refusal("subscribe", "no topic that is called like another one with /alive behind it");
+    for (const ListedSlot& topic : read._published)
+        if (labels.contains(topic._name))
+            throw settings.refusal("publish", "topics that are no label of 'subscribe', but both have " + topic._name +
+                                                  "; use two nodes for that");
+}
+
+} // namespace
+
+std::span<const Setting> ddsSettingRows()
+{
+    return rows;
+}
+
+DdsSettings readDdsSettings(const Settings& settings)
+{
+    DdsSettings read;
+    read._domain = readDomain(settings);
+    read._quality._partition = settings.text("partition");
+    read._quality._depth = static_cast<int>(settings.integer("depth"));
+    read._quality._reliable = settings.choice("reliable") == 0;
+    read._finite = settings.choice("finite") == 0;
+    read._published = readDdsTopics(settings, "publish");
+    read._subscribed = readDdsTopics(settings, "subscribe");
+    if (read._published.empty() && read._subscribed.empty())
+        throw settings.refusal("publish", "a value, unless 'subscribe' has one");
+    if (!isPlainName(read._quality._partition, longestPartition))
+        throw settings.refusal("partition", "up to " + std::to_string(longestPartition) + " of the characters " +
+                                                std::string(nameCharacters));
+    checkApart(settings, read);
+    return read;
+}
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "nodes/shared/SlotList.h"
+
+namespace Trovio::Nodes {
+
+/// Reads 'Wand Vec3f, Scan Vec3f[]'. A topic is called what its slot is called, on every machine.
+/// Throws InvalidFieldException for anything else.
+std::vector<ListedSlot> readDdsTopics(const Settings& settings, const char* setting);
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "nodes/dds/DdsNode.h"
+#include "tests/nodes/NodeFixture.h"
+#include <thread>
+#include <unistd.h>
+
+namespace Trovio::Nodes {
+
+/// Settings with which tests that run at the same time do not meet: a domain and a partition of this process.
+inline std::string apart()
+{
+    return " domain=" + std::to_string(1 + ::getpid() % 229) + " partition=test-" + std::to_string(::getpid()) +
+           " lease=0.5";
+}
+
+/// Waits for what another thread or process is about to do; a hang ends with the test's time.
+template <class Condition>
+void await(Condition condition)
+{
+    while (!condition())
+        std::this_thread::yield();
+}
+
+/// A DDS node under the root of this process, and ways to feed it.
+class DdsPeer : public StandingNode<DdsNode> {
+public:
+    explicit DdsPeer(const std::string& settings)
+        : StandingNode(std::make_unique<DdsNode>(Clock::system()), settings + apart())
+    {
+    }
+
+    NodeState state() { return (*this)->getState(); }
+    void awaitReason(const std::string& part)
+    {
+        await([&] { return state()._reason.find(part) != std::string::npos; });
+    }
+    void awaitRunning()
+    {
+        await([&] { return !state()._degraded; });
+    }
+    void awaitCount(const std::string& counter, std::uint64_t number)
+    {
+        await([&] { return count(counter) >= number; });
+        EXPECT_EQ(count(counter), number) << counter;
+    }
+};
+
+/// Pushes into an in-slot of a node, through a route.
+template <class T>
+class Feed {
+public:
+    explicit Feed(const std::string& target) : _target(target), _slot("feed")
+    {
+        Root::get().addOutSlot(label(), &_slot);
+        Root::get().addRoute(label(), _target);
+    }
+    ~Feed()
+    {
+        Root::get().removeRoute(label(), _target);
+        Root::get().removeSlot(label());
+    }
+    Feed(const Feed&) = delete;
+    Feed& operator=(const Feed&) = delete;
+
+    void push(const T& value, double stamp) { _slot.push(Data<T>(value, Time(stamp))); }
+
+private:
+    std::string label() const { return "feed of " + _target; }
+
+    const std::string _target;
+    OutSlot<T> _slot;
+};
+
+class DdsFixture : public ::testing::Test {
+protected:
+    OpenRoot _root;
+};
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,199 @@
+#include "nodes/dds/LoopbackOnly.h"
+#include "tests/dds/DdsFixture.h"
+#include "tests/nodes/SampleValues.h"
+#include "trovio/SlotTypes.h"
+#include <net/if.h>
+#include <sys/socket.h>
+
+namespace Trovio::Nodes {
+namespace {
+
+using DdsNodeTest = DdsFixture;
+
+/// One topic of each type: "T0 Bool, T1 Color, …".
+std::string topicOfEachType()
+{
+    std::string list;
+    int number = 0;
+    forEachSlotType([&]<class T>(TypeTag<T>) {
+        list += (number > 0 ? ", T" : "T") + std::to_string(number) + " " + TypeName<T>::getName();
+        ++number;
+    });
+    return list;
+}
+
+TEST_F(DdsNodeTest, EveryTypeArrivesEqualWithItsStamp)
+{
+    DdsPeer reader("subscribe='" + topicOfEachType() + "' label=reader");
+    DdsPeer writer("publish='" + topicOfEachType() + "' label=writer");
+    int number = 0;
+    forEachSlotType([&]<class T>(TypeTag<T>) {
+        const std::string topic = "/T" + std::to_string(number++);
+        Probe<T> probe("reader" + topic);
+        Feed<T> feed("writer" + topic);
+        double stamp = 1'700'000'000.125;
+        for (const T& value : sampleValues<T>()) {
+            feed.push(value, ++stamp);
+            const Data<T> arrived = probe.next();
+            EXPECT_TRUE(isSame(arrived.getValue(), value)) << TypeName<T>::getName();
+            EXPECT_EQ(arrived.getTimeStamp(), Time(stamp)) << TypeName<T>::getName();
+        }
+    });
+}
+
+TEST_F(DdsNodeTest, LateJoinerGetsTheLastValueOnly)
+{
+    DdsPeer writer("publish='Wand Float' label=writer");
+    Feed<float> feed("writer/Wand");
+    for (int i = 1; i <= 3; ++i)
+        feed.push(static_cast<float>(i), i);
+    writer.awaitCount("out samples", 3);
+
+    DdsPeer reader("subscribe='Wand Float' label=reader");
+    Probe<float> probe("reader/Wand");
+    EXPECT_EQ(probe.next().getValue(), 3.0F);
+    feed.push(4.0F, 4.0);
+    const Data<float> next = probe.next();
+    EXPECT_EQ(next.getValue(), 4.0F);
+    EXPECT_EQ(next.getTimeStamp(), Time(4.0));
+    EXPECT_EQ(reader.count("in missed"), 0U);
+}
+
+TEST_F(DdsNodeTest, BurstArrivesWholeAndInOrder)
+{
+    constexpr int length = 2000;
+    DdsPeer reader("subscribe='Wand Long' label=reader depth=4096");
+    DdsPeer writer("publish='Wand Long' label=writer depth=4096");
+    Probe<long> probe("reader/Wand");
+    Feed<long> feed("writer/Wand");
+    Probe<bool> alive("reader/Wand/alive");
+    while (!alive.next().getValue()) {
+    }
+    for (int i = 0; i < length; ++i)
+        feed.push(i, i);
+    for (int i = 0; i < length; ++i)
+        ASSERT_EQ(probe.next().getValue(), i);
+}
+
+TEST_F(DdsNodeTest, PublisherThatLeavesIsMissedAndComesBack)
+{
+    DdsPeer reader("subscribe='Wand Float' label=reader");
+    Probe<bool> alive("reader/Wand/alive");
+    EXPECT_FALSE(alive.next().getValue());
+    reader.awaitReason("nobody publishes Wand in domain");
+
+    DdsPeer writer("publish='Wand Float' label=writer");
+    EXPECT_TRUE(alive.next().getValue());
+    reader.awaitRunning();
+    writer.stop();
+    EXPECT_FALSE(alive.next().getValue());
+    reader.awaitReason("nobody publishes Wand in domain");
+    EXPECT_NE(reader.state()._reason.find("on interface lo, this machine only; interface=NAME"), std::string::npos);
+    writer.standAgain();
+    EXPECT_TRUE(alive.next().getValue());
+    reader.awaitRunning();
+}
+
+struct Apart {
+    const char* _name;
+    const char* _reader;
+    const char* _writer;
+    const char* _seenByReader;
+    const char* _seenByWriter;
+};
+class DdsEndsThatDoNotMeet : public DdsFixture, public ::testing::WithParamInterface<Apart> {};
+
+TEST_P(DdsEndsThatDoNotMeet, BothSayWhy)
+{
+    const Apart& row = GetParam();
+    DdsPeer reader(std::string("subscribe=") + row._reader + " label=reader");
+    DdsPeer writer(std::string("publish=") + row._writer + " label=writer");
+    const std::string process = "(process " + std::to_string(::getpid()) + " on ";
+    reader.awaitReason(row._seenByReader);
+    writer.awaitReason(row._seenByWriter);
+    EXPECT_NE(reader.state()._reason.find(process), std::string::npos) << reader.state()._reason;
+    writer.stop();
+    reader.awaitReason("nobody publishes Wand");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Dds, DdsEndsThatDoNotMeet,
+    ::testing::Values(Apart{"OtherType", "'Wand Color'", "'Wand Vec3f'", "publishes Vec3f, here it is Color",
+                            "subscribes to Color, here it is Vec3f"},
+                      Apart{"ManyForOne", "'Wand Float'", "'Wand Float[]'", "publishes Float[], here it is Float",
+                            "subscribes to Float, here it is Float[]"},
+                      Apart{"Reliability", "'Wand Float'", "'Wand Float' reliable=no",
+                            "publishes Float with reliable=no, here it is reliable=yes",
+                            "subscribes to Float with reliable=yes, here it is reliable=no"}),
+    [](const auto& row) { return std::string(row.param._name); });
+
+TEST_F(DdsNodeTest, OtherSettingsForAnOpenDomainWaitUntilItCloses)
+{
+    DdsPeer first("publish='A Float' label=first");
+    first.awaitRunning();
+    Feed<float> feed("first/A");
+    feed.push(1.0F, 1.0);
+    first.awaitCount("out samples", 1);
+    DdsPeer second("publish='B Float' label=second largest=4096");
+    second.awaitReason("another node of this program has already opened domain");
+    first.stop();
+    second.awaitRunning();
+}
+
+TEST_F(DdsNodeTest, MissingInterfaceIsNamed)
+{
+    DdsPeer node("publish='A Float' interface=nosuch0");
+    node.awaitReason("on interface nosuch0");
+    node.awaitReason("choose a network interface of this machine with interface=NAME");
+}
+
+TEST_F(DdsNodeTest, LoopbackSocketsTakeNothingFromOtherInterfaces)
+{
+    DdsPeer node("publish='A Float' label=node");
+    Feed<float> feed("node/A");
+    feed.push(1.0F, 1.0);
+    node.awaitCount("out samples", 1);
+    const auto sockets = findDdsSockets(1 + static_cast<unsigned>(::getpid()) % 229);
+    EXPECT_GE(sockets.size(), 2U);
+    for (const int socket : sockets) {
+        char device[IFNAMSIZ] = "";
+        socklen_t length = sizeof(device);
+        ASSERT_EQ(::getsockopt(socket, SOL_SOCKET, SO_BINDTODEVICE, device, &length), 0);
+        EXPECT_STREQ(device, "lo");
+    }
+}
+
+struct Refused {
+    const char* _name;
+    const char* _settings;
+    const char* _told;
+};
+class DdsSettingsRefused : public DdsFixture, public ::testing::WithParamInterface<Refused> {};
+
+TEST_P(DdsSettingsRefused, WithWhatIsAllowed)
+{
+    DdsNode node(Clock::system());
+    node.setType(DdsNode::getEntry());
+    try {
+        node.setFieldValues(GetParam()._settings);
+        FAIL() << "taken";
+    } catch (const InvalidFieldException& refusal) {
+        EXPECT_NE(refusal.getMessage().find(GetParam()._told), std::string::npos) << refusal.getMessage();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Dds, DdsSettingsRefused,
+    ::testing::Values(Refused{"Nothing", "", "unless 'subscribe' has one"},
+                      Refused{"BadTopic", "publish='9lives Float'", "a letter or _"},
+                      Refused{"BadType", "publish='Wand Vec5f'", "one of Bool, "},
+                      Refused{"BothWays", "publish='A Float' subscribe='A Float'", "both have A"},
+                      Refused{"AliveTaken", "publish='A/alive Bool' subscribe='A Float'", "both have A/alive"},
+                      Refused{"AliveTwice", "subscribe='A Float, A/alive Bool'", "/alive behind it"},
+                      Refused{"MarkupInInterface", "publish='A Float' interface='<lo/>'", "the name of a network"},
+                      Refused{"HostName", "publish='A Float' host='10.0.0.1 wand.local'", "numeric IPv4"},
+                      Refused{"WildPartition", "publish='A Float' partition='*'", "of the characters"}),
+    [](const auto& row) { return std::string(row.param._name); });
+
+} // namespace
+} // namespace Trovio::Nodes
