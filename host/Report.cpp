@@ -1,5 +1,6 @@
 #include "host/Report.h"
 
+#include "host/RunCounts.h"
 #include "host/SensorReport.h"
 #include "host/TreeReport.h"
 #include "trovio/Root.h"
@@ -38,6 +39,7 @@ void reportEnd(const Session& session, const FrameLoop& loop, const Say& say)
     for (const auto& scene : session.scenes())
         limited(say, mostAtEnd, "sensors", [&](const Say& line) { reportValues(*scene, line); });
     const Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
+    limited(say, mostAtEnd, "slots", [&](const Say& line) { reportSlots(root, line); });
     limited(say, mostAtEnd, "nodes", [&](const Say& line) { reportCounters(root, line); });
     say("frames: " + std::to_string(loop.frames()) + " run, " + std::to_string(loop.skipped()) + " left out");
 }

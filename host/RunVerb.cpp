@@ -5,6 +5,7 @@
 #include "host/Failure.h"
 #include "host/Problems.h"
 #include "host/Report.h"
+#include "host/RunCounts.h"
 #include "host/RunLog.h"
 #include "host/SceneReader.h"
 #include "host/SystemClock.h"
@@ -78,6 +79,8 @@ int runScenes(std::vector<SceneFile> files, const Options& options)
     reportStart(session, say);
     const bool shown = runFrames(session, loop, *makeView(options, session, log, clock.now()));
     reportEnd(session, loop, say);
+    if (options._format == Format::Json && shown)
+        std::cout << countsLine(session, loop) << std::flush;
     if (!shown)
         say("standard output cannot be written to, so the run was ended");
     return shown ? Done : Failed;

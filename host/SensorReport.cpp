@@ -7,6 +7,7 @@
 #include "trovio/BasicOutSlot.h"
 
 #include <algorithm>
+#include <cstdio>
 
 namespace Host {
 namespace {
@@ -29,6 +30,27 @@ std::string named(const SensorWatch& watch)
     return "sensor " + inQuotes(watch.title()) + (label.empty() ? "" : " (label " + inQuotes(label) + ")");
 }
 
+std::string stampFaults(const Trovio::StampCounts& stamps)
+{
+    std::string text;
+    if (stamps._future != 0)
+        text += ", " + std::to_string(stamps._future) + " stamped in the future";
+    if (stamps._backwards != 0)
+        text += ", " + std::to_string(stamps._backwards) + " stamped before the one before";
+    return text;
+}
+
+// How often the sensor changed, and how long ago it did so last.
+std::string paceOf(const SensorWatch& watch)
+{
+    if (watch.changes() == 0)
+        return {};
+    char text[80];
+    std::snprintf(text, sizeof text, "; %.3g per second, the last %.3g s ago", watch.rate(),
+                  Trovio::Time::getCurrentTime().getSeconds() - watch.lastChange());
+    return text;
+}
+
 std::string slotCounts(const Trovio::Slot& slot)
 {
     if (const auto* out = dynamic_cast<const Trovio::BasicOutSlot*>(&slot))
@@ -36,9 +58,11 @@ std::string slotCounts(const Trovio::Slot& slot)
     const auto* in = dynamic_cast<const Trovio::BasicInSlot*>(&slot);
     if (in == nullptr)
         return {};
-    const Trovio::InSlotCounts counts = in->getCounts();
+    const Trovio::InSlotActivity activity = in->getActivity();
+    const Trovio::InSlotCounts& counts = activity._counts;
     return "; in-slot: " + std::to_string(counts.stored) + " stored, " + std::to_string(counts.overwritten) +
-           " overwritten, " + std::to_string(counts.taken) + " taken, " + std::to_string(counts.waiting) + " waiting";
+           " overwritten, " + std::to_string(counts.taken) + " taken, " + std::to_string(counts.waiting) + " waiting" +
+           stampFaults(activity._stamps);
 }
 
 std::string whyUnbound(const LoadedScene& scene, const SensorWatch& watch)
@@ -71,7 +95,7 @@ void reportValues(LoadedScene& scene, const Say& say)
                            " values, last " + valueText(watch.field(), digits, longestValue);
         for (const Trovio::Slot* slot : slotsOf(scene, watch))
             line += slotCounts(*slot);
-        say(line);
+        say(line + paceOf(watch));
     }
 }
 } // namespace Host

@@ -13,9 +13,16 @@ std::string SensorWatch::title() const
     return _scene.empty() ? _sensor.getName() : _scene + ": " + _sensor.getName();
 }
 
+double SensorWatch::rate() const
+{
+    const double passed = _lastChange - _firstChange;
+    return passed > 0 ? static_cast<double>(_changes - 1) / passed : 0;
+}
+
 void SensorWatch::notify(const Ostrel::TimeStamp& time, Ostrel::BaseObject*, Ostrel::BaseObject*, Ostrel::BaseObject*)
 {
-    ++_changes;
+    if (_changes++ == 0)
+        _firstChange = time;
     _lastChange = time;
     if (_listener != nullptr)
         _listener->changed(*this, time);

@@ -38,6 +38,9 @@ public:
     std::uint64_t changes() const { return _changes; }
     double lastChange() const { return _lastChange; } // wall-clock seconds, 0 before the first
 
+    /// Changes per second from the first to the last; 0 before there are two.
+    double rate() const;
+
     void notify(const Ostrel::TimeStamp& time, Ostrel::BaseObject*, Ostrel::BaseObject*, Ostrel::BaseObject*) override;
 
 private:
@@ -45,6 +48,6 @@ private:
     const std::string _scene;
     ChangeListener* _listener = nullptr;
     std::uint64_t _changes = 0;
-    double _lastChange = 0;
+    double _firstChange = 0, _lastChange = 0;
 };
 } // namespace Host

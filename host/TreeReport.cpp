@@ -1,23 +1,10 @@
 #include "host/TreeReport.h"
 
 #include "host/Escape.h"
+#include "host/TreeWalk.h"
 
 namespace Host {
 namespace {
-
-std::string pathBelow(const std::string& path, const Trovio::NamespaceInfo& child)
-{
-    return path.empty() ? child._label : path + "/" + child._label;
-}
-
-// Calls visit(path, namespace) for the namespace and all below it, parents first.
-template <class Visit>
-void walk(const Trovio::NamespaceInfo& info, const std::string& path, const Visit& visit)
-{
-    visit(path, info);
-    for (const Trovio::NamespaceInfo& child : info._children)
-        walk(child, pathBelow(path, child), visit);
-}
 
 std::string where(const std::string& path)
 {
@@ -38,7 +25,7 @@ void reportRoute(const std::string& path, const Trovio::RouteInfo& route, const 
 
 void reportRoutes(const Trovio::NamespaceInfo& root, const Say& say)
 {
-    walk(root, "", [&say](const std::string& path, const Trovio::NamespaceInfo& info) {
+    walkTree(root, [&say](const std::string& path, const Trovio::NamespaceInfo& info) {
         for (const Trovio::RouteInfo& route : info._routes)
             reportRoute(path, route, say);
     });
@@ -46,7 +33,7 @@ void reportRoutes(const Trovio::NamespaceInfo& root, const Say& say)
 
 void reportNodes(const Trovio::NamespaceInfo& root, const Say& say)
 {
-    walk(root, "", [&say](const std::string& path, const Trovio::NamespaceInfo& info) {
+    walkTree(root, [&say](const std::string& path, const Trovio::NamespaceInfo& info) {
         if (!info._node)
             return;
         const Trovio::NodeState& state = info._node->_state;
@@ -57,7 +44,7 @@ void reportNodes(const Trovio::NamespaceInfo& root, const Say& say)
 
 void reportCounters(const Trovio::NamespaceInfo& root, const Say& say)
 {
-    walk(root, "", [&say](const std::string& path, const Trovio::NamespaceInfo& info) {
+    walkTree(root, [&say](const std::string& path, const Trovio::NamespaceInfo& info) {
         if (!info._node || info._node->_counters.empty())
             return;
         std::string line;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "trovio/Slot.h"
+#include "trovio/SlotCounts.h"
 #include "trovio/Time.h"
 #include <cstdint>
 #include <optional>
@@ -16,6 +17,11 @@ struct SlotInfo {
     Slot::Direction _direction;
     std::string _typeName;
     bool _own = false; // stands in this namespace, rather than being seen through a child's external route
+    std::string _home; // from here: labels of the namespaces down to the one where it stands, and its label there
+
+    // Of a slot that stands here, one of the two.
+    std::optional<OutSlotActivity> _out;
+    std::optional<InSlotActivity> _in;
 };
 
 /// Two slots that a route would join.

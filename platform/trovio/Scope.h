@@ -145,6 +145,7 @@ private:
     static std::string tooLong(const RouteRule& route, const std::string& label);
     static void report(Route& route, const std::string& problem);
 
+    static SlotInfo inspectSlot(const Entry& entry);
     const Entry* findMatch(const Pattern& pattern) const;
     RouteInfo inspectRoute(const Route& route) const;
     std::string pendingReason(const Route& route, const RouteInfo& info) const;

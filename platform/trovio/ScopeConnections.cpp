@@ -99,12 +99,26 @@ void Scope::report(Route& route, const std::string& problem)
 void Scope::inspect(NamespaceInfo& info) const
 {
     for (const Entry* entry : sortedEntries())
-        info._slots.push_back({*entry->_label, entry->_ends._slot->getDirection(), entry->_ends._slot->getTypeName(),
-                               entry->_shownBy == nullptr});
+        info._slots.push_back(inspectSlot(*entry));
     for (const Route* route : _routes.all())
         info._routes.push_back(inspectRoute(*route));
     for (const ExternalRoute* route : _externalRoutes.all())
         info._externalRoutes.push_back({route->_from.getText(), route->_to.getText(), route->_shown.size()});
+}
+
+SlotInfo Scope::inspectSlot(const Entry& entry)
+{
+    const Ends& ends = entry._ends;
+    SlotInfo info{*entry._label, ends._slot->getDirection(), ends._slot->getTypeName(), !entry._shownBy, {}, {}, {}};
+    const Entry* home = &entry;
+    for (; home->_origin; home = home->_origin)
+        info._home += home->_origin->_scope->_label + "/";
+    info._home += *home->_label;
+    if (info._own && ends._out)
+        info._out = ends._out->getActivity();
+    if (info._own && ends._in)
+        info._in = ends._in->getActivity();
+    return info;
 }
 
 std::vector<const Scope::Entry*> Scope::sortedEntries() const

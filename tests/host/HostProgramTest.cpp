@@ -120,7 +120,13 @@ TEST(HostProgram, AccountsForEveryMessage)
     EXPECT_EQ(received + numberBehind(said, "in dropped by the kernel "), sender.sent()) << said;
     EXPECT_EQ(numberBehind(count, "in-slot: "), received);
     EXPECT_EQ(numberBehind(count, " stored, ") + numberBehind(count, " overwritten, "), received) << count;
-    EXPECT_EQ(std::ranges::count(running->out(), '\n'), numberBehind(count, " overwritten, "));
+    EXPECT_EQ(std::ranges::count(running->out(), '\n'), numberBehind(count, " overwritten, ") + 1) << "and the counts";
+    const std::string counts = running->out().substr(running->out().find("{\"counts\":"));
+    EXPECT_EQ(numberBehind(counts, "\"slot\":\"Context/Count\",\"direction\":\"in\",\"type\":\"Long\",\"stored\":"),
+              received);
+    EXPECT_EQ(
+        numberBehind(counts, "\"slot\":\"Context/OSC/count\",\"direction\":\"out\",\"type\":\"Long\",\"written\":"),
+        received);
 }
 
 TEST(HostProgram, EndsAtOnceWithTheSecondSignal)
