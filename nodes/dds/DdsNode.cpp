@@ -98,7 +98,7 @@ void DdsNode::tryOpen()
         return;
     }
     const DdsDomainSettings& domain = _session->getSettings()._domain;
-    report(osg::LogNotice, "DDS: " + domain.describe() + "; interface=NAME or host=ADDRESS chooses another");
+    report(osg::LogAlways, "DDS: " + domain.describe() + "; interface=NAME or host=ADDRESS chooses another");
     _graceEnd = _clock.now() + domain._lease;
     _lookNeeded = true;
 }

@@ -7,11 +7,19 @@
 
 namespace Trovio::Nodes {
 
-/// Settings with which tests that run at the same time do not meet: a domain and a partition of this process.
+// Tests that run at the same time do not meet: each process has a domain and a partition of its own.
+inline unsigned domainOfTest()
+{
+    return 1 + static_cast<unsigned>(::getpid()) % 229;
+}
+inline std::string partitionOfTest()
+{
+    return "test-" + std::to_string(::getpid());
+}
+/// Settings for that, and a short lease.
 inline std::string apart()
 {
-    return " domain=" + std::to_string(1 + ::getpid() % 229) + " partition=test-" + std::to_string(::getpid()) +
-           " lease=0.5";
+    return " domain=" + std::to_string(domainOfTest()) + " partition=" + partitionOfTest() + " lease=0.5";
 }
 
 /// Waits for what another thread or process is about to do; a hang ends with the test's time.
