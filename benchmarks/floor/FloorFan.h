@@ -1,0 +1,31 @@
+#pragma once
+
+#include "benchmarks/floor/FloorSlot.h"
+#include "benchmarks/harness/Fan.h"
+
+namespace Bench {
+
+class FloorFan {
+public:
+    explicit FloorFan(std::size_t readers)
+    {
+        for (std::size_t i = 0; i < readers; ++i)
+            _out.connect(*_ins.emplace_back(std::make_unique<FloorIn<Record>>()));
+    }
+
+    void push() { _out.push(someRecord); }
+    void take(std::size_t i) { keep(_ins[i]->pop()); }
+    bool poll(std::size_t i)
+    {
+        if (_ins[i]->empty())
+            return false;
+        take(i);
+        return true;
+    }
+
+private:
+    FloorOut<FloorIn<Record>> _out;
+    std::vector<std::unique_ptr<FloorIn<Record>>> _ins;
+};
+
+} // namespace Bench

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "benchmarks/harness/Workload.h"
+#include <string>
+#include <vector>
+
+namespace Bench {
+
+/// All samples of a workload: [repetition][contender].
+using Samples = std::vector<std::vector<Sample>>;
+
+struct Verdict {
+    std::string _against;
+    double _ratio;
+    double _atMost;
+    bool passes() const { return _ratio <= _atMost; }
+};
+
+/// One line of the table: one metric of one contender.
+struct Row {
+    std::string _workload;
+    std::string _contender;
+    std::string _unit;
+    double _median, _least, _most;
+    double _ratio; // to the floor
+    double _allocations;
+    std::vector<Verdict> _verdicts;
+};
+
+/// The rows of a workload, metric by metric. A ratio is the median of the ratios within the repetitions, so that what
+/// slows a whole repetition down falls out of it.
+std::vector<Row> makeRows(const std::string& name, const Workload& workload, const Samples& samples);
+
+std::string toText(const Row& row);
+std::string toJson(const Row& row);
+
+} // namespace Bench

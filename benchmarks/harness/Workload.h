@@ -1,0 +1,60 @@
+#pragma once
+
+#include "benchmarks/harness/Sampling.h"
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Bench {
+
+/// One figure of a workload: what it is, in which unit, and how it is scaled for the table.
+struct Metric {
+    std::string _name; // empty where a workload has one figure only
+    std::string _unit;
+    double _scale = 1; // multiplies the figure that a contender returns
+};
+
+/// A bound that one contender has to keep relative to another one, on the first metric.
+struct Limit {
+    std::string _contender;
+    std::string _against;
+    double _atMost;
+};
+
+/// A piece of work and those who do it. The first contender is the floor to which the others are compared.
+class Workload {
+public:
+    using Measure = std::function<Sample()>;
+    struct Contender {
+        std::string _name;
+        Measure _measure;
+    };
+
+    void setMetrics(std::vector<Metric> metrics) { _metrics = std::move(metrics); }
+    void add(std::string name, Measure measure) { _contenders.push_back({std::move(name), std::move(measure)}); }
+    void limit(std::string contender, std::string against, double atMost)
+    {
+        _limits.push_back({std::move(contender), std::move(against), atMost});
+    }
+
+    const std::vector<Metric>& metrics() const { return _metrics; }
+    const std::vector<Contender>& contenders() const { return _contenders; }
+    const std::vector<Limit>& limits() const { return _limits; }
+
+private:
+    std::vector<Metric> _metrics{{"", "ns"}};
+    std::vector<Contender> _contenders;
+    std::vector<Limit> _limits;
+};
+
+/// A workload by name. It is built only when it runs, and gone afterwards.
+struct Entry {
+    const char* _name; // "W2.push": chosen by "W2" and by "W2.push"
+    void (*_build)(Workload&);
+};
+
+/// The main program: runs the workloads that the arguments name, all if none, and prints their rows.
+/// Arguments: [--repetitions N] [--json FILE] [WORKLOAD…]. The file gets one JSON object a line, appended.
+int runWorkloads(const std::vector<Entry>& entries, int argc, char** argv);
+
+} // namespace Bench

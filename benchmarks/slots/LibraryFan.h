@@ -1,0 +1,47 @@
+#pragma once
+
+#include "benchmarks/harness/Fan.h"
+#include "trovio/InSlot.h"
+#include "trovio/OutSlot.h"
+
+namespace Bench {
+
+using LibraryValue = Trovio::Vec3<float>;
+using LibraryRecord = Trovio::Data<LibraryValue>;
+
+inline LibraryRecord someLibraryRecord()
+{
+    return {LibraryValue(someRecord._value[0], someRecord._value[1], someRecord._value[2]),
+            Trovio::Time(someRecord._time)};
+}
+
+class LibraryFan {
+public:
+    explicit LibraryFan(std::size_t readers)
+    {
+        for (std::size_t i = 0; i < readers; ++i)
+            _out.connect(_ins.emplace_back(std::make_unique<Trovio::InSlot<LibraryValue>>("in")).get());
+    }
+    ~LibraryFan()
+    {
+        for (const auto& in : _ins)
+            _out.disconnect(in.get());
+    }
+
+    void push() { _out.push(_record); }
+    void take(std::size_t i) { keep(_ins[i]->pop()); }
+    bool poll(std::size_t i)
+    {
+        if (_ins[i]->empty())
+            return false;
+        take(i);
+        return true;
+    }
+
+private:
+    const LibraryRecord _record = someLibraryRecord();
+    Trovio::OutSlot<LibraryValue> _out{"out"};
+    std::vector<std::unique_ptr<Trovio::InSlot<LibraryValue>>> _ins;
+};
+
+} // namespace Bench
