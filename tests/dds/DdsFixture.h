@@ -16,10 +16,10 @@ inline std::string partitionOfTest()
 {
     return "test-" + std::to_string(::getpid());
 }
-/// Settings for that, and a short lease.
-inline std::string apart()
+/// Settings for that, and a lease in seconds.
+inline std::string apart(const std::string& lease = "0.5")
 {
-    return " domain=" + std::to_string(domainOfTest()) + " partition=" + partitionOfTest() + " lease=0.5";
+    return " domain=" + std::to_string(domainOfTest()) + " partition=" + partitionOfTest() + " lease=" + lease;
 }
 
 /// Waits for what another thread or process is about to do; a hang ends with the test's time.
@@ -33,8 +33,8 @@ void await(Condition condition)
 /// A DDS node under the root of this process, and ways to feed it.
 class DdsPeer : public StandingNode<DdsNode> {
 public:
-    explicit DdsPeer(const std::string& settings)
-        : StandingNode(std::make_unique<DdsNode>(Clock::system()), settings + apart())
+    explicit DdsPeer(const std::string& settings, const std::string& lease = "0.5")
+        : StandingNode(std::make_unique<DdsNode>(Clock::system()), settings + apart(lease))
     {
     }
 

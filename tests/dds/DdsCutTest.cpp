@@ -1,0 +1,153 @@
+#include "tests/dds/DdsFixture.h"
+#include "tests/dds/TwoMachines.h"
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+
+namespace Trovio::Nodes {
+namespace {
+
+constexpr int rate = 100;     // samples a second
+constexpr char lease[] = "3"; // the default
+
+/// Takes whole numbers that count upwards, and looks that none comes twice or too early.
+class Counted {
+public:
+    Data<long> next()
+    {
+        const Data<long> record = _probe.next();
+        EXPECT_GT(record.getValue(), _last);
+        _gaps += _last >= 0 && record.getValue() != _last + 1;
+        _last = record.getValue();
+        return record;
+    }
+    void takeUntil(long value)
+    {
+        while (_last < value)
+            next();
+    }
+    void takeUntil(const Time& stamp)
+    {
+        while (next().getTimeStamp().getSeconds() < stamp.getSeconds()) {
+        }
+    }
+    long getLast() const { return _last; }
+    int getGaps() const { return _gaps; }
+
+private:
+    Probe<long> _probe{"reader/Count", 65536};
+    long _last = -1;
+    int _gaps = 0;
+};
+
+/// A host on the other machine counts; a node in this process subscribes to it.
+class DdsTwoMachines : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!_machines.getHindrance().empty())
+            GTEST_SKIP() << "two machines cannot be made here: " << _machines.getHindrance();
+        _root.emplace();
+    }
+    void TearDown() override
+    {
+        _count.reset();
+        _reader.reset();
+        _host.reset();
+        _root.reset();
+        std::filesystem::remove(_scene);
+    }
+
+    /// Starts counting from 0 to last at that rate, on the other machine, and listening to it.
+    void start(long last, const std::string& settings)
+    {
+        const std::string all = apart(lease) + " interface=cable0" + settings;
+        // One rise of a ramp, stretched so that it counts.
+        const std::string counting =
+            "type=Long shape=ramp amplitude=500000 offset=500000 frequency=" + std::to_string(rate / 1e6) +
+            " rate=" + std::to_string(rate) + " count=" + std::to_string(last + 1);
+        std::ofstream(_scene) << "[[handler]]\nkind = 'Trovio'\nname = 'count'\nnodes = [ [\"Generator\", \""
+                              << counting << "\"], [\"DDS\", \"publish='Count Long' " << all << "\"] ]\n"
+                              << "[[route]]\nfrom = 'Context/Generator/value'\nto = 'Context/DDS/Count'\n";
+        _reader.emplace("subscribe='Count Long' label=reader interface=cable0" + settings, lease);
+        _count.emplace();
+        std::vector<std::string> arguments = _machines.there();
+        arguments.insert(arguments.end(), {HOST_PROGRAM, "run", _scene, "--seconds", "100000"});
+        _host.emplace("nsenter", arguments);
+    }
+
+    TwoMachines _machines{20260};
+    const std::filesystem::path _scene =
+        std::filesystem::path(::testing::TempDir()) / ("count-" + std::to_string(::getpid()) + ".toml");
+    std::optional<OpenRoot> _root;
+    std::optional<DdsPeer> _reader;
+    std::optional<Counted> _count;
+    std::optional<HostProcess> _host;
+};
+
+struct Cut {
+    const char* _name;
+    double _seconds;
+    Line::Way _way;
+    int _times;
+    const char* _settings;
+};
+class DdsCut : public DdsTwoMachines, public ::testing::WithParamInterface<Cut> {};
+
+TEST_P(DdsCut, HealsByItselfWithoutRepeating)
+{
+    const Cut& row = GetParam();
+    const long last = static_cast<long>(rate * (3.0 + row._times * (row._seconds + 6.0)));
+    start(last, row._settings);
+    _count->takeUntil(10);
+    for (int i = 0; i < row._times; ++i) {
+        _machines.line().cut(row._way);
+        // A line cannot be driven by hand: what runs over it has clocks of its own.
+        std::this_thread::sleep_for(std::chrono::duration<double>(row._seconds));
+        _machines.line().mend();
+        const auto mended = std::chrono::steady_clock::now();
+        _count->takeUntil(Time::getCurrentTime());
+        const std::chrono::duration<double> delay = std::chrono::steady_clock::now() - mended;
+        std::printf("%s, cut %d: first new sample %.2f s after mending\n", row._name, i + 1, delay.count());
+        _count->takeUntil(_count->getLast() + rate);
+    }
+    _count->takeUntil(last);
+    EXPECT_EQ(_reader->count("in refused"), 0U);
+    _reader->awaitRunning();
+}
+
+#ifdef DDS_LONG_CUTS
+INSTANTIATE_TEST_SUITE_P(Long, DdsCut,
+                         ::testing::Values(Cut{"ShortBothWays", 0.5, Line::Way::Both, 5, ""},
+                                           Cut{"LongBothWays", 15.0, Line::Way::Both, 5, ""},
+                                           Cut{"ShortOneWay", 0.5, Line::Way::OneWay, 5, ""},
+                                           Cut{"LongOneWay", 15.0, Line::Way::OneWay, 5, ""},
+                                           Cut{"LongWithoutMulticast", 15.0, Line::Way::Both, 5,
+                                               " host='10.77.0.1 10.77.0.2'"}),
+                         [](const auto& row) { return std::string(row.param._name); });
+
+TEST_F(DdsTwoMachines, LossesAndRepetitionsOfTheLineAreMadeGood)
+{
+    constexpr long last = 3000;
+    start(last, " depth=4096");
+    _count->takeUntil(10);
+    _machines.line().setFaults(0.10, 0.05);
+    _count->takeUntil(last);
+    EXPECT_EQ(_count->getGaps(), 0);
+    EXPECT_EQ(_reader->count("in missed"), 0U);
+    EXPECT_EQ(_reader->count("in repeated"), 0U);
+}
+#else
+INSTANTIATE_TEST_SUITE_P(Short, DdsCut, ::testing::Values(Cut{"BothWays", 0.5, Line::Way::Both, 1, ""}),
+                         [](const auto& row) { return std::string(row.param._name); });
+
+TEST_F(DdsTwoMachines, MeetWithoutMulticast)
+{
+    start(50, " host='10.77.0.1 10.77.0.2'");
+    _count->takeUntil(50);
+    EXPECT_EQ(_reader->state()._degraded, false);
+}
+#endif
+
+} // namespace
+} // namespace Trovio::Nodes

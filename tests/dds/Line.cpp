@@ -1,0 +1,92 @@
+#include "tests/dds/Line.h"
+
+#include <cstring>
+#include <fcntl.h>
+#include <linux/if_tun.h>
+#include <net/if.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/ioctl.h>
+#include <system_error>
+
+namespace Trovio::Nodes {
+
+namespace {
+
+FileDescriptor newInterface(const std::string& name)
+{
+    FileDescriptor plug(::open("/dev/net/tun", O_RDWR | O_CLOEXEC));
+    ifreq request{};
+    request.ifr_flags = IFF_TAP | IFF_NO_PI;
+    name.copy(request.ifr_name, IFNAMSIZ - 1);
+    if (!plug.isOpen() || ::ioctl(plug.get(), TUNSETIFF, &request) != 0)
+        throw std::system_error(errno, std::generic_category(), "no interface " + name);
+    return plug;
+}
+
+} // namespace
+
+Line::Line(const std::string& firstInterface, const std::string& secondInterface, unsigned seed)
+    : _plugs{newInterface(firstInterface), newInterface(secondInterface)},
+      _end(::eventfd(0, EFD_CLOEXEC)),
+      _chance(seed)
+{
+    _thread = std::thread([this] { carry(); });
+}
+
+Line::~Line()
+{
+    ::eventfd_write(_end.get(), 1);
+    _thread.join();
+}
+
+void Line::cut(Way way)
+{
+    const Ostrel::LockGuard guard(_lock);
+    _cut = {way == Way::Both, true};
+}
+
+void Line::mend()
+{
+    const Ostrel::LockGuard guard(_lock);
+    _cut = {};
+}
+
+void Line::setFaults(double lost, double repeated)
+{
+    const Ostrel::LockGuard guard(_lock);
+    _lost = lost;
+    _repeated = repeated;
+}
+
+void Line::carry()
+{
+    std::array<pollfd, 3> waiting{
+        {{_end.get(), POLLIN, 0}, {_plugs[0].get(), POLLIN, 0}, {_plugs[1].get(), POLLIN, 0}}};
+    while (::poll(waiting.data(), waiting.size(), -1) > 0 && waiting[0].revents == 0) {
+        for (std::size_t i = 0; i < _plugs.size(); ++i)
+            if (waiting[i + 1].revents != 0)
+                pass(i);
+    }
+}
+
+void Line::pass(std::size_t from)
+{
+    std::array<char, 65536> packet{};
+    const ssize_t length = ::read(_plugs[from].get(), packet.data(), packet.size());
+    for (unsigned left = length > 0 ? copies(from) : 0; left > 0; --left)
+        [[maybe_unused]] const auto written =
+            ::write(_plugs[1 - from].get(), packet.data(), static_cast<std::size_t>(length)); // an interface that is
+                                                                                              // down takes nothing
+}
+
+unsigned Line::copies(std::size_t from)
+{
+    const Ostrel::LockGuard guard(_lock);
+    std::uniform_real_distribution<double> share;
+    if (_cut[from] || share(_chance) < _lost)
+        return 0;
+    return share(_chance) < _repeated ? 2 : 1;
+}
+
+} // namespace Trovio::Nodes

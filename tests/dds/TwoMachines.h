@@ -1,0 +1,34 @@
+#pragma once
+
+#include "tests/dds/Line.h"
+#include "tests/host/HostProcess.h"
+#include <optional>
+
+namespace Trovio::Nodes {
+
+/// This process and a network namespace beside it, as two machines with a cable between them: interface cable0 in both,
+/// addresses 10.77.0.1 here and 10.77.0.2 there. Nothing of it is left when the process is gone.
+/// Make it before the process has a second thread: the process moves into a network namespace of its own.
+class TwoMachines {
+public:
+    explicit TwoMachines(unsigned seed);
+
+    /// Why this machine cannot do it; empty if it could.
+    const std::string& getHindrance() const { return _hindrance; }
+
+    Line& line() { return *_line; }
+
+    /// What starts a program on the other machine, to be put before its name.
+    std::vector<std::string> there() const { return {"--target", _pid, "--net"}; }
+
+private:
+    void setUp(unsigned seed);
+    void run(const std::string& command);
+
+    std::string _hindrance;
+    std::optional<HostProcess> _there; // sleeps, and keeps the other namespace
+    std::string _pid;
+    std::optional<Line> _line;
+};
+
+} // namespace Trovio::Nodes
