@@ -3,6 +3,7 @@
 #include "host/Escape.h"
 #include "host/ExitCode.h"
 #include "host/Failure.h"
+#include "host/GraphForms.h"
 #include "host/NearestName.h"
 #include "host/SceneURL.h"
 #include "sensorManager/SensorHandlerType.h"
@@ -21,7 +22,7 @@ class SceneNotes {
 public:
     explicit SceneNotes(const SceneFile& scene) : _scene(scene) {}
 
-    void say()
+    void say(std::FILE* summary)
     {
         for (const HandlerEntry& handler : _scene._handlers)
             checkHandler(handler);
@@ -35,9 +36,9 @@ public:
         std::size_t routes = _scene._routes.size();
         for (const HandlerEntry& handler : _scene._handlers)
             routes += handler._routes.size();
-        std::printf("%s: good: sensors %zu, handlers %zu, routes %zu, links %zu, notes %zu\n",
-                    escaped(_scene._path).c_str(), _scene._sensors.size(), _scene._handlers.size(), routes,
-                    _scene._links.size(), _notes);
+        std::fprintf(summary, "%s: good: sensors %zu, handlers %zu, routes %zu, links %zu, notes %zu\n",
+                     escaped(_scene._path).c_str(), _scene._sensors.size(), _scene._handlers.size(), routes,
+                     _scene._links.size(), _notes);
     }
 
 private:
@@ -83,6 +84,20 @@ void SceneNotes::checkNode(const LocatedPair& node, const Merid::URL& baseURL)
     if (const auto failure = failureOf([&] { made->setFieldValues(node._second._value); }))
         note(node._second._position, escaped(*failure, 400));
 }
+
+int printGraph(const std::vector<SceneFile>& files, Format format)
+{
+    const auto failure = failureOf([&] {
+        const SceneGraph graph(files);
+        const std::string text = format == Format::Text   ? graphText(graph)
+                                 : format == Format::Json ? graphJson(graph)
+                                                          : graphDot(graph);
+        std::fputs(text.c_str(), stdout);
+    });
+    if (failure)
+        std::fprintf(stderr, "no graph can be made: %s\n", escaped(*failure, 1000).c_str());
+    return failure ? BadUsage : Done;
+}
 } // namespace
 
 int checkVerb(const Options& options)
@@ -92,9 +107,11 @@ int checkVerb(const Options& options)
         return BadUsage;
     Ostrel::initSensorManager();
     Trovio::Root::init();
+    const bool graph = options._graph != Format::Automatic; // then standard output holds nothing else
     for (const SceneFile& file : *files)
-        SceneNotes(file).say();
+        SceneNotes(file).say(graph ? stderr : stdout);
+    const int code = graph ? printGraph(*files, options._graph) : Done;
     Trovio::Root::shutdown();
-    return Done;
+    return code;
 }
 } // namespace Host

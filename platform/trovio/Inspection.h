@@ -62,6 +62,7 @@ struct NodeInfo {
     std::string _typeName;
     NodeState _state;
     std::vector<CounterInfo> _counters;
+    bool _relays = false; // what goes into its in-slots comes out of its out-slots
 };
 
 struct NamespaceInfo {

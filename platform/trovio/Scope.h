@@ -37,6 +37,8 @@ public:
     /// Says that what goes into the node's in-slots comes out of its out-slots, so that routes must not lead back.
     void setRelaying() { _relay = std::make_unique<Relay>(); }
 
+    bool isRelaying() const { return _relay != nullptr; }
+
     /// add throws Exception for a bad pattern, and for a route that would close a loop of nodes; remove returns false
     /// for an unknown route.
     void addRoute(const std::string& from, const std::string& to);

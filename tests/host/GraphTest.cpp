@@ -1,0 +1,101 @@
+#include "host/GraphForms.h"
+#include "host/SceneReader.h"
+#include "trovio/InSlot.h"
+#include "trovio/Node.h"
+#include "trovio/NodeType.h"
+#include "trovio/OutSlot.h"
+#include "trovio/Root.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+using namespace Host;
+
+namespace {
+
+class Doubler final : public Trovio::Node {
+public:
+    Doubler()
+    {
+        declareRelay();
+        addInSlot("in", &_in);
+        addOutSlot("out", &_out);
+    }
+
+private:
+    void start() override { ADD_FAILURE() << "whoever looks at a graph starts nothing"; }
+    Trovio::InSlot<float> _in{"in"};
+    Trovio::OutSlot<float> _out{"out"};
+};
+
+const Trovio::NodeTypeEntry doubler{
+    "Doubler", "for tests", {}, []() -> std::unique_ptr<Trovio::Node> { return std::make_unique<Doubler>(); }};
+
+class GraphTest : public ::testing::Test {
+protected:
+    GraphTest()
+    {
+        Trovio::Root::init();
+        Trovio::NodeType::add(doubler);
+        const std::string text =
+            "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\nnodes = [[\"Doubler\"], [\"Nothing\"]]\n"
+            "routes = [[\"Knob\", \"Doubler/in\"], [\"Doubler/out\", \"Wand\"], [\"Nobody\", \"Wand\"]]\n"
+            "[[handler]]\nkind = \"OT\"\nname = \"other\"\n"
+            "[[sensor]]\nname = \"wand\"\ntype = \"SFVec3f\"\nlabel = \"Wand\"\n"
+            "[[sensor]]\nname = \"knob\"\ntype = \"SFFloat\"\nlabel = \"Knob\"\noutput = true\n"
+            "[[sensor]]\nname = \"echo\"\ntype = \"SFVec3f\"\nlabel = \"Echo\"\noutput = true\n"
+            "[[link]]\nfrom = \"wand.value\"\nto = \"echo.value\"\n";
+        std::vector<SceneFile> files;
+        files.push_back(parseScene(text, "scene"));
+        _graph = std::make_unique<SceneGraph>(files);
+    }
+    ~GraphTest() override
+    {
+        _graph.reset();
+        Trovio::Root::shutdown();
+    }
+
+    std::unique_ptr<SceneGraph> _graph;
+};
+
+TEST_F(GraphTest, TellsSlotsAndTheStateOfRoutes)
+{
+    EXPECT_EQ(graphText(*_graph),
+              "handler 'h' (Trovio), in the root as 'Context'\n"
+              "    out-slot 'Echo' Vec3f, sensor 'echo'\n"
+              "    out-slot 'Knob' Float, sensor 'knob'\n"
+              "    in-slot 'Wand' Vec3f, sensor 'wand'\n"
+              "    route 'Knob' -> 'Doubler/in': connects 1\n"
+              "    route 'Doubler/out' -> 'Wand': pending, route 'Doubler/out' -> 'Wand': 'Doubler/out' carries Float, "
+              "'Wand' takes Vec3f; give both ends the same type, or route to another slot\n"
+              "    route 'Nobody' -> 'Wand': pending, no slot 'Nobody' is in scope\n"
+              "node 'Context/Doubler' (Doubler), passes on\n"
+              "    in-slot 'in' Float\n"
+              "    out-slot 'out' Float\n"
+              "handler 'other' (OT), without namespace\n"
+              "link 'wand.value' -> 'echo.value'\n");
+}
+
+TEST_F(GraphTest, IsTheSameForPrograms)
+{
+    const auto json = nlohmann::json::parse(graphJson(*_graph));
+    const auto& context = json.at("root").at("namespaces").at(0);
+    EXPECT_EQ(context.at("slots").at(2).at("sensor"), "wand");
+    EXPECT_EQ(context.at("routes").at(0).at("connections"), 1);
+    EXPECT_EQ(context.at("routes").at(1).at("pending"), true);
+    EXPECT_EQ(context.at("namespaces").at(0).at("slots").at(1).at("type"), "Float");
+    EXPECT_EQ(json.at("handlers").at(1).at("kind"), "OT");
+}
+
+TEST_F(GraphTest, DrawsWhatDoesNotConnectInRed)
+{
+    const std::string dot = graphDot(*_graph);
+    for (const char* line : {"  \"Context/Knob\" -> \"Context/Doubler/in\";\n",
+                             "  \"Context/Doubler/in\" -> \"Context/Doubler/out\" [style=dotted];\n",
+                             "  \"Context/Doubler/out\" -> \"Context/Wand\" [style=dashed, color=red, tooltip=",
+                             "  \"missing Context/Nobody\" [label=\"Nobody ?\", style=dashed",
+                             "  \"missing Context/Nobody\" -> \"Context/Wand\" [style=dashed, color=red",
+                             "  \"Context/Wand\" -> \"Context/Echo\" [style=dotted, label=link];\n"})
+        EXPECT_NE(dot.find(line), std::string::npos) << line << dot;
+}
+} // namespace
