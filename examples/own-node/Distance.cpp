@@ -19,6 +19,7 @@ class Distance final : public Node {
 public:
     Distance() : _received(addCounter("received"))
     {
+        declareRelay();
         addInSlot("position", &_position);
         addOutSlot("distance", &_distance);
         addOutSlot("near", &_near);
