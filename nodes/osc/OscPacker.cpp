@@ -13,7 +13,8 @@ constexpr char bundleMark[] = "#bundle";    // its zero byte belongs to it
 
 void appendHeader(std::vector<std::uint8_t>& packet, OscTimeTag tag)
 {
-    packet.insert(packet.end(), std::begin(bundleMark), std::end(bundleMark));
+    for (const char mark : bundleMark)
+        packet.push_back(static_cast<std::uint8_t>(mark));
     appendBigEndian64(packet, tag);
 }
 
