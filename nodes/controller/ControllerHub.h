@@ -1,0 +1,46 @@
+#pragma once
+
+#include "base/Mutex.h"
+#include "nodes/controller/DeviceBroker.h"
+#include "nodes/shared/Worker.h"
+
+namespace Trovio::Nodes {
+
+/// The one thread on which all controllers of this process are looked at, while there is somebody who wants one.
+/// Threads: any.
+class ControllerHub {
+public:
+    ControllerHub(Clock& clock, std::unique_ptr<ControllerDevices> devices);
+    /// All users must have been detached.
+    ~ControllerHub();
+
+    /// That of SDL, which has one state for the whole process.
+    static ControllerHub& system();
+
+    /// The user is called from now on, on the hub's thread. Throws std::system_error where there can be no more
+    /// threads.
+    void attach(ControllerUser& user) OSTREL_EXCLUDES(_usersLock, _lock);
+    /// Afterwards the user is not called any more. Waits until the look that is under way has ended.
+    void detach(ControllerUser& user) OSTREL_EXCLUDES(_usersLock, _lock);
+
+    /// Looks at once, for there is something to rumble. Never blocks; under any lock.
+    void wake() { _worker.wake(); }
+
+private:
+    void run();
+    double look() OSTREL_EXCLUDES(_lock);
+    void close(const std::string& reason) OSTREL_EXCLUDES(_lock);
+
+    Clock& _clock;
+
+    // The users lock is held while the thread starts and ends, so that it does so in step with its users. The other one
+    // is held around a whole look, pushes included, so that detach() can promise what it does: what a push reaches only
+    // queues and wakes, and never comes back here but for wake().
+    Ostrel::Mutex _usersLock OSTREL_ACQUIRED_BEFORE(_lock);
+    Ostrel::Mutex _lock;
+    DeviceBroker _broker OSTREL_GUARDED_BY(_lock);
+    bool _running OSTREL_GUARDED_BY(_usersLock) = false;
+    Worker _worker;
+};
+
+} // namespace Trovio::Nodes
