@@ -54,6 +54,8 @@ bool RunLog::hear(const osg::LogRecord& record)
         return true;
     if (_lines.size() + line.size() <= mostHeld)
         _lines += line;
+    else
+        ++_left;
     return _toFile || notice;
 }
 
@@ -62,12 +64,20 @@ void RunLog::hold(bool held)
     const std::lock_guard guard(_lock);
     _held = held;
     if (!held)
-        std::fputs(std::exchange(_lines, {}).c_str(), stderr);
+        std::fputs(takeLocked().c_str(), stderr);
 }
 
 std::string RunLog::take()
 {
     const std::lock_guard guard(_lock);
-    return std::exchange(_lines, {});
+    return takeLocked();
+}
+
+std::string RunLog::takeLocked()
+{
+    std::string lines = std::exchange(_lines, {});
+    if (_left > 0)
+        lines += "and " + std::to_string(std::exchange(_left, 0U)) + " more lines of log\n";
+    return lines;
 }
 } // namespace Host

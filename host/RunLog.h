@@ -26,6 +26,7 @@ public:
 
 private:
     bool hear(const osg::LogRecord& record);
+    std::string takeLocked();
 
     const bool _verbose;
     const bool _toFile; // then the log itself writes nothing to standard error
@@ -34,5 +35,6 @@ private:
     std::mutex _lock; // leaf, taken under the log's lock
     bool _held = false;
     std::string _lines;
+    std::size_t _left = 0; // lines that found no more room since the last take()
 };
 } // namespace Host

@@ -55,6 +55,9 @@ void NestingScan::skipString(char quote)
     while (_at < _text.size() && !follows(end) && (manyLines || _text[_at] != '\n'))
         advance(quote == '"' && _text[_at] == '\\' ? 2 : 1);
     advance(follows(end) ? end.size() : 0);
+    // Up to two quotes right before the closing three belong to the text: """b""""" is b"".
+    for (int i = 0; manyLines && i < 2 && follows(end.substr(2)); ++i)
+        advance(1);
 }
 
 void NestingScan::step()

@@ -102,8 +102,24 @@ constexpr bool canBeGenerated = !std::is_same_v<typename Production<T>::Element,
 
 } // namespace
 
+namespace {
+
+/// Each of these settings may be large, but not all at once.
+void checkSize(const Settings& settings)
+{
+    if (settings.text("type") != TypeName<SharedVector<Image>>::getName())
+        return;
+    constexpr std::int64_t mostPixels = std::int64_t{1} << 26; // at most 4 bytes each
+    const std::int64_t pixels = settings.integer("width") * settings.integer("height");
+    if (settings.integer("elements") > mostPixels / pixels)
+        throw settings.refusal("elements", "at most " + std::to_string(mostPixels / pixels) + " pictures of this size");
+}
+
+} // namespace
+
 std::unique_ptr<Signal> Signal::create(const Settings& settings)
 {
+    checkSize(settings);
     std::unique_ptr<Signal> signal;
     std::string allowed;
     forEachSlotType([&]<class T>(TypeTag<T>) {

@@ -16,6 +16,7 @@ struct OscInCounters {
     Counter& _unknown;    // of addresses that nobody listens to
     Counter& _malformed;  // packets
     Counter& _dropped;    // packets that the kernel had no place for
+    Counter& _unread;     // packets that still waited when the node stopped
 };
 
 /// Takes messages to the lanes whose address they name, or whose address their pattern matches.

@@ -38,6 +38,7 @@ void OscInput::start()
 void OscInput::stop()
 {
     _worker.stop();
+    _counters._unread.add(_receiver.discardUnread());
     _counters._dropped.add(_receiver.takeDropped());
     _receiver.close();
 }
@@ -75,17 +76,20 @@ void OscInput::open()
                                    std::to_string(_settings._bufferBytes));
 }
 
-void OscInput::receive(Bytes packet, const SocketAddress& sender, const Time& arrival)
+bool OscInput::receive(Bytes packet, const SocketAddress& sender, const Time& arrival)
 {
     _counters._packets.add();
     const auto problem = readOscPacket(packet, arrival, _dispatcher);
+    // One packet may take long where its messages have many patterns: a flood of them must not hold up the stop.
+    const bool goesOn = !_worker.isStopping();
     if (!problem)
-        return;
+        return goesOn;
     _counters._malformed.add();
     if (const auto withheld = _malformedReports.admit())
         report(osg::LogWarning, "OSC: malformed packet of " + std::to_string(packet.size()) + " bytes from " +
                                     sender.str() + ": " + *problem +
                                     (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : ""));
+    return goesOn;
 }
 
 } // namespace Trovio::Nodes

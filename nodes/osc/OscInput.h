@@ -38,7 +38,7 @@ public:
 private:
     void run();
     void open();
-    void receive(Bytes packet, const SocketAddress& sender, const Time& arrival) override;
+    bool receive(Bytes packet, const SocketAddress& sender, const Time& arrival) override;
 
     Clock& _clock;
     const OscInSettings _settings;

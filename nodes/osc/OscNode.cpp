@@ -87,7 +87,8 @@ OscNode::OscNode(Clock& clock, std::unique_ptr<NameLookup> lookup)
                   addCounter("in mismatched"),
                   addCounter("in unknown"),
                   addCounter("in malformed"),
-                  addCounter("in dropped by the kernel")},
+                  addCounter("in dropped by the kernel"),
+                  addCounter("in left unread")},
       _outCounters{addCounter("out messages"), addCounter("out packets"), addCounter("out failed"),
                    addCounter("out refused")}
 {

@@ -1,5 +1,6 @@
 #include "nodes/osc/UdpReceiver.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <linux/sock_diag.h>
@@ -120,18 +121,40 @@ void UdpReceiver::receive(UdpPacketVisitor& visitor)
 void UdpReceiver::receiveFrom(Socket& socket, UdpPacketVisitor& visitor)
 {
     for (int round = 0; round < batchesAtOnce; ++round) {
-        _batch->prepare();
-        const int count = ::recvmmsg(socket._descriptor.get(), _batch->_headers, batchSize, MSG_DONTWAIT, nullptr);
+        const int count = receiveBatch(socket);
         for (int i = 0; i < count; ++i) {
             mmsghdr& header = _batch->_headers[i];
             const Bytes packet(static_cast<const std::uint8_t*>(header.msg_hdr.msg_iov->iov_base), header.msg_len);
             const SocketAddress sender(static_cast<const sockaddr*>(header.msg_hdr.msg_name),
                                        header.msg_hdr.msg_namelen);
-            visitor.receive(packet, sender, arrivalOf(header.msg_hdr));
+            if (!visitor.receive(packet, sender, arrivalOf(header.msg_hdr))) {
+                _turnedDown += static_cast<std::uint64_t>(count - i - 1);
+                return;
+            }
         }
         if (count < static_cast<int>(batchSize))
             return;
     }
+}
+
+int UdpReceiver::receiveBatch(Socket& socket)
+{
+    _batch->prepare();
+    return ::recvmmsg(socket._descriptor.get(), _batch->_headers, batchSize, MSG_DONTWAIT, nullptr);
+}
+
+std::uint64_t UdpReceiver::discardUnread()
+{
+    constexpr int mostBatches = 1 << 16; // a sender that never rests must not keep us here
+    std::uint64_t unread = std::exchange(_turnedDown, 0U);
+    for (Socket& socket : _sockets) {
+        int count = static_cast<int>(batchSize);
+        for (int round = 0; round < mostBatches && count == static_cast<int>(batchSize); ++round) {
+            count = receiveBatch(socket);
+            unread += static_cast<std::uint64_t>(std::max(count, 0));
+        }
+    }
+    return unread;
 }
 
 std::uint64_t UdpReceiver::takeDropped()

@@ -13,7 +13,8 @@ namespace Trovio::Nodes {
 /// Takes what receivers find in a packet. sender is valid during the call only.
 class UdpPacketVisitor {
 public:
-    virtual void receive(Bytes packet, const SocketAddress& sender, const Time& arrival) = 0;
+    /// False if no more packets are wanted for now.
+    virtual bool receive(Bytes packet, const SocketAddress& sender, const Time& arrival) = 0;
 
 protected:
     ~UdpPacketVisitor() = default;
@@ -37,6 +38,10 @@ public:
     /// Never waits.
     void receive(UdpPacketVisitor& visitor);
 
+    /// Throws away what waits in the sockets, up to a bound that no socket's buffer reaches by itself, and returns how
+    /// many packets that were, with those that the visitor had turned down before.
+    std::uint64_t discardUnread();
+
     /// Packets that the kernel dropped since the last call, for want of space. Exact when nothing is on its way.
     std::uint64_t takeDropped();
 
@@ -56,10 +61,12 @@ private:
     /// The error number, or 0.
     int openOne(const SocketAddress& address, int bufferBytes);
     void receiveFrom(Socket& socket, UdpPacketVisitor& visitor);
+    int receiveBatch(Socket& socket);
 
     std::vector<Socket> _sockets;
     std::vector<int> _descriptors; // of the sockets, in their order
     const std::unique_ptr<Batch> _batch;
+    std::uint64_t _turnedDown = 0; // packets of a batch that the visitor left in the middle
 };
 
 } // namespace Trovio::Nodes
