@@ -40,7 +40,8 @@ private:
     std::thread _thread;
 };
 
-/// Nodes come and go in one namespace while slots, routes and inspections do, too. In the end nobody has anything left.
+/// Nodes come and go in one namespace while slots, routes and questions about them do, too. In the end nobody has
+/// anything left.
 TEST(TreeStorm, NodesSlotsRoutesAndReadersAtOnce)
 {
     Root::init();
@@ -64,9 +65,11 @@ TEST(TreeStorm, NodesSlotsRoutesAndReadersAtOnce)
         }
     });
     std::thread reader([] {
-        for (int round = 0; round < rounds; ++round)
+        for (int round = 0; round < rounds; ++round) {
+            EXPECT_FALSE(Root::get().explain("Pusher*/out", "in")._text.empty());
             for (const auto& route : Root::get().inspect()._routes)
                 EXPECT_LE(route._connections, 2U);
+        }
     });
     for (std::thread* thread : {&nodes[0], &nodes[1], &routes, &reader})
         thread->join();
