@@ -3,6 +3,7 @@
 #include "ostrel/FieldTypes.h"
 #include "trovio/Values.h"
 #include <algorithm>
+#include <utility>
 
 // How values cross between the scene's fields and the slots: one overload for each kind of element, and the multiple
 // value once over them.
@@ -121,7 +122,7 @@ void toSlot(const MultiField<Code, Element>& field, Trovio::SharedVector<SlotEle
     for (const auto& value : field.values()) {
         SlotElement element{};
         convert(value, element);
-        to->push_back(element);
+        to->push_back(std::move(element));
     }
 }
 

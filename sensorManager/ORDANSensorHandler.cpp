@@ -1,6 +1,7 @@
 #include "sensorManager/ORDANSensorHandler.h"
 
 #include "ostrel/DirectSensorProc.h"
+#include <memory>
 
 namespace Ostrel {
 
@@ -58,11 +59,11 @@ const SensorHandlerType& ORDANSensorHandler::type() const
 
 SensorHandler::UpdateObserver* ORDANSensorHandler::createUpdateObserver(DirectSensor* sensor)
 {
-    auto* const observer = new UpdateObserver;
+    auto observer = std::make_unique<UpdateObserver>();
     if (!sensor) {
         OSTREL_LOG_FROM(LogLevel::Fatal, createUpdateObserverOrigin,
                         "No Sensor in ORDANSensorHandler::createUpdateObserver()\n");
-        return observer;
+        return observer.release();
     }
     const auto known = _labels.find(sensor->getLabel());
     if (known != _labels.end()) {
@@ -70,7 +71,7 @@ SensorHandler::UpdateObserver* ORDANSensorHandler::createUpdateObserver(DirectSe
         observer->_field = sensor->getDirectSensorProc()->getField();
         observer->init(known->second);
     }
-    return observer;
+    return observer.release();
 }
 
 void ORDANSensorHandler::addLabel(std::string& name, std::string& value)

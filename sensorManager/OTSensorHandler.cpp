@@ -2,6 +2,7 @@
 
 #include "ostrel/DirectSensorProc.h"
 #include "ostrel/Field.h"
+#include <memory>
 
 namespace Ostrel {
 
@@ -51,11 +52,11 @@ const SensorHandlerType& OTSensorHandler::type() const
 
 SensorHandler::UpdateObserver* OTSensorHandler::createUpdateObserver(DirectSensor* sensor)
 {
-    auto* const observer = new UpdateObserver;
+    auto observer = std::make_unique<UpdateObserver>();
     DirectSensorProc* const proc = sensor ? sensor->getDirectSensorProc() : nullptr;
     if (Field* const field = proc ? proc->getField() : nullptr)
         writePlainLine("createUpdateObserver() ", field->getTypeName());
-    return observer;
+    return observer.release();
 }
 
 void OTSensorHandler::addLabel(std::string& name, std::string& value)

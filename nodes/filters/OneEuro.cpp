@@ -118,7 +118,10 @@ public:
     {
         if (!std::isfinite(stamp))
             return Outcome::BadStamp;
-        const double elapsed = stamp - std::exchange(state._stamp, stamp);
+        const double elapsed = stamp - state._stamp;
+        if (elapsed >= 0.0 && elapsed < shortestStep)
+            return Outcome::BadStamp; // a repeat leaves the filter as it was
+        state._stamp = stamp;
         if (std::isnan(elapsed)) {
             state._signal.start(element);
             return Outcome::Sent;

@@ -122,7 +122,8 @@ void OscOutput::openSocket(const SocketAddress& target)
 void OscOutput::drain()
 {
     bool foundAny = true;
-    for (int round = 0; foundAny && round < roundsAtOnce; ++round) {
+    // A send may take its time, and there are many: a stop does not wait for all of them.
+    for (int round = 0; foundAny && round < roundsAtOnce && !_worker.isStopping(); ++round) {
         foundAny = false;
         // One of each in turn, so that a busy address does not hold up the others.
         for (const auto& lane : _lanes) {
@@ -155,6 +156,8 @@ void OscOutput::send(Bytes packet, std::size_t messages)
         refused();
     }
     _counters._failed.add(messages);
+    if (error == ECONNREFUSED)
+        return; // told already
     if (error != EMSGSIZE) {
         fail("cannot send to " + _target + ": " + std::strerror(error));
     } else if (const auto withheld = _tooLargeReports.admit()) {
