@@ -13,37 +13,21 @@
 namespace Trovio::Nodes {
 namespace {
 
-/// Takes packets through a lane of type T.
-template <class T>
-class Receiver final : OscMessageVisitor {
-public:
-    Receiver() : _lane(OscInLane::create({"/a", TypeName<T>::getName()})) { _slot.connect(&_lane->getSlot()); }
-    ~Receiver() { _slot.disconnect(&_lane->getSlot()); }
-
-    /// The value that arrives; nothing if the lane refuses the message.
-    std::optional<T> receive(Bytes packet)
-    {
-        EXPECT_EQ(readOscPacket(packet, Time(1.0), *this), std::nullopt);
-        if (_slot.empty())
-            return std::nullopt;
-        return _slot.pop().getValue();
-    }
-
-private:
-    void visit(const OscMessage& message) override
-    {
-        const bool delivered = _lane->deliver(message);
-        EXPECT_EQ(delivered, !_slot.empty());
-    }
-
-    std::unique_ptr<OscInLane> _lane;
-    InSlot<T> _slot{""};
-};
-
+/// The value that arrives when a lane of type T gets the packet; nothing if it refuses the message.
 template <class T>
 std::optional<T> received(Bytes packet)
 {
-    return Receiver<T>().receive(packet);
+    struct Lane final : OscMessageVisitor {
+        void visit(const OscMessage& message) override { _delivered = _lane->deliver(message); }
+        const std::unique_ptr<OscInLane> _lane = OscInLane::create({"/a", TypeName<T>::getName()});
+        bool _delivered = false;
+    } lane;
+    InSlot<T> slot("");
+    slot.connect(&lane._lane->getSlot());
+    EXPECT_EQ(readOscPacket(packet, Time(1.0), lane), std::nullopt);
+    slot.disconnect(&lane._lane->getSlot());
+    EXPECT_EQ(lane._delivered, !slot.empty());
+    return lane._delivered ? std::optional(slot.pop().getValue()) : std::nullopt;
 }
 
 TEST(OscValue, EveryNumberTagFeedsEveryNumericType)
@@ -88,14 +72,10 @@ TEST(OscValue, NumbersThatDoNotFitAreHeldAtTheEnds)
 {
     constexpr long lowest = std::numeric_limits<long>::min(), highest = std::numeric_limits<long>::max();
     const double infinity = std::numeric_limits<double>::infinity();
-    for (const auto& [number, expected] : std::vector<std::pair<double, long>>{{2.9, 2},
-                                                                               {-2.9, -2},
-                                                                               {1e300, highest},
-                                                                               {-1e300, lowest},
-                                                                               {infinity, highest},
-                                                                               {0x1p63, highest},
-                                                                               {-0x1p63, lowest},
-                                                                               {std::nan(""), 0}})
+    using Row = std::pair<double, long>;
+    for (const auto& [number, expected] :
+         {Row(2.9, 2), Row(-2.9, -2), Row(1e300, highest), Row(-1e300, lowest), Row(infinity, highest),
+          Row(0x1p63, highest), Row(-0x1p63, lowest), Row(std::nan(""), 0)})
         for (const char tag : {'f', 'd'})
             EXPECT_EQ(received<long>(numbersMessage("/a", tag, {number})), expected) << number << tag;
     EXPECT_EQ(received<float>(numbersMessage("/a", 'd', {1e300})), std::numeric_limits<float>::infinity());
@@ -120,21 +100,16 @@ TEST(OscValue, ColoursAndTimesHaveArgumentsOfTheirOwn)
     EXPECT_FALSE(received<double>(serialised(time, "/a")));
 }
 
-struct BadImage {
-    std::int32_t _width, _height, _format;
-    std::size_t _bytes;
-};
-
 TEST(OscValue, ImagesWhoseNumbersDoNotFitTheirPixelsAreRefused)
 {
+    struct Row {
+        std::int32_t _width, _height, _format;
+        std::size_t _bytes;
+    };
     const std::vector<std::uint8_t> pixels(100);
-    for (const auto& [width, height, format, bytes] : {BadImage{2, 2, Image::RGB, 11},
-                                                       {2, 2, Image::RGB, 13},
-                                                       {2, 2, 3, 12},
-                                                       {-2, -2, Image::RGB, 12},
-                                                       {2, 2, -1, 12},
-                                                       {65537, 0, Image::RGB, 0},
-                                                       {65536, 65536, Image::RGBA, 0}}) {
+    for (const auto& [width, height, format, bytes] :
+         {Row{2, 2, Image::RGB, 11}, Row{2, 2, Image::RGB, 13}, Row{2, 2, 3, 12}, Row{-2, -2, Image::RGB, 12},
+          Row{2, 2, -1, 12}, Row{65537, 0, Image::RGB, 0}, Row{65536, 65536, Image::RGBA, 0}}) {
         OscWriter writer;
         writer.begin("/a");
         for (const std::int32_t number : {width, height, format})

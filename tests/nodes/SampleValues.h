@@ -20,12 +20,6 @@ E sampleElement(std::size_t i)
 }
 
 template <>
-inline bool sampleElement<bool>(std::size_t i)
-{
-    return i % 3 == 0;
-}
-
-template <>
 inline long sampleElement<long>(std::size_t i)
 {
     return i % 2 == 0 ? std::numeric_limits<long>::min() + static_cast<long>(i) : 9'007'199'254'740'993L;
@@ -48,42 +42,34 @@ inline Image sampleElement<Image>(std::size_t i)
     return image;
 }
 
-template <class T>
-struct Samples {
-    static std::vector<T> make() { return {T(), sampleElement<T>(0), sampleElement<T>(1), sampleElement<T>(3)}; }
-};
-
-template <>
-struct Samples<SharedImage> {
-    static std::vector<SharedImage> make()
-    {
-        std::vector<SharedImage> images(1); // a null handle
-        for (std::size_t i = 0; i < 5; ++i)
-            *images.emplace_back() = sampleElement<Image>(i);
-        return images;
-    }
-};
-
 template <class E>
-struct Samples<SharedVector<E>> {
-    static std::vector<SharedVector<E>> make()
-    {
-        std::vector<SharedVector<E>> vectors(1);
-        for (const std::size_t length : {5U, 0U, 1U}) {
-            auto& elements = *vectors.emplace_back();
-            elements.clear();
-            for (std::size_t i = 0; i < length; ++i)
-                elements.push_back(sampleElement<E>(i));
-        }
-        return vectors;
-    }
-};
+void addSample(std::vector<SharedVector<E>>& samples, std::size_t length)
+{
+    auto& elements = *samples.emplace_back();
+    elements.clear(); // it may come used from its pool
+    for (std::size_t i = 0; i < length; ++i)
+        elements.push_back(sampleElement<E>(i));
+}
+
+inline void addSample(std::vector<SharedImage>& samples, std::size_t i)
+{
+    *samples.emplace_back() = sampleElement<Image>(i);
+}
+
+template <class T>
+void addSample(std::vector<T>& samples, std::size_t i)
+{
+    samples.push_back(sampleElement<T>(i));
+}
 
 /// Values of a slot type with which a transport can be tried: the default, and some that are hard to carry.
 template <class T>
 std::vector<T> sampleValues()
 {
-    return Samples<T>::make();
+    std::vector<T> samples(1);
+    for (const std::size_t i : {3U, 0U, 1U, 2U, 5U})
+        addSample(samples, i);
+    return samples;
 }
 
 /// Whether two slot values are the same to whoever looks at them; null handles are as good as empty ones.
