@@ -32,7 +32,10 @@ Explanation FlowQuery::walk(const std::vector<Step>& path) const
         if (stops)
             return cause;
     }
-    return flowing(path);
+    // What the last node takes goes nowhere while it is degraded, such as towards a peer that is away.
+    const Entry& end = *path.back()._home;
+    const Node* const node = end._scope->_node;
+    return node && node->getState()._degraded ? degraded(end) : flowing(path);
 }
 
 bool FlowQuery::stopsBeforeOut(const Entry& home, const Entry* before, Explanation& cause) const
