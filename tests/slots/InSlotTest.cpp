@@ -1,57 +1,94 @@
-#include "trovio/InSlot.h"
+#include "trovio/BufferedInSlot.h"
+#include "trovio/OutSlot.h"
 
 #include <gtest/gtest.h>
 
 using namespace Trovio;
 
-TEST(InSlot, KeepsTheNewestAndKnowsWhetherItWasRead)
+namespace {
+
+void push(InSlot<long>& slot, long first, long last)
 {
-    InSlot<float> slot("in");
-    EXPECT_TRUE(slot.empty());
-    EXPECT_EQ(slot.top().getTimeStamp(), Time(0));
-    EXPECT_EQ(slot.top().getValue(), 0.0F);
-
-    for (const float value : {1.0F, 2.0F, 3.0F})
-        slot.push(Data<float>(value, Time(10.0 + value)));
-    EXPECT_FALSE(slot.empty());
-    EXPECT_EQ(slot.top().getValue(), 3.0F);
-    EXPECT_FALSE(slot.empty()) << "top() must not take the value";
-
-    const Data<float> taken = slot.pop();
-    EXPECT_EQ(taken.getValue(), 3.0F);
-    EXPECT_EQ(taken.getTimeStamp(), Time(13));
-    EXPECT_TRUE(slot.empty());
-    EXPECT_EQ(slot.top().getValue(), 3.0F) << "a value that was taken can still be looked at";
+    for (long i = first; i <= last; ++i)
+        slot.push(Data<long>(i, Time(static_cast<double>(i))));
 }
 
-// Each reading operation, interrupted while a value waits: it throws once, and the value is still there.
-TEST(InSlot, InterruptThrowsOnceAndKeepsTheValue)
+/// Takes all that waits, each record with the stamp that it came with.
+std::vector<long> drain(InSlot<long>& slot)
 {
-    for (const bool reader : {true, false}) {
-        InSlot<float> slot("in");
-        slot.push(Data<float>(5.0F, Time(1)));
+    std::vector<long> taken;
+    while (!slot.empty()) {
+        EXPECT_EQ(slot.top().getValue(), slot.top().getValue()) << "looking takes nothing";
+        const auto record = slot.pop();
+        EXPECT_EQ(record.getTimeStamp(), Time(static_cast<double>(record.getValue())));
+        taken.push_back(record.getValue());
+    }
+    return taken;
+}
+
+// Each reading operation, interrupted while values wait: it throws once, and the values are still there.
+void expectInterruptThrowsOnce(InSlot<long>& slot, const std::vector<long>& waiting)
+{
+    for (const bool popping : {true, false}) {
+        push(slot, 1, 2);
         slot.interrupt();
         slot.interrupt(); // adds nothing
         try {
-            reader ? slot.pop() : slot.top();
-            FAIL() << "not interrupted";
+            popping ? slot.pop() : slot.top();
+            ADD_FAILURE() << "not interrupted";
         } catch (const InterruptedException& interrupted) {
             EXPECT_EQ(interrupted.getMessage(), "");
         }
-        EXPECT_EQ(slot.top().getValue(), 5.0F);
-        EXPECT_EQ(slot.pop().getValue(), 5.0F);
-        EXPECT_TRUE(slot.empty());
+        EXPECT_EQ(drain(slot), waiting);
     }
 }
 
-TEST(InSlot, PushingItsOwnRecordIsHarmless)
+} // namespace
+
+TEST(InSlot, KeepsTheNewestAndKnowsWhetherItWasRead)
 {
-    SmartPtr<std::vector<float>> shared;
-    shared->assign({1.0F, 2.0F});
-    OutSlot<SmartPtr<std::vector<float>>> out("out");
-    InSlot<SmartPtr<std::vector<float>>> in("in");
-    out.push(Data(shared, Time(1)));
-    out.connect(&in); // delivers the out-slot's own record
-    in.push(in.top());
-    EXPECT_EQ(*in.pop().getValue(), (std::vector<float>{1.0F, 2.0F}));
+    InSlot<long> slot("in");
+    EXPECT_TRUE(slot.empty());
+    EXPECT_EQ(slot.top().getTimeStamp(), Time(0));
+    push(slot, 1, 3);
+    EXPECT_EQ(drain(slot), std::vector<long>{3});
+    EXPECT_EQ(slot.top().getValue(), 3) << "a value that was taken can still be looked at";
+}
+
+TEST(InSlot, InterruptThrowsOnceAndKeepsTheValue)
+{
+    InSlot<long> slot("in");
+    expectInterruptThrowsOnce(slot, {2});
+}
+
+TEST(BufferedInSlotKeepsNewest, OldestFirst)
+{
+    struct Row {
+        unsigned _capacity;
+        long _pushed;
+        std::vector<long> _expected;
+    };
+    for (const Row& row :
+         {Row{3, 0, {}}, Row{3, 3, {1, 2, 3}}, Row{3, 5, {3, 4, 5}}, Row{3, 100, {98, 99, 100}}, Row{1, 4, {4}}}) {
+        BufferedInSlot<long> slot("in", row._capacity);
+        push(slot, 1, row._pushed);
+        EXPECT_EQ(drain(slot), row._expected);
+        push(slot, 1, 1);
+        EXPECT_EQ(drain(slot), std::vector<long>{1}) << "wherever reading ended";
+    }
+}
+
+TEST(BufferedInSlot, TopOfAnEmptyRingShowsWhatStandsThere)
+{
+    BufferedInSlot<long> slot("in", 3);
+    EXPECT_EQ(slot.top().getValue(), 0);
+    push(slot, 1, 3);
+    drain(slot);
+    EXPECT_EQ(slot.top().getValue(), 1) << "the record pushed three pushes before the next one";
+}
+
+TEST(BufferedInSlot, InterruptThrowsOnceAndKeepsTheRing)
+{
+    BufferedInSlot<long> slot("in", 2);
+    expectInterruptThrowsOnce(slot, {1, 2});
 }

@@ -22,10 +22,11 @@ struct Probe {
 };
 struct OtherProbe : Probe {}; // whose pool is used in child processes only
 
-template <class T>
-const void* addressOf(const SmartPtr<T>& handle)
+SmartPtr<Probe> acquired()
 {
-    return handle.get();
+    SmartPtr<Probe> handle;
+    handle.acquire();
+    return handle;
 }
 
 } // namespace
@@ -37,61 +38,37 @@ Cache<OtherProbe> Trovio::Cache<OtherProbe>::the_{};
 
 TEST(Pool, LastFreedIsReusedFirstWithItsContents)
 {
-    const void* a = nullptr;
-    const void* b = nullptr;
+    const Probe* a = nullptr;
+    const Probe* b = nullptr;
     {
-        SmartPtr<Probe> first;
-        first.acquire();
-        first->_content = 1;
-        a = addressOf(first);
+        SmartPtr<Probe> first = acquired();
+        a = first.get();
         SmartPtr<Probe> second;
         second->_content = 2; // writing through a null handle acquires
-        b = addressOf(second);
-        EXPECT_NE(a, b);
+        b = second.get();
+        first->_content = 1;
     } // frees the second, then the first
-    SmartPtr<Probe> next;
-    SmartPtr<Probe> afterNext;
-    next.acquire();
-    afterNext.acquire();
-    EXPECT_EQ(addressOf(next), a);
-    EXPECT_EQ(next->_content, 1);
-    EXPECT_EQ(addressOf(afterNext), b);
+    const SmartPtr<Probe> next = acquired(), afterNext = acquired();
+    EXPECT_EQ(next.get(), a);
+    EXPECT_EQ(next.get()->_content, 1);
+    EXPECT_EQ(afterNext.get(), b);
     EXPECT_EQ(Probe::_built, 2) << "nothing was made anew";
 }
 
 TEST(Pool, CopiesShareAndTheLastOneGivesBack)
 {
-    SmartPtr<Probe> first;
-    first.acquire();
-    const void* const object = addressOf(first);
-    SmartPtr<Probe> second(first);
-    SmartPtr<Probe> third;
+    SmartPtr<Probe> first = acquired();
+    const Probe* const object = first.get();
+    SmartPtr<Probe> second(first), third;
     third = second;
     third = *&third; // itself
-    first = SmartPtr<Probe>();
+    first.acquire(); // another object
     second = SmartPtr<Probe>();
-    SmartPtr<Probe> other;
-    other.acquire();
-    EXPECT_NE(addressOf(other), object) << "third still holds it";
-    third = other;
-    SmartPtr<Probe> again;
-    again.acquire();
-    EXPECT_EQ(addressOf(again), object);
+    EXPECT_NE(first.get(), object);
+    EXPECT_NE(acquired().get(), object) << "third still holds it";
+    third = first;
+    EXPECT_EQ(acquired().get(), object);
     SmartPtr<Probe>().decrementReferenceCounter(); // a null handle has nothing to drop
-}
-
-TEST(Pool, AcquiringThroughABoundHandleLetsGoOfTheOldObject)
-{
-    SmartPtr<Probe> handle;
-    handle.acquire();
-    const void* const object = addressOf(handle);
-    SmartPtr<Probe> other(handle);
-    handle.acquire();
-    EXPECT_NE(addressOf(handle), object);
-    other = handle;
-    SmartPtr<Probe> again;
-    again.acquire();
-    EXPECT_EQ(addressOf(again), object);
 }
 
 // In a process of its own: the pool is gone afterwards.
