@@ -77,11 +77,17 @@ endfunction()
 #   long  not under the address sanitizer, unless everything runs (OSTREL_LONG)
 #   soak  only when everything runs
 function(_ostrel_runs_here result)
-  set(${result} TRUE PARENT_SCOPE)
-  if(OSTREL_ONLY_LABEL AND NOT OSTREL_ONLY_LABEL IN_LIST ARGN
-      OR NOT OSTREL_LONG AND ("soak" IN_LIST ARGN OR OSTREL_SKIP_LABEL AND OSTREL_SKIP_LABEL IN_LIST ARGN))
-    set(${result} FALSE PARENT_SCOPE)
+  set(labels ${ARGN})
+  set(runs TRUE)
+  if(OSTREL_ONLY_LABEL AND NOT OSTREL_ONLY_LABEL IN_LIST labels)
+    set(runs FALSE)
   endif()
+  foreach(unwanted ${OSTREL_SKIP_LABEL} soak)
+    if(unwanted IN_LIST labels AND NOT OSTREL_LONG)
+      set(runs FALSE)
+    endif()
+  endforeach()
+  set(${result} ${runs} PARENT_SCOPE)
 endfunction()
 
 # ostrel_test(NAME SOURCES … LIBRARIES … [NEEDS target …] [LABELS …] [TIMEOUT seconds]): a GoogleTest program. Its cases
