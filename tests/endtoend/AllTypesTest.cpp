@@ -36,7 +36,8 @@ Json valuesShown(const std::string& lines)
     Json values = Json::object();
     for (std::string line; std::getline(all, line);) {
         const Json shown = Json::parse(line);
-        values[shown["type"].get<std::string>()] = shown["value"];
+        if (shown.contains("value")) // the last line has the counts of the run
+            values[shown["type"].get<std::string>()] = shown["value"];
     }
     return values;
 }

@@ -46,14 +46,14 @@ TEST_F(AllocationRoad, TakesNoMemoryOnceItWasWalked)
             notify(in, 1.0);
         };
         const std::string& type = out->getField()->getTypeName();
-        const int first = type.starts_with("SF") ? 0 : 8; // frames, until the buffer has been through all vectors
-        for (int i = 0; i < first; ++i)
+        const unsigned first = type.starts_with("SF") ? 0 : 8; // frames, until the buffer has been through all vectors
+        for (unsigned i = 0; i < first; ++i)
             frame();
         const AllocationCount count;
         for (int i = 0; i < 100; ++i)
             frame();
         EXPECT_EQ(count.since(), 0U) << type;
-        EXPECT_EQ(dynamic_cast<BasicInSlot&>(*_handler->getSlot(in)).getCounts().taken, first + 100U) << type;
+        EXPECT_EQ(dynamic_cast<BasicInSlot&>(*_handler->getSlot(in)).getCounts().taken, first + 100) << type;
     }
 }
 
