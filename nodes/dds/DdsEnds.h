@@ -2,6 +2,7 @@
 
 #include "nodes/dds/DdsEntity.h"
 #include "nodes/dds/DdsQos.h"
+#include <cstdint>
 #include <functional>
 
 namespace Trovio::Nodes {
@@ -12,6 +13,7 @@ struct DdsEnds {
     dds_entity_t _publisher;
     dds_entity_t _subscriber;
     dds_qos_t* _qos;
+    std::uint64_t _writerID;     // what the node writes under
     std::function<void()> _wake; // the node's thread; from any thread, under any lock
 };
 

@@ -1,8 +1,8 @@
 #include "nodes/dds/DdsInLane.h"
 
+#include "nodes/dds/DdsTaking.h"
 #include "nodes/dds/WireValue.h"
 #include "trovio/SlotTypes.h"
-#include <array>
 
 namespace Trovio::Nodes {
 
@@ -10,7 +10,6 @@ namespace {
 
 constexpr double reportPeriod = 1.0;         // seconds
 constexpr double latestStamp = 253402300800; // the year 10000, in seconds since 1970
-constexpr std::size_t samplesAtOnce = 32;
 
 template <class T>
 class TypedInLane final : public DdsInLane {
@@ -37,10 +36,6 @@ private:
     OutSlot<T> _slot;
 };
 
-struct ListenerDelete {
-    void operator()(dds_listener_t* listener) const { dds_delete_listener(listener); }
-};
-
 } // namespace
 
 std::unique_ptr<DdsInLane> DdsInLane::create(const ListedSlot& topic, bool finite, DdsInCounters& counters,
@@ -57,7 +52,9 @@ DdsInLane::DdsInLane(const ListedSlot& topic, const dds_topic_descriptor_t& desc
     : _topic(topic),
       _descriptor(descriptor),
       _counters(counters),
+      _clock(clock),
       _aliveSlot(topic._name + "/alive"),
+      _timingSlot(topic._name + "/timing"),
       _reports(clock, reportPeriod)
 {
 }
@@ -66,7 +63,7 @@ void DdsInLane::open(const DdsEnds& ends)
 {
     _wake = ends._wake;
     const std::string what = "cannot subscribe to " + _topic._name;
-    const std::unique_ptr<dds_listener_t, ListenerDelete> listener(dds_create_listener(this));
+    const DdsListener listener(dds_create_listener(this));
     dds_lset_data_available(listener.get(), onData);
     dds_lset_subscription_matched(listener.get(), onMatched);
     _ddsTopic =
@@ -88,12 +85,27 @@ void DdsInLane::lookForWriters()
     setAlive(status.current_count > 0);
 }
 
+void DdsInLane::pushTiming(const DdsClocks& clocks, const Time& now)
+{
+    std::optional<Arrival> newest;
+    {
+        const Ostrel::LockGuard guard(_takeLock);
+        newest = _newest;
+    }
+    if (!newest)
+        return;
+    if (const auto theirs = clocks.getOffset(newest->_writer, now.getSeconds())) {
+        const double ours = newest->_stamp - theirs->_offset; // the stamp, as our clock showed it then
+        _timingSlot.push(Data<Vec3<double>>({newest->_time - ours, now.getSeconds() - ours, theirs->_bound}, now));
+    }
+}
+
 void DdsInLane::setAlive(bool alive)
 {
     if (alive == _alive)
         return;
     _alive = alive;
-    _aliveSlot.push(Data<bool>(alive));
+    _aliveSlot.push(Data<bool>(alive, _clock.wallTime()));
 }
 
 void DdsInLane::onData(dds_entity_t reader, void* lane) noexcept
@@ -109,17 +121,9 @@ void DdsInLane::onMatched(dds_entity_t, dds_subscription_matched_status_t, void*
 void DdsInLane::takeAll(dds_entity_t reader)
 {
     const Ostrel::LockGuard guard(_takeLock);
-    std::array<void*, samplesAtOnce> samples{};
-    std::array<dds_sample_info_t, samplesAtOnce> infos{};
-    for (dds_return_t count = 1; count > 0;) {
-        samples[0] = nullptr; // asks the library for a loan
-        count = dds_take(reader, samples.data(), infos.data(), samplesAtOnce, samplesAtOnce);
-        for (std::size_t i = 0; count > 0 && i < static_cast<std::size_t>(count); ++i)
-            if (infos[i].valid_data) // else it only tells that a writer has left
-                take(samples[i]);
-        if (count > 0)
-            dds_return_loan(reader, samples.data(), count);
-    }
+    takeSamples(reader, [this](const void* sample, const dds_sample_info_t&) OSTREL_NO_THREAD_SAFETY_ANALYSIS {
+        take(sample); // under the lock: this runs before takeSamples() returns
+    });
 }
 
 void DdsInLane::take(const void* sample)
@@ -140,6 +144,7 @@ void DdsInLane::take(const void* sample)
         refuse("it holds " + problem);
     else
         _counters._samples.add();
+    _newest = {origin.writer, origin.stamp, _clock.wallTime().getSeconds()};
 }
 
 void DdsInLane::refuse(const std::string& problem)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Mutex.h"
-#include "nodes/dds/DdsEnds.h"
+#include "nodes/dds/DdsClocks.h"
 #include "nodes/dds/WriterNumbers.h"
 #include "nodes/shared/Report.h"
 #include "nodes/shared/SlotList.h"
@@ -19,7 +19,8 @@ struct DdsInCounters {
 };
 
 /// One topic that is subscribed to, and the out-slot that its samples go to. A second slot, TOPIC/alive, says whether
-/// anybody publishes it.
+/// anybody publishes it, and a third, TOPIC/timing, how old its values are: seconds from the newest one's time stamp to
+/// its arrival, seconds since that time stamp, and seconds by which both may be wrong, all by the source's clock.
 /// Threads: samples are pushed on a thread of the DDS library, as they come; one thread does the rest.
 class DdsInLane {
 public:
@@ -30,6 +31,7 @@ public:
 
     virtual BasicOutSlot& getSlot() = 0;
     OutSlot<bool>& getAliveSlot() { return _aliveSlot; }
+    OutSlot<Vec3<double>>& getTimingSlot() { return _timingSlot; }
     const ListedSlot& getTopic() const { return _topic; }
 
     /// Throws DdsProblem. From now on samples are pushed.
@@ -39,6 +41,8 @@ public:
 
     /// Finds out who is there, and pushes that where it has changed.
     void lookForWriters();
+    /// Pushes it, if the clock of who wrote the newest value is known. now: our date.
+    void pushTiming(const DdsClocks& clocks, const Time& now) OSTREL_EXCLUDES(_takeLock);
     bool isAlive() const { return _alive.value_or(false); }
 
 protected:
@@ -58,13 +62,20 @@ private:
     const ListedSlot _topic;
     const dds_topic_descriptor_t& _descriptor;
     DdsInCounters& _counters;
+    Clock& _clock;
     OutSlot<bool> _aliveSlot;
+    OutSlot<Vec3<double>> _timingSlot;
     std::optional<bool> _alive; // what was pushed last
     std::function<void()> _wake;
 
     Ostrel::Mutex _takeLock; // held around taking and pushing; no lock of a slot or the tree is held when it is taken
     WriterNumbers _numbers OSTREL_GUARDED_BY(_takeLock);
     Seldom _reports OSTREL_GUARDED_BY(_takeLock);
+    struct Arrival {
+        std::uint64_t _writer;
+        double _stamp, _time; // seconds since 1970
+    };
+    std::optional<Arrival> _newest OSTREL_GUARDED_BY(_takeLock);
 
     DdsEntity _ddsTopic, _reader; // last: goes first, and with it the listeners
 };

@@ -1,9 +1,8 @@
 #include "nodes/dds/DdsMatchWatch.h"
 
+#include "nodes/dds/DdsTaking.h"
 #include "nodes/dds/WireTypes.h"
 #include "trovio/SlotTypes.h"
-#include <array>
-#include <memory>
 
 namespace Trovio::Nodes {
 
@@ -11,7 +10,6 @@ namespace {
 
 constexpr std::size_t mostFound = 64;   // ends that are remembered; peers can make any number
 constexpr std::size_t longestText = 80; // characters of a peer's words in a message
-constexpr std::size_t samplesAtOnce = 64;
 
 /// The slot value type that travels as a topic type, or that type as its owner calls it.
 std::string slotTypeOf(const std::string& topicType)
@@ -67,8 +65,7 @@ DdsMatchWatch::~DdsMatchWatch() = default;
 
 void DdsMatchWatch::open(const DdsEnds& ends)
 {
-    const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t*)> listener(
-        dds_create_listener(const_cast<DdsEnds*>(&ends)), dds_delete_listener);
+    const DdsListener listener(dds_create_listener(const_cast<DdsEnds*>(&ends)));
     dds_lset_data_available(listener.get(), wake);
     const auto openReader = [&](dds_entity_t topic) {
         return DdsEntity(dds_create_reader(ends._participant, topic, nullptr, listener.get()),
@@ -103,23 +100,15 @@ std::string DdsMatchWatch::getProblem() const
 
 void DdsMatchWatch::lookAt(dds_entity_t reader, const Types& ours, bool isWriter)
 {
-    std::array<void*, samplesAtOnce> samples{};
-    std::array<dds_sample_info_t, samplesAtOnce> infos{};
-    for (dds_return_t count = 1; count > 0;) {
-        samples[0] = nullptr; // asks the library for a loan
-        count = dds_take(reader, samples.data(), infos.data(), samplesAtOnce, samplesAtOnce);
-        for (std::size_t i = 0; count > 0 && i < static_cast<std::size_t>(count); ++i) {
-            const bool isThere = infos[i].valid_data && infos[i].instance_state == DDS_ALIVE_INSTANCE_STATE;
-            const std::string problem =
-                isThere ? compare(*static_cast<dds_builtintopic_endpoint_t*>(samples[i]), ours, isWriter) : "";
-            if (problem.empty())
-                _found.erase(infos[i].instance_handle);
-            else if (_found.size() < mostFound)
-                _found[infos[i].instance_handle] = problem;
-        }
-        if (count > 0)
-            dds_return_loan(reader, samples.data(), count);
-    }
+    takeSamples<Take::All>(reader, [&](const void* sample, const dds_sample_info_t& info) {
+        const bool isThere = info.valid_data && info.instance_state == DDS_ALIVE_INSTANCE_STATE;
+        const std::string problem =
+            isThere ? compare(*static_cast<const dds_builtintopic_endpoint_t*>(sample), ours, isWriter) : "";
+        if (problem.empty())
+            _found.erase(info.instance_handle);
+        else if (_found.size() < mostFound)
+            _found[info.instance_handle] = problem;
+    });
 }
 
 std::string DdsMatchWatch::compare(const dds_builtintopic_endpoint_t& other, const Types& ours, bool isWriter) const

@@ -115,9 +115,11 @@ std::optional<double> DdsNode::work()
     }
     if (!isGrace)
         _graceEnd = 0.0;
-    if (retry)
-        return _clock.now() + retryPeriod;
-    return isGrace ? std::optional(_graceEnd) : std::nullopt;
+    std::optional<double> next = _session->compareClocks();
+    for (const double time : {retry ? _clock.now() + retryPeriod : 0.0, _graceEnd})
+        if (time > 0.0)
+            next = std::min(next.value_or(time), time);
+    return next;
 }
 
 void DdsNode::reportHealth()

@@ -4,19 +4,12 @@
 #include "trovio/BufferedInSlot.h"
 #include "trovio/SlotTypes.h"
 #include <atomic>
-#include <random>
 
 namespace Trovio::Nodes {
 
 namespace {
 
 constexpr double reportPeriod = 1.0; // seconds
-
-std::uint64_t randomID()
-{
-    std::random_device source;
-    return std::uint64_t(source()) << 32U | source();
-}
 
 template <class T>
 class TypedOutLane final : public DdsOutLane, SlotListener {
@@ -74,13 +67,14 @@ std::unique_ptr<DdsOutLane> DdsOutLane::create(const ListedSlot& topic, unsigned
 
 DdsOutLane::DdsOutLane(const ListedSlot& topic, const dds_topic_descriptor_t& descriptor, DdsOutCounters& counters,
                        Clock& clock)
-    : _topic(topic), _descriptor(descriptor), _counters(counters), _writerID(randomID()), _reports(clock, reportPeriod)
+    : _topic(topic), _descriptor(descriptor), _counters(counters), _reports(clock, reportPeriod)
 {
 }
 
 void DdsOutLane::open(const DdsEnds& ends)
 {
     const std::string what = "cannot publish " + _topic._name;
+    _writerID = ends._writerID;
     _ddsTopic =
         DdsEntity(dds_create_topic(ends._participant, &_descriptor, _topic._name.c_str(), ends._qos, nullptr), what);
     _writer = DdsEntity(dds_create_writer(ends._publisher, _ddsTopic.get(), ends._qos, nullptr), what);

@@ -64,7 +64,7 @@ private:
     const dds_topic_descriptor_t& _descriptor;
     DdsOutCounters& _counters;
     DdsEntity _ddsTopic, _writer;
-    std::uint64_t _writerID = 0;
+    std::uint64_t _writerID = 0; // the node's
     std::uint64_t _number = 0;
     std::optional<Sample> _pending; // the library has not taken it yet
     Seldom _reports;

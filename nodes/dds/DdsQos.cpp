@@ -7,6 +7,7 @@ namespace {
 // How long one write may wait for a reader that does not keep up. The node's thread only: it tries again, and looks
 // after the other topics meanwhile.
 constexpr double longestWrite = 0.005;
+constexpr int probeDepth = 64;
 
 } // namespace
 
@@ -19,6 +20,14 @@ DdsQos makeTopicQos(const DdsQuality& quality)
     dds_qset_durability(qos.get(), DDS_DURABILITY_TRANSIENT_LOCAL);
     dds_qset_durability_service(qos.get(), 0, DDS_HISTORY_KEEP_LAST, 1, DDS_LENGTH_UNLIMITED, DDS_LENGTH_UNLIMITED,
                                 DDS_LENGTH_UNLIMITED);
+    return qos;
+}
+
+DdsQos makeProbeQos()
+{
+    DdsQos qos(dds_create_qos());
+    dds_qset_reliability(qos.get(), DDS_RELIABILITY_BEST_EFFORT, 0);
+    dds_qset_history(qos.get(), DDS_HISTORY_KEEP_LAST, probeDepth);
     return qos;
 }
 

@@ -21,6 +21,9 @@ using DdsQos = std::unique_ptr<dds_qos_t, DdsQosDelete>;
 /// For topics, writers and readers: keeps the last records only, and the very last one for those that join later.
 DdsQos makeTopicQos(const DdsQuality& quality);
 
+/// For questions and answers that are worthless once they are late.
+DdsQos makeProbeQos();
+
 /// For publishers and subscribers.
 DdsQos makeGroupQos(const DdsQuality& quality);
 

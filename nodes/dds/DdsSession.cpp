@@ -1,20 +1,31 @@
 #include "nodes/dds/DdsSession.h"
 
 #include "trovio/BasicInSlot.h"
+#include <algorithm>
+#include <random>
 
 namespace Trovio::Nodes {
 
 namespace {
 
-constexpr int roundsAtOnce = 256; // through all topics, before looking at other things
+constexpr int roundsAtOnce = 256;    // through all topics, before looking at other things
+constexpr double timingPeriod = 1.0; // seconds
+
+std::uint64_t randomID()
+{
+    std::random_device source;
+    return std::uint64_t(source()) << 32U | source();
+}
 
 } // namespace
 
 DdsSession::DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, DdsInCounters& in,
                        std::function<void()> wake)
-    : _settings(std::move(settings)),
-      _ends{0, 0, 0, nullptr, std::move(wake)},
+    : _clock(clock),
+      _settings(std::move(settings)),
+      _ends{0, 0, 0, nullptr, randomID(), std::move(wake)},
       _watch(_settings._quality, _settings._published, _settings._subscribed),
+      _clocks(clock, _ends._writerID, {_settings._timing, !_settings._published.empty()}),
       _topicQos(makeTopicQos(_settings._quality))
 {
     _ends._qos = _topicQos.get();
@@ -41,6 +52,8 @@ void DdsSession::forEachOutSlot(const std::function<void(const std::string&, Bas
     for (const auto& lane : _inLanes) {
         use(lane->getTopic()._name, lane->getSlot());
         use(lane->getAliveSlot().getName(), lane->getAliveSlot());
+        if (_settings._timing)
+            use(lane->getTimingSlot().getName(), lane->getTimingSlot());
     }
 }
 
@@ -66,6 +79,7 @@ void DdsSession::openTopics()
     if (_ends._publisher < 0 || _ends._subscriber < 0)
         throw DdsProblem(what + ": " + dds_strretcode(std::min(_ends._publisher, _ends._subscriber)));
     _watch.open(_ends);
+    _clocks.open(_ends);
     for (const auto& lane : _outLanes)
         lane->open(_ends);
     for (const auto& lane : _inLanes)
@@ -75,6 +89,7 @@ void DdsSession::openTopics()
 void DdsSession::close()
 {
     _watch.close();
+    _clocks.close();
     for (const auto& lane : _outLanes)
         lane->close();
     for (const auto& lane : _inLanes)
@@ -103,6 +118,19 @@ void DdsSession::lookAround()
     _watch.look();
     for (const auto& lane : _inLanes)
         lane->lookForWriters();
+}
+
+std::optional<double> DdsSession::compareClocks()
+{
+    const auto next = _clocks.work();
+    if (!_settings._timing)
+        return next;
+    if (const double now = _clock.now(); now >= _nextTiming) {
+        for (const auto& lane : _inLanes)
+            lane->pushTiming(_clocks, _clock.wallTime());
+        _nextTiming = now + timingPeriod;
+    }
+    return std::min(next.value_or(_nextTiming), _nextTiming);
 }
 
 std::vector<std::string> DdsSession::getUnpublished() const

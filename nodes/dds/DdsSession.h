@@ -1,5 +1,6 @@
 #pragma once
 
+#include "nodes/dds/DdsClocks.h"
 #include "nodes/dds/DdsDomain.h"
 #include "nodes/dds/DdsInLane.h"
 #include "nodes/dds/DdsMatchWatch.h"
@@ -14,6 +15,7 @@ struct DdsSettings {
     std::vector<ListedSlot> _published;
     std::vector<ListedSlot> _subscribed;
     bool _finite = true;
+    bool _timing = false; // whether the clocks of who publishes are asked
 };
 
 /// A node's topics, with their slots, and its part in the domain while it is open.
@@ -38,6 +40,9 @@ public:
     bool sendWaiting(bool& retry);
     void lookAround();
 
+    /// Compares clocks, and tells how old values are; when to do so again.
+    std::optional<double> compareClocks();
+
     /// Topics that somebody subscribes to here and nobody publishes.
     std::vector<std::string> getUnpublished() const;
     std::string getMismatch() const { return _watch.getProblem(); }
@@ -45,11 +50,14 @@ public:
 private:
     void openTopics();
 
+    Clock& _clock;
     const DdsSettings _settings;
     DdsEnds _ends;
     std::vector<std::unique_ptr<DdsOutLane>> _outLanes;
     std::vector<std::unique_ptr<DdsInLane>> _inLanes;
     DdsMatchWatch _watch;
+    DdsClocks _clocks;
+    double _nextTiming = 0.0;
     DdsQos _topicQos;
 
     std::shared_ptr<DdsDomain> _domain;

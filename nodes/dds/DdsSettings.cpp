@@ -26,6 +26,7 @@ const Setting rows[] = {
     Setting::integer("depth", "64", 1, 65536, "records of a topic that may wait at either end; the newest are kept"),
     Setting::choice("reliable", "yes", "yes|no", "whether what is lost on the line is sent again"),
     Setting::choice("finite", "yes", "yes|no", "whether samples with infinite numbers or not-a-number are refused"),
+    Setting::choice("timing", "no", "yes|no", "whether Topic/timing tells how old values are, by comparing clocks"),
     Setting::number("lease", "3", 0.5, 60, "seconds of silence after which a peer counts as gone"),
     Setting::integer("processes", "32", 1, 119, "programs that are looked for on a machine, without multicast"),
     Setting::integer("largest", "67108864", 1024, 1 << 30, "bytes of a sample; larger ones are neither sent nor taken"),
@@ -72,9 +73,11 @@ void checkApart(const Settings& settings, const DdsSettings& read)
     for (const ListedSlot& topic : read._subscribed) {
         labels.insert(topic._name);
         labels.insert(topic._name + "/alive");
+        labels.insert(topic._name + "/timing");
     }
-    if (labels.size() < 2 * read._subscribed.size())
-        throw settings.refusal("subscribe", "no topic that is called like another one with /alive behind it");
+    if (labels.size() < 3 * read._subscribed.size())
+        throw settings.refusal("subscribe",
+                               "no topic that is called like another one with /alive or /timing behind it");
     for (const ListedSlot& topic : read._published)
         if (labels.contains(topic._name))
             throw settings.refusal("publish", "topics that are no label of 'subscribe', but both have " + topic._name +
@@ -95,6 +98,7 @@ DdsSettings readDdsSettings(const Settings& settings)
     read._quality._partition = settings.text("partition");
     read._quality._depth = static_cast<int>(settings.integer("depth"));
     read._quality._reliable = settings.choice("reliable") == 0;
+    read._timing = settings.choice("timing") == 0;
     read._finite = settings.choice("finite") == 0;
     read._published = readDdsTopics(settings, "publish");
     read._subscribed = readDdsTopics(settings, "subscribe");

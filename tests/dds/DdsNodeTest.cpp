@@ -189,7 +189,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Refused{"BadType", "publish='Wand Vec5f'", "one of Bool, "},
                       Refused{"BothWays", "publish='A Float' subscribe='A Float'", "both have A"},
                       Refused{"AliveTaken", "publish='A/alive Bool' subscribe='A Float'", "both have A/alive"},
-                      Refused{"AliveTwice", "subscribe='A Float, A/alive Bool'", "/alive behind it"},
+                      Refused{"AliveTwice", "subscribe='A Float, A/alive Bool'", "/alive or /timing behind it"},
                       Refused{"MarkupInInterface", "publish='A Float' interface='<lo/>'", "the name of a network"},
                       Refused{"HostName", "publish='A Float' host='10.0.0.1 wand.local'", "numeric IPv4"},
                       Refused{"WildPartition", "publish='A Float' partition='*'", "of the characters"}),

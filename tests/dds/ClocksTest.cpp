@@ -1,0 +1,96 @@
+#include "nodes/dds/ClockOffset.h"
+#include "nodes/dds/WriterNumbers.h"
+#include "tests/dds/DdsFixture.h"
+#include <cmath>
+#include <limits>
+
+namespace Trovio::Nodes {
+namespace {
+
+TEST(ClockOffset, BestQuestionCountsUntilItIsOld)
+{
+    ClockOffset offset;
+    EXPECT_FALSE(offset.estimate(0.0));
+    // The other clock is 5 s ahead; the answer to the first question is held up for 0.2 s.
+    EXPECT_TRUE(offset.note(10.0, 15.1, 15.1, 10.4));
+    EXPECT_NEAR(offset.estimate(10.4)->_offset, 4.9, 1e-9);
+    EXPECT_NEAR(offset.estimate(10.4)->_bound, 0.2, 1e-9);
+    EXPECT_TRUE(offset.note(11.0, 16.01, 16.01, 11.02));
+    EXPECT_TRUE(offset.note(12.0, 17.1, 17.1, 12.4));
+    EXPECT_NEAR(offset.estimate(12.4)->_offset, 5.0, 1e-9);
+    EXPECT_LT(offset.estimate(12.4)->_bound, 0.011);
+    // The clocks may have drifted apart by more than the good answer gained.
+    EXPECT_TRUE(offset.note(2000.0, 2005.1, 2005.1, 2000.4));
+    EXPECT_NEAR(offset.estimate(2000.4)->_offset, 4.9, 1e-9);
+}
+
+TEST(ClockOffset, ImpossibleAnswersAreNotNoted)
+{
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    ClockOffset offset;
+    EXPECT_FALSE(offset.note(10.0, 15.0, 15.0, 9.0));  // came before it was asked
+    EXPECT_FALSE(offset.note(10.0, 15.0, 16.0, 10.5)); // took longer there than here
+    EXPECT_FALSE(offset.note(10.0, 15.0, 14.0, 10.5)); // answered before it came
+    EXPECT_FALSE(offset.note(10.0, none, 15.0, 10.5));
+    EXPECT_FALSE(offset.note(10.0, 15.0, std::numeric_limits<double>::infinity(), 10.5));
+    EXPECT_FALSE(offset.estimate(11.0));
+}
+
+TEST(WriterNumbers, TellRepeatedFromMissed)
+{
+    WriterNumbers numbers;
+    const auto expect = [&numbers](std::uint64_t writer, std::uint64_t number, bool isNew, std::uint64_t missed) {
+        const auto verdict = numbers.note(writer, number);
+        EXPECT_EQ(verdict._isNew, isNew) << writer << ": " << number;
+        EXPECT_EQ(verdict._missed, missed) << writer << ": " << number;
+    };
+    expect(1, 5, true, 0); // what came before this reader did is not missed
+    expect(1, 5, false, 0);
+    expect(2, 1, true, 0);
+    expect(1, 8, true, 2);
+    expect(1, 7, false, 0);
+    expect(3, 0, true, 0);
+    expect(3, 0, true, 0); // does not count
+    for (std::uint64_t writer = 100; writer < 163; ++writer) {
+        expect(writer, 1, true, 0);
+        expect(1, writer, true, writer == 100 ? 91 : 0);
+    }
+    expect(1, 162, false, 0); // spoke all the time, and is remembered
+    expect(2, 1, true, 0);    // was quiet longest, and is forgotten
+}
+
+/// The system's clock, with the date set wrong.
+class WrongDate final : public Clock {
+public:
+    explicit WrongDate(double ahead) : _ahead(ahead) {}
+    double now() const override { return Clock::system().now(); }
+    Time wallTime() const override { return Time(Time::getCurrentTime().getSeconds() + _ahead); }
+    std::unique_ptr<Alarm> createAlarm() override { return Clock::system().createAlarm(); }
+
+private:
+    const double _ahead;
+};
+
+TEST(DdsTiming, TakesOutHowFarTheClocksAreApart)
+{
+    constexpr double ahead = 1000.0, held = 30.0;
+    const OpenRoot root;
+    WrongDate clock(ahead);
+    StandingNode<DdsNode> writer(std::make_unique<DdsNode>(clock), "publish='Wand Float' label=writer" + apart());
+    Feed<float> feed("writer/Wand");
+    // A value that its source held back for half a minute, by the source's clock.
+    feed.push(1.0F, clock.wallTime().getSeconds() - held);
+    DdsPeer reader("subscribe='Wand Float' timing=yes label=reader");
+    Probe<Vec3<double>> timing("reader/Wand/timing");
+    for (int i = 0; i < 2; ++i) {
+        const Vec3<double> told = timing.next().getValue();
+        EXPECT_GE(told[2], 0.0);
+        EXPECT_LT(told[2], held);
+        EXPECT_GE(told[0], held - told[2]);
+        EXPECT_LT(told[0], ahead - held); // however long the machine was busy, the wrong date is not in it
+        EXPECT_GE(told[1], told[0]);
+    }
+}
+
+} // namespace
+} // namespace Trovio::Nodes
