@@ -1,5 +1,6 @@
 #include "nodes/shared/Worker.h"
 #include "tests/nodes/ManualClock.h"
+#include <atomic>
 #include <future>
 #include <gtest/gtest.h>
 
@@ -41,24 +42,25 @@ TEST_P(WorkerWait, StopEndsItAndTheWorkerCanStartAgain)
     }
 }
 
+// Handed over one by one, so that the worker waits, or is about to, at each wake.
 TEST_P(WorkerWait, WakeIsNeverLost)
 {
     constexpr int rounds = 2000;
-    std::atomic<int> asked{0};
-    std::promise<void> allSeen;
+    std::atomic<int> asked{0}, seen{0};
     _worker.start(
         "test",
         [&] {
-            while (asked < rounds && wait()) {
+            while (seen < rounds && (asked != seen || wait())) {
+                seen = asked.load();
+                seen.notify_one();
             }
-            allSeen.set_value();
         },
         unexpected);
     for (int i = 0; i < rounds; ++i) {
-        ++asked;
+        asked = i + 1;
         _worker.wake();
+        seen.wait(i);
     }
-    allSeen.get_future().wait();
 }
 
 INSTANTIATE_TEST_SUITE_P(ForTimeAndDescriptor, WorkerWait, ::testing::Combine(::testing::Bool(), ::testing::Bool()));
