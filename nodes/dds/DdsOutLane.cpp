@@ -1,5 +1,6 @@
 #include "nodes/dds/DdsOutLane.h"
 
+#include "nodes/dds/DdsLog.h"
 #include "nodes/dds/WireValue.h"
 #include "trovio/BufferedInSlot.h"
 #include "trovio/SlotTypes.h"
@@ -93,7 +94,10 @@ DdsOutLane::Outcome DdsOutLane::send()
         }
         *_pending->_origin = {_pending->_stamp, _writerID, ++_number};
     }
+    const DdsLog::Listening log;
     const dds_return_t result = dds_write(_writer.get(), _pending->_sample);
+    if (!log.text().empty())
+        complain(log.text());
     if (result == DDS_RETCODE_TIMEOUT) {
         _counters._delays.add();
         return Outcome::TryLater;
@@ -111,8 +115,13 @@ void DdsOutLane::fail(const std::string& problem)
 {
     _pending.reset();
     _counters._failed.add();
+    complain("a record cannot be sent: " + problem);
+}
+
+void DdsOutLane::complain(const std::string& problem)
+{
     if (const auto withheld = _reports.admit())
-        report(osg::LogWarning, "DDS: a record of " + _topic._name + " cannot be sent: " + problem +
+        report(osg::LogWarning, "DDS: topic " + _topic._name + ": " + problem +
                                     (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : ""));
 }
 

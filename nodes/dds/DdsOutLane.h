@@ -59,6 +59,7 @@ protected:
 
 private:
     void fail(const std::string& problem);
+    void complain(const std::string& problem); // seldom
 
     const ListedSlot _topic;
     const dds_topic_descriptor_t& _descriptor;

@@ -75,6 +75,21 @@ TEST_F(DdsNodeTest, BurstArrivesWholeAndInOrder)
         ASSERT_EQ(probe.next().getValue(), i);
 }
 
+TEST_F(DdsNodeTest, RecordThatIsTooLargeIsLeftOut)
+{
+    DdsPeer reader("subscribe='Scan Float[]' label=reader largest=4096");
+    DdsPeer writer("publish='Scan Float[]' label=writer largest=4096");
+    Probe<SharedVector<float>> probe("reader/Scan");
+    Feed<SharedVector<float>> feed("writer/Scan");
+    for (const std::size_t length : {2000U, 3U}) {
+        SharedVector<float> numbers;
+        *numbers = std::vector<float>(length, 1.0F);
+        feed.push(numbers, 1.0);
+    }
+    EXPECT_EQ(probe.next().getValue()->size(), 3U);
+    EXPECT_EQ(writer.count("out failed"), 1U);
+}
+
 TEST_F(DdsNodeTest, PublisherThatLeavesIsMissedAndComesBack)
 {
     DdsPeer reader("subscribe='Wand Float' label=reader");
