@@ -22,12 +22,14 @@ expect "node types" "$("$host" nodes)" OSC
 expect "loaded libraries" "$(ldd "$host")" "$work/unpacked/usr"
 "$host" check "$work"/unpacked/usr/share/doc/*/examples/first-light.toml
 
-# All libraries that the given files load directly.
-loaded_by() { objdump -p "$@" | awk '$1 == "NEEDED" { print $2 }' | sort -u; }
+# The packages of all libraries that the given files load directly; our own are in none.
+packages_behind() {
+    objdump -p "$@" | awk '$1 == "NEEDED" { print $2 }' | sort -u | while read -r library; do
+        dpkg-query --search "$library" 2>/dev/null | head -n 1 | cut -d: -f1 || true
+    done | sort -u
+}
 modules=("$work"/unpacked/usr/lib/trovio/*.so)
-for library in $(comm -13 <(loaded_by "$host" "$work"/unpacked/usr/lib/*.so) <(loaded_by "${modules[@]}")); do
-    provider=$(dpkg-query --search "$library" | head -n 1)
-    provider=${provider%%:*}
+for provider in $(comm -13 <(packages_behind "$host" "$work"/unpacked/usr/lib/*.so) <(packages_behind "${modules[@]}")); do
     expect Recommends "$recommends" "$provider"
     [[ $depends != *"$provider"* ]] || { echo "Depends has $provider, which only a module needs: $depends" >&2 && exit 1; }
 done
