@@ -20,7 +20,7 @@ struct DeviceNews {
 };
 
 /// The controllers of this machine, as far as this project needs to know them. Tests hand in their own.
-/// Threads: one call at a time; open() to close() on one thread, but for rumble().
+/// Threads: all from open() to close() on one thread.
 class ControllerDevices {
 public:
     virtual ~ControllerDevices() = default;

@@ -65,8 +65,10 @@ void DeviceBroker::close(const std::string& reason, const Time& now)
         user._user->deviceMissing(reason, now);
     }
     _present.clear();
-    if (std::exchange(_open, false))
-        _devices->close();
+    if (!std::exchange(_open, false))
+        return;
+    silence();
+    _devices->close();
 }
 
 void DeviceBroker::take(DeviceNews news, const Time& now)
@@ -154,13 +156,20 @@ void DeviceBroker::release(User& user)
 {
     if (!user._device)
         return;
-    _devices->rumble(user._device->first, Rumble());
+    _toSilence.push_back(user._device->first);
     user._device->second._owner = nullptr;
     user._device = nullptr;
 }
 
+void DeviceBroker::silence()
+{
+    for (const int device : std::exchange(_toSilence, {}))
+        _devices->rumble(device, Rumble());
+}
+
 void DeviceBroker::exchangeRumble()
 {
+    silence();
     for (const User& user : _users)
         if (const auto rumble = user._user->takeRumble())
             user._user->rumbleDone(user._device && _devices->rumble(user._device->first, *rumble));

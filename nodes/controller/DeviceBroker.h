@@ -34,13 +34,13 @@ protected:
 /// Who gets which: first those whose wish says more, then those who had the same device before, then those who never
 /// had one, then by order of attaching. A user whose wish says less gives a device up again, so that the outcome does
 /// not depend on who came first.
-/// Threads: one at a time.
+/// Threads: one at a time. Devices are used in look() and close() only.
 class DeviceBroker {
 public:
     explicit DeviceBroker(std::unique_ptr<ControllerDevices> devices) : _devices(std::move(devices)) {}
 
     void attach(ControllerUser& user);
-    /// Its device is free again, and its motors stand still.
+    /// Its device is free again; the motors stand still from the next look on.
     void detach(ControllerUser& user);
     bool isUsed() const { return !_users.empty(); }
 
@@ -72,6 +72,7 @@ private:
     bool assignBest(const Time& now);
     void give(User& user, Devices::value_type& device, const Time& now);
     void release(User& user);
+    void silence();
     void exchangeRumble();
     std::string explainMissing(const User& user) const;
 
@@ -81,6 +82,7 @@ private:
     const std::unique_ptr<ControllerDevices> _devices;
     std::list<User> _users;
     Devices _present;
+    std::vector<int> _toSilence; // were given up, maybe with their motors on
     bool _open = false;
     bool _changed = false; // users or devices came or went since devices were last assigned
 };

@@ -148,8 +148,10 @@ void SdlDevices::open()
 void SdlDevices::close()
 {
     _handles.clear();
-    if (std::exchange(_isOpen, false))
-        SDL_QuitSubSystem(subsystems);
+    if (!std::exchange(_isOpen, false))
+        return;
+    SDL_QuitSubSystem(subsystems);
+    SDL_TLSCleanup(); // the thread is none of SDL's, which keeps something for each one that calls it
 }
 
 DeviceNews SdlDevices::look()

@@ -3,8 +3,8 @@
 #include "base/Mutex.h"
 #include "nodes/controller/ControllerDevices.h"
 #include <condition_variable>
+#include <sstream>
 #include <stdexcept>
-#include <string>
 #include <utility>
 
 namespace Trovio::Nodes {
@@ -15,13 +15,11 @@ class FakeDevices final : public ControllerDevices {
 public:
     void open() override
     {
-        const Ostrel::LockGuard guard(_lock);
-        _calls.push_back("open");
+        note("open");
         if (!_problem.empty())
-            throw std::runtime_error(std::exchange(_problem, ""));
+            throw std::runtime_error(_problem);
     }
     void close() override { note("close"); }
-
     DeviceNews look() override
     {
         const Ostrel::LockGuard guard(_lock);
@@ -29,15 +27,15 @@ public:
         _looked.notify_all();
         return std::exchange(_news, {});
     }
-
     bool rumble(int device, const Rumble& rumble) override
     {
-        char text[64];
-        std::snprintf(text, sizeof(text), "rumble %d %g %g %g", device, double(rumble._slow), double(rumble._fast),
-                      rumble._seconds);
-        note(text);
+        std::ostringstream call;
+        call << "rumble " << device << " " << rumble._slow << " " << rumble._fast << " " << rumble._seconds;
+        note(call.str());
         return true;
     }
+
+    std::string _problem; // of opening; set it before there is a thread
 
     /// The next look shows it. The number is a new one each time.
     int plugIn(const DeviceIdentity& identity)
@@ -56,11 +54,6 @@ public:
         const Ostrel::LockGuard guard(_lock);
         _news._changes.push_back({device, kind, index, values});
     }
-    void failNextOpen(const std::string& problem)
-    {
-        const Ostrel::LockGuard guard(_lock);
-        _problem = problem;
-    }
 
     std::vector<std::string> takeCalls()
     {
@@ -68,35 +61,28 @@ public:
         return std::exchange(_calls, {});
     }
 
-    /// Has the hub look until everything that was done before this call is through.
+    /// Has the hub look until all that was done before is through: when the second look begins, the first has ended.
     template <class Hub>
     void settle(Hub& hub)
     {
-        waitForLooks(hub, 1);
-        waitForLooks(hub, 1); // when the second one begins, the first one has ended
+        for (int look = 0; look < 2; ++look) {
+            std::unique_lock guard(_lock);
+            hub.wake();
+            _looked.wait(guard, [wanted = _looks + 1, this] { return _looks >= wanted; });
+        }
     }
 
 private:
-    template <class Hub>
-    void waitForLooks(Hub& hub, std::size_t count)
-    {
-        std::unique_lock guard(_lock);
-        const std::size_t wanted = _looks + count;
-        hub.wake();
-        _looked.wait(guard, [&] { return _looks >= wanted; });
-    }
-
-    void note(std::string call)
+    void note(const std::string& call)
     {
         const Ostrel::LockGuard guard(_lock);
-        _calls.push_back(std::move(call));
+        _calls.push_back(call);
     }
 
     Ostrel::Mutex _lock;
     std::condition_variable_any _looked;
     DeviceNews _news;
     std::vector<std::string> _calls;
-    std::string _problem;
     int _lastDevice = 0;
     std::size_t _looks = 0;
 };
