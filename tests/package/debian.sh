@@ -25,7 +25,7 @@ expect "loaded libraries" "$(ldd "$host")" "$work/unpacked/usr"
 # The packages of all libraries that the given files load directly; our own are in none.
 packages_behind() {
     objdump -p "$@" | awk '$1 == "NEEDED" { print $2 }' | sort -u | while read -r library; do
-        dpkg-query --search "$library" 2>/dev/null | head -n 1 | cut -d: -f1 || true
+        dpkg-query --search "*/$(uname -m)-linux-gnu/$library" 2>/dev/null | head -n 1 | cut -d: -f1 || true
     done | sort -u
 }
 modules=("$work"/unpacked/usr/lib/trovio/*.so)
