@@ -44,9 +44,7 @@ public:
 
 private:
     using Sensors = std::map<std::uint64_t, std::unique_ptr<DirectSensor>>;
-    class Walk;
-    /// True if there was a sensor of the other direction.
-    bool service(bool outputs, const TimeStamp& now);
+    void service(bool outputs, const TimeStamp& now);
     std::unique_ptr<DirectSensor> take(Sensors::iterator place);
 
     std::unique_ptr<Context> _context;
@@ -54,7 +52,6 @@ private:
     std::uint64_t _number = 0;
     Sensors _sensors; // by the number of the addition
     std::unordered_map<const DirectSensor*, std::uint64_t> _numbers;
-    Walk* _walk = nullptr; // the innermost one that runs
 };
 
 } // namespace Ostrel
