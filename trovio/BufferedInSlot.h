@@ -44,7 +44,7 @@ bool BufferedInSlot<T>::empty() const
 {
     this->lock();
     const bool empty = _count == 0;
-    this->Slot::unlock(); // nothing was stored, so nobody has to be woken
+    this->unlock();
     return empty;
 }
 
@@ -62,7 +62,8 @@ template <class T>
 Data<T> BufferedInSlot<T>::pop()
 {
     for (;;) {
-        this->waitAndLock();
+        this->down();
+        this->lock();
         this->throwIfInterrupted();
         if (_count != 0)
             break;

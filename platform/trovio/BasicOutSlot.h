@@ -30,7 +30,7 @@ public:
 
 protected:
     explicit BasicOutSlot(const std::string& name)
-        : Slot(name, Direction::Out, Ostrel::LockRank::OutSlotListeners, Ostrel::LockRank::OutSlotData)
+        : Slot(name, Ostrel::LockRank::OutSlotListeners, Ostrel::LockRank::OutSlotData)
     {
     }
 

@@ -12,47 +12,34 @@ public:
     Semaphore() = default;
     Semaphore(const Semaphore&) = delete;
     Semaphore& operator=(const Semaphore&) = delete;
-    ~Semaphore()
-    {
-        Explorer::expect(!Explorer::Scheduler::anybodySleepsOn(this), "a semaphore was destroyed under a sleeper");
-    }
+    ~Semaphore() { Explorer::expect(_sleepers == 0, "a semaphore was destroyed under a sleeper"); }
 
-    [[nodiscard]] std::uint32_t post()
+    [[nodiscard]] bool post()
     {
+        Explorer::Scheduler::step("post", this);
         ++_tokens;
-        if (_called == _announced)
-            return 0;
-        ++_called;
-        return 1;
+        return _sleepers != 0;
     }
 
-    void wake(std::uint32_t wakes)
+    void wake()
     {
-        for (std::uint32_t i = 0; i < wakes; ++i) {
-            Explorer::Scheduler::step("wake", this);
-            Explorer::Scheduler::wakeOne(this);
-        }
+        Explorer::Scheduler::step("wake", this);
+        Explorer::Scheduler::wakeOne(this);
     }
 
-    template <class Lock>
-    void wait(Lock& lock)
+    void wait()
     {
-        while (_tokens == 0) {
-            ++_announced;
-            const unsigned called = _called;
-            lock.unlock();
-            Explorer::Scheduler::step("wait", this);
-            if (_called == called)
-                Explorer::Scheduler::sleepOn(this);
-            lock.lock();
-        }
+        Explorer::Scheduler::step("wait", this);
+        ++_sleepers;
+        while (_tokens == 0)
+            Explorer::Scheduler::sleepOn(this);
+        --_sleepers;
         --_tokens;
     }
 
 private:
     unsigned _tokens = 0;
-    unsigned _announced = 0; // so many went to sleep
-    unsigned _called = 0;    // so many of them are woken, or will be
+    unsigned _sleepers = 0;
 };
 
 } // namespace Ostrel
