@@ -15,7 +15,7 @@ list(TRANSFORM library_dirs REPLACE "/[^/]+$" "")
 list(REMOVE_DUPLICATES library_dirs)
 list(TRANSFORM library_dirs PREPEND -l)
 
-execute_process(COMMAND ${SHLIBDEPS} --ignore-missing-info -O ${library_dirs} -dDepends ${files} -dRecommends ${modules}
+execute_process(COMMAND ${SHLIBDEPS} --ignore-missing-info --warnings=0 -O ${library_dirs} -dDepends ${files} -dRecommends ${modules}
   WORKING_DIRECTORY ${work} OUTPUT_VARIABLE found COMMAND_ERROR_IS_FATAL ANY)
 foreach(kind Depends Recommends)
   string(TOUPPER ${kind} upper)

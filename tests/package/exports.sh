@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
 # exports.sh LIBRARY [LIST]: what the library exports, one line for each name with how many there are of it; template
 # arguments are left out, so that all slot types share a line. With a list, says what differs and fails if anything does.
-# Left out are inline functions that the compiler happened to keep; those of the slots and pools are compiled on purpose.
+# Left out is what the compiler happened to keep of inline functions and of other libraries' classes; what belongs to
+# the slots and pools is compiled on purpose.
 set -euo pipefail
 
 exported=$(nm --dynamic --demangle --defined-only "$1" | cut -d' ' -f2- |
     sed -E ':inner; s/<[^<>]*>/@/; t inner; s/@/<>/g; s/\[abi:[a-z0-9]+\]//')
-foreign=$(grep -vE '^. (((construction )?vtable|VTT|typeinfo|typeinfo name|guard variable) for |(non-)?(virtual )?thunk to )?(Ostrel|Trovio)::' \
-    <<<"$exported" || true)
+prefix='(((construction )?vtable|VTT|typeinfo|typeinfo name|guard variable) for |(non-)?(virtual )?thunk to )?'
+foreign=$(grep -vE "^. $prefix(Ostrel|Trovio)::" <<<"$exported" || true)
 [[ -z $foreign ]] || { echo "exported, but not of this library:" >&2 && echo "$foreign" >&2 && exit 1; }
 
-list=$(grep -E '^[^WV] |^W Trovio::(InSlot|BufferedInSlot|OutSlot|Cache)<>|^V (vtable|typeinfo) for ' <<<"$exported" |
+slots='Trovio::(InSlot|BufferedInSlot|OutSlot)<>'
+list=$(grep -E "^[^WV] |^W ($slots|Trovio::Cache<>)|^V (vtable|typeinfo) for (Ostrel::|$slots)" <<<"$exported" |
     cut -d' ' -f2- | LC_ALL=C sort | uniq -c | sed 's/^ *//')
 if [[ $# == 1 ]]; then
     echo "$list"
