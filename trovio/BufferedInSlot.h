@@ -44,7 +44,7 @@ bool BufferedInSlot<T>::empty() const
 {
     this->lock();
     const bool empty = _count == 0;
-    this->unlock();
+    this->Slot::unlock(); // nothing was stored, so nobody has to be woken
     return empty;
 }
 
@@ -62,8 +62,7 @@ template <class T>
 Data<T> BufferedInSlot<T>::pop()
 {
     for (;;) {
-        this->down();
-        this->lock();
+        this->waitAndLock();
         this->throwIfInterrupted();
         if (_count != 0)
             break;

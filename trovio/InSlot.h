@@ -42,6 +42,8 @@ public:
     virtual void push(const Data<T>& data) OSTREL_EXCLUDES(_dataLock);
 
 protected:
+    /// down(), and then the data lock.
+    void waitAndLock() OSTREL_ACQUIRE(_dataLock) OSTREL_NO_THREAD_SAFETY_ANALYSIS { Hooks::downAndLock(*this); }
     /// Throws for a pending interrupt, without the data lock.
     void throwIfInterrupted() OSTREL_REQUIRES(_dataLock) OSTREL_NO_THREAD_SAFETY_ANALYSIS;
 
@@ -58,7 +60,7 @@ bool InSlot<T>::empty() const
 {
     this->lock();
     const bool empty = _empty;
-    this->unlock();
+    this->Slot::unlock(); // nothing was stored, so nobody has to be woken
     return empty;
 }
 
@@ -86,8 +88,7 @@ template <class T>
 Data<T> InSlot<T>::pop()
 {
     for (;;) {
-        this->down();
-        this->lock();
+        waitAndLock();
         throwIfInterrupted();
         if (!_empty)
             break;

@@ -1,44 +1,55 @@
 #pragma once
 
+#include "base/FutexLock.h"
+#include "base/LockEvents.h"
 #include "base/LockRank.h"
 #include "base/ThreadSafety.h"
-#include <mutex>
 
 namespace Ostrel {
 
 /// A plain, non-recursive mutex that the compiler's thread-safety analysis knows and whose rank debug builds check.
+/// std::condition_variable_any waits on it.
 class OSTREL_CAPABILITY("mutex") Mutex {
 public:
     explicit Mutex(LockRank rank = LockRank::Unranked) : _rank(rank) {}
     Mutex(const Mutex&) = delete;
     Mutex& operator=(const Mutex&) = delete;
+#ifdef OSTREL_THREAD_SANITIZER
+    ~Mutex()
+    {
+        OSTREL_LOCK_EVENT(destroy, this, 0);
+    }
+#endif
 
     void lock() OSTREL_ACQUIRE()
     {
         HeldRanks::acquire(_rank);
-        _mutex.lock();
+        OSTREL_LOCK_EVENT(pre_lock, this, 0);
+        _lock.lock();
+        OSTREL_LOCK_EVENT(post_lock, this, 0, 0);
     }
 
     /// Takes the mutex if nobody holds it. Not by the thread that holds it already.
     bool tryLock() OSTREL_TRY_ACQUIRE(true)
     {
-        if (!_mutex.try_lock())
-            return false;
-        HeldRanks::acquire(_rank);
-        return true;
+        OSTREL_LOCK_EVENT(pre_lock, this, __tsan_mutex_try_lock);
+        const bool taken = _lock.tryLock();
+        OSTREL_LOCK_EVENT(post_lock, this, taken ? __tsan_mutex_try_lock : __tsan_mutex_try_lock_failed, 0);
+        if (taken)
+            HeldRanks::acquire(_rank);
+        return taken;
     }
 
     void unlock() OSTREL_RELEASE()
     {
-        _mutex.unlock();
+        OSTREL_LOCK_EVENT(pre_unlock, this, 0);
+        _lock.unlock();
+        OSTREL_LOCK_EVENT(post_unlock, this, 0);
         HeldRanks::release(_rank);
     }
 
-    /// For condition variables (std::condition_variable_any waits on the Mutex itself, and needs no handle).
-    std::mutex& native() { return _mutex; }
-
 private:
-    std::mutex _mutex;
+    FutexLock _lock;
     [[maybe_unused]] const LockRank _rank;
 };
 

@@ -1,16 +1,14 @@
 #pragma once
 
-#include <atomic>
-#include <cstdint>
-#include <linux/futex.h>
-#include <sys/syscall.h>
-#include <unistd.h>
+#include "base/Futex.h"
+#include "base/ThreadSafety.h"
 
 namespace Ostrel {
 
-/// A counting semaphore that enters the kernel only where a thread has to sleep or to be woken.
-/// Posting and waking are two steps, so that a poster can leave its lock before the woken thread wants it.
-/// Threads: any thread, any operation.
+/// A count of tokens that a lock of its owner guards, and a place to sleep at while there is none.
+/// Whoever posts holds that lock anyway, to store what the token stands for, so the count needs no atomic operation of
+/// its own. Waking is a step of its own, so that a poster can leave the lock before the woken thread wants it.
+/// Threads: any; post() and wait() under the owner's lock, wake() without it.
 ///
 /// The standard counting semaphore of this compiler was tried: each release from zero makes a system call.
 class Semaphore {
@@ -19,46 +17,47 @@ public:
     Semaphore(const Semaphore&) = delete;
     Semaphore& operator=(const Semaphore&) = delete;
 
-    /// Adds a token. True if a thread may be asleep: the caller then owes one wake().
-    [[nodiscard]] bool post()
+    /// Adds a token. Returns how many wakes the caller owes for it once it has left the lock: 1 or 0.
+    [[nodiscard]] std::uint32_t post()
     {
-        _tokens.fetch_add(1);
-        return _sleepers.load() != 0;
+        ++_tokens;
+        return _sleepers == 0 ? 0 : callOne();
     }
 
-    void wake() { futex(FUTEX_WAKE_PRIVATE, 1); }
+    void wake(std::uint32_t wakes) { futexWake(_calls, wakes); }
 
-    /// Takes a token, and blocks until there is one.
-    void wait()
+    /// Takes a token, and sleeps until there is one. The lock is held before and after, and left for the sleep.
+    template <class Lock>
+    void wait(Lock& lock)
     {
-        if (tryTake())
-            return;
-        // Announced before the last look: a poster either sees this sleeper, or its token is seen here.
-        _sleepers.fetch_add(1);
-        while (!tryTake())
-            futex(FUTEX_WAIT_PRIVATE, 0);
-        _sleepers.fetch_sub(1);
+        while (_tokens == 0)
+            sleep(lock);
+        --_tokens;
     }
 
 private:
-    bool tryTake()
+    /// Whoever announced a sleep and is not asleep yet sees that the word has changed, and looks again.
+    std::uint32_t callOne()
     {
-        std::uint32_t tokens = _tokens.load();
-        while (tokens != 0)
-            if (_tokens.compare_exchange_weak(tokens, tokens - 1))
-                return true;
-        return false;
+        --_sleepers;
+        _calls.fetch_add(1);
+        return 1;
     }
 
-    // A wait returns at once when the word is no longer `value`, and may return early; wait() looks again.
-    void futex(int operation, std::uint32_t value)
+    // A thread that wakes by itself leaves its announcement behind: it costs one wake too many, and none is missed.
+    template <class Lock>
+    [[gnu::cold, gnu::noinline]] void sleep(Lock& lock) OSTREL_NO_THREAD_SAFETY_ANALYSIS
     {
-        static_assert(sizeof(_tokens) == sizeof(std::uint32_t) && std::atomic<std::uint32_t>::is_always_lock_free);
-        syscall(SYS_futex, &_tokens, operation, value, nullptr, nullptr, 0);
+        ++_sleepers;
+        const std::uint32_t calls = _calls.load();
+        lock.unlock();
+        futexWait(_calls, calls);
+        lock.lock();
     }
 
-    std::atomic<std::uint32_t> _tokens{0};
-    std::atomic<std::uint32_t> _sleepers{0};
+    std::uint32_t _tokens = 0;
+    std::uint32_t _sleepers = 0; // announced and not called yet: at least as many as sleep without a wake on its way
+    FutexWord _calls{0};
 };
 
 } // namespace Ostrel

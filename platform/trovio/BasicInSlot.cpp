@@ -1,11 +1,20 @@
 #include "trovio/BasicInSlot.h"
 
+#include <utility>
+
 namespace Trovio {
 
 void BasicInSlot::newData()
 {
     if (_listener)
         _listener->dataArrived(*this);
+}
+
+void BasicInSlot::unlockAndWake() const
+{
+    const std::uint32_t wakes = std::exchange(_wakesOwed, 0U);
+    _dataLock.unlock();
+    _available.wake(wakes);
 }
 
 void BasicInSlot::interrupt()
@@ -15,7 +24,7 @@ void BasicInSlot::interrupt()
     _takenAtInterrupt = _taken;
     if (!_interrupted) {
         _interrupted = true;
-        _wakeOwed = _available.post() || _wakeOwed;
+        _wakesOwed += _available.post();
     }
     unlock();
 }

@@ -39,23 +39,32 @@ public:
     /// run into it.
     void unlock() const OSTREL_RELEASE(_dataLock)
     {
-        const bool wake = _wakeOwed;
-        _wakeOwed = false;
-        _dataLock.unlock();
-        if (wake)
-            _available.wake();
+        if (_wakesOwed == 0)
+            _dataLock.unlock();
+        else
+            unlockAndWake();
     }
 
     /// One more record can be taken.
     void up() const OSTREL_REQUIRES(_dataLock)
     {
         ++_upCount;
-        _wakeOwed = _available.post() || _wakeOwed;
+        _wakesOwed += _available.post();
     }
 
     /// Blocks until a matching up() or an interrupt. May return once without either, after an interrupt that top()
     /// took: look for the flag and the record, and wait again when there is neither.
-    void down() const OSTREL_EXCLUDES(_dataLock) { _available.wait(); }
+    void down() const OSTREL_EXCLUDES(_dataLock)
+    {
+        downAndLock();
+        _dataLock.unlock();
+    }
+    /// The same, and keeps the data lock, under which the count stands anyway.
+    void downAndLock() const OSTREL_ACQUIRE(_dataLock)
+    {
+        _dataLock.lock();
+        _available.wait(_dataLock);
+    }
 
     // Counters, kept by the typed slots under the data lock.
     void countStored(const Time& stamp) OSTREL_REQUIRES(_dataLock)
@@ -73,7 +82,7 @@ public:
 
 protected:
     explicit BasicInSlot(const std::string& name)
-        : Slot(name, Ostrel::LockRank::InSlotListeners, Ostrel::LockRank::InSlotData)
+        : Slot(name, Direction::In, Ostrel::LockRank::InSlotListeners, Ostrel::LockRank::InSlotData)
     {
     }
 
@@ -85,17 +94,20 @@ private:
         return {_stored, _overwritten, _taken, _upCount - _taken};
     }
 
-    mutable bool _wakeOwed OSTREL_GUARDED_BY(_dataLock) = false;
+    void unlockAndWake() const OSTREL_RELEASE(_dataLock) OSTREL_NO_THREAD_SAFETY_ANALYSIS;
+
+    // As many tokens as unread records, and at times one for an interrupt.
+    mutable Ostrel::Semaphore _available OSTREL_GUARDED_BY(_dataLock);
+    mutable std::uint32_t _wakesOwed OSTREL_GUARDED_BY(_dataLock) = 0;
     mutable std::uint64_t _upCount OSTREL_GUARDED_BY(_dataLock) = 0; // records made available, not interrupts
     std::uint64_t _stored OSTREL_GUARDED_BY(_dataLock) = 0;
     std::uint64_t _overwritten OSTREL_GUARDED_BY(_dataLock) = 0;
     std::uint64_t _taken OSTREL_GUARDED_BY(_dataLock) = 0;
+    Time _lastTaken OSTREL_GUARDED_BY(_dataLock);
     std::uint64_t _overwrittenAtTake OSTREL_GUARDED_BY(_dataLock) = 0;
+    StampWatch _stamps OSTREL_GUARDED_BY(_dataLock);
     std::uint64_t _interrupts OSTREL_GUARDED_BY(_dataLock) = 0;
     std::uint64_t _takenAtInterrupt OSTREL_GUARDED_BY(_dataLock) = 0;
-    Time _lastTaken OSTREL_GUARDED_BY(_dataLock);
-    StampWatch _stamps OSTREL_GUARDED_BY(_dataLock);
-    mutable Ostrel::Semaphore _available; // as many tokens as unread records, and at times one for an interrupt
 };
 
 } // namespace Trovio

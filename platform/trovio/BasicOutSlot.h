@@ -30,7 +30,7 @@ public:
 
 protected:
     explicit BasicOutSlot(const std::string& name)
-        : Slot(name, Ostrel::LockRank::OutSlotListeners, Ostrel::LockRank::OutSlotData)
+        : Slot(name, Direction::Out, Ostrel::LockRank::OutSlotListeners, Ostrel::LockRank::OutSlotData)
     {
     }
 

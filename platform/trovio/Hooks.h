@@ -5,7 +5,7 @@
 #include "trovio/BasicInSlot.h"
 
 // What the typed slots need of this framework beyond its documented interface. A build against another framework
-// replaces this header by one whose operations do nothing.
+// replaces this header by one whose operations do nothing, but for downAndLock().
 namespace Trovio::Hooks {
 
 /// Held around the whole of every connect and disconnect in the process, so that the two sides of a pair never
@@ -19,6 +19,12 @@ public:
     WiringGuard(const WiringGuard&) = delete;
     WiringGuard& operator=(const WiringGuard&) = delete;
 };
+
+/// slot.down() and then slot.lock(), in one step where that is cheaper.
+inline void downAndLock(const BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+{
+    slot.downAndLock();
+}
 
 inline void stored(BasicInSlot& slot, const BasicData& record) OSTREL_NO_THREAD_SAFETY_ANALYSIS
 {

@@ -62,6 +62,7 @@ void destroyInSlot(Scheduler& scheduler)
 {
     Out out("out");
     std::optional<In> in(std::in_place, "in");
+    Ostrel::Mutex lock;
     Ostrel::Semaphore readerEnded;
     out.connect(&*in);
     scheduler.spawn([&] {
@@ -71,12 +72,16 @@ void destroyInSlot(Scheduler& scheduler)
     scheduler.spawn([&] {
         for (long number = 0; popUnlessInterrupted(*in, number);)
             expect(number >= 1 && number <= 3, "a value came that nobody sent");
-        if (readerEnded.post())
-            readerEnded.wake();
+        lock.lock();
+        const std::uint32_t wakes = readerEnded.post();
+        lock.unlock();
+        readerEnded.wake(wakes);
     });
     scheduler.spawn([&] {
         in->interrupt();
-        readerEnded.wait();
+        lock.lock();
+        readerEnded.wait(lock);
+        lock.unlock();
         in->disconnect(&out);
         in.reset();
     });

@@ -12,34 +12,47 @@ public:
     Semaphore() = default;
     Semaphore(const Semaphore&) = delete;
     Semaphore& operator=(const Semaphore&) = delete;
-    ~Semaphore() { Explorer::expect(_sleepers == 0, "a semaphore was destroyed under a sleeper"); }
-
-    [[nodiscard]] bool post()
+    ~Semaphore()
     {
-        Explorer::Scheduler::step("post", this);
+        Explorer::expect(!Explorer::Scheduler::anybodySleepsOn(this), "a semaphore was destroyed under a sleeper");
+    }
+
+    [[nodiscard]] std::uint32_t post()
+    {
         ++_tokens;
-        return _sleepers != 0;
+        if (_called == _announced)
+            return 0;
+        ++_called;
+        return 1;
     }
 
-    void wake()
+    void wake(std::uint32_t wakes)
     {
-        Explorer::Scheduler::step("wake", this);
-        Explorer::Scheduler::wakeOne(this);
+        for (std::uint32_t i = 0; i < wakes; ++i) {
+            Explorer::Scheduler::step("wake", this);
+            Explorer::Scheduler::wakeOne(this);
+        }
     }
 
-    void wait()
+    template <class Lock>
+    void wait(Lock& lock)
     {
-        Explorer::Scheduler::step("wait", this);
-        ++_sleepers;
-        while (_tokens == 0)
-            Explorer::Scheduler::sleepOn(this);
-        --_sleepers;
+        while (_tokens == 0) {
+            ++_announced;
+            const unsigned called = _called;
+            lock.unlock();
+            Explorer::Scheduler::step("wait", this);
+            if (_called == called)
+                Explorer::Scheduler::sleepOn(this);
+            lock.lock();
+        }
         --_tokens;
     }
 
 private:
     unsigned _tokens = 0;
-    unsigned _sleepers = 0;
+    unsigned _announced = 0; // so many went to sleep
+    unsigned _called = 0;    // so many of them are woken, or will be
 };
 
 } // namespace Ostrel

@@ -1,0 +1,18 @@
+#pragma once
+
+// Tells the thread sanitizer what the locks do, so that it sees inversions of their order and misuse; nothing in other
+// builds.
+#if defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define OSTREL_THREAD_SANITIZER
+#endif
+#elif defined(__SANITIZE_THREAD__)
+#define OSTREL_THREAD_SANITIZER
+#endif
+
+#ifdef OSTREL_THREAD_SANITIZER
+#include <sanitizer/tsan_interface.h>
+#define OSTREL_LOCK_EVENT(event, ...) __tsan_mutex_##event(__VA_ARGS__)
+#else
+#define OSTREL_LOCK_EVENT(event, ...) static_cast<void>(0)
+#endif
