@@ -4,6 +4,7 @@
 #include "sensorManager/SensorHandler.h"
 
 namespace Trovio {
+class BasicInSlot;
 class Namespace;
 class Slot;
 } // namespace Trovio

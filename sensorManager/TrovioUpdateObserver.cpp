@@ -61,14 +61,21 @@ TrovioSensorHandler::UpdateObserver::~UpdateObserver()
 
 bool TrovioSensorHandler::UpdateObserver::update(const TimeStamp& now)
 {
-    auto* const slot = dynamic_cast<Trovio::BasicInSlot*>(_slot);
-    if (!_field || !slot)
+    if (!_field || !_slot || !_slot->isInSlot())
         return false;
+    // Every slot of that direction is one. A dynamic cast says the same, and takes as long as all the rest of a frame
+    // in which no value came.
+    auto& slot = *static_cast<Trovio::BasicInSlot*>(_slot);
+    return !slot.empty() && drain(slot, now);
+}
+
+bool TrovioSensorHandler::UpdateObserver::drain(Trovio::BasicInSlot& slot, const TimeStamp& now)
+{
     unsigned int count = 0;
-    bool fits = true;
-    while (fits && !slot->empty()) {
+    do {
+        bool fits = true;
         const bool handled =
-            withFieldType(_field->getTypeCode(), [&]<class Row>(Row) { fits = takeOne<Row>(*slot, *_field); });
+            withFieldType(_field->getTypeCode(), [&]<class Row>(Row) { fits = takeOne<Row>(slot, *_field); });
         if (!fits)
             break;
         if (handled)
@@ -76,13 +83,13 @@ bool TrovioSensorHandler::UpdateObserver::update(const TimeStamp& now)
         else
             OSTREL_LOG(LogLevel::Fatal, logFile, unhandledType, _field->getTypeName().c_str());
         ++count;
-    }
+    } while (!slot.empty());
     return count != 0;
 }
 
 void TrovioSensorHandler::UpdateObserver::updateOutput(const TimeStamp&)
 {
-    if (!_field || !dynamic_cast<Trovio::BasicOutSlot*>(_slot))
+    if (!_field || !_slot || _slot->isInSlot())
         return;
     bool sent = false;
     withFieldType(_field->getTypeCode(), [&]<class Row>(Row) {

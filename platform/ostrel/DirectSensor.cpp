@@ -10,6 +10,8 @@ const NodeType& DirectSensor::sensorType()
     return *type;
 }
 
+std::uint64_t DirectSensor::_turns = 0;
+
 DirectSensor::DirectSensor() : Node(sensorType()) {}
 
 DirectSensor::DirectSensor(std::unique_ptr<Field> field) : DirectSensor()

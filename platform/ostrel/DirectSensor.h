@@ -29,7 +29,13 @@ public:
     void setBufferSize(std::uint32_t size) { _bufferSize = size; }
     /// Whether the value is sent out instead of fed. Read whenever the sensor is serviced.
     bool isOutput() const { return _output; }
-    void setOutput(bool output) { _output = output; }
+    void setOutput(bool output)
+    {
+        _turns += output != _output ? 1 : 0;
+        _output = output;
+    }
+    /// How often any sensor of the process changed between in and out. The scene thread's only.
+    static std::uint64_t turns() { return _turns; }
 
     /// Null when the sensor has none. The sensor owns it.
     DirectSensorProc* getDirectSensorProc() const { return _proc.get(); }
@@ -48,6 +54,8 @@ public:
 private:
     void registerSelf();
     void unregisterSelf();
+
+    static std::uint64_t _turns;
 
     std::string _label;
     std::string _description;

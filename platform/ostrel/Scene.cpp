@@ -15,6 +15,42 @@ const NodeType& sceneType()
 
 } // namespace
 
+/// A walk over the sensors from the first to the one that was added last, while any of them may be taken away.
+class Scene::Walk {
+public:
+    // Not inlined: the compiler would warn of the scene's pointer to a local object, which the destructor takes back.
+    [[gnu::noinline]] explicit Walk(Scene& scene)
+        : _scene(scene), _outer(scene._walk), _next(scene._sensors.begin()), _last(scene._number)
+    {
+        scene._walk = this;
+    }
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
+    ~Walk() { _scene._walk = _outer; }
+
+    /// Null at the end.
+    DirectSensor* next()
+    {
+        if (_next == _scene._sensors.end() || _next->first > _last)
+            return nullptr;
+        return (_next++)->second.get();
+    }
+
+    /// Tells this walk and the ones around it that a sensor is about to be taken away.
+    void leave(Sensors::iterator place)
+    {
+        for (Walk* walk = this; walk; walk = walk->_outer)
+            if (walk->_next == place)
+                ++walk->_next;
+    }
+
+private:
+    Scene& _scene;
+    Walk* const _outer;
+    Sensors::iterator _next;
+    const std::uint64_t _last;
+};
+
 Scene::Scene() : _context(std::make_unique<Context>()), _root(sceneType())
 {
     _root.setContext(_context.get());
@@ -56,6 +92,8 @@ void Scene::clear()
 std::unique_ptr<DirectSensor> Scene::take(Sensors::iterator place)
 {
     std::unique_ptr<DirectSensor> sensor = std::move(place->second);
+    if (_walk)
+        _walk->leave(place);
     _sensors.erase(place);
     _numbers.erase(sensor.get());
     sensor->setContext(nullptr);
@@ -74,21 +112,26 @@ std::vector<DirectSensor*> Scene::sensors() const
 
 void Scene::frame(const TimeStamp& now)
 {
-    service(false, now);
-    service(true, now);
+    // Most scenes have no outputs. A second walk over all sensors would cost as much as the first, so it is left out
+    // where the first one met no output and no sensor came or turned round meanwhile.
+    const std::uint64_t number = _number;
+    const std::uint64_t turns = DirectSensor::turns();
+    if (service(false, now) || number != _number || turns != DirectSensor::turns())
+        service(true, now);
 }
 
-void Scene::service(bool outputs, const TimeStamp& now)
+bool Scene::service(bool outputs, const TimeStamp& now)
 {
-    // By number: servicing one sensor may remove any of them.
-    const std::uint64_t last = _number;
-    for (auto place = _sensors.begin(); place != _sensors.end() && place->first <= last;) {
-        const std::uint64_t number = place->first;
-        DirectSensor& sensor = *place->second;
-        if (sensor.isOutput() == outputs && sensor.getDirectSensorProc())
-            sensor.getDirectSensorProc()->getUpdateSubject().notify(now, &sensor);
-        place = _sensors.upper_bound(number);
+    bool others = false;
+    Walk walk(*this);
+    while (DirectSensor* const sensor = walk.next()) {
+        DirectSensorProc* const proc = sensor->getDirectSensorProc();
+        if (sensor->isOutput() != outputs)
+            others = true;
+        else if (proc)
+            proc->getUpdateSubject().notify(now, sensor);
     }
+    return others;
 }
 
 std::vector<DirectSensor*> Scene::takeChanged()

@@ -44,7 +44,9 @@ public:
 
 private:
     using Sensors = std::map<std::uint64_t, std::unique_ptr<DirectSensor>>;
-    void service(bool outputs, const TimeStamp& now);
+    class Walk;
+    /// True if there was a sensor of the other direction.
+    bool service(bool outputs, const TimeStamp& now);
     std::unique_ptr<DirectSensor> take(Sensors::iterator place);
 
     std::unique_ptr<Context> _context;
@@ -52,6 +54,7 @@ private:
     std::uint64_t _number = 0;
     Sensors _sensors; // by the number of the addition
     std::unordered_map<const DirectSensor*, std::uint64_t> _numbers;
+    Walk* _walk = nullptr; // the innermost one that runs
 };
 
 } // namespace Ostrel

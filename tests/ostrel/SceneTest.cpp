@@ -63,6 +63,23 @@ TEST(Scene, SensorsMayComeAndGoDuringAFrame)
     EXPECT_EQ(others.count(), 3U);
 }
 
+TEST(Scene, OutputsThatAppearDuringAFrameAreServicedInIt)
+{
+    Scene scene;
+    Recorder outputs;
+    DirectSensor& turning = addSensor(scene, "turning");
+    Recorder turns([&](auto*) { turning.setOutput(true); });
+    updates(turning).attach(turns);
+    scene.frame(1.0);
+    EXPECT_EQ(turns.count(), 2U); // once in each direction
+    turning.setOutput(false);
+    updates(turning).detach(turns);
+    Recorder adds([&](auto*) { updates(addSensor(scene, "new", true)).attach(outputs); });
+    updates(turning).attach(adds);
+    scene.frame(2.0);
+    EXPECT_EQ(outputs.count(), 1U);
+}
+
 TEST(Scene, TellsWhatChangedOnce)
 {
     Scene scene;
