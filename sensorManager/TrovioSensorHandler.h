@@ -4,7 +4,6 @@
 #include "sensorManager/SensorHandler.h"
 
 namespace Trovio {
-class BasicInSlot;
 class Namespace;
 class Slot;
 } // namespace Trovio

@@ -42,6 +42,25 @@ void sendValue(Field& field, Trovio::Slot& slot)
     static_cast<Trovio::OutSlot<Value>&>(slot).push(record);
 }
 
+/// The part of an update that has something to do: the slot holds a record.
+bool drain(Trovio::BasicInSlot& slot, Field& field, const TimeStamp& now)
+{
+    unsigned int count = 0;
+    do {
+        bool fits = true;
+        const bool handled =
+            withFieldType(field.getTypeCode(), [&]<class Row>(Row) { fits = takeOne<Row>(slot, field); });
+        if (!fits)
+            break;
+        if (handled)
+            field.processValueChange(now, CallerOutside);
+        else
+            OSTREL_LOG(LogLevel::Fatal, logFile, unhandledType, field.getTypeName().c_str());
+        ++count;
+    } while (!slot.empty());
+    return count != 0;
+}
+
 } // namespace
 
 TrovioSensorHandler::UpdateObserver::UpdateObserver(TrovioSensorHandler& handler, const std::string& slotLabel)
@@ -66,25 +85,7 @@ bool TrovioSensorHandler::UpdateObserver::update(const TimeStamp& now)
     // Every slot of that direction is one. A dynamic cast says the same, and takes as long as all the rest of a frame
     // in which no value came.
     auto& slot = *static_cast<Trovio::BasicInSlot*>(_slot);
-    return !slot.empty() && drain(slot, now);
-}
-
-bool TrovioSensorHandler::UpdateObserver::drain(Trovio::BasicInSlot& slot, const TimeStamp& now)
-{
-    unsigned int count = 0;
-    do {
-        bool fits = true;
-        const bool handled =
-            withFieldType(_field->getTypeCode(), [&]<class Row>(Row) { fits = takeOne<Row>(slot, *_field); });
-        if (!fits)
-            break;
-        if (handled)
-            _field->processValueChange(now, CallerOutside);
-        else
-            OSTREL_LOG(LogLevel::Fatal, logFile, unhandledType, _field->getTypeName().c_str());
-        ++count;
-    } while (!slot.empty());
-    return count != 0;
+    return !slot.empty() && drain(slot, *_field, now);
 }
 
 void TrovioSensorHandler::UpdateObserver::updateOutput(const TimeStamp&)

@@ -22,9 +22,6 @@ public:
 private:
     friend class TrovioSensorHandler;
 
-    /// The part of update() that has something to do: the slot holds a record.
-    bool drain(Trovio::BasicInSlot& slot, const TimeStamp& now);
-
     Trovio::Slot* _slot = nullptr; // owned; null until it stands in the namespace
     std::string _slotLabel;
     TrovioSensorHandler* _handler; // not owned; outlives its observers
