@@ -36,6 +36,13 @@ void addSlots(Slots& slots, const char* const (&names)[N])
         slots.emplace_back(name);
 }
 
+template <class Slots>
+void setWrittenOnChange(Slots& slots)
+{
+    for (auto& slot : slots)
+        slot.setWrittenOnChange();
+}
+
 } // namespace
 
 ControllerSlots::ControllerSlots(Counter& records) : _records(records)
@@ -44,6 +51,9 @@ ControllerSlots::ControllerSlots(Counter& records) : _records(records)
     addSlots(_triggers, triggerNames);
     addSlots(_buttons, buttonNames);
     addSlots(_motions, motionNames);
+    setWrittenOnChange(_sticks);
+    setWrittenOnChange(_triggers);
+    setWrittenOnChange(_buttons);
 }
 
 void ControllerSlots::forEach(const std::function<void(const std::string&, BasicOutSlot&)>& visit)

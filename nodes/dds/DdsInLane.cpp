@@ -57,6 +57,7 @@ DdsInLane::DdsInLane(const ListedSlot& topic, const dds_topic_descriptor_t& desc
       _timingSlot(topic._name + "/timing"),
       _reports(clock, reportPeriod)
 {
+    _aliveSlot.setWrittenOnChange();
 }
 
 void DdsInLane::open(const DdsEnds& ends)

@@ -42,6 +42,7 @@ const NodeTypeEntry& Guard::getEntry()
 Guard::Guard(Clock& clock)
     : RelayNode(clock), _clock(clock), _losses(addCounter("losses")), _substituted(addCounter("substituted"))
 {
+    _alive.setWrittenOnChange();
     addOutSlot("alive", &_alive);
 }
 

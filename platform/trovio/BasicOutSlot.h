@@ -24,6 +24,11 @@ public:
     virtual void startOutSlot() { setActive(true); }
     virtual void stopOutSlot() { setActive(false); }
 
+    /// Says that records come when something changes and not at a rate, so that the age of the last one is no fault.
+    /// Only before the slot is added to a namespace.
+    void setWrittenOnChange() { _writtenOnChange = true; }
+    bool isWrittenOnChange() const { return _writtenOnChange; }
+
     /// How many records were pushed.
     std::uint64_t getWritten() const OSTREL_EXCLUDES(_dataLock);
     OutSlotActivity getActivity() const OSTREL_EXCLUDES(_dataLock);
@@ -46,6 +51,7 @@ protected:
 private:
     std::uint64_t _written OSTREL_GUARDED_BY(_dataLock) = 0;
     StampWatch _stamps OSTREL_GUARDED_BY(_dataLock);
+    bool _writtenOnChange = false;
 };
 
 } // namespace Trovio

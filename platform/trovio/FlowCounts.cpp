@@ -47,7 +47,8 @@ bool FlowQuery::stopsAtSource(const Entry& home, Explanation& cause) const
 {
     const OutSlotActivity out = home._ends._out->getActivity();
     const double stamp = out._stamps._last.getSeconds();
-    const bool stale = stamp != 0.0 && _now - stamp > _staleAfter; // a stamp of 0 tells no age
+    const bool tellsAge = stamp != 0.0 && !home._ends._out->isWrittenOnChange();
+    const bool stale = tellsAge && _now - stamp > _staleAfter;
     const Node* node = home._scope->_node;
     const NodeState state = node ? node->getState() : NodeState();
     const std::string label = labelOf(home);
@@ -77,7 +78,8 @@ bool FlowQuery::stopsInNode(const Entry& home, const Entry& before, Explanation&
 {
     const OutSlotActivity out = home._ends._out->getActivity();
     const InSlotActivity in = before._ends._in->getActivity();
-    if (out._written != 0 && in._lastTaken.getSeconds() - out._stamps._last.getSeconds() <= _staleAfter)
+    const double behind = in._lastTaken.getSeconds() - out._stamps._last.getSeconds();
+    if (out._written != 0 && (behind <= _staleAfter || home._ends._out->isWrittenOnChange()))
         return false;
     const Node& node = *home._scope->_node;
     if (node.getState()._degraded) {

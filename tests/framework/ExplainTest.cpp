@@ -216,6 +216,17 @@ TEST_F(Explain, SaysThatRecordsFlow)
     expect(Verdict::Flowing, {"3 taken", "node 'device' has been degraded", "one of two ports"});
 }
 
+TEST_F(Explain, FindsNoFaultInTheAgeOfWhatIsWrittenOnChange)
+{
+    _device->removeSlot("out");
+    _silent.setWrittenOnChange();
+    _device->addOutSlot("out", &_silent);
+    expect(Verdict::NeverWritten, {});
+    _silent.push(Data<float>(1, Time(Time::getCurrentTime().getSeconds() - 100)));
+    flow(100); // the test's own out-slot leads nowhere now, and the filter takes what came from the silent one
+    expect(Verdict::Flowing, {"100 s old"});
+}
+
 TEST_F(Explain, NamesTheLabelThatIsMissing)
 {
     const struct {
