@@ -7,6 +7,7 @@
 #include "ostrel/FieldClass.h"
 #include "sensorManager/SensorHandler.h"
 #include "sensorManager/SensorManager.h"
+#include "sensorManager/TrovioSensorHandler.h"
 
 #include <unordered_map>
 
@@ -79,11 +80,22 @@ void LoadedScene::addHandlers(const Say& say)
         _handlers.push_back(madeHandler(entry, say));
         if (_handlers.back()._handler == nullptr)
             continue;
+        findSlots(*_handlers.back()._handler);
         for (const LocatedPair& route : entry._routes) {
             std::string from = route._first._value, to = route._second._value;
             _handlers.back()._handler->addLabel(from, to);
         }
     }
+}
+
+void LoadedScene::findSlots(Ostrel::SensorHandler& handler)
+{
+    const auto* const bridge = dynamic_cast<const Ostrel::TrovioSensorHandler*>(&handler);
+    if (bridge == nullptr)
+        return;
+    for (SensorWatch& watch : _watches)
+        if (Trovio::Slot* slot = bridge->getSlot(const_cast<Ostrel::DirectSensor*>(&watch.sensor()))) // only looked up
+            watch.addSlot(*slot);
 }
 
 void LoadedScene::addNodes(const Say& say)

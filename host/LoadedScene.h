@@ -54,6 +54,7 @@ private:
     void addSensor(const SensorEntry& entry);
     void addLinks();
     LoadedHandler madeHandler(const HandlerEntry& entry, const Say& say);
+    void findSlots(Ostrel::SensorHandler& handler);
 
     const SceneFile _file;
     const std::string _title;

@@ -77,7 +77,7 @@ Json toJson(const SensorWatch& watch, double now)
                 {"rate", watch.rate()},
                 {"age", nullptr}};
     if (watch.changes() != 0)
-        object["age"] = now - watch.lastChange();
+        object["age"] = watch.age(now);
     if (!watch.scene().empty())
         object["scene"] = watch.scene();
     return object;

@@ -2,7 +2,6 @@
 
 #include "host/Escape.h"
 #include "host/Json.h"
-#include "sensorManager/TrovioSensorHandler.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
 
@@ -11,18 +10,6 @@
 
 namespace Host {
 namespace {
-
-// The slots that serve the sensor, one for each handler that has one.
-std::vector<Trovio::Slot*> slotsOf(const LoadedScene& scene, const SensorWatch& watch)
-{
-    std::vector<Trovio::Slot*> slots;
-    auto* sensor = const_cast<Ostrel::DirectSensor*>(&watch.sensor()); // only looked up, not changed
-    for (const LoadedHandler& loaded : scene.handlers())
-        if (const auto* handler = dynamic_cast<const Ostrel::TrovioSensorHandler*>(loaded._handler))
-            if (Trovio::Slot* slot = handler->getSlot(sensor))
-                slots.push_back(slot);
-    return slots;
-}
 
 std::string named(const SensorWatch& watch)
 {
@@ -40,14 +27,14 @@ std::string stampFaults(const Trovio::StampCounts& stamps)
     return text;
 }
 
-// How often the sensor changed, and how long ago it did so last.
+// How often the sensor changed, and how old its value is.
 std::string paceOf(const SensorWatch& watch)
 {
     if (watch.changes() == 0)
         return {};
     char text[80];
-    std::snprintf(text, sizeof text, "; %.3g per second, the last %.3g s ago", watch.rate(),
-                  Trovio::Time::getCurrentTime().getSeconds() - watch.lastChange());
+    std::snprintf(text, sizeof text, "; %.3g per second, the last %.3g s old", watch.rate(),
+                  watch.age(Trovio::Time::getCurrentTime().getSeconds()));
     return text;
 }
 
@@ -65,14 +52,13 @@ std::string slotCounts(const Trovio::Slot& slot)
            stampFaults(activity._stamps);
 }
 
-std::string whyUnbound(const LoadedScene& scene, const SensorWatch& watch)
+std::string whyUnbound(const SensorWatch& watch)
 {
     if (watch.sensor().getLabel().empty())
         return " is bound to nothing: it has no label";
-    const auto slots = slotsOf(scene, watch);
-    if (slots.empty())
+    if (watch.slots().empty())
         return " is bound to nothing: no handler has a slot for it (" + watch.field().getTypeName() + ")";
-    if (std::ranges::none_of(slots, &Trovio::Slot::isActive))
+    if (std::ranges::none_of(watch.slots(), &Trovio::Slot::isActive))
         return watch.sensor().isOutput() ? " gives its values to nobody: no route leads from its label"
                                          : " gets no values: no route leads to its label";
     return {};
@@ -82,7 +68,7 @@ std::string whyUnbound(const LoadedScene& scene, const SensorWatch& watch)
 void reportUnbound(LoadedScene& scene, const Say& say)
 {
     for (const SensorWatch& watch : scene.watches())
-        if (const std::string why = whyUnbound(scene, watch); !why.empty())
+        if (const std::string why = whyUnbound(watch); !why.empty())
             say(named(watch) + why);
 }
 
@@ -93,7 +79,7 @@ void reportValues(LoadedScene& scene, const Say& say)
     for (const SensorWatch& watch : scene.watches()) {
         std::string line = named(watch) + " " + watch.field().getTypeName() + ": " + std::to_string(watch.changes()) +
                            " values, last " + valueText(watch.field(), digits, longestValue);
-        for (const Trovio::Slot* slot : slotsOf(scene, watch))
+        for (const Trovio::Slot* slot : watch.slots())
             line += slotCounts(*slot);
         say(line + paceOf(watch));
     }

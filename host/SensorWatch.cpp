@@ -1,5 +1,9 @@
 #include "host/SensorWatch.h"
 
+#include "trovio/BasicInSlot.h"
+
+#include <algorithm>
+
 namespace Host {
 
 SensorWatch::SensorWatch(Ostrel::DirectSensor& sensor, std::string scene)
@@ -17,6 +21,15 @@ double SensorWatch::rate() const
 {
     const double passed = _lastChange - _firstChange;
     return passed > 0 ? static_cast<double>(_changes - 1) / passed : 0;
+}
+
+double SensorWatch::age(double now) const
+{
+    double stamp = 0;
+    for (const Trovio::Slot* slot : _slots)
+        if (const auto* in = dynamic_cast<const Trovio::BasicInSlot*>(slot))
+            stamp = std::max(stamp, in->getActivity()._lastTaken.getSeconds());
+    return _changes == 0 ? -1 : std::max(now - (stamp > 0 ? stamp : _lastChange), 0.0);
 }
 
 void SensorWatch::notify(const Ostrel::TimeStamp& time, Ostrel::BaseObject*, Ostrel::BaseObject*, Ostrel::BaseObject*)

@@ -4,6 +4,11 @@
 #include "ostrel/Observer.h"
 
 #include <cstdint>
+#include <vector>
+
+namespace Trovio {
+class Slot;
+}
 
 namespace Host {
 
@@ -35,8 +40,15 @@ public:
     /// The name, with the scene before it where several run.
     std::string title() const;
 
+    /// The slots that serve the sensor, one for each handler that has one. They must live as long as the watch.
+    const std::vector<Trovio::Slot*>& slots() const { return _slots; }
+    void addSlot(Trovio::Slot& slot) { _slots.push_back(&slot); }
+
     std::uint64_t changes() const { return _changes; }
-    double lastChange() const { return _lastChange; } // wall-clock seconds, 0 before the first
+
+    /// Seconds from the time stamp that the source gave the last value, or from the last change where there is no such
+    /// stamp, to `now`; 0 for a stamp in the future, negative before the first change.
+    double age(double now) const;
 
     /// Changes per second from the first to the last; 0 before there are two.
     double rate() const;
@@ -46,6 +58,7 @@ public:
 private:
     Ostrel::DirectSensor& _sensor;
     const std::string _scene;
+    std::vector<Trovio::Slot*> _slots;
     ChangeListener* _listener = nullptr;
     std::uint64_t _changes = 0;
     double _firstChange = 0, _lastChange = 0;

@@ -87,9 +87,8 @@ void TableView::countRates(double now)
 TableRow TableView::row(std::size_t i, double now) const
 {
     const SensorWatch& watch = *_watches[i];
-    const double age = watch.changes() == 0 ? -1 : std::max(now - watch.lastChange(), 0.0);
     return {escaped(watch.title()), watch.field().getTypeName(), valueText(watch.field(), digits, longestValue),
-            _counted[i]._perSecond, age};
+            _counted[i]._perSecond, watch.age(now)};
 }
 
 void TableView::draw(double now)

@@ -53,7 +53,10 @@ protected:
         for (SensorWatch* watch : _session.watches())
             watch->setListener(&view);
     }
-    static void push(float x) { Source::_last->_position.push(Trovio::Data(Trovio::Vec3<float>(x, 0, 0))); }
+    static void push(float x, double stamp = 0)
+    {
+        Source::_last->_position.push(Trovio::Data(Trovio::Vec3<float>(x, 0, 0), Trovio::Time(stamp)));
+    }
     bool said(const std::string& line) const { return std::ranges::find(_said, line) != _said.end(); }
 
     std::vector<std::string> _said;
@@ -75,6 +78,20 @@ TEST_F(SessionTest, ShowsEveryValueThatCameBetweenFrames)
               "{\"time\":100.5,\"sensor\":\"wand\",\"label\":\"Wand\",\"type\":\"SFVec3f\",\"value\":[1.0,0.0,0.0]}\n"
               "{\"time\":100.5,\"sensor\":\"wand\",\"label\":\"Wand\",\"type\":\"SFVec3f\",\"value\":[2.5,0.0,0.0]}\n");
     EXPECT_EQ(_said, std::vector<std::string>());
+}
+
+TEST_F(SessionTest, TellsTheAgeByTheStampOfTheSource)
+{
+    build({std::string(handler) + wand});
+    const SensorWatch& watch = *_session.watches()[0];
+    EXPECT_LT(watch.age(100), 0);
+    push(1);
+    _session.frame(100);
+    EXPECT_EQ(watch.age(100.5), 0.5) << "there was no stamp";
+    push(2, 60);
+    _session.frame(101);
+    EXPECT_EQ(watch.age(102), 42);
+    EXPECT_EQ(watch.age(50), 0);
 }
 
 TEST_F(SessionTest, PassesValuesAlongLinksAndOutInTheSameFrame)
