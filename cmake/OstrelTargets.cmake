@@ -1,5 +1,9 @@
 # What every target of this project has in common. Flags are attached to targets, never to directories.
 
+# Programs that can stand at any address are linked so, too.
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES C CXX)
+
 add_library(ostrelWarnings INTERFACE)
 target_compile_options(ostrelWarnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety> $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety-beta>)
@@ -13,6 +17,28 @@ target_compile_features(ostrelBuild INTERFACE cxx_std_20)
 target_compile_options(ostrelBuild INTERFACE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-gnu-unique>)
 # Ranks of locks are checked where assertions are.
 target_compile_definitions(ostrelBuild INTERFACE $<$<CONFIG:Debug>:OSTREL_CHECK_LOCK_RANKS>)
+
+# Optimised builds are hardened as far as the compiler offers it. Only how our own targets are built: nothing of it
+# reaches whoever includes the headers. The sanitizers watch the same places more closely, and stand in its way.
+if(NOT OSTREL_SANITIZE)
+  include(CheckCXXCompilerFlag)
+  set(optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
+  foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection)
+    string(MAKE_C_IDENTIFIER "OSTREL_HAS${flag}" offered)
+    check_cxx_compiler_flag(${flag} ${offered})
+    if(${offered})
+      target_compile_options(ostrelBuild INTERFACE $<${optimised}:${flag}>)
+    endif()
+  endforeach()
+  set(fortify 3)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 12)
+    set(fortify 2)
+  endif()
+  # First without: some compilers bring a level of their own, and a second one is a warning.
+  target_compile_options(ostrelBuild INTERFACE "$<${optimised}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=${fortify}>")
+  target_compile_definitions(ostrelBuild INTERFACE $<${optimised}:_GLIBCXX_ASSERTIONS>)
+  target_link_options(ostrelBuild INTERFACE "$<${optimised}:LINKER:-z,relro,-z,now>")
+endif()
 
 if(OSTREL_SANITIZE)
   string(REPLACE ";" "," _sanitizers "${OSTREL_SANITIZE}")
