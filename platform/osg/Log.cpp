@@ -171,8 +171,10 @@ void Log::doLog(const char* format, ...)
 
 void Log::doLogV(const char* format, std::va_list arguments)
 {
-    const std::string text = formatted(format, arguments);
     LogRecord record = std::exchange(_current, LogRecord{});
+    if (!isSeen(record._level))
+        return;
+    const std::string text = formatted(format, arguments);
     record._text = text;
     // A line end that came in with an argument does not end the line, it is escaped.
     emit(record, endsLine(format) ? withoutLineEnd(text) : text);
@@ -194,6 +196,11 @@ std::ostream& Log::stream(int level)
     if (!stream)
         stream = std::make_unique<LineStream>([this, level](std::string_view line) { writeStreamLine(level, line); });
     return *stream;
+}
+
+bool Log::isSeen(int level) const
+{
+    return _hook || _file || level != LogAlways || _infoShown;
 }
 
 void Log::emit(const LogRecord& record, std::string_view line)

@@ -75,6 +75,8 @@ private:
     void readEnvironment();
     // Only called by the streams, whose users hold the log lock.
     void writeStreamLine(int level, std::string_view line) OSTREL_NO_THREAD_SAFETY_ANALYSIS;
+    /// Whether anybody gets a message of that level: thousands of slots may each write one when a scene ends.
+    bool isSeen(int level) const OSTREL_REQUIRES(_pLogLock);
     void emit(const LogRecord& record, std::string_view line) OSTREL_REQUIRES(_pLogLock);
     void write(const LogRecord& record, const std::string& line) OSTREL_REQUIRES(_pLogLock);
 

@@ -27,8 +27,8 @@ Explanation FlowQuery::walk(const std::vector<Step>& path) const
 {
     Explanation cause;
     for (const Step& step : path) {
-        const bool stops = step._home->_ends._out ? stopsBeforeOut(*step._home, step._before, cause)
-                                                  : stopsAtReader(*step._home, cause);
+        const bool stops = step._home->_ends.out() ? stopsBeforeOut(*step._home, step._before, cause)
+                                                   : stopsAtReader(*step._home, cause);
         if (stops)
             return cause;
     }
@@ -45,9 +45,9 @@ bool FlowQuery::stopsBeforeOut(const Entry& home, const Entry* before, Explanati
 
 bool FlowQuery::stopsAtSource(const Entry& home, Explanation& cause) const
 {
-    const OutSlotActivity out = home._ends._out->getActivity();
+    const OutSlotActivity out = home._ends.out()->getActivity();
     const double stamp = out._stamps._last.getSeconds();
-    const bool tellsAge = stamp != 0.0 && !home._ends._out->isWrittenOnChange();
+    const bool tellsAge = stamp != 0.0 && !home._ends.out()->isWrittenOnChange();
     const bool stale = tellsAge && _now - stamp > _staleAfter;
     const Node* node = home._scope->_node;
     const NodeState state = node ? node->getState() : NodeState();
@@ -76,10 +76,10 @@ Explanation FlowQuery::degraded(const Entry& home) const
 
 bool FlowQuery::stopsInNode(const Entry& home, const Entry& before, Explanation& cause) const
 {
-    const OutSlotActivity out = home._ends._out->getActivity();
-    const InSlotActivity in = before._ends._in->getActivity();
+    const OutSlotActivity out = home._ends.out()->getActivity();
+    const InSlotActivity in = before._ends.in()->getActivity();
     const double behind = in._lastTaken.getSeconds() - out._stamps._last.getSeconds();
-    if (out._written != 0 && (behind <= _staleAfter || home._ends._out->isWrittenOnChange()))
+    if (out._written != 0 && (behind <= _staleAfter || home._ends.out()->isWrittenOnChange()))
         return false;
     const Node& node = *home._scope->_node;
     if (node.getState()._degraded) {
@@ -101,7 +101,7 @@ bool FlowQuery::stopsInNode(const Entry& home, const Entry& before, Explanation&
 
 bool FlowQuery::stopsAtReader(const Entry& home, Explanation& cause) const
 {
-    const InSlotActivity in = home._ends._in->getActivity();
+    const InSlotActivity in = home._ends.in()->getActivity();
     const InSlotCounts& counts = in._counts;
     const double behind = in._stamps._last.getSeconds() - in._lastTaken.getSeconds();
     if (counts.waiting == 0)
@@ -132,8 +132,8 @@ bool FlowQuery::stopsAtReader(const Entry& home, Explanation& cause) const
 
 Explanation FlowQuery::flowing(const std::vector<Step>& path) const
 {
-    const OutSlotActivity out = path.front()._home->_ends._out->getActivity();
-    const InSlotCounts in = path.back()._home->_ends._in->getCounts();
+    const OutSlotActivity out = path.front()._home->_ends.out()->getActivity();
+    const InSlotCounts in = path.back()._home->_ends.in()->getCounts();
     Explanation answer{
         Verdict::Flowing,
         std::to_string(out._written) + " written, " + std::to_string(in.taken) + " taken, " +

@@ -72,11 +72,9 @@ Explanation FlowQuery::findCause(const std::string& from, const std::string& to)
 FlowQuery::Entries FlowQuery::findEnds(const std::string& label, Slot::Direction direction) const
 {
     Entries ends;
-    if (const auto found = _here._entries.find(label); found != _here._entries.end()) {
-        for (const auto& [serial, entry] : found->second) {
-            if (entry._ends._slot->getDirection() == direction)
-                ends.push_back(&entry);
-        }
+    for (const Entry* entry : _here._entries.under(label)) {
+        if (entry->_ends._slot->getDirection() == direction)
+            ends.push_back(entry);
     }
     return ends;
 }
@@ -122,13 +120,8 @@ const Scope::Entry* FlowQuery::findBelow(const std::string& label) const
 {
     for (const Below& below : _below) {
         const bool full = label.starts_with(below._path + "/");
-        const auto found = below._scope->_entries.find(full ? label.substr(below._path.size() + 1) : label);
-        if (found == below._scope->_entries.end())
-            continue;
-        for (const auto& [serial, entry] : found->second) {
-            if (!entry._shownBy)
-                return &entry;
-        }
+        if (const Entry* own = below._scope->findOwn(full ? label.substr(below._path.size() + 1) : label))
+            return own;
     }
     return nullptr;
 }
@@ -138,20 +131,20 @@ Explanation FlowQuery::hidden(const std::string& label, const Entry& home) const
 {
     const Entry* last = &home;
     while (!last->_shown.empty())
-        last = *last->_shown.begin();
+        last = &last->_shown.front();
     const std::string where = nameOf(*last->_scope);
     return {Verdict::NoExternalRoute,
-            "slot '" + *last->_label + "' stands in '" + where + "', but no external route of '" + where +
+            "slot '" + last->_label + "' stands in '" + where + "', but no external route of '" + where +
                 "' shows it; add one whose pattern matches",
-            {{"label", label}, {"namespace", where}, {"slot", *last->_label}}};
+            {{"label", label}, {"namespace", where}, {"slot", last->_label}}};
 }
 
 std::vector<std::string> FlowQuery::labels(Slot::Direction direction) const
 {
     std::set<std::string> found;
     for (const auto& [label, same] : _here._entries) {
-        for (const auto& [serial, entry] : same) {
-            if (entry._ends._slot->getDirection() == direction)
+        for (const Entry* entry : same) {
+            if (entry->_ends._slot->getDirection() == direction)
                 found.insert(label);
         }
     }
@@ -172,7 +165,7 @@ std::string FlowQuery::labelOf(const Entry& home) const
         if (view._scope == &_here && !seen)
             seen = &view;
     });
-    return seen ? *seen->_label : nameOf(*home._scope) + "/" + *home._label;
+    return seen ? seen->_label : nameOf(*home._scope) + "/" + home._label;
 }
 
 std::string FlowQuery::nameOf(const Scope& scope) const

@@ -38,7 +38,7 @@ Explanation FlowQuery::noWay(const std::string& to, const Entries& ends, const E
     for (const Entry* end : ends) {
         FlowSearch::forEachView(*FlowSearch::home(end), [&](const Entry& seen) {
             if (cause._verdict == Verdict::Flowing)
-                cause = at(*seen._scope).badRoute(*seen._label, reached);
+                cause = at(*seen._scope).badRoute(seen._label, reached);
         });
     }
     if (cause._verdict != Verdict::Flowing)
@@ -91,8 +91,9 @@ Explanation FlowQuery::deadEnd(const std::string& to, const Entry& home) const
     Explanation cause;
     FlowSearch::forEachView(home, [&](const Entry& view) {
         for (const Scope::Aim* aim : view._aims) {
-            const std::string& target = *aim->_target;
-            if (view._scope != &_here || _here._entries.contains(target) || nearest(target, Slot::Direction::In) != to)
+            const std::string& target = aim->_target;
+            if (view._scope != &_here || !_here._entries.under(target).empty() ||
+                nearest(target, Slot::Direction::In) != to)
                 continue;
             const std::string route = aim->_route->quoted();
             cause = {Verdict::NoSuchLabel,

@@ -11,7 +11,7 @@ FlowSearch::FlowSearch(const std::vector<const Entry*>& starts)
         _waiting.pop_front();
         if (step._obstacles > _steps.at(step._home)._obstacles)
             continue; // a better way was found meanwhile
-        if (step._home->_ends._out)
+        if (step._home->_ends.out())
             followRoutes(step);
         else
             followRelay(step);
@@ -41,14 +41,11 @@ void FlowSearch::followRoutes(const Step& from)
 {
     forEachView(*from._home, [&](const Entry& view) {
         for (const Aim* aim : view._aims) {
-            const auto found = view._scope->_entries.find(*aim->_target);
-            if (found == view._scope->_entries.end())
-                continue;
-            for (const auto& [serial, to] : found->second) {
-                if (!to._ends._in)
+            for (const Entry* to : view._scope->_entries.under(aim->_target)) {
+                if (!to->_ends.in())
                     continue;
-                const bool obstacle = !view._scope->whyApart(*aim, to).empty();
-                reach({home(&to), from._home, aim, &to, from._obstacles + (obstacle ? 1 : 0)}, obstacle);
+                const bool obstacle = !view._scope->whyApart(*aim, *to).empty();
+                reach({home(to), from._home, aim, to, from._obstacles + (obstacle ? 1 : 0)}, obstacle);
             }
         }
     });
@@ -59,9 +56,9 @@ void FlowSearch::followRelay(const Step& from)
     if (!from._home->_ends._relay)
         return;
     for (const auto& [label, same] : from._home->_scope->_entries) {
-        for (const auto& [serial, entry] : same) {
-            if (entry._ends._out && !entry._shownBy)
-                reach({&entry, from._home, nullptr, nullptr, from._obstacles}, false);
+        for (const Entry* entry : same) {
+            if (entry->_ends.out() && !entry->_shownBy)
+                reach({entry, from._home, nullptr, nullptr, from._obstacles}, false);
         }
     }
 }
@@ -84,7 +81,7 @@ std::vector<const FlowSearch::Entry*> FlowSearch::reachedOuts() const
 {
     std::vector<const Entry*> reached;
     for (const auto& [home, step] : _steps) {
-        if (home->_ends._out && step._obstacles == 0)
+        if (home->_ends.out() && step._obstacles == 0)
             reached.push_back(home);
     }
     std::sort(reached.begin(), reached.end(), BySerial());

@@ -92,6 +92,7 @@ std::optional<std::string> LabelTemplate::expand(const std::vector<std::string_v
                                                  std::string_view namespaceLabel, std::string_view slotLabel) const
 {
     std::string label;
+    label.reserve(_text.size() + namespaceLabel.size() + slotLabel.size()); // seldom less than what it becomes
     std::size_t star = 0;
     for (const Token& token : _tokens) {
         switch (token._part) {

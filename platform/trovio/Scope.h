@@ -1,11 +1,13 @@
 #pragma once
 
+#include "trovio/ByLabel.h"
 #include "trovio/Inspection.h"
 #include "trovio/Relay.h"
 #include "trovio/RouteRules.h"
 #include <map>
 #include <set>
 #include <unordered_set>
+#include <vector>
 
 namespace Trovio {
 
@@ -65,57 +67,72 @@ private:
     friend class FlowQuery;
     friend class FlowSearch;
     struct Aim;
+    struct Entry;
     struct Route;
     struct ExternalRoute;
 
     struct Ends {
         Slot* _slot;
-        BasicInSlot* _in; // one of these two is null
-        BasicOutSlot* _out;
         Relay* _relay; // of the node that the slot belongs to; null where nothing is relayed
+
+        /// One of these two is null.
+        BasicInSlot* in() const;
+        BasicOutSlot* out() const;
+    };
+
+    // Kinds of chains: by what they hang on.
+    struct OfLabel;
+    struct OfOrigin;
+    struct OfRoute;
+    struct OfEntry;
+
+    /// A route applied to an out-slot: the label of the in-slot that it leads to.
+    struct Aim : Linked<Aim, OfLabel>, Linked<Aim, OfRoute>, Linked<Aim, OfEntry> {
+        Aim(const std::string& target, Route& route, Entry& from) : _target(target), _route(&route), _from(&from) {}
+
+        const std::uint64_t _serial = _nextSerial++;
+        const std::string& _target; // the key under which it is kept
+        Route* const _route;
+        Entry* const _from;
     };
 
     /// A slot under one of the labels under which it is seen here.
-    struct Entry {
-        std::uint64_t _serial;
-        Scope* _scope;
-        const std::string* _label; // the key under which it is kept
-        Ends _ends;
-        ExternalRoute* _shownBy;           // of the child that shows it; null for a slot of our own
-        Entry* _origin;                    // in that child's scope
-        std::set<Aim*, BySerial> _aims;    // where routes lead from it
-        std::set<Entry*, BySerial> _shown; // as it is seen in the parent
-    };
+    struct Entry : Linked<Entry, OfLabel>, Linked<Entry, OfOrigin> {
+        Entry(const std::string& label, Scope& scope, const Ends& ends, ExternalRoute* shownBy, Entry* origin)
+            : _label(label), _scope(&scope), _ends(ends), _shownBy(shownBy), _origin(origin)
+        {
+        }
 
-    /// A route applied to an out-slot: the label of the in-slot that it leads to.
-    struct Aim {
-        std::uint64_t _serial;
-        const std::string* _target; // the key under which it is kept
-        Route* _route;
-        Entry* _from;
+        const std::uint64_t _serial = _nextSerial++;
+        const std::string& _label; // the key under which it is kept
+        Scope* const _scope;
+        const Ends _ends;
+        ExternalRoute* const _shownBy; // of the child that shows it; null for a slot of our own
+        Entry* const _origin;          // in that child's scope
+        Chain<Aim, OfEntry> _aims;     // where routes lead from it
+        Chain<Entry, OfOrigin> _shown; // as it is seen in the parent
     };
 
     struct Route : RouteRule {
         using RouteRule::RouteRule;
-        std::set<Aim*, BySerial> _aims;
+        Chain<Aim, OfRoute> _aims;
         std::size_t _connections = 0;
         std::unordered_set<std::string> _reported; // mismatches that the log has seen
     };
 
     struct ExternalRoute : RouteRule {
         using RouteRule::RouteRule;
-        std::set<Entry*, BySerial> _shown; // in the parent's scope
+        std::size_t _shown = 0; // slots that the parent sees by it
     };
 
-    template <class Thing>
-    using ByLabel = std::unordered_map<std::string, std::map<std::uint64_t, Thing>>;
-
     void addOwn(const std::string& label, const Ends& ends);
-    Entry& insert(const std::string& label, const Ends& ends, ExternalRoute* shownBy, Entry* origin);
+    Entry* findOwn(const std::string& label) const;
+    Entry& insert(std::string label, const Ends& ends, ExternalRoute* shownBy, Entry* origin);
     void erase(Entry& entry);
     void aim(Route& route, Entry& from, const std::vector<std::string_view>& matched);
     void drop(Aim& aim);
     void show(ExternalRoute& route, Entry& entry, const std::vector<std::string_view>& matched);
+    void hide(const ExternalRoute& route);
     std::vector<Entry*> matching(const Pattern& pattern);
     std::vector<const Entry*> sortedEntries() const;
 
@@ -152,8 +169,8 @@ private:
     RouteInfo inspectRoute(const Route& route) const;
     std::string pendingReason(const Route& route, const RouteInfo& info) const;
 
-    ByLabel<Entry> _entries;
-    ByLabel<Aim> _aims;
+    ByLabel<Entry, OfLabel> _entries;
+    ByLabel<Aim, OfLabel> _aims;
     RouteRules<Route> _routes;
     RouteRules<ExternalRoute> _externalRoutes;
     std::map<Relay::Key, Looping> _looping;

@@ -13,7 +13,7 @@ void Scope::join(const Aim& aim, const Entry& to)
     if (const std::string problem = mismatch(aim, to); !problem.empty()) {
         report(*aim._route, problem);
     } else if (_connecting && !closesLoop(aim, to)) {
-        aim._from->_ends._out->connect(to._ends._in);
+        aim._from->_ends.out()->connect(to._ends.in());
         ++aim._route->_connections;
     }
 }
@@ -25,7 +25,7 @@ void Scope::part(const Aim& aim, const Entry& to)
     const Relay::Key key{aim._serial, to._serial};
     if (_looping.contains(key))
         return forgetLooping(key);
-    aim._from->_ends._out->disconnect(to._ends._in);
+    aim._from->_ends.out()->disconnect(to._ends.in());
     --aim._route->_connections;
     if (relays(*aim._from, to) && aim._from->_ends._relay->disconnect(*to._ends._relay, key))
         _retryDue = true;
@@ -45,24 +45,21 @@ void Scope::joinAll(bool toJoin)
 {
     for (const Route* route : _routes.all()) {
         for (const Aim* aim : route->_aims) {
-            const auto found = _entries.find(*aim->_target);
-            if (found == _entries.end())
-                continue;
-            for (const auto& [serial, to] : found->second)
-                toJoin ? join(*aim, to) : part(*aim, to);
+            for (const Entry* to : _entries.under(aim->_target))
+                toJoin ? join(*aim, *to) : part(*aim, *to);
         }
     }
 }
 
 std::string Scope::mismatch(const Aim& aim, const Entry& to) const
 {
-    if (!to._ends._in)
-        return wrongWay(*aim._route, *to._label, "an out-slot", "in-slot");
+    if (!to._ends.in())
+        return wrongWay(*aim._route, to._label, "an out-slot", "in-slot");
     const Slot& from = *aim._from->_ends._slot;
     const Slot& target = *to._ends._slot;
     if (from.getTypeID() == target.getTypeID())
         return {};
-    return aim._route->quoted() + ": '" + *aim._from->_label + "' carries " + from.getTypeName() + ", '" + *to._label +
+    return aim._route->quoted() + ": '" + aim._from->_label + "' carries " + from.getTypeName() + ", '" + to._label +
            "' takes " + target.getTypeName() + "; give both ends the same type, or route to another slot";
 }
 
@@ -103,21 +100,21 @@ void Scope::inspect(NamespaceInfo& info) const
     for (const Route* route : _routes.all())
         info._routes.push_back(inspectRoute(*route));
     for (const ExternalRoute* route : _externalRoutes.all())
-        info._externalRoutes.push_back({route->_from.getText(), route->_to.getText(), route->_shown.size()});
+        info._externalRoutes.push_back({route->_from.getText(), route->_to.getText(), route->_shown});
 }
 
 SlotInfo Scope::inspectSlot(const Entry& entry)
 {
     const Ends& ends = entry._ends;
-    SlotInfo info{*entry._label, ends._slot->getDirection(), ends._slot->getTypeName(), !entry._shownBy, {}, {}, {}};
+    SlotInfo info{entry._label, ends._slot->getDirection(), ends._slot->getTypeName(), !entry._shownBy, {}, {}, {}};
     const Entry* home = &entry;
     for (; home->_origin; home = home->_origin)
         info._home += home->_origin->_scope->_label + "/";
-    info._home += *home->_label;
-    if (info._own && ends._out)
-        info._out = ends._out->getActivity();
-    if (info._own && ends._in)
-        info._in = ends._in->getActivity();
+    info._home += home->_label;
+    if (info._own && ends.out())
+        info._out = ends.out()->getActivity();
+    if (info._own && ends.in())
+        info._in = ends.in()->getActivity();
     return info;
 }
 
@@ -125,11 +122,11 @@ std::vector<const Scope::Entry*> Scope::sortedEntries() const
 {
     std::vector<const Entry*> entries;
     for (const auto& [label, same] : _entries) {
-        for (const auto& [serial, entry] : same)
-            entries.push_back(&entry);
+        for (const Entry* entry : same)
+            entries.push_back(entry);
     }
     std::sort(entries.begin(), entries.end(), [](const Entry* left, const Entry* right) {
-        return std::tie(*left->_label, left->_serial) < std::tie(*right->_label, right->_serial);
+        return std::tie(left->_label, left->_serial) < std::tie(right->_label, right->_serial);
     });
     return entries;
 }
@@ -138,13 +135,11 @@ RouteInfo Scope::inspectRoute(const Route& route) const
 {
     RouteInfo info{route._from.getText(), route._to.getText(), {}, route._connections, {}};
     for (const Aim* aim : route._aims) {
-        const auto found = _entries.find(*aim->_target);
-        if (found == _entries.end()) {
-            info._pairs.push_back({*aim->_from->_label, *aim->_target, "no slot '" + *aim->_target + "' is in scope"});
-            continue;
-        }
-        for (const auto& [serial, to] : found->second)
-            info._pairs.push_back({*aim->_from->_label, *aim->_target, whyApart(*aim, to)});
+        const auto ends = _entries.under(aim->_target);
+        if (ends.empty())
+            info._pairs.push_back({aim->_from->_label, aim->_target, "no slot '" + aim->_target + "' is in scope"});
+        for (const Entry* to : ends)
+            info._pairs.push_back({aim->_from->_label, aim->_target, whyApart(*aim, *to)});
     }
     if (info.isPending())
         info._reason = pendingReason(route, info);
@@ -155,7 +150,7 @@ std::string Scope::pendingReason(const Route& route, const RouteInfo& info) cons
 {
     // A mismatch is more to the point than an end that may still come.
     for (const RoutePair& pair : info._pairs) {
-        if (_entries.contains(pair._to))
+        if (!_entries.under(pair._to).empty())
             return pair._reason;
     }
     if (!info._pairs.empty())
@@ -163,18 +158,28 @@ std::string Scope::pendingReason(const Route& route, const RouteInfo& info) cons
     const Entry* start = findMatch(route._from);
     if (!start)
         return "no slot '" + route._from.getText() + "' is in scope";
-    return start->_ends._in ? wrongWay(route, *start->_label, "an in-slot", "out-slot")
-                            : tooLong(route, *start->_label);
+    return start->_ends.in() ? wrongWay(route, start->_label, "an in-slot", "out-slot") : tooLong(route, start->_label);
 }
 
 const Scope::Entry* Scope::findMatch(const Pattern& pattern) const
 {
-    const auto found = pattern.isLiteral()
-                           ? _entries.find(pattern.getText())
-                           : std::find_if(_entries.begin(), _entries.end(), [&pattern](const auto& same) {
-                                 return pattern.match(same.first).has_value();
-                             });
-    return found == _entries.end() ? nullptr : &found->second.begin()->second;
+    if (pattern.isLiteral()) {
+        const auto same = _entries.under(pattern.getText());
+        return same.empty() ? nullptr : &same.front();
+    }
+    const auto found = std::find_if(_entries.begin(), _entries.end(),
+                                    [&pattern](const auto& same) { return pattern.match(same.first).has_value(); });
+    return found == _entries.end() ? nullptr : &found->second.front();
+}
+
+BasicInSlot* Scope::Ends::in() const
+{
+    return _slot->isInSlot() ? static_cast<BasicInSlot*>(_slot) : nullptr;
+}
+
+BasicOutSlot* Scope::Ends::out() const
+{
+    return _slot->isInSlot() ? nullptr : static_cast<BasicOutSlot*>(_slot);
 }
 
 } // namespace Trovio

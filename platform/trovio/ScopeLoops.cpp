@@ -26,7 +26,7 @@ bool Scope::closesLoop(const Aim& aim, const Entry& to)
     if (!relays(*aim._from, to))
         return false;
     const Relay::Key key{aim._serial, to._serial};
-    const auto loop = aim._from->_ends._relay->connect(*to._ends._relay, key, {aim._from->_label, to._label});
+    const auto loop = aim._from->_ends._relay->connect(*to._ends._relay, key, {&aim._from->_label, &to._label});
     if (loop.empty())
         return false;
     const std::string reason = spellLoop(*aim._route, loop);
@@ -41,15 +41,14 @@ std::vector<Scope::RelayPair> Scope::relayPairs(const Route& route, const std::v
 {
     std::vector<RelayPair> pairs;
     for (const Entry* from : starts) {
-        if (!from->_ends._relay || !from->_ends._out)
+        if (!from->_ends._relay || !from->_ends.out())
             continue;
-        const auto target = route._to.expand(*route._from.match(*from->_label));
-        const auto found = target ? _entries.find(*target) : _entries.end();
-        if (found == _entries.end())
+        const auto target = route._to.expand(*route._from.match(from->_label));
+        if (!target)
             continue;
-        for (const auto& [serial, to] : found->second) {
-            if (relays(*from, to) && to._ends._in && from->_ends._slot->getTypeID() == to._ends._slot->getTypeID())
-                pairs.push_back({from, &to});
+        for (const Entry* to : _entries.under(*target)) {
+            if (relays(*from, *to) && to->_ends.in() && from->_ends._slot->getTypeID() == to->_ends._slot->getTypeID())
+                pairs.push_back({from, to});
         }
     }
     return pairs;
@@ -65,7 +64,7 @@ void Scope::refuseLoop(const Route& route, const std::vector<Entry*>& starts) co
     std::size_t tried = 0;
     for (; tried < pairs.size() && loop.empty(); ++tried) {
         const auto& [from, to] = pairs[tried];
-        loop = from->_ends._relay->connect(*to->_ends._relay, {route._serial, tried}, {from->_label, to->_label});
+        loop = from->_ends._relay->connect(*to->_ends._relay, {route._serial, tried}, {&from->_label, &to->_label});
     }
     if (!loop.empty())
         --tried; // the last one was not noted
