@@ -15,14 +15,16 @@ double medianRatio(const Samples& samples, std::size_t contender, std::size_t ag
     return quantile(ratios, 0.5);
 }
 
-std::vector<Verdict> makeVerdicts(const Workload& workload, const Samples& samples, std::size_t contender)
+std::vector<Verdict> makeVerdicts(const Workload& workload, const Samples& samples, std::size_t metric,
+                                  std::size_t contender)
 {
     std::vector<Verdict> verdicts;
     const auto& contenders = workload.contenders();
     for (const Limit& limit : workload.limits())
         for (std::size_t other = 0; other < contenders.size(); ++other)
-            if (limit._contender == contenders[contender]._name && limit._against == contenders[other]._name)
-                verdicts.push_back({limit._against, medianRatio(samples, contender, other, 0), limit._atMost});
+            if (limit._metric == metric && limit._contender == contenders[contender]._name &&
+                limit._against == contenders[other]._name)
+                verdicts.push_back({limit._against, medianRatio(samples, contender, other, metric), limit._atMost});
     return verdicts;
 }
 
@@ -43,7 +45,7 @@ Row makeRow(const std::string& name, const Workload& workload, const Samples& sa
             *most,
             medianRatio(samples, contender, 0, metric),
             samples.back()[contender]._allocations,
-            metric == 0 ? makeVerdicts(workload, samples, contender) : std::vector<Verdict>()};
+            makeVerdicts(workload, samples, metric, contender)};
 }
 
 } // namespace

@@ -14,11 +14,12 @@ struct Metric {
     double _scale = 1; // multiplies the figure that a contender returns
 };
 
-/// A bound that one contender has to keep relative to another one, on the first metric.
+/// A bound that one contender has to keep relative to another one.
 struct Limit {
     std::string _contender;
     std::string _against;
     double _atMost;
+    std::size_t _metric;
 };
 
 /// A piece of work and those who do it. The first contender is the floor to which the others are compared.
@@ -32,9 +33,14 @@ public:
 
     void setMetrics(std::vector<Metric> metrics) { _metrics = std::move(metrics); }
     void add(std::string name, Measure measure) { _contenders.push_back({std::move(name), std::move(measure)}); }
-    void limit(std::string contender, std::string against, double atMost)
+    void limit(std::string contender, std::string against, double atMost, std::size_t metric = 0)
     {
-        _limits.push_back({std::move(contender), std::move(against), atMost});
+        _limits.push_back({std::move(contender), std::move(against), atMost, metric});
+    }
+    void limitEach(const std::string& contender, const std::string& against, double atMost)
+    {
+        for (std::size_t metric = 0; metric < _metrics.size(); ++metric)
+            limit(contender, against, atMost, metric);
     }
 
     const std::vector<Metric>& metrics() const { return _metrics; }
