@@ -1,6 +1,7 @@
 #include "trovio/NodeModuleFile.h"
 
 #include "trovio/Exception.h"
+#include "trovio/ExceptionText.h"
 #include <algorithm>
 #include <cstdlib>
 #include <dlfcn.h>
@@ -62,11 +63,21 @@ NodeModuleFile::NodeModuleFile(const std::string& path)
 
 NodeModuleFile::~NodeModuleFile() = default;
 
-const NodeModule* NodeModuleFile::readModule()
+const NodeModule* NodeModuleFile::callEntry() const
 {
     using Entry = const NodeModule* (*)();
     const auto entry = reinterpret_cast<Entry>(dlsym(_library.get(), "trovioNodeModule"));
-    const NodeModule* module = entry ? entry() : nullptr;
+    try {
+        return entry ? entry() : nullptr;
+    } catch (...) {
+        throw InvalidNodeException("module '" + _path + "' failed in its trovioNodeModule(): " +
+                                   describeCurrentException() + "; correct the module, or remove the file");
+    }
+}
+
+const NodeModule* NodeModuleFile::readModule() const
+{
+    const NodeModule* module = callEntry();
     if (!module)
         throw InvalidNodeException("'" + _path + "' is no node module: it has no trovioNodeModule(); remove the file");
     if (module->_version != NodeModule::Version)

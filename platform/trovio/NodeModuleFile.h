@@ -29,7 +29,8 @@ public:
     static bool isValidName(const std::string& typeName);
 
 private:
-    const NodeModule* readModule();
+    const NodeModule* readModule() const;
+    const NodeModule* callEntry() const;
     void checkTypes() const;
 
     const std::string _path;

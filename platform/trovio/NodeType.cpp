@@ -50,11 +50,37 @@ std::optional<RegisteredType> find(const std::string& name)
     return found == types._types.end() ? std::nullopt : std::optional(found->second);
 }
 
+/// The module that is called like the type; the first in the order of the folders, or empty.
+std::filesystem::path findFile(const std::string& typeName)
+{
+    for (const std::string& folder : NodeModuleFile::searchFolders()) {
+        const auto path = std::filesystem::path(folder) / NodeModuleFile::fileNameFor(typeName);
+        std::error_code ignored;
+        if (std::filesystem::exists(path, ignored))
+            return path;
+    }
+    return {};
+}
+
+/// Whether the module must leave a type to another one that is called like it, so that it does not matter which of
+/// the two is loaded first.
+bool belongsElsewhere(const NodeTypeEntry& entry, const NodeModuleFile& module)
+{
+    const std::filesystem::path file = findFile(entry._name);
+    if (file.empty() || file == module.getPath())
+        return false;
+    logMessage(LogLevel::Warning, std::string("node type '") + entry._name + "' of module '" + module.getPath() +
+                                      "' is not used: module '" + file.string() + "' is called like it");
+    return true;
+}
+
 /// Adds the types of a module; those whose names are taken stay as they were.
 void enlist(const std::shared_ptr<NodeModuleFile>& module)
 {
     Registry& types = registry();
     for (const NodeTypeEntry& entry : module->getTypes()) {
+        if (belongsElsewhere(entry, *module))
+            continue;
         const LockGuard guard(types._lock);
         const auto [place, added] = types._types.try_emplace(entry._name, RegisteredType{entry, module});
         const auto& owner = place->second._module;
@@ -68,21 +94,16 @@ void enlist(const std::shared_ptr<NodeModuleFile>& module)
 
 RegisteredType load(const std::string& name)
 {
-    const auto folders = NodeModuleFile::searchFolders();
-    const std::string file = NodeModuleFile::fileNameFor(name);
-    for (const std::string& folder : folders) {
-        const auto path = std::filesystem::path(folder) / file;
-        std::error_code ignored;
-        if (!std::filesystem::exists(path, ignored))
-            continue;
-        enlist(std::make_shared<NodeModuleFile>(path.string()));
-        if (auto type = find(name))
-            return *std::move(type);
-        throw InvalidNodeException("module '" + path.string() + "' holds no node type '" + name +
-                                   "'; rebuild it, or remove the file");
-    }
-    throw InvalidNodeException("node type '" + name + "' is not known: no " + file + " in " + joined(folders) +
-                               "; check the name, install its module, or name its folder in TROVIO_NODE_PATH");
+    const std::filesystem::path path = findFile(name);
+    if (path.empty())
+        throw InvalidNodeException("node type '" + name + "' is not known: no " + NodeModuleFile::fileNameFor(name) +
+                                   " in " + joined(NodeModuleFile::searchFolders()) +
+                                   "; check the name, install its module, or name its folder in TROVIO_NODE_PATH");
+    enlist(std::make_shared<NodeModuleFile>(path.string()));
+    if (auto type = find(name))
+        return *std::move(type);
+    throw InvalidNodeException("module '" + path.string() + "' holds no node type '" + name +
+                               "'; rebuild it, or remove the file");
 }
 
 void checkName(const std::string& name)

@@ -67,8 +67,8 @@ TEST_F(Modules, ModuleStaysWhileOneOfItsNodesIsLeft)
     auto node = NodeType::newInstance("Good");
     Root::shutdown();
     EXPECT_TRUE(isLoaded(goodModule));
-    ASSERT_EQ(log.texts().size(), 1U);
-    EXPECT_NE(log.texts()[0].find("stays loaded: 1 of its nodes"), std::string::npos);
+    ASSERT_FALSE(log.texts().empty());
+    EXPECT_NE(log.texts().back().find("stays loaded: 1 of its nodes"), std::string::npos);
     node.reset(); // runs the module's code
 }
 
@@ -83,13 +83,18 @@ TEST_F(Modules, RefusalsSayWhatToDo)
                 {"Nobody", {"'Nobody'", "trovio-node-Nobody.so", TEST_MODULES, "TROVIO_NODE_PATH"}},
                 {"OldVersion", {"version 0", "needs 1", "rebuild"}},
                 {"NoEntry", {"trovioNodeModule()", "trovio-node-NoEntry.so"}},
+                {"EntryThrows", {"failed in its trovioNodeModule()", "no licence found"}},
                 {"LacksLibrary", {"libabsent.so.7", "package libabsent7"}}};
     for (const auto& row : rows) {
         const std::string problem = problemOf(row._type);
         for (const char* part : row._parts)
             EXPECT_NE(problem.find(part), std::string::npos) << row._type << ": " << problem;
     }
+    const LogCapture log;
     NodeType::newInstance("Good");
+    ASSERT_EQ(log.texts().size(), 1U);
+    EXPECT_NE(log.texts()[0].find("'NoEntry' of module"), std::string::npos) << log.texts()[0];
+    EXPECT_NE(problemOf("NoEntry").find("trovioNodeModule()"), std::string::npos) << "its own file, not the good one";
     EXPECT_NE(problemOf("Throws").find("no such device"), std::string::npos);
     EXPECT_NE(problemOf("MakesNothing").find("made nothing"), std::string::npos);
 }
@@ -107,7 +112,7 @@ TEST_F(Modules, ListShowsTypesAndProblems)
     ASSERT_EQ(good._settings.size(), 1U);
     EXPECT_EQ(Trovio::describeAllowed(good._settings[0]), "number from 0.5 to 2");
     EXPECT_TRUE(find("Throws")._problem.empty()) << "what a factory does is not known before it is called";
-    for (const char* name : {"OldVersion", "NoEntry", "LacksLibrary"})
+    for (const char* name : {"OldVersion", "NoEntry", "EntryThrows", "LacksLibrary"})
         EXPECT_EQ(find(name)._problem, problemOf(name));
 }
 

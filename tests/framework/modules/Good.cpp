@@ -16,6 +16,10 @@ const Trovio::NodeTypeEntry types[] = {
      "cannot be built",
      {},
      []() -> std::unique_ptr<Trovio::Node> { throw std::runtime_error("no such device"); }},
+    {"NoEntry",
+     "is no type of this module, for another file is called like it",
+     {},
+     []() -> std::unique_ptr<Trovio::Node> { return std::make_unique<GoodNode>(); }},
     {"MakesNothing", "cannot be built either", {}, [] { return std::unique_ptr<Trovio::Node>(); }},
 };
 
