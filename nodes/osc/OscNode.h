@@ -18,6 +18,9 @@ public:
     /// Where it listens, while it does.
     std::vector<SocketAddress> getListenAddresses() const;
 
+    /// Each half may fail alone.
+    NodeState getStateOf(const Slot& slot) const override OSTREL_EXCLUDES(_problemLock);
+
 private:
     /// What is wrong with a half; empty if nothing is.
     struct Problems {
@@ -36,7 +39,7 @@ private:
     OscInCounters _inCounters;
     OscOutCounters _outCounters;
 
-    Ostrel::Mutex _problemLock; // held while the node's state changes, so that the two halves do not cross
+    mutable Ostrel::Mutex _problemLock; // held while the node's state changes, so that the two halves do not cross
     Problems _problems OSTREL_GUARDED_BY(_problemLock);
 
     // Unchanged while the node runs.

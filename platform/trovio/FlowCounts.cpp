@@ -2,7 +2,9 @@
 #include "trovio/BasicOutSlot.h"
 #include "trovio/FlowQuery.h"
 #include "trovio/Node.h"
+#include <cmath>
 #include <cstdio>
+#include <optional>
 
 // What the counters of slots and nodes tell about records on a way that is connected.
 namespace Trovio {
@@ -21,6 +23,20 @@ double number(std::uint64_t count)
     return static_cast<double>(count);
 }
 
+/// Seconds since the stamp. Nothing for one that tells no age: 0, no number, or more in the future than clocks differ.
+std::optional<double> ageOf(double stamp, double now)
+{
+    const bool isTold = std::isfinite(stamp) && stamp != 0.0 && stamp <= now + StampWatch::Tolerance;
+    return isTold ? std::optional(now - stamp) : std::nullopt;
+}
+
+/// Where stamps do not advance only the counts tell: more was lost than in ten rounds of that reader.
+bool lostTooMuch(const InSlotActivity& in)
+{
+    const std::uint64_t before = in._counts.overwritten - in._lostSinceTake;
+    return number(in._lostSinceTake) > 10.0 * (1.0 + number(before) / number(in._counts.taken));
+}
+
 } // namespace
 
 Explanation FlowQuery::walk(const std::vector<Step>& path) const
@@ -34,8 +50,7 @@ Explanation FlowQuery::walk(const std::vector<Step>& path) const
     }
     // What the last node takes goes nowhere while it is degraded, such as towards a peer that is away.
     const Entry& end = *path.back()._home;
-    const Node* const node = end._scope->_node;
-    return node && node->getState()._degraded ? degraded(end) : flowing(path);
+    return stateOf(end)._degraded ? degraded(end) : flowing(path);
 }
 
 bool FlowQuery::stopsBeforeOut(const Entry& home, const Entry* before, Explanation& cause) const
@@ -47,10 +62,8 @@ bool FlowQuery::stopsAtSource(const Entry& home, Explanation& cause) const
 {
     const OutSlotActivity out = home._ends.out()->getActivity();
     const double stamp = out._stamps._last.getSeconds();
-    const bool tellsAge = stamp != 0.0 && !home._ends.out()->isWrittenOnChange();
-    const bool stale = tellsAge && _now - stamp > _staleAfter;
-    const Node* node = home._scope->_node;
-    const NodeState state = node ? node->getState() : NodeState();
+    const bool stale = !home._ends.out()->isWrittenOnChange() && ageOf(stamp, _now).value_or(0) > _staleAfter;
+    const NodeState state = stateOf(home);
     const std::string label = labelOf(home);
     if (state._degraded && (out._written == 0 || stale || stamp <= state._since.getSeconds()))
         cause = degraded(home);
@@ -64,10 +77,16 @@ bool FlowQuery::stopsAtSource(const Entry& home, Explanation& cause) const
     return cause._verdict != Verdict::Flowing;
 }
 
+NodeState FlowQuery::stateOf(const Entry& home)
+{
+    const Node* const node = home._scope->_node;
+    return node ? node->getStateOf(*home._ends._slot) : NodeState();
+}
+
 Explanation FlowQuery::degraded(const Entry& home) const
 {
     const std::string name = nameOf(*home._scope);
-    const NodeState state = home._scope->_node->getState();
+    const NodeState state = stateOf(home);
     return {Verdict::NodeDegraded,
             "node '" + name + "' has been degraded for " + inSeconds(_now - state._since.getSeconds()) + ": " +
                 state._reason,
@@ -79,10 +98,10 @@ bool FlowQuery::stopsInNode(const Entry& home, const Entry& before, Explanation&
     const OutSlotActivity out = home._ends.out()->getActivity();
     const InSlotActivity in = before._ends.in()->getActivity();
     const double behind = in._lastTaken.getSeconds() - out._stamps._last.getSeconds();
-    if (out._written != 0 && (behind <= _staleAfter || home._ends.out()->isWrittenOnChange()))
+    if (out._written != 0 && (!(behind > _staleAfter) || home._ends.out()->isWrittenOnChange()))
         return false;
     const Node& node = *home._scope->_node;
-    if (node.getState()._degraded) {
+    if (stateOf(home)._degraded) {
         cause = degraded(home);
         return true;
     }
@@ -104,8 +123,13 @@ bool FlowQuery::stopsAtReader(const Entry& home, Explanation& cause) const
     const InSlotActivity in = home._ends.in()->getActivity();
     const InSlotCounts& counts = in._counts;
     const double behind = in._stamps._last.getSeconds() - in._lastTaken.getSeconds();
-    if (counts.waiting == 0)
+    const bool isBehind = behind > 0 ? behind > _staleAfter : lostTooMuch(in); // a stamp may stand still, or be none
+    if (counts.waiting == 0 || (counts.taken != 0 && !isBehind && !in._readerInterrupted))
         return false;
+    if (stateOf(home)._degraded) {
+        cause = degraded(home);
+        return true;
+    }
     const std::string label = labelOf(home);
     const Details details{{"in-slot", label},
                           {"stored", number(counts.stored)},
@@ -114,14 +138,13 @@ bool FlowQuery::stopsAtReader(const Entry& home, Explanation& cause) const
                           {"waiting", number(counts.waiting)},
                           {"interrupts", number(in._interrupts)}};
     const std::string reader = counts.taken == 0 ? "nobody has taken a record from '" + label + "' yet"
-                                                 : "the reader of '" + label + "' is " + inSeconds(behind) + " behind";
+                               : behind > 0      ? "the reader of '" + label + "' is " + inSeconds(behind) + " behind"
+                                                 : "the reader of '" + label + "' takes nothing more";
     if (in._readerInterrupted)
         cause = {Verdict::Interrupted,
                  "the reader of '" + label + "' was interrupted (" + std::to_string(in._interrupts) +
                      " times in all) and has taken nothing since; " + std::to_string(counts.waiting) + " waiting",
                  details};
-    else if (counts.taken != 0 && behind <= _staleAfter)
-        return false;
     else if (in._lostSinceTake != 0)
         cause = {Verdict::Overwritten,
                  reader + ": " + std::to_string(in._lostSinceTake) + " overwritten before they were read", details};
@@ -139,15 +162,18 @@ Explanation FlowQuery::flowing(const std::vector<Step>& path) const
         std::to_string(out._written) + " written, " + std::to_string(in.taken) + " taken, " +
             std::to_string(in.overwritten) + " overwritten",
         {{"written", number(out._written)}, {"taken", number(in.taken)}, {"overwritten", number(in.overwritten)}}};
-    if (const double stamp = out._stamps._last.getSeconds(); stamp != 0.0) {
-        answer._text += ", the last " + inSeconds(_now - stamp) + " old";
-        answer._details.push_back({"age", _now - stamp});
+    const double stamp = out._stamps._last.getSeconds();
+    if (const auto age = ageOf(stamp, _now)) {
+        answer._text += ", the last " + inSeconds(*age) + " old";
+        answer._details.push_back({"age", *age});
+    } else if (stamp > _now) {
+        answer._text += ", the last stamped " + inSeconds(stamp - _now) + " in the future";
     }
     // Part of a node may be down while records go through the rest.
     const Scope* seen = nullptr;
     for (const Step& step : path) {
         const Node* node = step._home->_scope->_node;
-        if (node && step._home->_scope != seen && node->getState()._degraded)
+        if (node && step._home->_scope != seen && stateOf(*step._home)._degraded)
             answer._text += "; " + degraded(*step._home)._text;
         seen = step._home->_scope;
     }

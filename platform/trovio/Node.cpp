@@ -158,6 +158,11 @@ Counter& Node::addCounter(const std::string& name)
     return _counters.emplace_back(name);
 }
 
+NodeState Node::getStateOf(const Slot&) const
+{
+    return getState();
+}
+
 std::vector<CounterInfo> Node::getCounters() const
 {
     std::vector<CounterInfo> counters;

@@ -41,6 +41,10 @@ public:
     std::string getTypeName() const;
 
     NodeState getState() const;
+
+    /// The state as far as it concerns one of the node's slots: a node of several parts overrides this where one of
+    /// them may fail alone. Any thread, under any lock but the log's.
+    virtual NodeState getStateOf(const Slot& slot) const;
     std::vector<CounterInfo> getCounters() const;
 
     /// The settings that every node has beside those of its type.

@@ -16,9 +16,10 @@ public:
 
     void note(const Time& stamp)
     {
-        if (stamp.getSeconds() < _counts._last.getSeconds())
-            ++_counts._backwards;
-        if (stamp.getSeconds() > _horizon.load(std::memory_order_relaxed))
+        const bool isBackwards = stamp.getSeconds() < _counts._last.getSeconds();
+        _counts._backwards += isBackwards;
+        // A stamp that runs backwards may mean that the clock was set back, and the horizon with it.
+        if (isBackwards || stamp.getSeconds() > _horizon.load(std::memory_order_relaxed))
             compareWithClock(stamp);
         _counts._last = stamp;
     }

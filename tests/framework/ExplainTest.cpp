@@ -126,6 +126,7 @@ public:
     using Explain::_silent;
     using Explain::_wide;
     using Explain::flow;
+    using Explain::push;
     using Explain::replaceFilter;
     using Explain::replaceRoute;
 
@@ -133,6 +134,12 @@ public:
     {
         push(-5);
         _filter->pass(passes);
+    }
+
+    void sendUnstamped()
+    {
+        _out.push(Data<float>(1, Time(0)));
+        _filter->pass(true);
     }
 };
 
@@ -196,6 +203,22 @@ INSTANTIATE_TEST_SUITE_P(
               Verdict::Overwritten, "the reader of 'sensor' is 5 s behind: 2 overwritten before they were read"},
         Fault{"Unread", [](OneFault& way) { way.sendLater(true); }, Verdict::Unread,
               "the reader of 'sensor' is 5 s behind: 1 waiting"},
+        Fault{"DegradedReader",
+              [](OneFault& way) {
+                  way.replaceFilter();
+                  way.push();
+                  way._filter->setDegraded("no such host");
+              },
+              Verdict::NodeDegraded, ": no such host"},
+        Fault{"OverwrittenWithoutStamps",
+              [](OneFault& way) {
+                  for (int i = 0; i < 60; ++i) {
+                      way.sendUnstamped();
+                      if (i < 30)
+                          way._sensor.pop();
+                  }
+              },
+              Verdict::Overwritten, "the reader of 'sensor' takes nothing more: 29 overwritten"},
         Fault{"Interrupted",
               [](OneFault& way) {
                   way._sensor.interrupt();
@@ -214,6 +237,8 @@ TEST_F(Explain, SaysThatRecordsFlow)
     _device->setDegraded("one of two ports is taken");
     flow();
     expect(Verdict::Flowing, {"3 taken", "node 'device' has been degraded", "one of two ports"});
+    flow(-3600);
+    expect(Verdict::Flowing, {"4 taken", "the last stamped 3.6e+03 s in the future"});
 }
 
 TEST_F(Explain, FindsNoFaultInTheAgeOfWhatIsWrittenOnChange)
