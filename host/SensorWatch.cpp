@@ -29,7 +29,8 @@ double SensorWatch::age(double now) const
     for (const Trovio::Slot* slot : _slots)
         if (const auto* in = dynamic_cast<const Trovio::BasicInSlot*>(slot))
             stamp = std::max(stamp, in->getActivity()._lastTaken.getSeconds());
-    return _changes == 0 ? -1 : std::max(now - (stamp > 0 ? stamp : _lastChange), 0.0);
+    const bool tellsAge = stamp > 0 && stamp <= now;
+    return _changes == 0 ? -1 : std::max(now - (tellsAge ? stamp : _lastChange), 0.0);
 }
 
 void SensorWatch::notify(const Ostrel::TimeStamp& time, Ostrel::BaseObject*, Ostrel::BaseObject*, Ostrel::BaseObject*)

@@ -46,8 +46,8 @@ public:
 
     std::uint64_t changes() const { return _changes; }
 
-    /// Seconds from the time stamp that the source gave the last value, or from the last change where there is no such
-    /// stamp, to `now`; 0 for a stamp in the future, negative before the first change.
+    /// Seconds from the time stamp that the source gave the last value to `now`, or from the last change where there is
+    /// no such stamp or one in the future; never less than 0 but before the first change.
     double age(double now) const;
 
     /// Changes per second from the first to the last; 0 before there are two.
