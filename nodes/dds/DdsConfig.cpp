@@ -65,7 +65,8 @@ std::string makeDdsConfig(const DdsDomainSettings& settings)
         "Discovery", element("ParticipantIndex", "auto") +
                          element("MaxAutoParticipantIndex", std::to_string(settings._processes - 1)) + peers(settings) +
                          element("LeaseDuration", std::to_string(static_cast<long>(settings._lease * 1000.0)) + "ms"));
-    const std::string internal = element("Internal", element("MaxSampleSize", std::to_string(settings._largest) + "B"));
+    const std::string internal = element("Internal", element("MaxSampleSize", std::to_string(settings._largest) + "B") +
+                                                         "<SocketReceiveBufferSize max=\"4MB\"/>");
     return "<Domain Id=\"any\">" + general + discovery + internal + "</Domain>";
 }
 

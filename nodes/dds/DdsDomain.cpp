@@ -1,10 +1,8 @@
 #include "nodes/dds/DdsDomain.h"
 
-#include "base/Mutex.h"
 #include "nodes/dds/DdsConfig.h"
 #include "nodes/dds/DdsLog.h"
 #include "nodes/dds/LoopbackOnly.h"
-#include <map>
 
 namespace Trovio::Nodes {
 
@@ -68,6 +66,17 @@ std::shared_ptr<DdsDomain> DdsDomain::open(const DdsDomainSettings& settings)
         throw DdsProblem("another node of this program has already opened " + domain->getSettings().describe() +
                          "; give both the same interface, host, lease, processes and largest, or another domain");
     return domain;
+}
+
+std::shared_ptr<LocalTopic> DdsDomain::getTopic(const std::string& name)
+{
+    const Ostrel::LockGuard guard(_lock);
+    std::erase_if(_topics, [](const auto& topic) { return topic.second.expired(); });
+    auto& found = _topics[name];
+    auto topic = found.lock();
+    if (!topic)
+        found = topic = std::make_shared<LocalTopic>();
+    return topic;
 }
 
 DdsDomain::DdsDomain(const DdsDomainSettings& settings) : _settings(settings), _domain(createDomain(settings))

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "base/Mutex.h"
 #include "nodes/dds/DdsEntity.h"
+#include "nodes/dds/LocalTopic.h"
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -36,9 +39,15 @@ public:
 
     const DdsDomainSettings& getSettings() const { return _settings; }
 
+    /// The same object for all who name a topic.
+    std::shared_ptr<LocalTopic> getTopic(const std::string& name) OSTREL_EXCLUDES(_lock);
+
 private:
     const DdsDomainSettings _settings;
     const DdsEntity _domain;
+
+    Ostrel::Mutex _lock; // leaf
+    std::map<std::string, std::weak_ptr<LocalTopic>> _topics OSTREL_GUARDED_BY(_lock);
 };
 
 } // namespace Trovio::Nodes

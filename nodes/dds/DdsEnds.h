@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nodes/dds/DdsEntity.h"
+#include "nodes/dds/DdsDomain.h"
 #include "nodes/dds/DdsQos.h"
 #include <cstdint>
 #include <functional>
@@ -9,6 +9,7 @@ namespace Trovio::Nodes {
 
 /// What topics are opened with: made by a session, which outlives everything that is opened with it.
 struct DdsEnds {
+    DdsDomain* _domain;
     dds_entity_t _participant;
     dds_entity_t _publisher;
     dds_entity_t _subscriber;

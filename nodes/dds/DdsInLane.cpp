@@ -69,12 +69,16 @@ void DdsInLane::open(const DdsEnds& ends)
     dds_lset_subscription_matched(listener.get(), onMatched);
     _ddsTopic =
         DdsEntity(dds_create_topic(ends._participant, &_descriptor, _topic._name.c_str(), ends._qos, nullptr), what);
+    _localTopic = ends._domain->getTopic(_topic._name);
+    _localTopic->addReader();
     _reader = DdsEntity(dds_create_reader(ends._subscriber, _ddsTopic.get(), ends._qos, listener.get()), what);
 }
 
 void DdsInLane::close()
 {
     _reader = DdsEntity();
+    if (const auto topic = std::exchange(_localTopic, nullptr))
+        topic->removeReader();
     if (_alive)
         setAlive(false);
 }

@@ -77,7 +77,8 @@ private:
     };
     std::optional<Arrival> _newest OSTREL_GUARDED_BY(_takeLock);
 
-    DdsEntity _ddsTopic, _reader; // last: goes first, and with it the listeners
+    std::shared_ptr<LocalTopic> _localTopic; // while open
+    DdsEntity _ddsTopic, _reader;            // last: goes first, and with it the listeners
 };
 
 } // namespace Trovio::Nodes

@@ -51,14 +51,14 @@ void DdsLog::takeOver()
     dds_set_log_sink(write, nullptr);
 }
 
-DdsLog::Listening::Listening()
+DdsLog::Listening::Listening() : _outer(listening)
 {
     listening = this;
 }
 
 DdsLog::Listening::~Listening()
 {
-    listening = nullptr;
+    listening = _outer;
 }
 
 } // namespace Trovio::Nodes

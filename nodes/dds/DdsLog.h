@@ -10,7 +10,7 @@ public:
     /// From now on, for the whole program. Call it before the library is used.
     static void takeOver();
 
-    /// While it lives, the messages that the library writes on this thread are kept here instead. One at a time.
+    /// While it lives, the messages that the library writes on this thread are kept here instead. They nest.
     class Listening {
     public:
         Listening();
@@ -22,6 +22,7 @@ public:
 
     private:
         std::string _text;
+        Listening* const _outer; // of this thread
     };
 };
 

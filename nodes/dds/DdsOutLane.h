@@ -1,9 +1,11 @@
 #pragma once
 
+#include "base/Mutex.h"
 #include "nodes/dds/DdsEnds.h"
 #include "nodes/shared/Report.h"
 #include "nodes/shared/SlotList.h"
 #include "trovio/Node.h"
+#include <atomic>
 #include <memory>
 
 struct Trovio_Wire_Origin;
@@ -23,6 +25,8 @@ struct DdsOutCounters {
 
 /// One topic that is published, and the in-slot whose records go there.
 /// While the topic is closed, or a reader does not keep up, records wait in the slot, the newest of them.
+/// A small record is sent by the thread that pushes it, where that cannot wait for anything: on the loopback, to few
+/// readers, none of them in this program. All others are sent by the node's thread.
 /// Threads: any thread pushes into the slot; one thread does the rest.
 class DdsOutLane {
 public:
@@ -36,11 +40,14 @@ public:
 
     /// Throws DdsProblem.
     void open(const DdsEnds& ends);
-    void close() { _writer = DdsEntity(); }
+    void close() OSTREL_EXCLUDES(_sendLock);
+
+    /// Finds out how many there are.
+    void lookForReaders() OSTREL_EXCLUDES(_sendLock);
 
     enum class Outcome { NothingWaits, Sent, TryLater };
     /// Sends the oldest waiting record. May wait a few milliseconds for a reader that does not keep up.
-    Outcome send();
+    Outcome send() OSTREL_EXCLUDES(_sendLock);
 
 protected:
     /// A record on its way: a sample that refers to it, and what begins every sample.
@@ -50,25 +57,39 @@ protected:
         double _stamp;
     };
 
-    DdsOutLane(const ListedSlot& topic, const dds_topic_descriptor_t& descriptor, DdsOutCounters& counters,
-               Clock& clock);
+    /// mostWaiting: bytes of samples that may wait for readers, if that is known.
+    DdsOutLane(const ListedSlot& topic, const dds_topic_descriptor_t& descriptor,
+               std::optional<std::size_t> mostWaiting, DdsOutCounters& counters, Clock& clock);
 
     /// Takes the oldest waiting record, if there is one; the sample lives until the next call. It says why the record
     /// cannot be sent in problem.
-    virtual std::optional<Sample> takeSample(std::string& problem) = 0;
+    virtual std::optional<Sample> takeSample(std::string& problem) OSTREL_REQUIRES(_sendLock) = 0;
+
+    /// For the pushing thread, under locks. False if the node's thread has to look what is left.
+    bool sendAtOnce() noexcept OSTREL_EXCLUDES(_sendLock);
+
+    Ostrel::Mutex _sendLock; // held around taking and sending; with a slot's lock held, it is only tried
 
 private:
-    void fail(const std::string& problem);
-    void complain(const std::string& problem); // seldom
+    static void onMatched(dds_entity_t writer, dds_publication_matched_status_t status, void* lane) noexcept;
+    Outcome sendOne() OSTREL_REQUIRES(_sendLock);
+    void fail(const std::string& problem) OSTREL_REQUIRES(_sendLock);
+    void complain(const std::string& problem) OSTREL_REQUIRES(_sendLock); // seldom
 
     const ListedSlot _topic;
     const dds_topic_descriptor_t& _descriptor;
     DdsOutCounters& _counters;
-    DdsEntity _ddsTopic, _writer;
-    std::uint64_t _writerID = 0; // the node's
-    std::uint64_t _number = 0;
-    std::optional<Sample> _pending; // the library has not taken it yet
-    Seldom _reports;
+    const bool _isSmall;
+    std::function<void()> _wake;
+    bool _isLocal = false;             // the domain is this machine only
+    std::atomic<bool> _isQuick{false}; // sending cannot wait
+
+    std::uint64_t _writerID OSTREL_GUARDED_BY(_sendLock) = 0; // the node's
+    std::uint64_t _number OSTREL_GUARDED_BY(_sendLock) = 0;
+    std::optional<Sample> _pending OSTREL_GUARDED_BY(_sendLock); // the library has not taken it yet
+    Seldom _reports OSTREL_GUARDED_BY(_sendLock);
+    std::shared_ptr<LocalTopic> _localTopic OSTREL_GUARDED_BY(_sendLock);
+    DdsEntity _ddsTopic OSTREL_GUARDED_BY(_sendLock), _writer OSTREL_GUARDED_BY(_sendLock);
 };
 
 } // namespace Trovio::Nodes

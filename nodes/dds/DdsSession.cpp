@@ -23,7 +23,7 @@ DdsSession::DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, 
                        std::function<void()> wake)
     : _clock(clock),
       _settings(std::move(settings)),
-      _ends{0, 0, 0, nullptr, randomID(), std::move(wake)},
+      _ends{nullptr, 0, 0, 0, nullptr, randomID(), std::move(wake)},
       _watch(_settings._quality, _settings._published, _settings._subscribed),
       _clocks(clock, _ends._writerID, {_settings._timing, !_settings._published.empty()}),
       _topicQos(makeTopicQos(_settings._quality))
@@ -73,6 +73,7 @@ void DdsSession::openTopics()
     const std::string what = "cannot take part in " + _settings._domain.describe();
     _participant = DdsEntity(dds_create_participant(_settings._domain._number, nullptr, nullptr), what);
     const DdsQos group = makeGroupQos(_settings._quality);
+    _ends._domain = _domain.get();
     _ends._participant = _participant.get();
     _ends._publisher = dds_create_publisher(_participant.get(), group.get(), nullptr);
     _ends._subscriber = dds_create_subscriber(_participant.get(), group.get(), nullptr);
@@ -116,6 +117,8 @@ bool DdsSession::sendWaiting(bool& retry)
 void DdsSession::lookAround()
 {
     _watch.look();
+    for (const auto& lane : _outLanes)
+        lane->lookForReaders();
     for (const auto& lane : _inLanes)
         lane->lookForWriters();
 }

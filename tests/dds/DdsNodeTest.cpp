@@ -75,6 +75,21 @@ TEST_F(DdsNodeTest, BurstArrivesWholeAndInOrder)
         ASSERT_EQ(probe.next().getValue(), i);
 }
 
+TEST_F(DdsNodeTest, TopicsInACircleDoNotLockUp)
+{
+    DdsPeer here("publish='Forth Long' subscribe='Back Long' label=here");
+    DdsPeer there("publish='Back Long' subscribe='Forth Long' label=there");
+    Root::get().addRoute("there/Forth", "there/Back");
+    Probe<long> probe("here/Back");
+    Feed<long> feed("here/Forth");
+    for (long i = 1; i <= 500; ++i) {
+        feed.push(i, static_cast<double>(i));
+        while (probe.next().getValue() != i) {
+        }
+    }
+    Root::get().removeRoute("there/Forth", "there/Back");
+}
+
 TEST_F(DdsNodeTest, RecordThatIsTooLargeIsLeftOut)
 {
     DdsPeer reader("subscribe='Scan Float[]' label=reader largest=4096");
