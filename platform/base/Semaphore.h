@@ -28,7 +28,7 @@ public:
 
     /// Takes a token, and sleeps until there is one. The lock is held before and after, and left for the sleep.
     template <class Lock>
-    void wait(Lock& lock)
+    void wait(Lock& lock) OSTREL_REQUIRES(lock)
     {
         while (_tokens == 0)
             sleep(lock);
@@ -46,7 +46,7 @@ private:
 
     // A thread that wakes by itself leaves its announcement behind: it costs one wake too many, and none is missed.
     template <class Lock>
-    [[gnu::cold, gnu::noinline]] void sleep(Lock& lock) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+    [[gnu::cold, gnu::noinline]] void sleep(Lock& lock) OSTREL_REQUIRES(lock)
     {
         ++_sleepers;
         const std::uint32_t calls = _calls.load();

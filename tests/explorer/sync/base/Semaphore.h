@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ThreadSafety.h"
 #include "tests/explorer/Scheduler.h"
 #include <cstdint>
 
@@ -35,7 +36,7 @@ public:
     }
 
     template <class Lock>
-    void wait(Lock& lock)
+    void wait(Lock& lock) OSTREL_REQUIRES(lock)
     {
         while (_tokens == 0) {
             ++_announced;
