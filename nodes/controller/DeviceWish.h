@@ -16,7 +16,7 @@ public:
     explicit DeviceWish(const Settings& settings);
 
     static constexpr Setting Rows[] = {
-        Setting::text("guid", "", "GUID of the controller's model, 32 hexadecimal digits; empty: any"),
+        Setting::text("guid", "", "GUID of the controller's model; empty: any", "32 hexadecimal digits, or nothing"),
         Setting::text("serial", "", "serial of the controller; empty: any"),
         Setting::text("port", "", "where the controller is plugged in; empty: anywhere"),
         Setting::text("name", "", "name of the controller's model; empty: any"),

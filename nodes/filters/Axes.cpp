@@ -126,11 +126,13 @@ const NodeTypeEntry& Axes::getEntry()
         fittingTypes<AxesFilter>(), "Vec3f",
         {Setting::text("axes", "",
                        "which arriving axis each leaving one is, as a capital where it is negated, e.g. xZy; empty: as "
-                       "they come"),
+                       "they come",
+                       "each of the letters x, y, z, as many as the type has, once, or nothing"),
          Setting::choice("unit", "m", unitChoices, "unit of what arrives; metres or radians leave"),
          Setting::text("order", "xyzw",
                        "order in which the components of a rotation arrive, as a capital where one is negated; they "
-                       "leave as xyzw")});
+                       "leave as xyzw",
+                       "each of the letters x, y, z, w once, or nothing")});
     static const NodeTypeEntry entry{"Axes", "changes units, order and sign of axes, and the hand of the system",
                                      table.rows(), createOnSystemClock<Axes>};
     return entry;

@@ -45,10 +45,9 @@ Clamp::Clamp(Clock& clock) : FilterNode(clock, createFilterLane<ClampFilter>) {}
 
 const NodeTypeEntry& Clamp::getEntry()
 {
-    static const RelayTable table(
-        fittingTypes<ClampFilter>(), "Float",
-        {Setting::text("low", "-inf", "lower bound; one number, or one for each component; -inf: none"),
-         Setting::text("high", "inf", "upper bound; one number, or one for each component; inf: none")});
+    static const RelayTable table(fittingTypes<ClampFilter>(), "Float",
+                                  {Setting::text("low", "-inf", "lower bound; -inf: none", numberList),
+                                   Setting::text("high", "inf", "upper bound; inf: none", numberList)});
     static const NodeTypeEntry entry{"Clamp", "holds values between two bounds", table.rows(),
                                      createOnSystemClock<Clamp>};
     return entry;

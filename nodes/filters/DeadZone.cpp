@@ -57,11 +57,12 @@ const NodeTypeEntry& DeadZone::getEntry()
 {
     static const RelayTable table(
         fittingTypes<DeadZoneFilter>(), "Float",
-        {Setting::text("zone", "0.1", "how far from the centre nothing is felt; one number, or one for each component"),
-         Setting::text("centre", "0", "value at rest; one number, or one for each component"),
+        {Setting::text("zone", "0.1", "how far from the centre nothing is felt", numberList),
+         Setting::text("centre", "0", "value at rest", numberList),
          Setting::text("full", "1",
                        "distance from the centre that stays as it is, e.g. the stop of a stick; inf: values only move "
-                       "by the zone; one number, or one for each component")});
+                       "by the zone",
+                       numberList)});
     static const NodeTypeEntry entry{"DeadZone", "silences small deviations from rest, without a jump at the edge",
                                      table.rows(), createOnSystemClock<DeadZone>};
     return entry;

@@ -38,9 +38,8 @@ const NodeTypeEntry& Scale::getEntry()
 {
     static const RelayTable table(
         fittingTypes<ScaleFilter>(), "Float",
-        {Setting::text("gain", "1", "what values are multiplied by; one number, or one for each component"),
-         Setting::text("offset", "0",
-                       "what is added then, in the signal's unit; one number, or one for each component")});
+        {Setting::text("gain", "1", "what values are multiplied by", numberList),
+         Setting::text("offset", "0", "what is added then, in the signal's unit", numberList)});
     static const NodeTypeEntry entry{"Scale", "multiplies values by a gain and adds an offset", table.rows(),
                                      createOnSystemClock<Scale>};
     return entry;

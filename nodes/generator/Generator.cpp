@@ -1,6 +1,7 @@
 #include "nodes/generator/Generator.h"
 
 #include "nodes/generator/TestPicture.h"
+#include "nodes/shared/NumberList.h"
 #include "trovio/BasicOutSlot.h"
 
 namespace Trovio::Nodes {
@@ -11,15 +12,15 @@ constexpr double longestLag = 1.0; // seconds
 constexpr std::size_t longestLabel = 1024;
 
 const Setting generatorSettings[] = {
-    Setting::text("type", "Float", "type of the values: any numeric slot type, Image, and each with []"),
-    Setting::text("slot", "value", "label of the out-slot"),
+    Setting::text("type", "Float", "type of the values", "any numeric slot type, Image, and each with []"),
+    Setting::text("slot", "value", "label of the out-slot", "1 to 1024 bytes"),
     Setting::number("rate", "60", 0.001, 100000, "records a second"),
     Setting::integer("count", "0", 0, 1e15, "records until it ends; 0: endless"),
     Setting::choice("shape", "sine", "sine|ramp|square|steps|noise", "course of the values"),
     Setting::number("frequency", "1", 0, 1e6, "periods a second"),
-    Setting::text("amplitude", "1", "half the height of the course; one number, or one for each component"),
-    Setting::text("offset", "0", "middle of the course; one number, or one for each component"),
-    Setting::text("phase", "0", "start of the course in periods; one number, or one for each component"),
+    Setting::text("amplitude", "1", "half the height of the course", numberList),
+    Setting::text("offset", "0", "middle of the course", numberList),
+    Setting::text("phase", "0", "start of the course in periods", numberList),
     Setting::integer("steps", "8", 2, 1000000, "levels of the shape steps"),
     Setting::integer("seed", "1", 0, 1e15, "start of the shape noise; the same seed gives the same values"),
     Setting::integer("elements", "4", 0, 1000000, "length of multiple values"),

@@ -33,7 +33,8 @@ const NodeTypeEntry& Guard::getEntry()
         {Setting::number("after", "0.5", 0.001, 86400, "seconds without a record until the source counts as lost"),
          Setting::choice("then", "hold", "hold|zero|value",
                          "what goes out then: nothing, so that the last value stays; the type's default; 'value'"),
-         Setting::text("value", "", "what goes out with then=value: a text, or numbers separated by blanks")});
+         Setting::text("value", "", "what goes out with then=value",
+                       "what the type can be: a text, or numbers separated by blanks")});
     static const NodeTypeEntry entry{"Guard", "passes records on and declares when they stop coming", table.rows(),
                                      createOnSystemClock<Guard>};
     return entry;

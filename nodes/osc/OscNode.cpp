@@ -8,12 +8,14 @@ namespace Trovio::Nodes {
 
 namespace {
 
+constexpr const char* addressList = "'/address Type, ...' with slot types, or nothing";
+
 const Setting oscSettings[] = {
     Setting::endpoint("listen", "", "where to receive, ADDRESS:PORT; the address numeric, or localhost"),
-    Setting::text("in", "", "what to receive: '/address Type, ...'; each address is an out-slot"),
+    Setting::text("in", "", "what to receive; each address is an out-slot", addressList),
     Setting::integer("buffer", "8388608", 4096, 1 << 30, "bytes that may wait in the receiving socket"),
     Setting::endpoint("send", "", "where to send, HOST:PORT"),
-    Setting::text("out", "", "what to send: '/address Type, ...'; each address is an in-slot"),
+    Setting::text("out", "", "what to send; each address is an in-slot", addressList),
     Setting::integer("queue", "256", 1, 65536, "records that may wait in each in-slot; the newest are kept"),
     Setting::choice("bundle", "auto", "auto|always|never",
                     "whether messages go in bundles, which carry times: where several wait, always, never"),

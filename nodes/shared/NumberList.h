@@ -31,6 +31,9 @@ struct NumberRange {
     bool contains(double number) const { return number >= _lowest && number <= _highest; }
 };
 
+/// What readComponents() takes, for a table of settings.
+inline constexpr const char* numberList = "one number, or one for each component, separated by blanks";
+
 /// One number for each of count components, from a setting that names one for all of them or one for each.
 /// Throws InvalidFieldException.
 std::vector<double> readComponents(const Settings& settings, const char* name, std::size_t count,

@@ -16,11 +16,13 @@ struct Setting {
     const char* _meaning; // one line, with the unit
     double _lowest = 0.0; // of integers and numbers, both bounds included
     double _highest = 0.0;
-    const char* _choices = ""; // "sine|ramp|square"
+    const char* _choices = ""; // "sine|ramp|square"; of a text in words
 
-    static constexpr Setting text(const char* name, const char* initial, const char* meaning)
+    /// `form` says in words which texts the node takes; the node itself refuses the others.
+    static constexpr Setting text(const char* name, const char* initial, const char* meaning,
+                                  const char* form = "any text")
     {
-        return {name, SettingKind::Text, initial, meaning};
+        return {name, SettingKind::Text, initial, meaning, 0.0, 0.0, form};
     }
     static constexpr Setting boolean(const char* name, const char* initial, const char* meaning)
     {

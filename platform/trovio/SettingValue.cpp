@@ -146,7 +146,7 @@ std::string describeAllowed(const Setting& row)
 {
     switch (row._kind) {
     case SettingKind::Text:
-        return "any text";
+        return row._choices;
     case SettingKind::Bool:
         return "true or false";
     case SettingKind::Integer:
