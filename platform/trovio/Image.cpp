@@ -1,7 +1,9 @@
 #include "trovio/Image.h"
 
 #include "trovio/Exception.h"
+#include "trovio/PixelBytes.h"
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace Trovio {
@@ -39,17 +41,23 @@ Pixel readPixel(const Image::FormatInfo& format, const std::uint8_t* from)
     return {from[format._red], from[format._green], from[format._blue], alpha};
 }
 
-void writePixel(const Image::FormatInfo& format, const Pixel& pixel, std::uint8_t* to)
+void writeGrey(const Image::FormatInfo& format, const Pixel& pixel, std::uint8_t* to)
 {
-    if (format.isGrey()) {
-        std::fill_n(to, format._bytesPerPixel, pixel.luminance());
-    } else {
-        to[format._red] = pixel._red;
-        to[format._green] = pixel._green;
-        to[format._blue] = pixel._blue;
-    }
+    std::fill_n(to, format._bytesPerPixel, pixel.luminance());
     if (format._alpha >= 0)
         to[format._alpha] = pixel._alpha;
+}
+
+/// For all but colour to grey: a grey is the same in every channel.
+PixelBytes bytesBetween(const Image::FormatInfo& from, const Image::FormatInfo& to)
+{
+    PixelBytes bytes{from._bytesPerPixel, to._bytesPerPixel, {}};
+    bytes._from.fill(from._red);
+    for (const auto& [target, source] : {std::pair(to._green, from._green), std::pair(to._blue, from._blue),
+                                         std::pair(to._red, from._red), std::pair(to._alpha, from._alpha)})
+        if (target >= 0)
+            bytes._from[static_cast<std::size_t>(target)] = source; // no alpha is PixelBytes::Opaque
+    return bytes;
 }
 
 std::size_t checkedSize(Image::Format format, unsigned width, unsigned height)
@@ -70,6 +78,23 @@ std::size_t checkedSize(Image::Format format, unsigned width, unsigned height)
 Image::Image(Format format, unsigned width, unsigned height)
     : _format(format), _width(width), _height(height), _data(checkedSize(format, width, height))
 {
+    std::fill(_data.begin(), _data.end(), std::uint8_t(0));
+}
+
+Image::Image(const Image& other) : Image(other._format, other._width, other._height, Bytes(other._data.size()))
+{
+    std::copy(other._data.begin(), other._data.end(), _data.begin());
+}
+
+Image& Image::operator=(const Image& other)
+{
+    if (this == &other)
+        return *this;
+    _data.clear(); // so that growing moves no bytes
+    _data.resize(other._data.size());
+    std::copy(other._data.begin(), other._data.end(), _data.begin());
+    std::tie(_format, _width, _height) = std::tie(other._format, other._width, other._height);
+    return *this;
 }
 
 bool Image::convertFormat(Format format, Image& result) const
@@ -80,11 +105,15 @@ bool Image::convertFormat(Format format, Image& result) const
         return false;
     if (std::size_t(_width) * _height > MaxBytes / to->_bytesPerPixel)
         return false;
-    Image converted(format, empty() ? 0 : _width, empty() ? 0 : _height);
+    const std::size_t pixels = empty() ? 0 : std::size_t(_width) * _height;
+    Image converted(format, empty() ? 0 : _width, empty() ? 0 : _height, Bytes(pixels * to->_bytesPerPixel));
     const std::uint8_t* source = _data.data();
-    for (std::uint8_t* target = converted.getData(); target != converted.getData() + converted.getDataSize();
-         target += to->_bytesPerPixel, source += from->_bytesPerPixel)
-        writePixel(*to, readPixel(*from, source), target);
+    std::uint8_t* target = converted.getData();
+    if (!to->isGrey() || from->isGrey())
+        bytesBetween(*from, *to).move(source, target, pixels);
+    else
+        for (std::size_t i = 0; i < pixels; ++i)
+            writeGrey(*to, readPixel(*from, source + i * from->_bytesPerPixel), target + i * to->_bytesPerPixel);
     result = std::move(converted);
     return true;
 }

@@ -2,7 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Trovio {
@@ -46,6 +48,12 @@ public:
     /// An image with all bytes zero. Throws Exception for an unknown format, a side over MaxSide or more than MaxBytes.
     Image(Format format, unsigned width, unsigned height);
 
+    Image(const Image& other);
+    Image(Image&&) noexcept = default;
+    Image& operator=(const Image& other);
+    Image& operator=(Image&&) noexcept = default;
+    ~Image() = default;
+
     Format getFormat() const { return _format; }
     unsigned getWidth() const { return _width; }
     unsigned getHeight() const { return _height; }
@@ -64,10 +72,26 @@ public:
     static const FormatInfo* findFormat(int number);
 
 private:
+    /// Leaves the bytes as they come, for pictures that are written whole: zeros would cost as much as the writing.
+    struct Unwritten : std::allocator<std::uint8_t> {
+        using std::allocator<std::uint8_t>::allocator;
+        template <class>
+        struct rebind {
+            using other = Unwritten;
+        };
+        void construct(std::uint8_t* byte) { ::new (byte) std::uint8_t; }
+    };
+    using Bytes = std::vector<std::uint8_t, Unwritten>;
+
+    Image(Format format, unsigned width, unsigned height, Bytes data)
+        : _format(format), _width(width), _height(height), _data(std::move(data))
+    {
+    }
+
     Format _format = None;
     unsigned _width = 0;  // pixels
     unsigned _height = 0; // pixels
-    std::vector<std::uint8_t> _data;
+    Bytes _data;
 };
 
 } // namespace Trovio

@@ -21,14 +21,17 @@ class ImageConverts : public ::testing::TestWithParam<Conversion> {};
 TEST_P(ImageConverts, EveryPixel)
 {
     const auto& row = GetParam();
-    Image image(row._from, 3, 2);
-    ASSERT_EQ(image.getDataSize(), 6 * row._pixel.size());
+    constexpr unsigned width = 17; // in all more pixels than are moved at once, and some left over
+    constexpr unsigned height = 5;
+    Image image(row._from, width, height);
+    ASSERT_EQ(image.getDataSize(), width * height * row._pixel.size());
     for (std::size_t i = 0; i < image.getDataSize(); ++i)
         image.getData()[i] = row._pixel[i % row._pixel.size()];
     Image result;
     ASSERT_TRUE(image.convertFormat(row._to, result));
-    EXPECT_EQ(std::tuple(result.getFormat(), result.getWidth(), result.getHeight()), std::tuple(row._to, 3U, 2U));
-    ASSERT_EQ(result.getDataSize(), 6 * row._expected.size());
+    EXPECT_EQ(std::tuple(result.getFormat(), result.getWidth(), result.getHeight()),
+              std::tuple(row._to, width, height));
+    ASSERT_EQ(result.getDataSize(), width * height * row._expected.size());
     for (std::size_t i = 0; i < result.getDataSize(); ++i)
         ASSERT_EQ(result.getData()[i], row._expected[i % row._expected.size()]) << "byte " << i;
     ASSERT_TRUE(image.convertFormat(row._to, image));
@@ -46,6 +49,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Conversion{"GreyAlpha", Image::LuminanceAlpha, {77, 5}, Image::RGB, {77, 77, 77}},
                       Conversion{"WideGrey", Image::Luminance16, {9, 77}, Image::RGB, {77, 77, 77}},
                       Conversion{"OpaqueWithoutAlpha", Image::RGB, {1, 2, 3}, Image::BGRA, {3, 2, 1, 255}},
+                      Conversion{"GreyBesideAlpha", Image::Luminance, {9}, Image::LuminanceAlpha, {9, 255}},
                       Conversion{"AlphaKept", Image::RGBA, {1, 2, 3, 4}, Image::ARGB, {4, 1, 2, 3}},
                       Conversion{"GreyKept", Image::RGB, {200, 200, 200}, Image::Luminance, {200}},
                       Conversion{"WhiteInSixteenBits", Image::RGB, {255, 255, 255}, Image::Luminance16, {255, 255}}),
