@@ -4,35 +4,11 @@
 
 namespace Ostrel {
 
-/// One running notification. It knows whether its subject still lives, and the outermost one clears up at its end.
-class Subject::Walk {
-public:
-    explicit Walk(Subject& subject) : _subject(&subject), _outer(subject._walk) { subject._walk = this; }
-    Walk(const Walk&) = delete;
-    Walk& operator=(const Walk&) = delete;
-    ~Walk()
-    {
-        if (!_subject)
-            return;
-        _subject->_walk = _outer;
-        if (_outer || _subject->_swept)
-            return;
-        _subject->_entries.remove_if([](const Entry& entry) { return !entry._observer; });
-        _subject->_swept = true;
-    }
-
-    bool subjectLives() const { return _subject; }
-    /// Tells this walk and the ones around it.
-    void subjectEnds()
-    {
-        for (Walk* walk = this; walk; walk = walk->_outer)
-            walk->_subject = nullptr;
-    }
-
-private:
-    Subject* _subject;
-    Walk* const _outer;
-};
+void Subject::Walk::sweep()
+{
+    _subject->_entries.remove_if([](const Entry& entry) { return !entry._observer; });
+    _subject->_swept = true;
+}
 
 Subject::~Subject()
 {
@@ -79,18 +55,6 @@ void Subject::drop(Entries::iterator entry)
     }
     entry->_observer = nullptr;
     _swept = false;
-}
-
-void Subject::notify(const TimeStamp& time, BaseObject* first, BaseObject* second, BaseObject* third)
-{
-    const Walk walk(*this);
-    const std::uint64_t last = _number;
-    for (auto entry = _entries.begin(); entry != _entries.end() && entry->_number <= last; ++entry) {
-        if (entry->_observer)
-            entry->_observer->notify(time, first, second, third);
-        if (!walk.subjectLives())
-            return;
-    }
 }
 
 } // namespace Ostrel

@@ -37,7 +37,36 @@ private:
         std::uint64_t _number;
     };
     using Entries = std::list<Entry>;
-    class Walk;
+
+    /// One running notification. It knows whether its subject still lives, and the outermost one clears up at its end.
+    class Walk {
+    public:
+        explicit Walk(Subject& subject) : _subject(&subject), _outer(subject._walk) { subject._walk = this; }
+        Walk(const Walk&) = delete;
+        Walk& operator=(const Walk&) = delete;
+        ~Walk()
+        {
+            if (!_subject)
+                return;
+            _subject->_walk = _outer;
+            if (!_outer && !_subject->_swept)
+                sweep();
+        }
+
+        bool subjectLives() const { return _subject; }
+        /// Tells this walk and the ones around it.
+        void subjectEnds()
+        {
+            for (Walk* walk = this; walk; walk = walk->_outer)
+                walk->_subject = nullptr;
+        }
+
+    private:
+        void sweep();
+
+        Subject* _subject;
+        Walk* const _outer;
+    };
 
     void drop(Entries::iterator entry);
 
@@ -48,3 +77,5 @@ private:
 };
 
 } // namespace Ostrel
+
+#include "ostrel/Observer.h"
