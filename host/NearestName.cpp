@@ -1,11 +1,13 @@
 #include "host/NearestName.h"
 
+#include "host/Escape.h"
+
 namespace Host {
 
 std::string nearestHint(std::string_view found, std::span<const std::string_view> known)
 {
     const std::string_view nearest = nearestName(found, known);
-    return nearest.empty() ? std::string() : "; nearest: '" + std::string(nearest) + "'";
+    return nearest.empty() ? std::string() : "; nearest: " + inQuotes(nearest);
 }
 
 std::string listed(std::span<const std::string_view> names)
