@@ -72,11 +72,11 @@ const TomlValue* takePair(const TomlValue& value, std::size_t least, LocatedPair
     return nullptr;
 }
 
-template <std::vector<LocatedPair> HandlerEntry::*member, std::size_t least>
+template <std::vector<LocatedPair> HandlerEntry::*member, std::size_t least, std::size_t most>
 const TomlValue* takePairs(const TomlValue& value, HandlerEntry& entry)
 {
     const auto* list = std::get_if<TomlValue::List>(&value._data);
-    if (list == nullptr)
+    if (list == nullptr || list->size() > most)
         return &value;
     for (const TomlValue& element : *list) {
         LocatedPair pair;
@@ -94,9 +94,9 @@ constexpr KeyRule<HandlerEntry> handlerRules[] = {
     {"kind", "a text, the handler kind, e.g. \"Trovio\"", true, takeName<HandlerEntry, &HandlerEntry::_kind>},
     {"name", "a text that is not empty", true, takeName<HandlerEntry, &HandlerEntry::_name>},
     {"url", "a text, a URL such as \"file:.\"", false, takePlain<HandlerEntry, std::string, &HandlerEntry::_url>},
-    {"nodes", "a list of [\"node type\", \"settings\"], the settings may be left out", false,
-     takePairs<&HandlerEntry::_nodes, 1>},
-    {"routes", "a list of [\"from\", \"to\"]", false, takePairs<&HandlerEntry::_routes, 2>}};
+    {"nodes", "a list of up to 1000 [\"node type\", \"settings\"], the settings may be left out", false,
+     takePairs<&HandlerEntry::_nodes, 1, mostNodes>},
+    {"routes", "a list of up to 100000 [\"from\", \"to\"]", false, takePairs<&HandlerEntry::_routes, 2, mostEntries>}};
 
 constexpr KeyRule<SensorEntry> sensorRules[] = {
     {"name", "a text that is not empty", true, takeName<SensorEntry, &SensorEntry::_name>},
@@ -113,16 +113,19 @@ constexpr KeyRule<LocatedPair> pairRules[] = {
 
 constexpr std::string_view rootNames[] = {"host", "handler", "sensor", "route", "link"};
 
-// Reads every table of [[title]] into `entries`.
+// Reads every table of [[title]] into `entries`; none of them if there are more than `most`.
 template <class Entry>
 void readAll(const TomlEntry& found, std::span<const KeyRule<Entry>> rules, Problems& problems,
-             std::vector<Entry>& entries)
+             std::vector<Entry>& entries, std::size_t most = mostEntries)
 {
     const std::string title = "[[" + found._key + "]]";
     const auto* list = std::get_if<TomlValue::List>(&found._value._data);
     if (list == nullptr)
         return problems.add(found._position, "'" + found._key + "' is " + described(found._value) +
                                                  "; allowed: tables, each under " + title);
+    if (list->size() > most)
+        return problems.add((*list)[most]._position, "the scene has " + std::to_string(list->size()) + " " + title +
+                                                         "; allowed: up to " + std::to_string(most));
     TableReader<Entry> reader(title, rules, problems);
     entries.reserve(list->size());
     for (const TomlValue& table : *list)
@@ -134,7 +137,7 @@ void readEntry(const TomlEntry& found, Problems& problems, SceneFile& scene)
     if (found._key == "host")
         scene._host = TableReader<HostEntry>("[host]", hostRules, problems).read(found._value);
     else if (found._key == "handler")
-        readAll<HandlerEntry>(found, handlerRules, problems, scene._handlers);
+        readAll<HandlerEntry>(found, handlerRules, problems, scene._handlers, mostNodes);
     else if (found._key == "sensor")
         readAll<SensorEntry>(found, sensorRules, problems, scene._sensors);
     else if (found._key == "route")

@@ -54,6 +54,7 @@ public:
     void run()
     {
         checkNames();
+        checkBuffers();
         for (const SensorEntry& sensor : _scene._sensors)
             checkSensor(sensor);
         for (const HandlerEntry& handler : _scene._handlers)
@@ -66,6 +67,7 @@ public:
 
 private:
     void checkNames();
+    void checkBuffers();
     void checkSensor(const SensorEntry& sensor);
     void checkHandler(const HandlerEntry& handler);
     void checkRoute(const LocatedPair& route);
@@ -89,6 +91,21 @@ void SceneCheck::checkNames()
     for (const SensorEntry& sensor : _scene._sensors) {
         sensorNames.add(sensor._name);
         labels.add(sensor._label);
+    }
+}
+
+// The memory for them is taken when the scene starts.
+void SceneCheck::checkBuffers()
+{
+    std::size_t buffered = 0;
+    for (const SensorEntry& sensor : _scene._sensors) {
+        buffered += sensor._buffer._value;
+        if (buffered <= mostBuffered)
+            continue;
+        _problems.add(sensor._buffer._position, "with the buffer of sensor " + inQuotes(sensor._name._value) +
+                                                    " the scene buffers " + std::to_string(buffered) +
+                                                    " values; allowed: up to " + std::to_string(mostBuffered));
+        return;
     }
 }
 

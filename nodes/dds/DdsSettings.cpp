@@ -107,6 +107,7 @@ DdsSettings readDdsSettings(const Settings& settings)
     if (!isPlainName(read._quality._partition, longestPartition))
         throw settings.refusal("partition", "up to " + std::to_string(longestPartition) + " of the characters " +
                                                 std::string(nameCharacters));
+    checkQueues(settings, "depth", read._published.size());
     checkApart(settings, read);
     return read;
 }

@@ -1,5 +1,6 @@
 #include "nodes/osc/OscNode.h"
 
+#include "nodes/shared/SlotList.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
 #include <algorithm>
@@ -51,6 +52,7 @@ OscOutSettings readOut(const Settings& settings)
     OscOutSettings out;
     out._addresses = readOscAddresses(settings, "out");
     out._target = *settings.endpoint("send");
+    checkQueues(settings, "queue", out._addresses.size());
     out._queue = static_cast<unsigned>(settings.integer("queue"));
     out._bundling = static_cast<Bundling>(settings.choice("bundle"));
     if (out._target._port == 0)

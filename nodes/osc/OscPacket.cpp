@@ -1,5 +1,6 @@
 #include "nodes/osc/OscPacket.h"
 
+#include "nodes/osc/OscPattern.h"
 #include "nodes/osc/OscTime.h"
 #include <cstring>
 
@@ -65,7 +66,7 @@ private:
     OscMessageVisitor& _visitor;
 };
 
-/// Whether the bytes of every message are what its tags say.
+/// Whether the bytes of every message are what its tags say, and how many have patterns.
 class ArgumentCheck final : public OscMessageVisitor {
 public:
     void visit(const OscMessage& message) override
@@ -80,9 +81,14 @@ public:
         }
         if (arguments.getRest() != 0)
             _problem = "bytes behind the last argument";
+        if (isOscPattern(message._address) && ++_patterns > MaxOscPatterns)
+            _problem = "more than " + std::to_string(MaxOscPatterns) + " messages with address patterns";
     }
 
     Problem _problem;
+
+private:
+    unsigned _patterns = 0;
 };
 
 } // namespace

@@ -10,6 +10,9 @@ namespace Trovio::Nodes {
 /// How deep bundles may stand in one another.
 constexpr unsigned MaxOscDepth = 8;
 
+/// How many messages of a packet may address several slots by a pattern: each costs a look at every slot.
+constexpr unsigned MaxOscPatterns = 64;
+
 /// One message of a packet, which it refers into.
 struct OscMessage {
     std::string_view _address;

@@ -44,6 +44,8 @@ std::vector<ListedSlot> readSlotList(const Settings& settings, const char* setti
     std::set<std::string> seen;
     std::string_view rest = settings.text(setting);
     while (!rest.empty()) {
+        if (slots.size() == MaxListedSlots)
+            throw settings.refusal(setting, "up to " + std::to_string(MaxListedSlots) + " entries");
         const auto entry = rest.substr(0, rest.find(','));
         slots.push_back(readEntry(settings, setting, names, trimmed(entry)));
         if (!seen.insert(slots.back()._name).second)
@@ -53,6 +55,15 @@ std::vector<ListedSlot> readSlotList(const Settings& settings, const char* setti
         rest.remove_prefix(std::min(entry.size() + 1, rest.size()));
     }
     return slots;
+}
+
+void checkQueues(const Settings& settings, const char* setting, std::size_t slots)
+{
+    const auto most = static_cast<std::int64_t>(MaxWaitingRecords / std::max<std::size_t>(slots, 1));
+    if (settings.integer(setting) > most)
+        throw settings.refusal(setting, "up to " + std::to_string(most) + " with " + std::to_string(slots) +
+                                            " slots, which makes " + std::to_string(MaxWaitingRecords) +
+                                            " records in all");
 }
 
 } // namespace Trovio::Nodes

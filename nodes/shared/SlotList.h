@@ -8,6 +8,11 @@
 // Settings that hold a list of names with slot value types: 'Wand Vec3f, Scan Vec3f[]'.
 namespace Trovio::Nodes {
 
+/// How many slots a list may name.
+constexpr std::size_t MaxListedSlots = 1024;
+/// How many records may wait in all in-slots of a node, whose memory is taken at once.
+constexpr std::size_t MaxWaitingRecords = 1048576;
+
 struct ListedSlot {
     std::string _name;
     std::string _typeName; // of a slot value type
@@ -20,8 +25,12 @@ struct ListedNames {
     std::string _allowed; // what such a name consists of, in words
 };
 
-/// Throws InvalidFieldException, with the entry and what is allowed, for anything else, and for a name that stands
-/// there twice.
+/// Throws InvalidFieldException, with the entry and what is allowed, for anything else, for a name that stands there
+/// twice, and for more than MaxListedSlots.
 std::vector<ListedSlot> readSlotList(const Settings& settings, const char* setting, const ListedNames& names);
+
+/// For a node with that many in-slots, each with as many places as the setting says. Throws InvalidFieldException for
+/// more than MaxWaitingRecords.
+void checkQueues(const Settings& settings, const char* setting, std::size_t slots);
 
 } // namespace Trovio::Nodes

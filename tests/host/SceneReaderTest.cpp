@@ -107,6 +107,33 @@ TEST(SceneReader, NestsUpToItsLimit)
     EXPECT_NE(problemsOf(nested(1'000'000)).find("nests deeper"), std::string::npos);
 }
 
+TEST(SceneReader, RefusesOneMoreThanItsLimits)
+{
+    const auto numbered = [](std::size_t count, const std::string& before, const std::string& after) {
+        std::string text;
+        for (std::size_t i = 0; i < count; ++i)
+            text += before + std::to_string(i) + after;
+        return text;
+    };
+    const auto nodes = [&](std::size_t count) {
+        return HANDLER "nodes = [" + numbered(count, "[\"Type", "\"],") + "]\n";
+    };
+    const std::string sensor = "[[sensor]]\ntype = \"SFBool\"\nname = \"", buffered = "\"\nbuffer = 1000000\n";
+    const struct {
+        std::string _allowed, _refused, _expected;
+    } rows[] = {
+        {numbered(100'000, sensor, "\"\n"), numbered(100'001, sensor, "\"\n"),
+         "s:300001:1: the scene has 100001 [[sensor]]; allowed: up to 100000"},
+        {numbered(10, sensor, buffered), numbered(11, sensor, buffered),
+         "s:44:10: with the buffer of sensor '10' the scene buffers 11000000 values; allowed: up to 10000000"},
+        {nodes(1'000), nodes(1'001), "s:4:9: 'nodes' of [[handler]] holds a list of 1001; allowed: a "},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(problemsOf(row._allowed), "");
+        EXPECT_EQ(problemsOf(row._refused).substr(0, row._expected.size()), row._expected);
+    }
+}
+
 TEST(SceneReader, RefusesFilesThatItCannotRead)
 {
     EXPECT_THROW(readScene("no/such/file.toml"), SceneError);

@@ -154,6 +154,31 @@ TEST(OscSettings, AreRefusedWithTheirReasonAndTheSlotsKept)
     }
 }
 
+TEST(OscSettings, AddressesAndTheirQueuesEndAtTheirLimits)
+{
+    const struct {
+        int _addresses, _queue;
+        const char* _refusal;
+    } rows[] = {{1024, 1024, ""},
+                {1025, 1, "allowed: up to 1024 entries"},
+                {1024, 1025, "value '1025' is not allowed; allowed: up to 1024 with 1024 slots"}};
+    for (const auto& row : rows) {
+        std::string addresses;
+        for (int i = 0; i < row._addresses; ++i)
+            addresses += (i == 0 ? "/a" : ",/a") + std::to_string(i) + " Float";
+        OscNode node(Clock::system());
+        node.setType(OscNode::getEntry());
+        std::string refusal;
+        try {
+            node.setFieldValues("send=9001 queue=" + std::to_string(row._queue) + " out='" + addresses + "'");
+        } catch (const InvalidFieldException& refused) {
+            refusal = refused.getMessage();
+        }
+        EXPECT_NE(refusal.find(row._refusal), std::string::npos) << refusal;
+        EXPECT_EQ(refusal.empty(), *row._refusal == '\0');
+    }
+}
+
 TEST(UdpReceiver, StopsInTheMiddleWhenAskedAndCountsWhatIsLeft)
 {
     struct Impatient final : UdpPacketVisitor {
