@@ -1,0 +1,36 @@
+#include "fuzz/NodeTypes.h"
+
+#include "nodes/filters/Axes.h"
+#include "nodes/filters/Clamp.h"
+#include "nodes/filters/DeadZone.h"
+#include "nodes/filters/OneEuro.h"
+#include "nodes/filters/Scale.h"
+#include "nodes/generator/Generator.h"
+#include "nodes/guard/Guard.h"
+#include "nodes/osc/OscNode.h"
+#ifdef FUZZ_CONTROLLER
+#include "nodes/controller/ControllerNode.h"
+#endif
+#ifdef FUZZ_DDS
+#include "nodes/dds/DdsNode.h"
+#endif
+
+namespace Fuzz {
+
+const std::vector<const Trovio::NodeTypeEntry*>& nodeTypes()
+{
+    using namespace Trovio::Nodes;
+    static const std::vector<const Trovio::NodeTypeEntry*> types{
+        &OscNode::getEntry(),        &Generator::getEntry(), &Guard::getEntry(),   &Axes::getEntry(),
+        &Clamp::getEntry(),          &DeadZone::getEntry(),  &OneEuro::getEntry(), &Scale::getEntry(),
+#ifdef FUZZ_CONTROLLER
+        &ControllerNode::getEntry(),
+#endif
+#ifdef FUZZ_DDS
+        &DdsNode::getEntry(),
+#endif
+    };
+    return types;
+}
+
+} // namespace Fuzz

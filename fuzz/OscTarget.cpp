@@ -1,0 +1,96 @@
+// The bytes of a datagram, through the OSC node's reader into an out-slot of every type, and from there through an
+// in-slot back into packets. What the writer made must be read and written again without any difference.
+#include "fuzz/Fuzz.h"
+#include "nodes/osc/OscDispatcher.h"
+#include "nodes/osc/OscOutLane.h"
+#include "nodes/osc/OscPacker.h"
+#include "trovio/BasicInSlot.h"
+#include "trovio/BasicOutSlot.h"
+#include "trovio/SlotTypes.h"
+
+namespace Fuzz {
+
+namespace {
+
+using namespace Trovio;
+using namespace Trovio::Nodes;
+
+using Packet = std::vector<std::uint8_t>;
+constexpr unsigned capacity = 4096; // no input of the size that is tried fills it
+
+/// "/Vec3f", "/all/Vec3f": two lanes for each type, so that patterns match one, some and all of them.
+std::vector<OscAddress> allAddresses()
+{
+    std::vector<OscAddress> addresses;
+    forEachSlotType([&addresses]<class T>(TypeTag<T>) {
+        std::string name = TypeName<T>::getName();
+        if (name.ends_with("[]"))
+            name.replace(name.size() - 2, 2, "s");
+        addresses.push_back({"/" + name, TypeName<T>::getName()});
+        addresses.push_back({"/all/" + name, TypeName<T>::getName()});
+    });
+    return addresses;
+}
+
+/// What the node does between its socket and its socket: a message in, a value in two slots, a message out.
+class Road {
+public:
+    Road() : _dispatcher(allAddresses(), _counters)
+    {
+        for (const OscAddress& address : allAddresses())
+            _out.push_back(OscOutLane::create(address, capacity, [] {}));
+        std::size_t lane = 0;
+        _dispatcher.forEachSlot(
+            [&](const std::string&, BasicOutSlot& slot) { slot.connect(&_out[lane++]->getSlot()); });
+    }
+    ~Road()
+    {
+        std::size_t lane = 0;
+        _dispatcher.forEachSlot(
+            [&](const std::string&, BasicOutSlot& slot) { slot.disconnect(&_out[lane++]->getSlot()); });
+    }
+
+    bool read(Bytes packet) { return !readOscPacket(packet, Time(1.0), _dispatcher).has_value(); }
+
+    /// The values that came since the last call, in the packets that the node would send.
+    std::vector<Packet> takePackets()
+    {
+        std::vector<Packet> packets;
+        OscPacker packer(Bundling::Always,
+                         [&packets](Bytes packet, std::size_t) { packets.emplace_back(packet.begin(), packet.end()); });
+        for (const auto& lane : _out)
+            while (const auto stamp = lane->take(_writer))
+                packer.add(_writer.finish(), *stamp);
+        packer.flush();
+        return packets;
+    }
+
+    std::uint64_t takeValueCount() { return _values.get() - std::exchange(_valuesBefore, _values.get()); }
+
+private:
+    Counter _packets{"packets"}, _messages{"messages"}, _values{"values"}, _mismatched{"mismatched"},
+        _unknown{"unknown"}, _malformed{"malformed"}, _dropped{"dropped"}, _unread{"unread"};
+    OscInCounters _counters{_packets, _messages, _values, _mismatched, _unknown, _malformed, _dropped, _unread};
+    OscDispatcher _dispatcher;
+    std::vector<std::unique_ptr<OscOutLane>> _out;
+    OscWriter _writer;
+    std::uint64_t _valuesBefore = 0;
+};
+
+} // namespace
+
+void runOnce(std::string_view input)
+{
+    static Road road;
+    const bool taken = road.read(Bytes(reinterpret_cast<const std::uint8_t*>(input.data()), input.size()));
+    const auto packets = road.takePackets();
+    const auto count = road.takeValueCount();
+    require(taken || (packets.empty() && count == 0), "of a malformed packet nothing arrives");
+    require(packets.empty() == (count == 0), "every value that is counted arrives");
+    for (const Packet& packet : packets)
+        require(road.read(packet), "what the node writes, it reads");
+    require(road.takeValueCount() == count, "all that the node writes fits the slots that it came from");
+    require(road.takePackets() == packets, "what was written and read is written as before");
+}
+
+} // namespace Fuzz
