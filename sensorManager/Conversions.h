@@ -100,8 +100,9 @@ void toField(Trovio::SharedVector<SlotElement>& from, MultiField<Code, Element>&
         field.values() = values;
     } else {
         field.values().resize(values.size());
-        for (std::size_t i = 0; i < values.size(); ++i)
-            convert(values[i], field.values()[i]);
+        auto target = field.values().begin();
+        for (const SlotElement& value : values)
+            convert(value, *target++);
     }
 }
 
@@ -117,12 +118,13 @@ template <int Code, class Element, class SlotElement>
 void toSlot(const MultiField<Code, Element>& field, Trovio::SharedVector<SlotElement>& to)
 {
     to.acquire();
-    to->clear();
-    to->reserve(field.values().size());
+    std::vector<SlotElement>& values = *to;
+    values.clear();
+    values.reserve(field.values().size());
     for (const auto& value : field.values()) {
         SlotElement element{};
         convert(value, element);
-        to->push_back(std::move(element));
+        values.push_back(std::move(element));
     }
 }
 
