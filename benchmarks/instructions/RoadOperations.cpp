@@ -25,6 +25,24 @@ void addOutput(Operations& operations, const std::string& name)
     operations.push_back({name, [road] { road->scene().frame(1e9); }});
 }
 
+/// Sensors come to a context with four handlers, and leave it.
+void addRegistration(Operations& operations, const std::string& name, int count)
+{
+    const auto context = std::make_shared<Ostrel::Context>();
+    for (const char* handler : {"a", "b", "c", "d"})
+        Ostrel::SensorManager::requestManager(*context)->addHandler("Trovio", handler, Merid::URL("file:."));
+    const auto sensors = std::make_shared<std::vector<std::unique_ptr<Ostrel::DirectSensor>>>();
+    for (int i = 0; i < count; ++i)
+        sensors->emplace_back(std::make_unique<Ostrel::DirectSensor>(std::make_unique<Ostrel::SFVec3f>()))
+            ->setLabel("sensor" + std::to_string(i));
+    operations.push_back(
+        {name, [context, sensors] {
+             for (Ostrel::Context* const place : {context.get(), static_cast<Ostrel::Context*>(nullptr)})
+                 for (const auto& sensor : *sensors)
+                     sensor->setContext(place);
+         }});
+}
+
 } // namespace
 
 void addRoadOperations(Operations& operations)
@@ -41,6 +59,8 @@ void addRoadOperations(Operations& operations)
     for (int i = 0; i < 1'000; ++i)
         idle->add<Ostrel::SFVec3f>(false);
     operations.push_back({"frame over 1,000 sensors without a value", [idle] { idle->scene().frame(1e9); }});
+    addRegistration(operations, "1,000 sensors come and go, four handlers", 1'000);
+    addRegistration(operations, "4,000 sensors come and go, four handlers", 4'000);
 }
 
 } // namespace Bench
