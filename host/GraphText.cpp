@@ -1,6 +1,7 @@
 #include "host/GraphForms.h"
 
 #include "host/Escape.h"
+#include "host/JsonText.h"
 #include "host/TreeWalk.h"
 
 #include <nlohmann/json.hpp>
@@ -102,6 +103,6 @@ std::string graphJson(const SceneGraph& graph)
     for (const SceneGraph::Link& link : graph.links())
         links.push_back({{"from", link._from}, {"to", link._to}});
     const Json object{{"handlers", handlers}, {"root", jsonOf(graph, graph.inspect(), {})}, {"links", links}};
-    return object.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return jsonText(object, 2) + "\n";
 }
 } // namespace Host

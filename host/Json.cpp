@@ -2,6 +2,7 @@
 
 #include "host/Escape.h"
 #include "host/FieldVisit.h"
+#include "host/JsonText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -119,11 +120,6 @@ Json valueJson(Ostrel::Field& field, std::size_t most)
     });
 }
 
-std::string dumped(const Json& value)
-{
-    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 std::string shortText(const Json& value, int digits)
 {
     if (value.is_string())
@@ -137,7 +133,7 @@ std::string shortText(const Json& value, int digits)
         return std::to_string(value["width"].get<int>()) + "x" + std::to_string(value["height"].get<int>()) + " " +
                value["format"].get<std::string>();
     if (!value.is_array())
-        return dumped(value);
+        return jsonText(value);
     std::string text;
     for (const Json& element : value)
         text += (text.empty() ? "" : " ") + shortText(element, digits);
@@ -163,9 +159,9 @@ std::string jsonLine(double time, const JsonSensor& sensor, Ostrel::Field& field
     line["sensor"] = sensor._name;
     line["label"] = sensor._label;
     line["type"] = sensor._type;
-    const std::string head = line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+    const std::string head = jsonText(line);
     return head.substr(0, head.size() - 1) +
-           ",\"value\":" + dumped(valueJson(field, std::numeric_limits<std::size_t>::max())) + "}\n";
+           ",\"value\":" + jsonText(valueJson(field, std::numeric_limits<std::size_t>::max())) + "}\n";
 }
 
 std::string valueText(Ostrel::Field& field, int digits, std::size_t limit)

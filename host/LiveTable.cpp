@@ -1,6 +1,7 @@
 #include "host/LiveTable.h"
 
 #include "host/Escape.h"
+#include "osg/LogText.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -25,7 +26,7 @@ std::string fitted(const std::string& text, std::size_t width)
         return text + std::string(width - columns, ' ');
     std::size_t end = 0;
     for (std::size_t column = 0; column + 1 < width; ++column)
-        end += std::max<std::size_t>(utf8Length(std::string_view(text).substr(end)), 1);
+        end += std::max<std::size_t>(osg::utf8Length(std::string_view(text).substr(end)), 1);
     return width == 0 ? "" : text.substr(0, end) + "…";
 }
 

@@ -1,6 +1,7 @@
 #include "host/RunCounts.h"
 
 #include "host/Escape.h"
+#include "host/JsonText.h"
 #include "host/TreeWalk.h"
 #include "trovio/Root.h"
 
@@ -127,6 +128,6 @@ std::string countsLine(const Session& session, const FrameLoop& loop)
                       {"sensors", std::move(sensors)},
                       {"slots", std::move(slots)},
                       {"nodes", std::move(nodes)}};
-    return Json{{"counts", counts}}.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+    return jsonText(Json{{"counts", counts}}) + "\n";
 }
 } // namespace Host

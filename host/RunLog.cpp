@@ -1,5 +1,6 @@
 #include "host/RunLog.h"
 
+#include "osg/LogMessage.h"
 #include "osg/LogText.h"
 
 #include <cstdio>
@@ -31,6 +32,7 @@ RunLog::RunLog(bool verbose) : _verbose(verbose), _toFile(isSet("OSG_LOG_FILE"))
 
 RunLog::~RunLog()
 {
+    osg::logHeldBack(true);
     osg::osgLogP->setHook(std::move(_previous));
     osg::osgLogP->setInfoShown(true);
     hold(false);

@@ -10,6 +10,7 @@
 #include "host/SceneReader.h"
 #include "host/SystemClock.h"
 #include "host/View.h"
+#include "osg/LogMessage.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -60,6 +61,7 @@ bool runFrames(Session& session, FrameLoop& loop, View& view)
     loop.run([&](double now) {
         session.frame(now);
         view.frame(now);
+        osg::logHeldBack();
         return canWrite();
     });
     for (SensorWatch* watch : session.watches())

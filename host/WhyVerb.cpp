@@ -4,6 +4,7 @@
 #include "host/ExitCode.h"
 #include "host/Failure.h"
 #include "host/FrameLoop.h"
+#include "host/JsonText.h"
 #include "host/RunLog.h"
 #include "host/SystemClock.h"
 #include "host/WhyAnswer.h"
@@ -85,7 +86,7 @@ void printJson(const Answer& answer, const Options& options)
         std::visit([&](const auto& value) { object["details"][detail._name] = value; }, detail._value);
     if (!answer._fits.empty())
         object["fits"] = answer._fits;
-    std::printf("%s\n", object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+    std::printf("%s\n", jsonText(object).c_str());
 }
 } // namespace
 

@@ -96,7 +96,7 @@ bool Image::set(std::uint32_t pixelFormat, std::int32_t width, std::int32_t heig
     const Shape shape{pixelFormat, dataType, width, height, depth, mipmapCount, frameCount, sideCount};
     const auto bytes = bytesOf(shape);
     if (!bytes || !std::isfinite(frameDelay) || frameDelay < 0.0) {
-        logMessage(
+        logLimited(
             LogWarning, {"osg", "osg/Image", __LINE__, __PRETTY_FUNCTION__},
             "Image not set: pixel format 0x%x, data type 0x%x, size %d x %d x %d, %d mipmaps, %d frames, %d sides, "
             "delay %g s; allowed are the formats and types of osg::Image, sizes from 0, a depth and counts from "

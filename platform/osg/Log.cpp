@@ -2,6 +2,7 @@
 
 #include "osg/LogText.h"
 #include <cerrno>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
@@ -92,6 +93,21 @@ void Log::readEnvironment()
         refuse("OSG_LOG_FILE");
     if (const char* header = std::getenv("OSG_LOG_HEADER"); header && !setHeader(header, problem))
         refuse("OSG_LOG_HEADER");
+    if (const char* rate = std::getenv("OSG_LOG_RATE"); rate && !readRate(rate, problem))
+        refuse("OSG_LOG_RATE");
+}
+
+bool Log::readRate(std::string_view text, std::string& problem)
+{
+    constexpr unsigned most = 1'000'000;
+    unsigned rate = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), rate);
+    if (error != std::errc() || end != text.data() + text.size() || rate > most) {
+        problem = "rate '" + std::string(text) + "'; allowed are 0 (no limit) to " + std::to_string(most);
+        return false;
+    }
+    _limit.setRate(rate);
+    return true;
 }
 
 bool Log::setLogLevel(int level)

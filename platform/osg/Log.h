@@ -3,6 +3,7 @@
 #include "osg/LineStream.h"
 #include "osg/Lock.h"
 #include "osg/LogHeader.h"
+#include "osg/LogLimit.h"
 #include "osg/LogRecord.h"
 #include <array>
 #include <atomic>
@@ -18,8 +19,9 @@ namespace osg {
 
 /// The log of the process, for all threads. One message is: osgStartLog() takes the lock and sets the header, doLog()
 /// writes the text, _pLogLock->release() ends it. It starts with what OSG_LOG_LEVEL (0 to 5, default 2), OSG_LOG_FILE
-/// (appended to; default standard error) and OSG_LOG_HEADER (see LogHeader) say when the library is loaded.
-/// Ownership: the only log is *osgLogP, which lives as long as the process, so that unload-time code can log.
+/// (appended to; default standard error), OSG_LOG_HEADER (see LogHeader) and OSG_LOG_RATE (see LogLimit) say when the
+/// library is loaded. Ownership: the only log is *osgLogP, which lives as long as the process, so that unload-time code
+/// can log.
 class Log {
 public:
     /// Sees each message before it is written; returns whether it is to be written as well. Runs under the log lock
@@ -53,6 +55,9 @@ public:
     /// Puts the hook in place of the one before and returns that one; an empty one ends it.
     Hook setHook(Hook hook) OSTREL_EXCLUDES(_pLogLock);
 
+    /// What logLimited() goes by. Any thread.
+    LogLimit& limit() { return _limit; }
+
     /// Sets the header of the next message. The texts must stay until doLog() has run.
     void startLog(const LogRecord& header) OSTREL_REQUIRES(_pLogLock);
     /// Writes one line of any length under the header that was set. The final line end belongs to the format; control
@@ -73,6 +78,7 @@ private:
     static constexpr int _levels = LogDebug + 1;
 
     void readEnvironment();
+    bool readRate(std::string_view text, std::string& problem);
     // Only called by the streams, whose users hold the log lock.
     void writeStreamLine(int level, std::string_view line) OSTREL_NO_THREAD_SAFETY_ANALYSIS;
     /// Whether anybody gets a message of that level: thousands of slots may each write one when a scene ends.
@@ -81,6 +87,7 @@ private:
     void write(const LogRecord& record, const std::string& line) OSTREL_REQUIRES(_pLogLock);
 
     std::atomic<int> _level{LogWarning};
+    LogLimit _limit;
 
     mutable Ostrel::Mutex _moduleLock; // leaf
     std::set<std::string, std::less<>> _muted OSTREL_GUARDED_BY(_moduleLock);

@@ -1,22 +1,78 @@
 #include "osg/LogMessage.h"
 
 #include "osg/Log.h"
+#include <atomic>
+#include <chrono>
+#include <cinttypes>
 #include <cstdarg>
+#include <limits>
 
 namespace osg {
 
-void logMessage(int level, const LogPlace& place, const char* format, ...)
+namespace {
+
+double steadySeconds()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+std::atomic<LogClock> logClock{&steadySeconds};
+
+bool isAdmitted(int level)
 {
     if (!osgLogP)
         doInitLog();
-    if (osgLogP->getLogLevel() < level)
-        return;
+    return osgLogP->getLogLevel() >= level;
+}
+
+void write(int level, const LogPlace& place, const char* format, std::va_list arguments)
+    __attribute__((format(printf, 3, 0)));
+void write(int level, const LogPlace& place, const char* format, std::va_list arguments)
+{
     osgStartLog(true, level, place._module, place._file, place._line, place._function);
+    osgLogP->doLogV(format, arguments);
+    Log::_pLogLock->release();
+}
+
+} // namespace
+
+void logMessage(int level, const LogPlace& place, const char* format, ...)
+{
+    if (!isAdmitted(level))
+        return;
     std::va_list arguments;
     va_start(arguments, format);
-    osgLogP->doLogV(format, arguments);
+    write(level, place, format, arguments);
     va_end(arguments);
-    Log::_pLogLock->release();
+}
+
+void logLimited(int level, const LogPlace& place, const char* format, ...)
+{
+    if (!isAdmitted(level))
+        return;
+    logHeldBack();
+    if (level > LogFatal && !osgLogP->limit().admit(level, place, logClock.load()()))
+        return;
+    std::va_list arguments;
+    va_start(arguments, format);
+    write(level, place, format, arguments);
+    va_end(arguments);
+}
+
+void logHeldBack(bool atEnd)
+{
+    if (!osgLogP)
+        return;
+    const double now = atEnd ? std::numeric_limits<double>::infinity() : logClock.load()();
+    for (const LogLimit::Held& held : osgLogP->limit().takeHeld(now))
+        logMessage(held._level, {held._module.c_str(), held._file.c_str(), 0, ""},
+                   "held back %" PRIu64 " more messages from here; at most %u a second are written (OSG_LOG_RATE)\n",
+                   held._count, osgLogP->limit().rate());
+}
+
+LogClock setLogClock(LogClock clock)
+{
+    return logClock.exchange(clock ? clock : &steadySeconds);
 }
 
 } // namespace osg

@@ -14,4 +14,17 @@ struct LogPlace {
 /// while the log lock is held.
 void logMessage(int level, const LogPlace& place, const char* format, ...) __attribute__((format(printf, 3, 4)));
 
+/// The same for what others can cause at will: nodes, the host, the framework. No more than so many a second of each
+/// source (see LogLimit), then a line that says how many were held back; levels 0 and 1 always get through.
+void logLimited(int level, const LogPlace& place, const char* format, ...) __attribute__((format(printf, 3, 4)));
+
+/// Writes those lines whose second is over, at the end all of them. logLimited() does it by itself, but only when
+/// something is logged: call it now and then, and last.
+void logHeldBack(bool atEnd = false);
+
+/// In seconds; the clock that logLimited() goes by.
+using LogClock = double (*)();
+/// For tests that move time by hand. Returns the clock before; null means the steady clock of the system.
+LogClock setLogClock(LogClock clock);
+
 } // namespace osg

@@ -151,4 +151,44 @@ TEST(Log, EnvironmentSetsTheStartAndRefusesWhatItCannot)
     }
 }
 
+double secondsByHand = 0;
+
+TEST(LogLimit, TellsOfEachSourceWhatItHeldBack)
+{
+    const LogCapture capture;
+    const auto clockBefore = osg::setLogClock([] { return secondsByHand; });
+    osg::osgLogP->limit().setRate(3);
+    constexpr osg::LogPlace chatty{"Trovio", "nodes/Chatty", 1, "f"}, quiet{"Trovio", "nodes/Quiet", 2, "g"};
+    const auto say = [](const osg::LogPlace& source, int level, int count) {
+        for (int i = 0; i < count; ++i)
+            osg::logLimited(level, source, "x\n");
+    };
+    auto toldSince = [&capture, seen = std::size_t{0}]() mutable {
+        Texts texts = capture.texts();
+        texts.erase(texts.begin(), texts.begin() + static_cast<std::ptrdiff_t>(std::exchange(seen, texts.size())));
+        return texts;
+    };
+    const std::string held = "more messages from here; at most 3 a second are written (OSG_LOG_RATE)\n";
+
+    say(chatty, osg::LogWarning, 1000);
+    EXPECT_EQ(toldSince(), Texts(3, "x\n"));
+    say(quiet, osg::LogWarning, 2);
+    say(chatty, osg::LogFatal, 5);
+    say(chatty, osg::LogAlways, 5);
+    osg::logMessage(osg::LogWarning, chatty, "x\n");
+    EXPECT_EQ(toldSince(), Texts(13, "x\n")) << "another source, the levels that always pass, what nobody limits";
+    secondsByHand += 0.999;
+    osg::logHeldBack();
+    EXPECT_EQ(toldSince(), Texts());
+    secondsByHand += 0.001;
+    say(quiet, osg::LogNotice, 1);
+    EXPECT_EQ(toldSince(), (Texts{"held back 997 " + held, "x\n"}));
+    say(chatty, osg::LogNotice, 4);
+    EXPECT_EQ(toldSince(), Texts(3, "x\n"));
+    osg::logHeldBack(true);
+    EXPECT_EQ(toldSince(), Texts{"held back 1 " + held});
+    EXPECT_EQ(capture.entries().back()._file, "nodes/Chatty");
+    osg::setLogClock(clockBefore);
+}
+
 } // namespace

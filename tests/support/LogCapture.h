@@ -5,6 +5,7 @@
 #include <vector>
 
 /// Records what is logged while it lives, at every level unless told otherwise, and keeps it from being written.
+/// Holds nothing back, however much it is.
 /// Threads: messages from any; made, read and destroyed on one. One at a time.
 class LogCapture {
 public:
@@ -20,6 +21,7 @@ public:
     explicit LogCapture(int level = osg::LogDebug) : _levelBefore(osg::osgLogP->getLogLevel())
     {
         osg::osgLogP->setLogLevel(level);
+        osg::osgLogP->limit().setRate(0);
         _hookBefore = osg::osgLogP->setHook([this](const osg::LogRecord& record) {
             _entries.push_back({record._level, record._module, record._file, record._line, record._function,
                                 std::string(record._text)});
@@ -32,6 +34,7 @@ public:
     {
         osg::osgLogP->setHook(std::move(_hookBefore));
         osg::osgLogP->setLogLevel(_levelBefore);
+        osg::osgLogP->limit().setRate(_rateBefore);
     }
 
     std::vector<Entry> entries() const
@@ -52,6 +55,7 @@ public:
 
 private:
     const int _levelBefore;
+    const unsigned _rateBefore = osg::osgLogP->limit().rate();
     osg::Log::Hook _hookBefore;
     std::vector<Entry> _entries;
 };
