@@ -17,8 +17,8 @@ struct InSlotCounts {
 
 /// The time stamps of the records that passed, in the order in which they came.
 struct StampCounts {
-    Time _last;                   // of the record that came last
-    std::uint64_t _backwards = 0; // stamped before the one that came before it
+    Time _last;                   // of the record that came last and was stamped with a number
+    std::uint64_t _backwards = 0; // stamped before the one that came before it, or with no number
     std::uint64_t _future = 0;    // stamped later than the clock said when they came
 };
 

@@ -16,18 +16,20 @@ public:
 
     void note(const Time& stamp)
     {
-        const bool isBackwards = stamp.getSeconds() < _counts._last.getSeconds();
-        _counts._backwards += isBackwards;
-        // A stamp that runs backwards may mean that the clock was set back, and the horizon with it.
-        if (isBackwards || stamp.getSeconds() > _horizon.load(std::memory_order_relaxed))
-            compareWithClock(stamp);
-        _counts._last = stamp;
+        const double seconds = stamp.getSeconds();
+        // So written that a stamp that is no number is odd, too.
+        const bool isOrdinary =
+            seconds >= _counts._last.getSeconds() && seconds <= _horizon.load(std::memory_order_relaxed);
+        if (isOrdinary)
+            _counts._last = stamp;
+        else
+            noteOdd(stamp);
     }
 
     const StampCounts& getCounts() const { return _counts; }
 
 private:
-    void compareWithClock(const Time& stamp);
+    void noteOdd(const Time& stamp);
 
     static std::atomic<double> _horizon;
     StampCounts _counts;
