@@ -171,3 +171,11 @@ function(ostrel_command_test name)
   set_tests_properties(${OSTREL_TEST_PREFIX}${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}"
     ${ARG_PROPERTIES})
 endfunction()
+
+# ostrel_soak(TEST NAME=value …): the same test once more with these settings in its environment, when everything runs.
+function(ostrel_soak test)
+  if(TARGET ${test})
+    ostrel_command_test(${test}.soak COMMAND ${CMAKE_COMMAND} -E env ${ARGN} $<TARGET_FILE:${test}> LABELS soak
+      TIMEOUT 1800)
+  endif()
+endfunction()

@@ -1,4 +1,5 @@
 #include "tests/load/Mapped.h"
+#include "tests/support/Pace.h"
 
 #include <cerrno>
 #include <dlfcn.h>
@@ -29,9 +30,11 @@ void* find(void* library, const char* symbol)
 
 } // namespace
 
+// OSTREL_ROUNDS: how often.
 TEST(Reload, LeavesNothingBehindAndComesBack)
 {
-    for (int round = 1; round <= 5; ++round) {
+    const long rounds = fromEnvironment("OSTREL_ROUNDS", 10);
+    for (long round = 1; round <= rounds && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         void* const library = dlopen(LIBRARY, RTLD_NOW | RTLD_LOCAL);
         ASSERT_TRUE(library) << dlerror();

@@ -1,0 +1,63 @@
+#include "tests/nodes/OscFixture.h"
+#include "tests/support/Pace.h"
+
+namespace Trovio::Nodes {
+namespace {
+
+using OscFlood = OscFixture;
+
+const Packet malformed[] = {
+    raw(""),
+    raw("odd"),
+    raw("no slash, no comma ."),
+    raw("/a"),
+    raw(std::string("/a\0\0noti", 8)),
+    raw(std::string("/a\0\0,h\0\0\0\0\0\1", 12)),
+    raw(std::string("/a\0\0,Q\0\0\0\0\0\1", 12)),
+    raw(std::string("/a\0\0,b\0\0\x7f\xff\xff\xff", 12)),
+    raw(std::string("/a\0\0,b\0\0\xff\xff\xff\xff", 12)),
+    raw(std::string("/a\0\0,s\0\0endless!", 16)),
+    raw(std::string("/a\0\0,[[[[[[[[[[[[[[", 19)),
+    raw(std::string("#bundle\0", 8)),
+    raw(std::string("#bundle\0\0\0\0\0\0\0\0\1\0\0\0\x7f", 20)),
+    raw(std::string("#bundle\0\0\0\0\0\0\0\0\1\xff\xff\xff\xf0/a\0\0", 24)),
+    Packet(65'000, 0xff),
+    Packet(65'000, '/'),
+};
+
+// OSTREL_FLOOD_PACKETS and OSTREL_FLOOD_RATE (a second) make it longer, and steady. The reader is always slower than a
+// sender that does not wait, so that the kernel drops some.
+TEST_F(OscFlood, EveryPacketIsReceivedOrCountedAsDroppedAndBadOnesChangeNothingElse)
+{
+    const long packets = fromEnvironment("OSTREL_FLOOD_PACKETS", 40'000);
+    run("listen=127.0.0.1:0 in='/a Long' buffer=65536");
+    Probe<long> received("OSC/a", 4);
+    Pace pace(fromEnvironment("OSTREL_FLOOD_RATE", 0));
+    std::uint64_t sent = 0;
+    for (long i = 1; i <= packets; ++i, ++sent) {
+        send(numbersMessage("/a", 'h', {static_cast<double>(i)}));
+        pace.next();
+        if (i % (packets / 10'000) == 0) {
+            send(malformed[sent % std::size(malformed)]);
+            ++sent;
+        }
+    }
+    _node->stop();
+    const std::uint64_t arrived = _node->count("in packets"), bad = _node->count("in malformed");
+    std::printf("%llu packets sent, %llu received, %llu of them malformed\n", static_cast<unsigned long long>(sent),
+                static_cast<unsigned long long>(arrived), static_cast<unsigned long long>(bad));
+    EXPECT_EQ(sent, arrived + _node->count("in dropped by the kernel") + _node->count("in left unread"));
+    EXPECT_GT(bad, 0U);
+    EXPECT_EQ(_node->count("in messages"), arrived - bad);
+    EXPECT_EQ(_node->count("in values"), arrived - bad);
+    EXPECT_EQ(_node->count("in mismatched") + _node->count("in unknown"), 0U);
+    EXPECT_EQ(received.slot().getCounts().stored, arrived - bad);
+    for (long last = 0; !received.slot().empty();) {
+        const long value = received.next().getValue();
+        EXPECT_GT(value, std::exchange(last, value));
+        EXPECT_LE(value, packets);
+    }
+}
+
+} // namespace
+} // namespace Trovio::Nodes
