@@ -37,19 +37,19 @@ public:
          Taking taking, std::function<void()> taken)
         : _taken(std::move(taken)),
           _domain(DdsDomain::open(domainSettings(meeting._domain))),
-          _participant(dds_create_participant(meeting._domain, nullptr, nullptr), "participant"),
-          _inLoad(inLoad)
+          _participant(dds_create_participant(meeting._domain, nullptr, nullptr), "participant")
     {
-        const DdsQos qos = makeTopicQos({"", 64, true});
+        const DdsQos written = makeWriterQos({"", 64, true}), read = makeReaderQos({"", 64, true});
         const auto topic = [&](const std::string& name, Load load) {
-            return dds_create_topic(_participant.get(), &descriptor(load), name.c_str(), qos.get(), nullptr);
+            return dds_create_topic(_participant.get(), &descriptor(load), name.c_str(), nullptr, nullptr);
         };
-        _writer = DdsEntity(dds_create_writer(_participant.get(), topic(out, outLoad), qos.get(), nullptr), "writer");
+        _writer =
+            DdsEntity(dds_create_writer(_participant.get(), topic(out, outLoad), written.get(), nullptr), "writer");
         dds_listener_t* listener = dds_create_listener(this);
         if (taking == Taking::Listener)
             dds_lset_data_available(listener, [](dds_entity_t, void* self) { static_cast<Ends*>(self)->takeAll(); });
         _waitset = DdsEntity(dds_create_waitset(_participant.get()), "waitset");
-        _reader = DdsEntity(dds_create_reader(_participant.get(), topic(in, inLoad), qos.get(), listener), "reader");
+        _reader = DdsEntity(dds_create_reader(_participant.get(), topic(in, inLoad), read.get(), listener), "reader");
         dds_delete_listener(listener);
         dds_set_status_mask(_reader.get(), DDS_DATA_AVAILABLE_STATUS);
         dds_waitset_attach(_waitset.get(), _reader.get(), 0);
@@ -85,7 +85,6 @@ private:
     const std::shared_ptr<DdsDomain> _domain;
     const DdsEntity _participant;
     DdsEntity _writer, _waitset, _reader;
-    const Load _inLoad;
 };
 
 class NearDirect final : public NearEnd {

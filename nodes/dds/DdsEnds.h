@@ -13,7 +13,7 @@ struct DdsEnds {
     dds_entity_t _participant;
     dds_entity_t _publisher;
     dds_entity_t _subscriber;
-    dds_qos_t* _qos;
+    const DdsQuality& _quality;
     std::uint64_t _writerID;     // what the node writes under
     std::function<void()> _wake; // the node's thread; from any thread, under any lock
 };

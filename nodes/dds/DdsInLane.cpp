@@ -1,7 +1,7 @@
 #include "nodes/dds/DdsInLane.h"
 
 #include "nodes/dds/DdsTaking.h"
-#include "nodes/dds/WireValue.h"
+#include "nodes/dds/RosValue.h"
 #include "trovio/SlotTypes.h"
 
 namespace Trovio::Nodes {
@@ -11,22 +11,43 @@ namespace {
 constexpr double reportPeriod = 1.0;         // seconds
 constexpr double latestStamp = 253402300800; // the year 10000, in seconds since 1970
 
-template <class T>
+/// The stamp of a message's header, or else the one that the library brought with it; 0 if there is none.
+template <class Message>
+double stampOf(const Message& message, const dds_sample_info_t& info)
+{
+    if constexpr (requires { message.header; })
+        if (const double stamp = readTime(message.header.stamp); stamp > 0.0)
+            return stamp;
+    return info.source_timestamp > 0 ? static_cast<double>(info.source_timestamp) * 1e-9 : 0.0;
+}
+
+/// A slot value type T and how it travels: WireValue<T> or RosValue<T>.
+template <class T, class Value>
 class TypedInLane final : public DdsInLane {
 public:
-    TypedInLane(const ListedSlot& topic, bool finite, DdsInCounters& counters, Clock& clock)
-        : DdsInLane(topic, WireType<T>::descriptor(), counters, clock), _finite(finite), _slot(topic._name)
+    TypedInLane(const ListedSlot& topic, const DdsFormat& format, DdsInCounters& counters, Clock& clock)
+        : DdsInLane(topic, format, Value::descriptor(), counters, clock), _finite(format._isFinite), _slot(topic._name)
     {
     }
 
     BasicOutSlot& getSlot() override { return _slot; }
 
 private:
+    using Sample = typename Value::Sample;
+
+    Trovio_Wire_Origin originOf(const void* sample, const dds_sample_info_t& info) override
+    {
+        const auto& read = *static_cast<const Sample*>(sample);
+        if constexpr (requires { read.origin; })
+            return read.origin;
+        else
+            return {stampOf(read, info), info.publication_handle, 0};
+    }
+
     std::string deliver(const void* sample, const Time& stamp) override
     {
         Data<T> record(T(), stamp);
-        std::string problem =
-            WireValue<T>::read(*static_cast<const typename WireType<T>::Sample*>(sample), _finite, record.getValue());
+        std::string problem = Value::read(*static_cast<const Sample*>(sample), _finite, record.getValue());
         if (problem.empty())
             _slot.push(record);
         return problem;
@@ -38,18 +59,20 @@ private:
 
 } // namespace
 
-std::unique_ptr<DdsInLane> DdsInLane::create(const ListedSlot& topic, bool finite, DdsInCounters& counters,
+std::unique_ptr<DdsInLane> DdsInLane::create(const ListedSlot& topic, const DdsFormat& format, DdsInCounters& counters,
                                              Clock& clock)
 {
     std::unique_ptr<DdsInLane> lane;
-    withSlotType(topic._typeName,
-                 [&]<class T>(TypeTag<T>) { lane = std::make_unique<TypedInLane<T>>(topic, finite, counters, clock); });
+    withFormat(topic._typeName, format, [&]<class T, class Value>(TypeTag<T>, TypeTag<Value>) {
+        lane = std::make_unique<TypedInLane<T, Value>>(topic, format, counters, clock);
+    });
     return lane;
 }
 
-DdsInLane::DdsInLane(const ListedSlot& topic, const dds_topic_descriptor_t& descriptor, DdsInCounters& counters,
-                     Clock& clock)
+DdsInLane::DdsInLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
+                     DdsInCounters& counters, Clock& clock)
     : _topic(topic),
+      _name(format.nameOf(topic._name)),
       _descriptor(descriptor),
       _counters(counters),
       _clock(clock),
@@ -67,11 +90,11 @@ void DdsInLane::open(const DdsEnds& ends)
     const DdsListener listener(dds_create_listener(this));
     dds_lset_data_available(listener.get(), onData);
     dds_lset_subscription_matched(listener.get(), onMatched);
-    _ddsTopic =
-        DdsEntity(dds_create_topic(ends._participant, &_descriptor, _topic._name.c_str(), ends._qos, nullptr), what);
-    _localTopic = ends._domain->getTopic(_topic._name);
+    _ddsTopic = DdsEntity(dds_create_topic(ends._participant, &_descriptor, _name.c_str(), nullptr, nullptr), what);
+    _localTopic = ends._domain->getTopic(_name);
     _localTopic->addReader();
-    _reader = DdsEntity(dds_create_reader(ends._subscriber, _ddsTopic.get(), ends._qos, listener.get()), what);
+    const DdsQos qos = makeReaderQos(ends._quality);
+    _reader = DdsEntity(dds_create_reader(ends._subscriber, _ddsTopic.get(), qos.get(), listener.get()), what);
 }
 
 void DdsInLane::close()
@@ -126,14 +149,14 @@ void DdsInLane::onMatched(dds_entity_t, dds_subscription_matched_status_t, void*
 void DdsInLane::takeAll(dds_entity_t reader)
 {
     const Ostrel::LockGuard guard(_takeLock);
-    takeSamples(reader, [this](const void* sample, const dds_sample_info_t&) OSTREL_NO_THREAD_SAFETY_ANALYSIS {
-        take(sample); // under the lock: this runs before takeSamples() returns
+    takeSamples(reader, [this](const void* sample, const dds_sample_info_t& info) OSTREL_NO_THREAD_SAFETY_ANALYSIS {
+        take(sample, info); // under the lock: this runs before takeSamples() returns
     });
 }
 
-void DdsInLane::take(const void* sample)
+void DdsInLane::take(const void* sample, const dds_sample_info_t& info)
 {
-    const auto& origin = *static_cast<const Trovio_Wire_Origin*>(sample);
+    const Trovio_Wire_Origin origin = originOf(sample, info);
     // Written so that a stamp that is no number is refused, too.
     if (!(origin.stamp >= 0.0 && origin.stamp < latestStamp)) {
         refuse("its time stamp is " + std::to_string(origin.stamp) + " seconds since 1970");

@@ -2,6 +2,7 @@
 
 #include "base/Mutex.h"
 #include "nodes/dds/DdsClocks.h"
+#include "nodes/dds/TopicTypes.h"
 #include "nodes/dds/WriterNumbers.h"
 #include "nodes/shared/Report.h"
 #include "nodes/shared/SlotList.h"
@@ -24,8 +25,8 @@ struct DdsInCounters {
 /// Threads: samples are pushed on a thread of the DDS library, as they come; one thread does the rest.
 class DdsInLane {
 public:
-    /// With finite, samples with numbers that are infinite or none are refused.
-    static std::unique_ptr<DdsInLane> create(const ListedSlot& topic, bool finite, DdsInCounters& counters,
+    /// The slot value type must have a topic type in that format.
+    static std::unique_ptr<DdsInLane> create(const ListedSlot& topic, const DdsFormat& format, DdsInCounters& counters,
                                              Clock& clock);
     virtual ~DdsInLane() = default;
 
@@ -46,7 +47,11 @@ public:
     bool isAlive() const { return _alive.value_or(false); }
 
 protected:
-    DdsInLane(const ListedSlot& topic, const dds_topic_descriptor_t& descriptor, DdsInCounters& counters, Clock& clock);
+    DdsInLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
+              DdsInCounters& counters, Clock& clock);
+
+    /// Where the sample comes from, in its own words, or in those that came with it.
+    virtual Trovio_Wire_Origin originOf(const void* sample, const dds_sample_info_t& info) = 0;
 
     /// Pushes the sample's value. What is wrong with the sample; empty, and it was pushed, if nothing is.
     virtual std::string deliver(const void* sample, const Time& stamp) = 0;
@@ -55,11 +60,12 @@ private:
     static void onData(dds_entity_t reader, void* lane) noexcept;
     static void onMatched(dds_entity_t reader, dds_subscription_matched_status_t status, void* lane) noexcept;
     void takeAll(dds_entity_t reader) OSTREL_EXCLUDES(_takeLock);
-    void take(const void* sample) OSTREL_REQUIRES(_takeLock);
+    void take(const void* sample, const dds_sample_info_t& info) OSTREL_REQUIRES(_takeLock);
     void refuse(const std::string& problem) OSTREL_REQUIRES(_takeLock);
     void setAlive(bool alive);
 
     const ListedSlot _topic;
+    const std::string _name; // in the domain
     const dds_topic_descriptor_t& _descriptor;
     DdsInCounters& _counters;
     Clock& _clock;

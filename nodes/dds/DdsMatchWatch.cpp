@@ -1,8 +1,6 @@
 #include "nodes/dds/DdsMatchWatch.h"
 
 #include "nodes/dds/DdsTaking.h"
-#include "nodes/dds/WireTypes.h"
-#include "trovio/SlotTypes.h"
 
 namespace Trovio::Nodes {
 
@@ -10,17 +8,6 @@ namespace {
 
 constexpr std::size_t mostFound = 64;   // ends that are remembered; peers can make any number
 constexpr std::size_t longestText = 80; // characters of a peer's words in a message
-
-/// The slot value type that travels as a topic type, or that type as its owner calls it.
-std::string slotTypeOf(const std::string& topicType)
-{
-    std::string found = "'" + topicType.substr(0, longestText) + "'";
-    forEachSlotType([&]<class T>(TypeTag<T>) {
-        if (topicType == WireType<T>::descriptor().m_typename)
-            found = TypeName<T>::getName();
-    });
-    return found;
-}
 
 void wake(dds_entity_t, void* ends) noexcept
 {
@@ -51,14 +38,14 @@ std::string property(const dds_qos_t* qos, const char* name)
 
 } // namespace
 
-DdsMatchWatch::DdsMatchWatch(const DdsQuality& quality, const std::vector<ListedSlot>& published,
-                             const std::vector<ListedSlot>& subscribed)
+DdsMatchWatch::DdsMatchWatch(const DdsQuality& quality, const DdsFormat& format,
+                             const std::vector<ListedSlot>& published, const std::vector<ListedSlot>& subscribed)
     : _quality(quality)
 {
     for (const ListedSlot& topic : published)
-        _published[topic._name] = topic._typeName;
+        _published[format.nameOf(topic._name)] = {topic._name, findTopicType(topic._typeName, format)->m_typename};
     for (const ListedSlot& topic : subscribed)
-        _subscribed[topic._name] = topic._typeName;
+        _subscribed[format.nameOf(topic._name)] = {topic._name, findTopicType(topic._typeName, format)->m_typename};
 }
 
 DdsMatchWatch::~DdsMatchWatch() = default;
@@ -98,7 +85,7 @@ std::string DdsMatchWatch::getProblem() const
     return _found.begin()->second + others;
 }
 
-void DdsMatchWatch::lookAt(dds_entity_t reader, const Types& ours, bool isWriter)
+void DdsMatchWatch::lookAt(dds_entity_t reader, const Topics& ours, bool isWriter)
 {
     takeSamples<Take::All>(reader, [&](const void* sample, const dds_sample_info_t& info) {
         const bool isThere = info.valid_data && info.instance_state == DDS_ALIVE_INSTANCE_STATE;
@@ -111,22 +98,22 @@ void DdsMatchWatch::lookAt(dds_entity_t reader, const Types& ours, bool isWriter
     });
 }
 
-std::string DdsMatchWatch::compare(const dds_builtintopic_endpoint_t& other, const Types& ours, bool isWriter) const
+std::string DdsMatchWatch::compare(const dds_builtintopic_endpoint_t& other, const Topics& ours, bool isWriter) const
 {
     const auto found = ours.find(std::string_view(other.topic_name));
     if (found == ours.end() || !isInPartition(other.qos))
         return {};
-    const auto& [topic, type] = *found;
-    const std::string where = "topic " + topic + ": ";
+    const std::string where = "topic " + found->second._label + ": ";
+    const std::string type = describeTopicType(found->second._type);
     const std::string they = describePeer(other) + (isWriter ? " publishes " : " subscribes to ");
-    if (const std::string theirs = slotTypeOf(other.type_name); theirs != type)
-        return where + they + theirs + ", here it is " + type + "; give both ends one type";
+    if (other.type_name != found->second._type)
+        return where + they + describeTopicType(other.type_name) + ", here it is " + type + "; give both ends one type";
     // A reader may ask for no more than a writer offers.
     if (isWriter ? _quality._reliable && !isReliable(other.qos) : !_quality._reliable && isReliable(other.qos))
         return where + they + type + " with reliable=" + (isWriter ? "no" : "yes") +
                ", here it is reliable=" + (isWriter ? "yes" : "no") +
                "; set reliable=no where it is subscribed to, or yes where it is published";
-    if (isWriter && !keepsLast(other.qos))
+    if (isWriter && _quality._lateJoiners && !keepsLast(other.qos))
         return where + they + type + " without keeping the last value for those that join later (transient-local), " +
                "which is needed here";
     return {};

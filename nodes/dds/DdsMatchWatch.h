@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nodes/dds/DdsEnds.h"
+#include "nodes/dds/TopicTypes.h"
 #include "nodes/shared/SlotList.h"
 #include <map>
 #include <string>
@@ -12,7 +13,7 @@ namespace Trovio::Nodes {
 /// Threads: one.
 class DdsMatchWatch {
 public:
-    DdsMatchWatch(const DdsQuality& quality, const std::vector<ListedSlot>& published,
+    DdsMatchWatch(const DdsQuality& quality, const DdsFormat& format, const std::vector<ListedSlot>& published,
                   const std::vector<ListedSlot>& subscribed);
     ~DdsMatchWatch();
 
@@ -27,14 +28,18 @@ public:
     std::string getProblem() const;
 
 private:
-    using Types = std::map<std::string, std::string, std::less<>>;
-    void lookAt(dds_entity_t reader, const Types& ours, bool isWriter);
-    std::string compare(const dds_builtintopic_endpoint_t& other, const Types& ours, bool isWriter) const;
+    struct Topic {
+        std::string _label;
+        std::string _type; // as the library knows it
+    };
+    using Topics = std::map<std::string, Topic, std::less<>>; // by their names in the domain
+    void lookAt(dds_entity_t reader, const Topics& ours, bool isWriter);
+    std::string compare(const dds_builtintopic_endpoint_t& other, const Topics& ours, bool isWriter) const;
     bool isInPartition(const dds_qos_t* qos) const;
     std::string describePeer(const dds_builtintopic_endpoint_t& endpoint) const;
 
     const DdsQuality _quality;
-    Types _published, _subscribed;                       // topic, slot value type
+    Topics _published, _subscribed;
     std::map<dds_instance_handle_t, std::string> _found; // what is wrong with that end of another program
     DdsEntity _participants, _writers, _readers;         // what the library tells of
 };

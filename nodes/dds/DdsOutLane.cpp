@@ -2,7 +2,7 @@
 
 #include "nodes/dds/DdsLog.h"
 #include "nodes/dds/DdsTaking.h"
-#include "nodes/dds/WireValue.h"
+#include "nodes/dds/RosValue.h"
 #include "trovio/BufferedInSlot.h"
 #include "trovio/SlotTypes.h"
 #include <atomic>
@@ -11,27 +11,29 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double reportPeriod = 1.0; // seconds
+constexpr double reportPeriod = 1.0;         // seconds
+constexpr double latestStamp = 4294967296.0; // seconds since 1970, which the protocol counts in 32 bits
 // A write waits only where more than half a megabyte waits for readers.
 constexpr std::size_t mostWaitingOfQuick = 262144; // bytes
 constexpr std::uint32_t mostReadersOfQuick = 2;    // each may take a packet of its own
 constexpr int mostAtOnce = 4;                      // records that other threads have pushed meanwhile
 
 /// Bytes of that many samples, unless their size depends on their value.
-template <class T>
+template <class T, class Sample>
 std::optional<std::size_t> sizeOf(unsigned samples)
 {
-    using Sample = typename WireType<T>::Sample;
     constexpr bool isFixed = std::is_trivially_copyable_v<T>;
     return isFixed ? std::optional(samples * sizeof(Sample)) : std::nullopt;
 }
 
-template <class T>
+/// A slot value type T and how it travels: WireValue<T> or RosValue<T>.
+
+template <class T, class Value>
 class TypedOutLane final : public DdsOutLane, SlotListener {
 public:
-    TypedOutLane(const ListedSlot& topic, unsigned capacity, DdsOutCounters& counters, Clock& clock,
-                 std::function<void()> arrived)
-        : DdsOutLane(topic, WireType<T>::descriptor(), sizeOf<T>(capacity), counters, clock),
+    TypedOutLane(const ListedSlot& topic, const DdsFormat& format, unsigned capacity, DdsOutCounters& counters,
+                 Clock& clock, std::function<void()> arrived)
+        : DdsOutLane(topic, format, Value::descriptor(), sizeOf<T, typename Value::Sample>(capacity), counters, clock),
           _arrived(std::move(arrived)),
           _slot(topic._name, capacity)
     {
@@ -51,7 +53,13 @@ private:
         _waiting = true;
         _record = _slot.pop();
         problem = _value.refer(_record.getValue(), _sample);
-        return Sample{&_sample, &_sample.origin, _record.getTimeStamp().getSeconds()};
+        const double stamp = _record.getTimeStamp().getSeconds();
+        if constexpr (requires { _sample.origin; })
+            return Sample{&_sample, &_sample.origin, stamp};
+        if constexpr (requires { _sample.header; })
+            if (problem.empty())
+                problem = writeTime(stamp, _sample.header.stamp);
+        return Sample{&_sample, nullptr, stamp};
     }
 
     void dataArrived(Slot&) override
@@ -65,25 +73,27 @@ private:
     std::atomic<bool> _waiting{false}; // spares the lock of the many slots that have nothing
     BufferedInSlot<T> _slot;
     Data<T> _record;
-    WireValue<T> _value;
-    typename WireType<T>::Sample _sample{};
+    Value _value;
+    typename Value::Sample _sample{};
 };
 
 } // namespace
 
-std::unique_ptr<DdsOutLane> DdsOutLane::create(const ListedSlot& topic, unsigned capacity, DdsOutCounters& counters,
-                                               Clock& clock, std::function<void()> arrived)
+std::unique_ptr<DdsOutLane> DdsOutLane::create(const ListedSlot& topic, const DdsFormat& format, unsigned capacity,
+                                               DdsOutCounters& counters, Clock& clock, std::function<void()> arrived)
 {
     std::unique_ptr<DdsOutLane> lane;
-    withSlotType(topic._typeName, [&]<class T>(TypeTag<T>) {
-        lane = std::make_unique<TypedOutLane<T>>(topic, capacity, counters, clock, std::move(arrived));
-    });
+    const auto make = [&]<class T, class Value>(TypeTag<T>, TypeTag<Value>) {
+        lane = std::make_unique<TypedOutLane<T, Value>>(topic, format, capacity, counters, clock, std::move(arrived));
+    };
+    withFormat(topic._typeName, format, make);
     return lane;
 }
 
-DdsOutLane::DdsOutLane(const ListedSlot& topic, const dds_topic_descriptor_t& descriptor,
+DdsOutLane::DdsOutLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
                        std::optional<std::size_t> mostWaiting, DdsOutCounters& counters, Clock& clock)
     : _topic(topic),
+      _name(format.nameOf(topic._name)),
       _descriptor(descriptor),
       _counters(counters),
       _isSmall(mostWaiting && *mostWaiting <= mostWaitingOfQuick),
@@ -100,10 +110,10 @@ void DdsOutLane::open(const DdsEnds& ends)
     _isLocal = ends._domain->getSettings().isLoopback();
     const Ostrel::LockGuard guard(_sendLock);
     _writerID = ends._writerID;
-    _localTopic = ends._domain->getTopic(_topic._name);
-    _ddsTopic =
-        DdsEntity(dds_create_topic(ends._participant, &_descriptor, _topic._name.c_str(), ends._qos, nullptr), what);
-    _writer = DdsEntity(dds_create_writer(ends._publisher, _ddsTopic.get(), ends._qos, listener.get()), what);
+    _localTopic = ends._domain->getTopic(_name);
+    _ddsTopic = DdsEntity(dds_create_topic(ends._participant, &_descriptor, _name.c_str(), nullptr, nullptr), what);
+    const DdsQos qos = makeWriterQos(ends._quality);
+    _writer = DdsEntity(dds_create_writer(ends._publisher, _ddsTopic.get(), qos.get(), listener.get()), what);
 }
 
 void DdsOutLane::close()
@@ -158,10 +168,11 @@ DdsOutLane::Outcome DdsOutLane::sendOne()
             fail(problem);
             return Outcome::Sent;
         }
-        *_pending->_origin = {_pending->_stamp, _writerID, ++_number};
+        if (_pending->_origin)
+            *_pending->_origin = {_pending->_stamp, _writerID, ++_number};
     }
     const DdsLog::Listening log;
-    const dds_return_t result = dds_write(_writer.get(), _pending->_sample);
+    const dds_return_t result = write(*_pending);
     if (!log.text().empty())
         complain(log.text());
     if (result == DDS_RETCODE_TIMEOUT) {
@@ -175,6 +186,16 @@ DdsOutLane::Outcome DdsOutLane::sendOne()
     _counters._samples.add();
     _pending.reset();
     return Outcome::Sent;
+}
+
+dds_return_t DdsOutLane::write(const Sample& sample)
+{
+    if (sample._origin)
+        return dds_write(_writer.get(), sample._sample);
+    // The library carries the stamp beside samples that have no room for it.
+    const bool fits = sample._stamp >= 0.0 && sample._stamp < latestStamp;
+    return fits ? dds_write_ts(_writer.get(), sample._sample, toDdsDuration(sample._stamp))
+                : dds_write(_writer.get(), sample._sample);
 }
 
 void DdsOutLane::fail(const std::string& problem)

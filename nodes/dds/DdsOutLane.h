@@ -2,6 +2,7 @@
 
 #include "base/Mutex.h"
 #include "nodes/dds/DdsEnds.h"
+#include "nodes/dds/TopicTypes.h"
 #include "nodes/shared/Report.h"
 #include "nodes/shared/SlotList.h"
 #include "trovio/Node.h"
@@ -31,8 +32,9 @@ struct DdsOutCounters {
 class DdsOutLane {
 public:
     /// arrived is called on the pushing thread after each record, under locks: it may only wake somebody.
-    static std::unique_ptr<DdsOutLane> create(const ListedSlot& topic, unsigned capacity, DdsOutCounters& counters,
-                                              Clock& clock, std::function<void()> arrived);
+    /// The slot value type must have a topic type in that format.
+    static std::unique_ptr<DdsOutLane> create(const ListedSlot& topic, const DdsFormat& format, unsigned capacity,
+                                              DdsOutCounters& counters, Clock& clock, std::function<void()> arrived);
     virtual ~DdsOutLane() = default;
 
     virtual BasicInSlot& getSlot() = 0;
@@ -50,15 +52,15 @@ public:
     Outcome send() OSTREL_EXCLUDES(_sendLock);
 
 protected:
-    /// A record on its way: a sample that refers to it, and what begins every sample.
+    /// A record on its way: a sample that refers to it, and what begins every sample of ours.
     struct Sample {
         const void* _sample;
-        Trovio_Wire_Origin* _origin;
+        Trovio_Wire_Origin* _origin; // null where the sample has none
         double _stamp;
     };
 
     /// mostWaiting: bytes of samples that may wait for readers, if that is known.
-    DdsOutLane(const ListedSlot& topic, const dds_topic_descriptor_t& descriptor,
+    DdsOutLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
                std::optional<std::size_t> mostWaiting, DdsOutCounters& counters, Clock& clock);
 
     /// Takes the oldest waiting record, if there is one; the sample lives until the next call. It says why the record
@@ -73,10 +75,12 @@ protected:
 private:
     static void onMatched(dds_entity_t writer, dds_publication_matched_status_t status, void* lane) noexcept;
     Outcome sendOne() OSTREL_REQUIRES(_sendLock);
+    dds_return_t write(const Sample& sample) OSTREL_REQUIRES(_sendLock);
     void fail(const std::string& problem) OSTREL_REQUIRES(_sendLock);
     void complain(const std::string& problem) OSTREL_REQUIRES(_sendLock); // seldom
 
     const ListedSlot _topic;
+    const std::string _name; // in the domain
     const dds_topic_descriptor_t& _descriptor;
     DdsOutCounters& _counters;
     const bool _isSmall;

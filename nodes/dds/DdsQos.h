@@ -11,6 +11,7 @@ struct DdsQuality {
     std::string _partition;
     int _depth = 1; // records that may wait at either end
     bool _reliable = true;
+    bool _lateJoiners = true; // get the last value; where readers ask for that, writers have to keep it
 };
 
 struct DdsQosDelete {
@@ -18,8 +19,11 @@ struct DdsQosDelete {
 };
 using DdsQos = std::unique_ptr<dds_qos_t, DdsQosDelete>;
 
-/// For topics, writers and readers: keeps the last records only, and the very last one for those that join later.
-DdsQos makeTopicQos(const DdsQuality& quality);
+/// For writers: keeps the last records only, and the very last one for those that join later.
+DdsQos makeWriterQos(const DdsQuality& quality);
+
+/// For readers: keeps the last records only.
+DdsQos makeReaderQos(const DdsQuality& quality);
 
 /// For questions and answers that are worthless once they are late.
 DdsQos makeProbeQos();

@@ -23,17 +23,15 @@ DdsSession::DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, 
                        std::function<void()> wake)
     : _clock(clock),
       _settings(std::move(settings)),
-      _ends{nullptr, 0, 0, 0, nullptr, randomID(), std::move(wake)},
-      _watch(_settings._quality, _settings._published, _settings._subscribed),
-      _clocks(clock, _ends._writerID, {_settings._timing, !_settings._published.empty()}),
-      _topicQos(makeTopicQos(_settings._quality))
+      _ends{nullptr, 0, 0, 0, _settings._quality, randomID(), std::move(wake)},
+      _watch(_settings._quality, _settings._format, _settings._published, _settings._subscribed),
+      _clocks(clock, _ends._writerID, {_settings._timing, !_settings._published.empty() && !_settings._format._isRos})
 {
-    _ends._qos = _topicQos.get();
     for (const ListedSlot& topic : _settings._published)
-        _outLanes.push_back(
-            DdsOutLane::create(topic, static_cast<unsigned>(_settings._quality._depth), out, clock, _ends._wake));
+        _outLanes.push_back(DdsOutLane::create(
+            topic, _settings._format, static_cast<unsigned>(_settings._quality._depth), out, clock, _ends._wake));
     for (const ListedSlot& topic : _settings._subscribed)
-        _inLanes.push_back(DdsInLane::create(topic, _settings._finite, in, clock));
+        _inLanes.push_back(DdsInLane::create(topic, _settings._format, in, clock));
 }
 
 DdsSession::~DdsSession()

@@ -14,7 +14,7 @@ struct DdsSettings {
     DdsQuality _quality;
     std::vector<ListedSlot> _published;
     std::vector<ListedSlot> _subscribed;
-    bool _finite = true;
+    DdsFormat _format;
     bool _timing = false; // whether the clocks of who publishes are asked
 };
 
@@ -58,7 +58,6 @@ private:
     DdsMatchWatch _watch;
     DdsClocks _clocks;
     double _nextTiming = 0.0;
-    DdsQos _topicQos;
 
     std::shared_ptr<DdsDomain> _domain;
     DdsEntity _participant; // goes before the domain

@@ -26,6 +26,7 @@ const Setting rows[] = {
     Setting::integer("depth", "64", 1, 65536, "records of a topic that may wait at either end; the newest are kept"),
     Setting::choice("reliable", "yes", "yes|no", "whether what is lost on the line is sent again"),
     Setting::choice("finite", "yes", "yes|no", "whether samples with infinite numbers or not-a-number are refused"),
+    Setting::choice("ros2", "no", "yes|no", "whether topics are those of ROS 2 systems, with their messages"),
     Setting::choice("timing", "no", "yes|no", "whether Topic/timing tells how old values are, by comparing clocks"),
     Setting::number("lease", "3", 0.5, 60, "seconds of silence after which a peer counts as gone"),
     Setting::integer("processes", "32", 1, 119, "programs that are looked for on a machine, without multicast"),
@@ -66,6 +67,20 @@ DdsDomainSettings readDomain(const Settings& settings)
     return domain;
 }
 
+/// What ROS 2 has no name or no message for, it cannot read.
+void checkForRos(const Settings& settings, const char* setting, const std::vector<ListedSlot>& topics)
+{
+    for (const ListedSlot& topic : topics) {
+        if (!findTopicType(topic._typeName, {true}))
+            throw settings.refusal(setting, "with ros2=yes, for " + topic._name +
+                                                " one of the types that have a message: " + listRosTypes());
+        if (!isRosTopicName(topic._name))
+            throw settings.refusal(setting, "with ros2=yes, names whose parts between / begin with a letter or one _, "
+                                            "but not " +
+                                                topic._name);
+    }
+}
+
 /// Labels are of one kind: what is published, what is subscribed to, and what says who is there.
 void checkApart(const Settings& settings, const DdsSettings& read)
 {
@@ -99,7 +114,8 @@ DdsSettings readDdsSettings(const Settings& settings)
     read._quality._depth = static_cast<int>(settings.integer("depth"));
     read._quality._reliable = settings.choice("reliable") == 0;
     read._timing = settings.choice("timing") == 0;
-    read._finite = settings.choice("finite") == 0;
+    read._format = {settings.choice("ros2") == 0, settings.choice("finite") == 0};
+    read._quality._lateJoiners = !read._format._isRos;
     read._published = readDdsTopics(settings, "publish");
     read._subscribed = readDdsTopics(settings, "subscribe");
     if (read._published.empty() && read._subscribed.empty())
@@ -109,6 +125,12 @@ DdsSettings readDdsSettings(const Settings& settings)
                                                 std::string(nameCharacters));
     checkQueues(settings, "depth", read._published.size());
     checkApart(settings, read);
+    if (!read._format._isRos)
+        return read;
+    checkForRos(settings, "publish", read._published);
+    checkForRos(settings, "subscribe", read._subscribed);
+    if (read._timing)
+        throw settings.refusal("timing", "no, with ros2=yes: there is nobody to ask for the time");
     return read;
 }
 

@@ -8,4 +8,7 @@ namespace Trovio::Nodes {
 /// Throws InvalidFieldException for anything else.
 std::vector<ListedSlot> readDdsTopics(const Settings& settings, const char* setting);
 
+/// Whether ROS 2 can have a topic of that name, which must be a topic's name here.
+bool isRosTopicName(std::string_view name);
+
 } // namespace Trovio::Nodes

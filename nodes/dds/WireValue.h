@@ -177,6 +177,7 @@ template <class T>
 class WireValue {
 public:
     using Sample = typename WireType<T>::Sample;
+    static const dds_topic_descriptor_t& descriptor() { return WireType<T>::descriptor(); }
 
     std::string refer(const T& value, Sample& sample) { return _kind.referOne(value, sample.value); }
 
@@ -194,6 +195,7 @@ template <class Object>
 class WireValue<SmartPtr<Object>> {
 public:
     using Sample = typename WireType<SmartPtr<Object>>::Sample;
+    static const dds_topic_descriptor_t& descriptor() { return WireType<SmartPtr<Object>>::descriptor(); }
 
     std::string refer(const SmartPtr<Object>& value, Sample& sample)
     {

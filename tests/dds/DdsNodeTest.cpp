@@ -222,6 +222,9 @@ INSTANTIATE_TEST_SUITE_P(
                       Refused{"AliveTwice", "subscribe='A Float, A/alive Bool'", "/alive or /timing behind it"},
                       Refused{"MarkupInInterface", "publish='A Float' interface='<lo/>'", "the name of a network"},
                       Refused{"HostName", "publish='A Float' host='10.0.0.1 wand.local'", "numeric IPv4"},
+                      Refused{"NoMessage", "ros2=yes publish='A Color'",
+                              "for A one of the types that have a message: Bool"},
+                      Refused{"NoRosName", "ros2=yes publish='A/1 Bool'", "but not A/1"},
                       Refused{"WildPartition", "publish='A Float' partition='*'", "of the characters"}),
     [](const auto& row) { return std::string(row.param._name); });
 

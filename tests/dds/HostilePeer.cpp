@@ -27,7 +27,7 @@ public:
     void send(dds_topic_descriptor_t type, const char* typeName, const void* sample)
     {
         type.m_typename = typeName;
-        const DdsQos group = makeGroupQos(_quality), qos = makeTopicQos(_quality);
+        const DdsQos group = makeGroupQos(_quality), qos = makeWriterQos(_quality);
         const DdsEntity topic(dds_create_topic(_participant.get(), &type, "Target", qos.get(), nullptr), "topic");
         const DdsEntity publisher(dds_create_publisher(_participant.get(), group.get(), nullptr), "publisher");
         const DdsEntity writer(dds_create_writer(publisher.get(), topic.get(), qos.get(), nullptr), "writer");
