@@ -23,9 +23,11 @@ public:
                     valueText(watch.field(), digits, longestValue) + "\n";
     }
 
+    void clockStepped(double seconds) override { _start += seconds; }
+
 private:
     std::ostream& _out;
-    const double _start;
+    double _start;
 };
 
 class JsonView final : public View {

@@ -10,6 +10,7 @@
 #include "host/SceneReader.h"
 #include "host/SystemClock.h"
 #include "host/View.h"
+#include "host/WallSteps.h"
 #include "osg/LogMessage.h"
 
 #include <algorithm>
@@ -53,12 +54,22 @@ bool canWrite()
     return std::cout.good() && !std::ferror(stdout);
 }
 
-// Runs frames until the end of the run; false if nobody can read the values any more.
-bool runFrames(Session& session, FrameLoop& loop, View& view)
+void tellOfStep(double step, const Session& session, View& view)
 {
+    for (SensorWatch* watch : session.watches())
+        watch->clockStepped(step);
+    view.clockStepped(step);
+}
+
+// Runs frames until the end of the run; false if nobody can read the values any more.
+bool runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view)
+{
+    WallSteps steps;
     for (SensorWatch* watch : session.watches())
         watch->setListener(&view);
     loop.run([&](double now) {
+        if (const double step = steps.look(now, clock.steady()); step != 0)
+            tellOfStep(step, session, view);
         session.frame(now);
         view.frame(now);
         osg::logHeldBack();
@@ -79,7 +90,7 @@ int runScenes(std::vector<SceneFile> files, const Options& options)
     Session session;
     session.build(std::move(files), say);
     reportStart(session, say);
-    const bool shown = runFrames(session, loop, *makeView(options, session, log, clock.now()));
+    const bool shown = runFrames(session, loop, clock, *makeView(options, session, log, clock.now()));
     reportEnd(session, loop, say);
     if (options._format == Format::Json && shown)
         std::cout << countsLine(session, loop) << std::flush;

@@ -29,8 +29,16 @@ double SensorWatch::age(double now) const
     for (const Trovio::Slot* slot : _slots)
         if (const auto* in = dynamic_cast<const Trovio::BasicInSlot*>(slot))
             stamp = std::max(stamp, in->getActivity()._lastTaken.getSeconds());
+    stamp += stamp > 0 ? _stepsSinceChange : 0;
     const bool tellsAge = stamp > 0 && stamp <= now;
     return _changes == 0 ? -1 : std::max(now - (tellsAge ? stamp : _lastChange), 0.0);
+}
+
+void SensorWatch::clockStepped(double seconds)
+{
+    _firstChange += seconds;
+    _lastChange += seconds;
+    _stepsSinceChange += seconds;
 }
 
 void SensorWatch::notify(const Ostrel::TimeStamp& time, Ostrel::BaseObject*, Ostrel::BaseObject*, Ostrel::BaseObject*)
@@ -38,6 +46,7 @@ void SensorWatch::notify(const Ostrel::TimeStamp& time, Ostrel::BaseObject*, Ost
     if (_changes++ == 0)
         _firstChange = time;
     _lastChange = time;
+    _stepsSinceChange = 0;
     if (_listener != nullptr)
         _listener->changed(*this, time);
 }

@@ -46,6 +46,9 @@ public:
 
     std::uint64_t changes() const { return _changes; }
 
+    /// The wall clock was set by so many seconds: what is measured from before goes on as if it had not been.
+    void clockStepped(double seconds);
+
     /// Seconds from the time stamp that the source gave the last value to `now`, or from the last change where there is
     /// no such stamp or one in the future; never less than 0 but before the first change.
     double age(double now) const;
@@ -61,6 +64,7 @@ private:
     std::vector<Trovio::Slot*> _slots;
     ChangeListener* _listener = nullptr;
     std::uint64_t _changes = 0;
-    double _firstChange = 0, _lastChange = 0;
+    double _firstChange = 0, _lastChange = 0; // on the wall clock as it is set now
+    double _stepsSinceChange = 0;
 };
 } // namespace Host

@@ -53,6 +53,12 @@ public:
         draw(now);
     }
 
+    void clockStepped(double seconds) override
+    {
+        _lastDraw += seconds;
+        _lastRate += seconds;
+    }
+
 private:
     struct Counted {
         std::uint64_t _changes = 0;

@@ -19,6 +19,9 @@ public:
 
     /// A frame is over; `now` is its wall-clock time in seconds.
     virtual void frame(double now) { (void)now; }
+
+    /// The wall clock was set by so many seconds since the last frame.
+    virtual void clockStepped(double seconds) { (void)seconds; }
 };
 
 /// One line per change: seconds since `start`, name, type, value.

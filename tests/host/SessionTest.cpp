@@ -1,6 +1,7 @@
 #include "host/Report.h"
 #include "host/SceneReader.h"
 #include "host/View.h"
+#include "host/WallSteps.h"
 #include "trovio/Node.h"
 #include "trovio/NodeType.h"
 #include "trovio/OutSlot.h"
@@ -94,6 +95,35 @@ TEST_F(SessionTest, TellsTheAgeByTheStampOfTheSource)
     push(3, 1000);
     _session.frame(103);
     EXPECT_EQ(watch.age(104), 1) << "a stamp in the future tells no age";
+}
+
+TEST_F(SessionTest, AgesRatesAndTimesGoOnWhenTheDateIsSet)
+{
+    build({std::string(handler) + wand});
+    SensorWatch& watch = *_session.watches()[0];
+    const auto view = makeLinesView(_out, 1e9 - 1);
+    show(*view);
+    WallSteps steps;
+    double wall = 1e9, steady = 7;
+    const auto frame = [&](double passed, double set) {
+        wall += passed + set;
+        steady += passed;
+        if (const double step = steps.look(wall, steady); step != 0) {
+            watch.clockStepped(step);
+            view->clockStepped(step);
+        }
+        _session.frame(wall);
+    };
+    for (const double set : {0.0, 0.01, 3600.0, -7200.0}) {
+        push(1, wall - 2);
+        frame(0, 0);
+        frame(1, set);
+        EXPECT_NEAR(watch.age(wall), 3, 0.02) << set;
+    }
+    push(1);
+    frame(0, 0);
+    EXPECT_NEAR(watch.rate(), 1, 0.01);
+    EXPECT_NE(_out.str().find("\n     5.010 wand"), std::string::npos) << _out.str();
 }
 
 TEST_F(SessionTest, PassesValuesAlongLinksAndOutInTheSameFrame)
