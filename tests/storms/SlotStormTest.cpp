@@ -41,7 +41,8 @@ public:
             producer.join();
         _ring.interrupt(); // after the last record: the reader either takes it or leaves it waiting
         _reader.join();
-        std::printf("%s: %d turns, %llu records taken\n", _ring.getTypeName().c_str(), _turns.load(),
+        std::printf("%s: %d changes, %llu records sent, %llu taken\n", _ring.getTypeName().c_str(), _changes.load(),
+                    static_cast<unsigned long long>(_ring.getCounts().stored),
                     static_cast<unsigned long long>(_popped));
         checkRing();
         for (auto& out : _outs) {
@@ -69,7 +70,7 @@ private:
 
     void produce(std::size_t source)
     {
-        while (!_done) {
+        while (!_done || _outs[source].getWritten() * Pairs < StormLength::records()) {
             _outs[source].push(next(source));
             std::this_thread::yield();
         }
@@ -92,12 +93,12 @@ private:
     {
         std::minstd_rand random(static_cast<unsigned>(visitor + 1));
         Slots slots;
-        int turns = 0;
-        for (; !_length.isOver(turns); ++turns) {
+        int changes = 0;
+        while (!_length.isOver(changes)) {
             _watchdog.alive();
             if (slots.empty() || (slots.size() < 4 && random() % 8 == 0))
                 makeSlot(slots, random());
-            act(*slots[random() % slots.size()], visitor, random());
+            changes += act(*slots[random() % slots.size()], visitor, random());
             if (random() % 16 == 0) {
                 endSlot(*slots.back());
                 slots.pop_back();
@@ -105,7 +106,7 @@ private:
         }
         for (auto& slot : slots)
             endSlot(*slot);
-        _turns += turns;
+        _changes += changes;
     }
 
     static void makeSlot(Slots& slots, unsigned long choice)
@@ -116,24 +117,32 @@ private:
             slots.push_back(std::make_unique<BufferedInSlot<T>>("ring", 1 + choice % 5));
     }
 
-    void act(InSlot<T>& slot, std::size_t visitor, unsigned long choice)
+    /// Whether it surely changed something: a disconnection may have met no connection, a read nothing to take.
+    bool act(InSlot<T>& slot, std::size_t visitor, unsigned long choice)
     {
         OutSlot<T>& out = _outs[choice / 16 % Pairs];
         switch (choice % 8) {
         case 0:
-            return slot.connect(&out);
+            slot.connect(&out);
+            return true;
         case 1:
-            return out.connect(&slot);
+            out.connect(&slot);
+            return true;
         case 2:
-            return slot.disconnect(&out);
+            slot.disconnect(&out);
+            return false;
         case 3:
-            return out.disconnect(&slot);
+            out.disconnect(&slot);
+            return false;
         case 4:
-            return slot.interrupt();
+            slot.interrupt();
+            return true;
         case 5:
-            return _ring.interrupt();
+            _ring.interrupt();
+            return true;
         case 6:
-            return pushFromNewSlot(slot, Pairs + visitor);
+            pushFromNewSlot(slot, Pairs + visitor);
+            return true;
         default:
             return read(slot);
         }
@@ -153,16 +162,17 @@ private:
     }
 
     /// Nobody else reads this slot, so that what is not empty now stays so.
-    static void read(InSlot<T>& slot)
+    /// Whether there was anything: a record or an interrupt.
+    static bool read(InSlot<T>& slot)
     {
+        if (slot.empty())
+            return false;
         try {
-            if (slot.empty())
-                return;
             EXPECT_GT(Numbered<T>::read(slot.top().getValue()), 0);
             EXPECT_GT(Numbered<T>::read(slot.pop().getValue()), 0);
         } catch (const InterruptedException&) {
-            return;
         }
+        return true;
     }
 
     void endSlot(InSlot<T>& slot)
@@ -192,6 +202,7 @@ private:
         EXPECT_EQ(counts.stored, _outs[0].getWritten() + _outs[1].getWritten() + _fromNewSlots);
         EXPECT_EQ(counts.taken, _popped);
         EXPECT_GT(_popped, 0U);
+        EXPECT_GE(counts.stored, StormLength::records());
         expectWaiting(_ring);
     }
 
@@ -203,7 +214,7 @@ private:
     BufferedInSlot<T> _ring{"ring", 16};
     std::array<long, Sources> _numbers{}; // each used by one thread
     std::atomic<std::uint64_t> _fromNewSlots{0};
-    std::atomic<int> _turns{0};
+    std::atomic<int> _changes{0};
     std::uint64_t _popped = 0; // the reader's, until it has ended
     std::atomic<bool> _done{false};
     std::array<std::thread, Pairs> _producers;

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 
-/// How long a storm goes on: for OSTREL_STORM_SECONDS, and until OSTREL_STORM_OPERATIONS are done.
+/// How long a storm goes on: for OSTREL_STORM_SECONDS, and until OSTREL_STORM_OPERATIONS have changed something.
 class StormLength {
 public:
     /// The operations are shared out evenly among so many threads.
@@ -14,6 +15,9 @@ public:
     }
 
     bool isOver(int done) const { return done >= _operations && std::chrono::steady_clock::now() >= _end; }
+
+    /// So many records are sent at least, of each kind of value: OSTREL_STORM_RECORDS.
+    static std::uint64_t records() { return static_cast<std::uint64_t>(setting("OSTREL_STORM_RECORDS", 0)); }
 
 private:
     static int setting(const char* name, int otherwise)
