@@ -78,7 +78,9 @@ void addLabels(CLI::App& app, Options& options)
     app.add_option("TO", options._to, "label that they shall get to")->required();
     addSeconds(app, "--seconds", "give up after this many seconds", options._seconds);
     addSeconds(app, "--stale", "age from which a record is stale; 1 if not given", options._staleAfter);
-    addSeconds(app, "--patience", "how long a cause must last that may pass; 1 if not given", options._patience);
+    addSeconds(app, "--patience",
+               "how long a cause must last that may pass; 1 if not given, never above half of --seconds",
+               options._patience);
     addFormat(app, "--format", "text or json", options._format, {{"text", Format::Text}, {"json", Format::Json}});
 }
 

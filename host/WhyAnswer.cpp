@@ -13,27 +13,33 @@ namespace {
 using Trovio::Explanation;
 using Trovio::Verdict;
 
-// How much of what was asked for the namespace knows.
+// How much of what was asked for the namespace knows: records that flow, then a way, the two ends, one of them.
 int known(const Explanation& explanation, const std::string& from)
 {
     constexpr Verdict ofEnds[] = {Verdict::NoSuchLabel, Verdict::NoMatch, Verdict::NoExternalRoute,
                                   Verdict::WrongDirection};
-    if (std::ranges::find(ofEnds, explanation._verdict) == std::end(ofEnds) || explanation.findText("route"))
-        return 4;
+    if (explanation._verdict == Verdict::Flowing)
+        return 6;
+    if (explanation.findText("route"))
+        return 5;
+    if (std::ranges::find(ofEnds, explanation._verdict) == std::end(ofEnds))
+        return explanation._verdict == Verdict::NoRoute ? 4 : 5;
     const std::string* missing = explanation.findText("label");
     const bool hasHint = explanation._verdict != Verdict::NoSuchLabel || explanation.findText("nearest");
     return (missing && *missing != from ? 2 : 0) + (hasHint ? 1 : 0);
 }
 
-// Whether the label is the sensor's, alone or with that of its namespace before it.
-const SensorWatch* sensorAt(const Session& session, const std::string& label)
+// Whether the label is that of a sensor, alone or with that of a handler's namespace before it.
+bool isSensor(const Session& session, const std::string& label)
 {
-    for (const SensorWatch* watch : session.watches()) {
+    std::vector<std::string> prefixes{""};
+    for (const Trovio::NamespaceInfo& handler : Trovio::Root::get().inspect()._children)
+        prefixes.push_back(handler._label + "/");
+    return std::ranges::any_of(session.watches(), [&](const SensorWatch* watch) {
         const std::string& known = watch->sensor().getLabel();
-        if (!known.empty() && (label == known || label.ends_with("/" + known)))
-            return watch;
-    }
-    return nullptr;
+        return !known.empty() &&
+               std::ranges::any_of(prefixes, [&](const std::string& prefix) { return label == prefix + known; });
+    });
 }
 
 // The node whose slot has the label: its label stands before the slot's.
@@ -64,7 +70,7 @@ std::string settingFor(const Trovio::NodeInfo& node, const std::string& slotType
 // What the slot's end must be made to carry that type; empty if nobody can say.
 std::string fitAt(const std::string& label, const std::string& slotType, const Session& session)
 {
-    if (sensorAt(session, label))
+    if (isSensor(session, label))
         return "a sensor of type " + fieldTypeFor(slotType) + " at " + inQuotes(label) + " would fit";
     const Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
     const Trovio::NamespaceInfo* node = nodeAt(root, label);

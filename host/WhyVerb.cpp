@@ -11,6 +11,7 @@
 #include "trovio/Namespace.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
@@ -20,7 +21,8 @@ namespace {
 using Trovio::Explanation;
 using Trovio::Verdict;
 
-constexpr double lookInterval = 0.05; // seconds; a look walks through the whole tree
+// Seconds from look to look, each of which walks through the whole tree.
+constexpr double shortestInterval = 0.001, longestInterval = 0.05;
 
 struct Answer {
     Explanation _explanation;
@@ -34,13 +36,16 @@ Answer findAnswer(SceneFile file, const Options& options)
     log.hold(true);
     const StopSignal stop;
     SystemClock clock(stop);
+    // A cause that lasts for all the time given is an answer, too.
+    const double patience = std::min(options._patience, options._seconds / 2);
+    const double lookInterval = std::clamp(patience / 2, shortestInterval, longestInterval);
     FrameLoop loop(clock, std::max(file._host._rate._value, 1 / lookInterval), {options._seconds, options._frames});
     Session session;
     std::vector<SceneFile> files;
     files.push_back(std::move(file));
     session.build(std::move(files), [](const std::string&) {});
     Answer answer;
-    WhyDecision decision(options._patience);
+    WhyDecision decision(patience);
     double nextLook = 0;
     loop.run([&](double now) {
         session.frame(now);
@@ -74,6 +79,20 @@ void printText(const Answer& answer)
     std::printf("%s\n", escaped(text, 4000).c_str());
 }
 
+nlohmann::ordered_json toJson(const std::string& text)
+{
+    return text;
+}
+
+// A count has nothing behind the point.
+nlohmann::ordered_json toJson(double number)
+{
+    constexpr double mostExact = 9007199254740992; // 2 to the power of 53
+    if (number != std::trunc(number) || std::abs(number) > mostExact)
+        return number;
+    return static_cast<std::int64_t>(number);
+}
+
 void printJson(const Answer& answer, const Options& options)
 {
     nlohmann::ordered_json object{{"from", options._from},
@@ -83,7 +102,7 @@ void printJson(const Answer& answer, const Options& options)
                                   {"text", answer._explanation._text},
                                   {"details", nlohmann::ordered_json::object()}};
     for (const Explanation::Detail& detail : answer._explanation._details)
-        std::visit([&](const auto& value) { object["details"][detail._name] = value; }, detail._value);
+        std::visit([&](const auto& value) { object["details"][detail._name] = toJson(value); }, detail._value);
     if (!answer._fits.empty())
         object["fits"] = answer._fits;
     std::printf("%s\n", jsonText(object).c_str());

@@ -8,10 +8,12 @@ namespace {
 
 const std::string host = HOST_PROGRAM;
 
-/// A wave goes through a filter into a sensor, and a device that nothing sends to waits beside it.
+/// A wave goes through a filter into a sensor, and a device that nothing sends to waits beside it. The first handler
+/// has some of the labels, too.
 std::string scene(const std::string& port)
 {
-    return "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n"
+    return "[[handler]]\nkind = \"Trovio\"\nname = \"spare\"\nnodes = [[\"Generator\"]]\n"
+           "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n"
            "nodes = [[\"Generator\", \"rate=200\"], [\"Scale\", \"gain=2\"], [\"Clamp\", \"type=Vec3f\"],\n"
            "  [\"OSC\", \"listen=127.0.0.1:" +
            port +
@@ -20,7 +22,7 @@ std::string scene(const std::string& port)
            "  [\"OSC/wand\", \"Wave\"], [\"Generator/value\", \"Clamp/in\"]]\n"
            "[[sensor]]\nname = \"wave\"\ntype = \"SFFloat\"\nlabel = \"Wave\"\n"
            "[[sensor]]\nname = \"wand\"\ntype = \"SFVec3f\"\nlabel = \"Wand\"\n"
-           "[[sensor]]\nname = \"lonely\"\ntype = \"SFFloat\"\nlabel = \"Lonely\"\n";
+           "[[sensor]]\nname = \"lonely\"\ntype = \"SFFloat\"\nlabel = \"in\"\n";
 }
 
 TEST(Why, AnswersWithItsExitCodeToo)
@@ -32,7 +34,8 @@ TEST(Why, AnswersWithItsExitCodeToo)
         const char* _says;
     } rows[] = {
         {{"Generator/value", "Wave"}, 0, "records flow from 'Generator/value' to 'Wave': "},
-        {{"Context/Scale/out", "Context/Wave"}, 0, "records flow"},
+        {{"Context2/Scale/out", "Context2/Wave"}, 0, "records flow"},
+        {{"Generator/value", "Scale/in", "--format", "json"}, 0, "\"overwritten\":0,"},
         {{"Scale/*", "Wave", "--format", "json"}, 0, "\"verdict\":\"flowing\",\"text\":\"records flow"},
         {{"OSC/wand", "Wave"},
          4,
@@ -42,9 +45,10 @@ TEST(Why, AnswersWithItsExitCodeToo)
         {{"OSC/wnd", "Wand"}, 3, "no such label: no slot 'OSC/wnd' is in scope; nearest: 'OSC/wand'\n"},
         {{"OSCC/*", "Wand"}, 3, "pattern matches nothing: "},
         {{"Wand", "OSC/wand"}, 3, "wrong direction: "},
-        {{"Generator/value", "Lonely"}, 3, "no route: no route leads on from "},
+        {{"Generator/value", "in"}, 3, "no route: no route leads on from "},
         {{"OSC/wand", "Wand", "--patience", "0.1"}, 3, "never written: nobody has written into 'OSC/wand' yet\n"},
-        {{"OSC/wand", "Wand", "--seconds", "0.1"}, 124, "no answer in the time given; so far: nothing flows"},
+        {{"OSC/wand", "Wand", "--seconds", "0.5"}, 3, "never written: "},
+        {{"OSC/wand", "Wand", "--seconds", "0.001"}, 124, "no answer in the time given; so far: nothing flows"},
         {{"OSC/wand", "*"}, 2, "has 1 '*', but its pattern 'OSC/wand' only 0"},
         {{"OSC/wand"}, 2, "TO is required"},
     };
