@@ -13,4 +13,9 @@ std::string graphJson(const SceneGraph& graph);
 /// The graph for graphviz: a box for each handler and node, an arrow for each pair of slots that a route leads between,
 /// red where it does not connect.
 std::string graphDot(const SceneGraph& graph);
+
+inline const char* directionOf(const Trovio::SlotInfo& slot)
+{
+    return slot._direction == Trovio::Slot::Direction::Out ? "out" : "in";
+}
 } // namespace Host

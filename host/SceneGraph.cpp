@@ -9,50 +9,49 @@
 #include "trovio/NodeType.h"
 #include "trovio/OutSlot.h"
 
+#include <algorithm>
+
 namespace Host {
 
+// In the order of a run: where nodes come after the routes, one that closes a loop of nodes stays apart and says so.
 SceneGraph::SceneGraph(const std::vector<SceneFile>& files) : _root(std::make_unique<Trovio::Namespace>())
 {
     for (const SceneFile& file : files)
         for (const HandlerEntry& handler : file._handlers)
-            addHandler(file, handler);
+            _handlers.push_back(madeHandler(file, handler));
     for (const SceneFile& file : files) {
         for (const LocatedPair& route : file._routes)
             _root->addRoute(route._first._value, route._second._value);
         for (const LocatedPair& link : file._links)
-            _links.push_back({link._first._value, link._second._value});
+            _links.push_back({&file, link._first._value, link._second._value});
     }
+    for (const GraphHandler& handler : _handlers)
+        if (!handler._label.empty())
+            addNodes(handler);
 }
 
-void SceneGraph::addHandler(const SceneFile& file, const HandlerEntry& entry)
+GraphHandler SceneGraph::madeHandler(const SceneFile& file, const HandlerEntry& entry)
 {
-    _handlers.push_back({entry._name._value, entry._kind._value, {}});
+    GraphHandler handler{&file, &entry, {}};
     if (entry._kind._value != "Trovio")
-        return;
+        return handler;
     auto made = std::make_unique<Trovio::Namespace>();
     made->addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
-    const std::string label = _root->addNamespace("Context", std::move(made));
-    _handlers.back()._label = label;
-    Trovio::Namespace& space = *_root->getNamespace(label);
+    handler._label = _root->addNamespace("Context", std::move(made));
     for (const SensorEntry& sensor : file._sensors)
-        addSensor(space, sensor);
-    for (const LocatedPair& node : entry._nodes)
-        failureOf([&] {
-            auto standing = Trovio::NodeType::newInstance(node._first._value);
-            standing->setBaseURL(sceneURL(entry._url._value, file._path));
-            standing->setFieldValues(node._second._value);
-            space.addNamespace(std::move(standing));
-        });
+        addSensor(handler, sensor);
     for (const LocatedPair& route : entry._routes)
-        space.addRoute(route._first._value, route._second._value);
+        _root->getNamespace(handler._label)->addRoute(route._first._value, route._second._value);
+    return handler;
 }
 
-void SceneGraph::addSensor(Trovio::Namespace& space, const SensorEntry& entry)
+void SceneGraph::addSensor(const GraphHandler& handler, const SensorEntry& entry)
 {
     const std::string& label = entry._label._value;
     if (label.empty())
         return;
-    _sensors.emplace(label, entry._name._value);
+    _sensors.emplace(Place(handler._label, label), GraphSensor{handler._scene, entry._name._value});
+    Trovio::Namespace& space = *_root->getNamespace(handler._label);
     const int code = Ostrel::FieldClass::find(std::string_view(entry._type._value))->code();
     Ostrel::withFieldType(code, [&]<class Row>(Row) {
         using Value = typename Row::SlotValue;
@@ -68,9 +67,26 @@ void SceneGraph::addSensor(Trovio::Namespace& space, const SensorEntry& entry)
     });
 }
 
-std::string SceneGraph::sensorOf(const std::string& label) const
+void SceneGraph::addNodes(const GraphHandler& handler)
 {
-    const auto found = _sensors.find(label);
-    return found == _sensors.end() ? std::string() : found->second;
+    for (const LocatedPair& node : handler._entry->_nodes)
+        failureOf([&] {
+            auto standing = Trovio::NodeType::newInstance(node._first._value);
+            standing->setBaseURL(sceneURL(handler._entry->_url._value, handler._scene->_path));
+            standing->setFieldValues(node._second._value);
+            _root->getNamespace(handler._label)->addNamespace(std::move(standing));
+        });
+}
+
+const GraphHandler* SceneGraph::handlerAt(const std::string& path) const
+{
+    const auto found = std::ranges::find(_handlers, path, &GraphHandler::_label);
+    return path.empty() || found == _handlers.end() ? nullptr : &*found;
+}
+
+const GraphSensor* SceneGraph::sensorAt(const std::string& path, const std::string& label) const
+{
+    const auto found = _sensors.find({path, label});
+    return found == _sensors.end() ? nullptr : &found->second;
 }
 } // namespace Host

@@ -12,13 +12,21 @@ namespace Host {
 
 /// A handler as it stands in the graph; without a label where its kind has no namespace.
 struct GraphHandler {
-    std::string _name, _kind;
+    const SceneFile* _scene;
+    const HandlerEntry* _entry;
     std::string _label; // of its namespace in the root
+};
+
+/// A sensor that a slot of a handler serves.
+struct GraphSensor {
+    const SceneFile* _scene;
+    std::string _name;
+    auto operator<=>(const GraphSensor&) const = default;
 };
 
 /// What scenes would connect if they ran: their handlers, nodes, slots and routes, in a tree of their own beside the
 /// root, so that no node starts. Slots that a node makes only while it runs are not there.
-/// Ownership: owns the tree and the slots of the sensors.
+/// Ownership: owns the tree and the slots of the sensors; refers to the files, which must live as long.
 class SceneGraph {
 public:
     /// Leaves out nodes that cannot be made; whoever checks the scene says why.
@@ -29,20 +37,25 @@ public:
 
     /// Between fields: "grip.value".
     struct Link {
+        const SceneFile* _scene;
         std::string _from, _to;
     };
     const std::vector<Link>& links() const { return _links; }
 
-    /// The name of the sensor that has the label in its scene; empty if none has.
-    std::string sensorOf(const std::string& label) const;
+    /// The handler whose namespace has that path; null if there is none.
+    const GraphHandler* handlerAt(const std::string& path) const;
+    /// The sensor that has the label in the namespace with that path; null if none has, such as in a node.
+    const GraphSensor* sensorAt(const std::string& path, const std::string& label) const;
 
 private:
-    void addHandler(const SceneFile& file, const HandlerEntry& entry);
-    void addSensor(Trovio::Namespace& space, const SensorEntry& entry);
+    GraphHandler madeHandler(const SceneFile& file, const HandlerEntry& entry);
+    void addSensor(const GraphHandler& handler, const SensorEntry& entry);
+    void addNodes(const GraphHandler& handler);
 
+    using Place = std::pair<std::string, std::string>; // label of a namespace, label of a slot in it
     std::vector<GraphHandler> _handlers;
     std::vector<Link> _links;
-    std::map<std::string, std::string> _sensors; // name by label
+    std::map<Place, GraphSensor> _sensors;
     std::vector<std::unique_ptr<Trovio::Slot>> _slots;
     std::unique_ptr<Trovio::Namespace> _root; // goes before the slots that it refers to
 };

@@ -39,15 +39,19 @@ protected:
         Trovio::NodeType::add(doubler);
         const std::string text =
             "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\nnodes = [[\"Doubler\"], [\"Nothing\"]]\n"
-            "routes = [[\"Knob\", \"Doubler/in\"], [\"Doubler/out\", \"Wand\"], [\"Nobody\", \"Wand\"]]\n"
+            "routes = [[\"*\", \"Doubler/in\"], [\"Doubler/out\", \"Wand\"], [\"Nobody\", \"Wand\"]]\n"
             "[[handler]]\nkind = \"OT\"\nname = \"other\"\n"
             "[[sensor]]\nname = \"wand\"\ntype = \"SFVec3f\"\nlabel = \"Wand\"\n"
             "[[sensor]]\nname = \"knob\"\ntype = \"SFFloat\"\nlabel = \"Knob\"\noutput = true\n"
             "[[sensor]]\nname = \"echo\"\ntype = \"SFVec3f\"\nlabel = \"Echo\"\noutput = true\n"
             "[[link]]\nfrom = \"wand.value\"\nto = \"echo.value\"\n";
-        std::vector<SceneFile> files;
-        files.push_back(parseScene(text, "scene"));
-        _graph = std::make_unique<SceneGraph>(files);
+        _files.push_back(parseScene(text, "scene"));
+        _files.push_back(parseScene("[[handler]]\nkind = \"Trovio\"\nname = \"second\"\n"
+                                    "[[sensor]]\nname = \"tip\"\ntype = \"SFVec3f\"\nlabel = \"Wand\"\n"
+                                    "[[sensor]]\nname = \"echo\"\ntype = \"SFVec3f\"\nlabel = \"Out\"\noutput = true\n"
+                                    "[[link]]\nfrom = \"tip.value\"\nto = \"echo.value\"\n",
+                                    "other scene"));
+        _graph = std::make_unique<SceneGraph>(_files);
     }
     ~GraphTest() override
     {
@@ -55,6 +59,7 @@ protected:
         Trovio::Root::shutdown();
     }
 
+    std::vector<SceneFile> _files;
     std::unique_ptr<SceneGraph> _graph;
 };
 
@@ -65,15 +70,23 @@ TEST_F(GraphTest, TellsSlotsAndTheStateOfRoutes)
               "    out-slot 'Echo' Vec3f, sensor 'echo'\n"
               "    out-slot 'Knob' Float, sensor 'knob'\n"
               "    in-slot 'Wand' Vec3f, sensor 'wand'\n"
-              "    route 'Knob' -> 'Doubler/in': connects 1\n"
+              "    route '*' -> 'Doubler/in': connects 1\n"
+              "        not 'Echo' -> 'Doubler/in': route '*' -> 'Doubler/in': 'Echo' carries Vec3f, 'Doubler/in' takes "
+              "Float; give both ends the same type, or route to another slot\n"
+              "        not 'Doubler/out' -> 'Doubler/in': route '*' -> 'Doubler/in' would close a loop of nodes: "
+              "'Doubler/out' -> 'Doubler/in'; take one of these routes away\n"
               "    route 'Doubler/out' -> 'Wand': pending, route 'Doubler/out' -> 'Wand': 'Doubler/out' carries Float, "
               "'Wand' takes Vec3f; give both ends the same type, or route to another slot\n"
               "    route 'Nobody' -> 'Wand': pending, no slot 'Nobody' is in scope\n"
               "node 'Context/Doubler' (Doubler), passes on\n"
               "    in-slot 'in' Float\n"
               "    out-slot 'out' Float\n"
+              "handler 'second' (Trovio), in the root as 'Context2'\n"
+              "    out-slot 'Out' Vec3f, sensor 'echo'\n"
+              "    in-slot 'Wand' Vec3f, sensor 'tip'\n"
               "handler 'other' (OT), without namespace\n"
-              "link 'wand.value' -> 'echo.value'\n");
+              "link 'wand.value' -> 'echo.value'\n"
+              "link 'tip.value' -> 'echo.value'\n");
 }
 
 TEST_F(GraphTest, IsTheSameForPrograms)
@@ -82,6 +95,7 @@ TEST_F(GraphTest, IsTheSameForPrograms)
     const auto& context = json.at("root").at("namespaces").at(0);
     EXPECT_EQ(context.at("slots").at(2).at("sensor"), "wand");
     EXPECT_EQ(context.at("routes").at(0).at("connections"), 1);
+    EXPECT_NE(context.at("routes").at(0).at("pairs").at(1).at("reason"), "");
     EXPECT_EQ(context.at("routes").at(1).at("pending"), true);
     EXPECT_EQ(context.at("namespaces").at(0).at("slots").at(1).at("type"), "Float");
     EXPECT_EQ(json.at("handlers").at(1).at("kind"), "OT");
@@ -95,7 +109,8 @@ TEST_F(GraphTest, DrawsWhatDoesNotConnectInRed)
                              "  \"Context/Doubler/out\" -> \"Context/Wand\" [style=dashed, color=red, tooltip=",
                              "  \"missing Context/Nobody\" [label=\"Nobody ?\", style=dashed",
                              "  \"missing Context/Nobody\" -> \"Context/Wand\" [style=dashed, color=red",
-                             "  \"Context/Wand\" -> \"Context/Echo\" [style=dotted, label=link];\n"})
+                             "  \"Context/Wand\" -> \"Context/Echo\" [style=dotted, label=link];\n"
+                             "  \"Context2/Wand\" -> \"Context2/Out\" [style=dotted, label=link];\n}\n"})
         EXPECT_NE(dot.find(line), std::string::npos) << line << dot;
 }
 } // namespace

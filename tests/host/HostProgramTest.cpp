@@ -131,15 +131,17 @@ TEST(HostProgram, RunsTheExamples)
 TEST(HostProgram, ChecksWithNotes)
 {
     const SceneOnDisk scene("[[handler]]\nkind = \"Trovio\"\nname = \"a\"\nnodes = [[\"Nothing\"]]\n"
-                            "[[handler]]\nkind = \"Trovio\"\nname = \"b\"\nnodes = [[\"Generator\", \"rate=x\"]]\n"
+                            "[[handler]]\nkind = \"Trovio\"\nname = \"b\"\nnodes = [[\"Generator\", \"rate=x\"], [\"Scale\"]]\n"
+                            "routes = [[\"Scale/out\", \"Scale/in\"]]\n"
                             "[[handler]]\nkind = \"Trovia\"\nname = \"c\"\n"
                             "[[sensor]]\nname = \"s\"\ntype = \"SFBool\"\n");
     HostProcess check(host, {"check", scene.path()});
     EXPECT_EQ(check.wait(), 0);
-    EXPECT_NE(check.out().find(": good: sensors 1, handlers 3, routes 0, links 0, notes 5\n"), std::string::npos);
+    EXPECT_NE(check.out().find(": good: sensors 1, handlers 3, routes 1, links 0, notes 6\n"), std::string::npos);
     for (const char* note : {":4:11: note: node type 'Nothing' is not known", ":8:24: note: ",
-                             ":10:8: note: unknown handler kind 'Trovia'; allowed: Trovio, OT, ORDAN, TORVA; nearest",
-                             ":13:8: note: sensor 's' has no label",
+                             ":9:12: note: 'Scale/out' and 'Scale/in' stay apart: ",
+                             ":11:8: note: unknown handler kind 'Trovia'; allowed: Trovio, OT, ORDAN, TORVA; nearest",
+                             ":14:8: note: sensor 's' has no label",
                              ": note: the scene has 2 Trovio handlers; each of them serves every sensor"})
         EXPECT_NE(check.err().find(note), std::string::npos) << note << "\n" << check.err();
 }
