@@ -10,6 +10,7 @@
 #include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <iostream>
 
 namespace Host {
 namespace {
@@ -119,6 +120,15 @@ bool knownVerb(const char* argument, const std::vector<Verb>& verbs)
                  nearestHint(argument, names).c_str());
     return false;
 }
+
+// What was printed and still waits in a buffer fails only here.
+int codeWithOutput(int code)
+{
+    if (std::cout.good() && !std::ferror(stdout) && std::fflush(stdout) == 0)
+        return code;
+    std::fprintf(stderr, "standard output cannot be written to\n");
+    return Failed;
+}
 } // namespace
 
 int runCommandLine(int argc, char** argv, const std::vector<Verb>& verbs)
@@ -133,11 +143,11 @@ int runCommandLine(int argc, char** argv, const std::vector<Verb>& verbs)
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? Done : BadUsage;
+        return codeWithOutput(app.exit(error) == 0 ? Done : BadUsage);
     }
     for (const Verb& verb : verbs)
         if (app.got_subcommand(verb._name))
-            return verb._run(options);
+            return codeWithOutput(verb._run(options));
     return BadUsage; // not reached: a verb is required
 }
 } // namespace Host

@@ -34,6 +34,6 @@ struct Verb {
 };
 
 /// Parses the arguments, runs the verb and returns its exit code. Help goes to standard output; wrong usage is said
-/// on standard error and returns BadUsage.
+/// on standard error and returns BadUsage; so is output that did not arrive, which returns Failed.
 int runCommandLine(int argc, char** argv, const std::vector<Verb>& verbs);
 } // namespace Host

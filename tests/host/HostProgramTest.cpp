@@ -127,19 +127,32 @@ TEST(HostProgram, RunsTheExamples)
     EXPECT_NE(running.err().find("and 1980 more routes\n"), std::string::npos) << running.err();
 }
 
+TEST(HostProgram, FailsWhenItsOutputIsLost)
+{
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"version"}, {"types"}, {"nodes"}, {"--help"}}) {
+        std::vector<std::string> shell{"-c", "exec \"$0\" \"$@\" > /dev/full", host};
+        shell.insert(shell.end(), arguments.begin(), arguments.end());
+        HostProcess process("sh", shell);
+        EXPECT_EQ(process.wait(), 1) << arguments[0];
+        EXPECT_EQ(process.err(), "standard output cannot be written to\n");
+    }
+}
+
 // A run warns of these and goes on, so they are no errors here either.
 TEST(HostProgram, ChecksWithNotes)
 {
-    const SceneOnDisk scene("[[handler]]\nkind = \"Trovio\"\nname = \"a\"\nnodes = [[\"Nothing\"]]\n"
-                            "[[handler]]\nkind = \"Trovio\"\nname = \"b\"\nnodes = [[\"Generator\", \"rate=x\"], [\"Scale\"]]\n"
-                            "routes = [[\"Scale/out\", \"Scale/in\"]]\n"
-                            "[[handler]]\nkind = \"Trovia\"\nname = \"c\"\n"
-                            "[[sensor]]\nname = \"s\"\ntype = \"SFBool\"\n");
+    const SceneOnDisk scene(
+        "[[handler]]\nkind = \"Trovio\"\nname = \"a\"\nnodes = [[\"Nothing\"]]\n"
+        "[[handler]]\nkind = \"Trovio\"\nname = \"b\"\nnodes = [[\"Generator\", \"rate=x\"], [\"Scale\"]]\n"
+        "routes = [[\"Scale/out\", \"Scale/in\"]]\n"
+        "[[handler]]\nkind = \"Trovia\"\nname = \"c\"\n"
+        "[[sensor]]\nname = \"s\"\ntype = \"SFBool\"\n");
     HostProcess check(host, {"check", scene.path()});
     EXPECT_EQ(check.wait(), 0);
     EXPECT_NE(check.out().find(": good: sensors 1, handlers 3, routes 1, links 0, notes 6\n"), std::string::npos);
-    for (const char* note : {":4:11: note: node type 'Nothing' is not known", ":8:24: note: ",
-                             ":9:12: note: 'Scale/out' and 'Scale/in' stay apart: ",
+    for (const char* note : {":4:11: note: node type 'Nothing' is not known",
+                             ":8:24: note: ", ":9:12: note: 'Scale/out' and 'Scale/in' stay apart: ",
                              ":11:8: note: unknown handler kind 'Trovia'; allowed: Trovio, OT, ORDAN, TORVA; nearest",
                              ":14:8: note: sensor 's' has no label",
                              ": note: the scene has 2 Trovio handlers; each of them serves every sensor"})
