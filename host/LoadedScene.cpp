@@ -70,7 +70,7 @@ LoadedHandler LoadedScene::madeHandler(const HandlerEntry& entry, const Say& say
     if (handler == nullptr)
         say(place(_file, entry._name) + "handler " + inQuotes(entry._name._value) + " of kind " +
             inQuotes(entry._kind._value) + " could not be made" + (failure ? ": " + escaped(*failure) : ""));
-    return {&entry, handler};
+    return {&entry, handler, {}};
 }
 
 void LoadedScene::addHandlers(const Say& say)
@@ -80,7 +80,7 @@ void LoadedScene::addHandlers(const Say& say)
         _handlers.push_back(madeHandler(entry, say));
         if (_handlers.back()._handler == nullptr)
             continue;
-        findSlots(*_handlers.back()._handler);
+        findSlots(_handlers.back());
         for (const LocatedPair& route : entry._routes) {
             std::string from = route._first._value, to = route._second._value;
             _handlers.back()._handler->addLabel(from, to);
@@ -88,11 +88,12 @@ void LoadedScene::addHandlers(const Say& say)
     }
 }
 
-void LoadedScene::findSlots(Ostrel::SensorHandler& handler)
+void LoadedScene::findSlots(LoadedHandler& loaded)
 {
-    const auto* const bridge = dynamic_cast<const Ostrel::TrovioSensorHandler*>(&handler);
+    const auto* const bridge = dynamic_cast<const Ostrel::TrovioSensorHandler*>(loaded._handler);
     if (bridge == nullptr)
         return;
+    loaded._namespace = bridge->getNamespaceLabel();
     for (SensorWatch& watch : _watches)
         if (Trovio::Slot* slot = bridge->getSlot(const_cast<Ostrel::DirectSensor*>(&watch.sensor()))) // only looked up
             watch.addSlot(*slot);

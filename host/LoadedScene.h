@@ -23,6 +23,7 @@ using Say = std::function<void(const std::string& line)>;
 struct LoadedHandler {
     const HandlerEntry* _entry;
     Ostrel::SensorHandler* _handler;
+    std::string _namespace; // label in the framework's root; empty where the kind has none
 };
 
 /// A scene file made into a context with sensors and handlers.
@@ -54,7 +55,7 @@ private:
     void addSensor(const SensorEntry& entry);
     void addLinks();
     LoadedHandler madeHandler(const HandlerEntry& entry, const Say& say);
-    void findSlots(Ostrel::SensorHandler& handler);
+    void findSlots(LoadedHandler& loaded);
 
     const SceneFile _file;
     const std::string _title;

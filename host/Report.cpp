@@ -27,20 +27,21 @@ void limited(const Say& say, std::size_t most, const char* what, const Report& r
 
 void reportStart(const Session& session, const Say& say)
 {
-    for (const auto& scene : session.scenes())
-        limited(say, mostAtStart, "sensors without connection", [&](const Say& line) { reportUnbound(*scene, line); });
     const Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
+    const std::set<std::string> apart = endsApart(root);
+    for (const auto& scene : session.scenes())
+        limited(say, mostAtStart, "sensors without connection",
+                [&](const Say& line) { reportUnbound(*scene, apart, line); });
     limited(say, mostAtStart, "routes", [&](const Say& line) { reportRoutes(root, line); });
     limited(say, mostAtStart, "nodes", [&](const Say& line) { reportNodes(root, line); });
 }
 
-void reportEnd(const Session& session, const FrameLoop& loop, const Say& say)
+void reportEnd(const Session& session, const RunTotals& totals, const Say& say)
 {
     for (const auto& scene : session.scenes())
-        limited(say, mostAtEnd, "sensors", [&](const Say& line) { reportValues(*scene, line); });
-    const Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
-    limited(say, mostAtEnd, "slots", [&](const Say& line) { reportSlots(root, line); });
-    limited(say, mostAtEnd, "nodes", [&](const Say& line) { reportCounters(root, line); });
-    say("frames: " + std::to_string(loop.frames()) + " run, " + std::to_string(loop.skipped()) + " left out");
+        limited(say, mostAtEnd, "sensors", [&](const Say& line) { reportValues(*scene, totals._now, line); });
+    limited(say, mostAtEnd, "slots", [&](const Say& line) { reportSlots(totals._root, line); });
+    limited(say, mostAtEnd, "nodes", [&](const Say& line) { reportCounters(totals._root, line); });
+    say("frames: " + std::to_string(totals._frames) + " run, " + std::to_string(totals._leftOut) + " left out");
 }
 } // namespace Host

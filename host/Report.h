@@ -1,7 +1,6 @@
 #pragma once
 
-#include "host/FrameLoop.h"
-#include "host/Session.h"
+#include "host/RunCounts.h"
 
 namespace Host {
 
@@ -10,6 +9,6 @@ namespace Host {
 void reportStart(const Session& session, const Say& say);
 
 /// Says what came of the run: values of each sensor with the counters of its slots, counters of each node, frames.
-/// While the session still stands.
-void reportEnd(const Session& session, const FrameLoop& loop, const Say& say);
+/// While the session still stands, its nodes stopped.
+void reportEnd(const Session& session, const RunTotals& totals, const Say& say);
 } // namespace Host

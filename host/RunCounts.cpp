@@ -3,7 +3,6 @@
 #include "host/Escape.h"
 #include "host/JsonText.h"
 #include "host/TreeWalk.h"
-#include "trovio/Root.h"
 
 #include <cstdio>
 #include <nlohmann/json.hpp>
@@ -110,21 +109,19 @@ void reportSlots(const Trovio::NamespaceInfo& root, const Say& say)
     });
 }
 
-std::string countsLine(const Session& session, const FrameLoop& loop)
+std::string countsLine(const Session& session, const RunTotals& totals)
 {
-    const Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
-    const double now = Trovio::Time::getCurrentTime().getSeconds();
     Json sensors = Json::array(), slots = Json::array(), nodes = Json::array();
     for (const SensorWatch* watch : session.watches())
-        sensors.push_back(toJson(*watch, now));
-    forEachSlot(root,
+        sensors.push_back(toJson(*watch, totals._now));
+    forEachSlot(totals._root,
                 [&](const std::string& path, const Trovio::SlotInfo& slot) { slots.push_back(toJson(path, slot)); });
-    walkTree(root, [&nodes](const std::string& path, const Trovio::NamespaceInfo& info) {
+    walkTree(totals._root, [&nodes](const std::string& path, const Trovio::NamespaceInfo& info) {
         if (info._node)
             nodes.push_back(toJson(path, *info._node));
     });
-    const Json counts{{"frames", loop.frames()},
-                      {"leftOut", loop.skipped()},
+    const Json counts{{"frames", totals._frames},
+                      {"leftOut", totals._leftOut},
                       {"sensors", std::move(sensors)},
                       {"slots", std::move(slots)},
                       {"nodes", std::move(nodes)}};

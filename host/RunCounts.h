@@ -1,15 +1,21 @@
 #pragma once
 
-#include "host/FrameLoop.h"
 #include "host/Session.h"
 #include "trovio/Inspection.h"
 
 namespace Host {
+
+/// What a run came to, as of one moment after its nodes have stopped, so that the numbers fit together.
+struct RunTotals {
+    Trovio::NamespaceInfo _root;
+    double _now = 0; // wall-clock seconds
+    std::uint64_t _frames = 0, _leftOut = 0;
+};
 
 /// Says as a table, with a head line, what became of the records in every slot that had any.
 void reportSlots(const Trovio::NamespaceInfo& root, const Say& say);
 
 /// Everything that was counted in a run as one JSON object on a line: {"counts":{"frames":…,"sensors":[…],"slots":[…],
 /// "nodes":[…]}}. While the session still stands.
-std::string countsLine(const Session& session, const FrameLoop& loop);
+std::string countsLine(const Session& session, const RunTotals& totals);
 } // namespace Host

@@ -3,6 +3,7 @@
 #include "host/Escape.h"
 #include "host/ExitCode.h"
 #include "host/Failure.h"
+#include "host/FrameLoop.h"
 #include "host/Problems.h"
 #include "host/Report.h"
 #include "host/RunCounts.h"
@@ -90,9 +91,10 @@ int runScenes(std::vector<SceneFile> files, const Options& options)
     session.build(std::move(files), say);
     reportStart(session, say);
     runFrames(session, loop, clock, *makeView(options, session, log, clock.now()));
-    reportEnd(session, loop, say);
+    const RunTotals totals{session.stopNodes(), clock.now(), loop.frames(), loop.skipped()};
+    reportEnd(session, totals, say);
     if (options._format == Format::Json && canWrite())
-        std::cout << countsLine(session, loop) << std::flush;
+        std::cout << countsLine(session, totals) << std::flush;
     return Done;
 }
 } // namespace

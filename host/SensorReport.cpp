@@ -2,6 +2,7 @@
 
 #include "host/Escape.h"
 #include "host/Json.h"
+#include "host/TreeWalk.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
 
@@ -28,13 +29,12 @@ std::string stampFaults(const Trovio::StampCounts& stamps)
 }
 
 // How often the sensor changed, and how old its value is.
-std::string paceOf(const SensorWatch& watch)
+std::string paceOf(const SensorWatch& watch, double now)
 {
     if (watch.changes() == 0)
         return {};
     char text[80];
-    std::snprintf(text, sizeof text, "; %.3g per second, the last %.3g s old", watch.rate(),
-                  watch.age(Trovio::Time::getCurrentTime().getSeconds()));
+    std::snprintf(text, sizeof text, "; %.3g per second, the last %.3g s old", watch.rate(), watch.age(now));
     return text;
 }
 
@@ -52,27 +52,33 @@ std::string slotCounts(const Trovio::Slot& slot)
            stampFaults(activity._stamps);
 }
 
-std::string whyUnbound(const SensorWatch& watch)
+std::string whyUnbound(const SensorWatch& watch, bool isApart)
 {
     if (watch.sensor().getLabel().empty())
         return " is bound to nothing: it has no label";
     if (watch.slots().empty())
         return " is bound to nothing: no handler has a slot for it (" + watch.field().getTypeName() + ")";
-    if (std::ranges::none_of(watch.slots(), &Trovio::Slot::isActive))
-        return watch.sensor().isOutput() ? " gives its values to nobody: no route leads from its label"
-                                         : " gets no values: no route leads to its label";
-    return {};
+    if (std::ranges::any_of(watch.slots(), &Trovio::Slot::isActive))
+        return {};
+    const bool isOutput = watch.sensor().isOutput();
+    const std::string end = isOutput ? "from its label" : "to its label";
+    return (isOutput ? " gives its values to nobody: " : " gets no values: ") +
+           (isApart ? "the route " + end + " does not connect" : "no route leads " + end);
 }
 } // namespace
 
-void reportUnbound(LoadedScene& scene, const Say& say)
+void reportUnbound(LoadedScene& scene, const std::set<std::string>& apart, const Say& say)
 {
-    for (const SensorWatch& watch : scene.watches())
-        if (const std::string why = whyUnbound(watch); !why.empty())
+    for (const SensorWatch& watch : scene.watches()) {
+        const bool isApart = std::ranges::any_of(scene.handlers(), [&](const LoadedHandler& handler) {
+            return apart.contains(pathBelow(handler._namespace, watch.sensor().getLabel()));
+        });
+        if (const std::string why = whyUnbound(watch, isApart); !why.empty())
             say(named(watch) + why);
+    }
 }
 
-void reportValues(LoadedScene& scene, const Say& say)
+void reportValues(LoadedScene& scene, double now, const Say& say)
 {
     constexpr int digits = 6;
     constexpr std::size_t longestValue = 80;
@@ -81,7 +87,7 @@ void reportValues(LoadedScene& scene, const Say& say)
                            " values, last " + valueText(watch.field(), digits, longestValue);
         for (const Trovio::Slot* slot : watch.slots())
             line += slotCounts(*slot);
-        say(line + paceOf(watch));
+        say(line + paceOf(watch, now));
     }
 }
 } // namespace Host

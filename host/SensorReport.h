@@ -2,11 +2,15 @@
 
 #include "host/LoadedScene.h"
 
+#include <set>
+
 namespace Host {
 
-/// Says which sensors of the scene are bound to nothing or have no connection.
-void reportUnbound(LoadedScene& scene, const Say& say);
+/// Says which sensors of the scene are bound to nothing or have no connection. `apart` are the ends of routes that are
+/// not connected.
+void reportUnbound(LoadedScene& scene, const std::set<std::string>& apart, const Say& say);
 
 /// Says for each sensor how many values it had, its last one, and what became of the records in its slots.
-void reportValues(LoadedScene& scene, const Say& say);
+/// `now` is in wall-clock seconds.
+void reportValues(LoadedScene& scene, double now, const Say& say);
 } // namespace Host

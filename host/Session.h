@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/LoadedScene.h"
+#include "trovio/Namespace.h"
 
 #include <memory>
 #include <vector>
@@ -23,6 +24,11 @@ public:
     /// Services every sensor of every scene; `now` in wall-clock seconds.
     void frame(double now);
 
+    /// Stops every node for good, and returns the tree as it stood, with counts that change no more and fit together:
+    /// what an out-slot has written, its in-slots have stored. Sensors keep their slots, but nothing is connected any
+    /// more. After the last frame, and once.
+    Trovio::NamespaceInfo stopNodes();
+
     const std::vector<std::unique_ptr<LoadedScene>>& scenes() const { return _scenes; }
     /// The watches of all scenes.
     std::vector<SensorWatch*> watches() const;
@@ -31,5 +37,6 @@ private:
     void tearDown();
 
     std::vector<std::unique_ptr<LoadedScene>> _scenes;
+    std::vector<std::unique_ptr<Trovio::Namespace>> _stopped; // of the handlers, out of the root
 };
 } // namespace Host

@@ -31,6 +31,21 @@ void reportRoutes(const Trovio::NamespaceInfo& root, const Say& say)
     });
 }
 
+std::set<std::string> endsApart(const Trovio::NamespaceInfo& root)
+{
+    std::set<std::string> ends;
+    walkTree(root, [&ends](const std::string& path, const Trovio::NamespaceInfo& info) {
+        for (const Trovio::RouteInfo& route : info._routes) {
+            if (route.isPending())
+                ends.insert({pathBelow(path, route._from), pathBelow(path, route._to)});
+            for (const Trovio::RoutePair& pair : route._pairs)
+                if (!pair._reason.empty())
+                    ends.insert({pathBelow(path, pair._from), pathBelow(path, pair._to)});
+        }
+    });
+    return ends;
+}
+
 void reportNodes(const Trovio::NamespaceInfo& root, const Say& say)
 {
     walkTree(root, [&say](const std::string& path, const Trovio::NamespaceInfo& info) {

@@ -42,6 +42,9 @@ public:
     /// The slot that serves the sensor; null if this handler does not serve it. The observer keeps ownership.
     Trovio::Slot* getSlot(DirectSensor* sensor) const;
 
+    /// Where its slots are found below the root.
+    const std::string& getNamespaceLabel() const { return _namespaceLabel; }
+
     /// A new handler that the caller owns; never null.
     static SensorHandler* create(const std::string& name, const Merid::URL& url);
     /// Does nothing; a program that calls it links this unit. Returns true.

@@ -89,6 +89,40 @@ TEST(HostProgram, AccountsForEveryMessage)
         received);
 }
 
+// Records go fast, through a filter and to another handler; still what one end has given, the other has got. Sources
+// come last, so that all is connected when they start.
+TEST(HostProgram, EndsWithNumbersThatFitTogether)
+{
+    const std::string source = "[\"Generator\", \"rate=50000\"]";
+    const SceneOnDisk scene("[[handler]]\nkind = \"Trovio\"\nname = \"a\"\nnodes = [[\"Scale\"], " + source +
+                            "]\n"
+                            "routes = [[\"Generator/value\", \"Scale/in\"], [\"Scale/out\", \"Wave\"]]\n"
+                            "[[handler]]\nkind = \"Trovio\"\nname = \"b\"\nnodes = [" +
+                            source +
+                            "]\n[[sensor]]\nname = \"wave\"\ntype = \"SFFloat\"\nlabel = \"Wave\"\n"
+                            "[[sensor]]\nname = \"far\"\ntype = \"SFFloat\"\nlabel = \"Far\"\nbuffer = 9\n"
+                            "[[route]]\nfrom = \"Context2/Generator/value\"\nto = \"Context/Far\"\n");
+    HostProcess running(host, {"run", scene.path(), "--format", "json", "--frames", "20"});
+    ASSERT_EQ(running.wait(), 0) << running.err();
+    const std::string counts = running.out().substr(running.out().find("{\"counts\":"));
+    const auto count = [&counts](const std::string& place, const std::string& what) {
+        return numberBehind(counts.substr(counts.find("\":\"" + place + "\"")), "\"" + what + "\":");
+    };
+    const struct {
+        long _given, _got;
+    } pairs[] = {{count("Context/Generator/value", "written"), count("Context/Generator", "records")},
+                 {count("Context/Generator/value", "written"), count("Context/Scale/in", "stored")},
+                 {count("Context/Scale/in", "taken"), count("Context/Scale", "received")},
+                 {count("Context/Scale", "sent"), count("Context/Scale/out", "written")},
+                 {count("Context/Scale/out", "written"), count("Context/Wave", "stored")},
+                 {count("Context2/Generator/value", "written"), count("Context/Far", "stored")}};
+    for (const auto& pair : pairs)
+        EXPECT_EQ(pair._given, pair._got) << &pair - pairs << counts;
+    EXPECT_GT(pairs[5]._got, 0);
+    const std::string wave = running.err().substr(running.err().find("sensor 'wave' (label 'Wave') SFFloat: "));
+    EXPECT_EQ(numberBehind(wave, "in-slot: "), pairs[4]._got) << "as text";
+}
+
 TEST(HostProgram, EndsAtOnceWithTheSecondSignal)
 {
     ListeningHost running;

@@ -156,6 +156,7 @@ TEST_F(SessionTest, SaysAtStartWhatIsNotConnected)
                              "sensor 'node' (label 'Node') is bound to nothing: no handler has a slot for it (SFNode)",
                              "sensor 'alone' (label 'Alone') gets no values: no route leads to its label",
                              "sensor 'out' (label 'Out') gives its values to nobody: no route leads from its label",
+                             "sensor 'wrong' (label 'Wand') gets no values: the route to its label does not connect",
                              "node 'Context/Source' (Source): running"})
         EXPECT_TRUE(said(line)) << line;
     EXPECT_EQ(std::ranges::count_if(_said, [](const auto& line) { return line.starts_with("route from "); }), 1);
@@ -168,13 +169,7 @@ TEST_F(SessionTest, SumsUpAtTheEnd)
         push(static_cast<float>(i));
     _session.frame(101);
     push(9);
-    class NoClock final : public FrameClock {
-        double now() override { return 0; }
-        double steady() override { return 0; }
-        bool waitUntil(double) override { return false; }
-    } clock;
-    const FrameLoop loop(clock, 1, {1, 1});
-    reportEnd(_session, loop, _say);
+    reportEnd(_session, {_session.stopNodes(), 0, 5, 2}, _say);
     ASSERT_GE(_said.size(), 4U);
     EXPECT_TRUE(_said[0].starts_with("sensor 'wand' (label 'Wand') SFVec3f: 4 values, last 6 0 0; in-slot: 7 stored, "
                                      "2 overwritten, 4 taken, 1 waiting; 0 per second, the last "))
@@ -186,7 +181,7 @@ TEST_F(SessionTest, SumsUpAtTheEnd)
     EXPECT_EQ(words(_said[2]), (std::vector<std::string>{"Context/Wand", "Vec3f", "-", "7", "2", "4", "1", "0", "0"}));
     EXPECT_EQ(words(_said[3]),
               (std::vector<std::string>{"Context/Source/position", "Vec3f", "7", "-", "-", "-", "-", "0", "0"}));
-    EXPECT_TRUE(said("frames: 0 run, 0 left out"));
+    EXPECT_TRUE(said("frames: 5 run, 2 left out"));
 }
 
 } // namespace
