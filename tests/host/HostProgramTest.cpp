@@ -94,12 +94,15 @@ TEST(HostProgram, AccountsForEveryMessage)
 TEST(HostProgram, EndsWithNumbersThatFitTogether)
 {
     const std::string source = "[\"Generator\", \"rate=50000\"]";
+    std::string others; // so that it takes a while to say the numbers
+    for (int i = 0; i < 190; ++i)
+        others += "[[sensor]]\nname = \"s" + std::to_string(i) + "\"\ntype = \"SFBool\"\n";
     const SceneOnDisk scene("[[handler]]\nkind = \"Trovio\"\nname = \"a\"\nnodes = [[\"Scale\"], " + source +
                             "]\n"
                             "routes = [[\"Generator/value\", \"Scale/in\"], [\"Scale/out\", \"Wave\"]]\n"
                             "[[handler]]\nkind = \"Trovio\"\nname = \"b\"\nnodes = [" +
-                            source +
-                            "]\n[[sensor]]\nname = \"wave\"\ntype = \"SFFloat\"\nlabel = \"Wave\"\n"
+                            source + "]\n" + others +
+                            "[[sensor]]\nname = \"wave\"\ntype = \"SFFloat\"\nlabel = \"Wave\"\n"
                             "[[sensor]]\nname = \"far\"\ntype = \"SFFloat\"\nlabel = \"Far\"\nbuffer = 9\n"
                             "[[route]]\nfrom = \"Context2/Generator/value\"\nto = \"Context/Far\"\n");
     HostProcess running(host, {"run", scene.path(), "--format", "json", "--frames", "20"});
