@@ -3,6 +3,7 @@
 #include "nodes/dds/DdsConfig.h"
 #include "nodes/dds/DdsLog.h"
 #include "nodes/dds/LoopbackOnly.h"
+#include "nodes/dds/OwnAddress.h"
 
 namespace Trovio::Nodes {
 
@@ -65,7 +66,17 @@ std::shared_ptr<DdsDomain> DdsDomain::open(const DdsDomainSettings& settings)
     if (!(domain->getSettings() == settings))
         throw DdsProblem("another node of this program has already opened " + domain->getSettings().describe() +
                          "; give both the same interface, host, lease, processes and largest, or another domain");
+    if (!domain->isCurrent())
+        throw DdsProblem("another node of this program still has " + domain->getSettings().describe() +
+                         " open with an address that is gone; it is tried again");
     return domain;
+}
+
+bool DdsDomain::isCurrent() const
+try {
+    return _settings.isLoopback() || findOwnAddresses(_settings) == _addresses;
+} catch (const DdsProblem&) {
+    return false;
 }
 
 std::shared_ptr<LocalTopic> DdsDomain::getTopic(const std::string& name)
@@ -79,7 +90,8 @@ std::shared_ptr<LocalTopic> DdsDomain::getTopic(const std::string& name)
     return topic;
 }
 
-DdsDomain::DdsDomain(const DdsDomainSettings& settings) : _settings(settings), _domain(createDomain(settings))
+DdsDomain::DdsDomain(const DdsDomainSettings& settings)
+    : _settings(settings), _addresses(findOwnAddresses(settings)), _domain(createDomain(settings))
 {
     if (settings.isLoopback())
         confineToLoopback(settings._number);

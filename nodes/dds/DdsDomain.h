@@ -13,13 +13,14 @@ namespace Trovio::Nodes {
 struct DdsDomainSettings {
     unsigned _number = 0;
     std::string _interface;          // empty: the one that leads to the first host
-    std::vector<std::string> _hosts; // numeric; with any of them nothing is multicast
+    std::vector<std::string> _hosts; // numeric, of one family; with any of them nothing is multicast
     double _lease = 3.0;             // seconds of silence after which a peer counts as gone
     unsigned _processes = 1;         // programs that are looked for on a host, where nothing is multicast
     unsigned _largest = 1;           // bytes of a sample; larger ones are neither sent nor taken
 
     bool isLoopback() const { return _interface == "lo"; }
     bool isMulticast() const { return !isLoopback() && _hosts.empty(); }
+    bool isSix() const { return !_hosts.empty() && _hosts.front().find(':') != std::string::npos; } // of IPv6
     bool operator==(const DdsDomainSettings&) const = default;
 
     /// "domain 0 on interface lo, this machine only"
@@ -39,11 +40,15 @@ public:
 
     const DdsDomainSettings& getSettings() const { return _settings; }
 
+    /// False once its interface has other addresses than when it was opened: peers know the old ones.
+    bool isCurrent() const;
+
     /// The same object for all who name a topic.
     std::shared_ptr<LocalTopic> getTopic(const std::string& name) OSTREL_EXCLUDES(_lock);
 
 private:
     const DdsDomainSettings _settings;
+    const std::string _addresses;
     const DdsEntity _domain;
 
     Ostrel::Mutex _lock; // leaf

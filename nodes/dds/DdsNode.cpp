@@ -9,6 +9,8 @@ namespace Trovio::Nodes {
 namespace {
 
 constexpr double reopenPeriod = 2.0;  // seconds from a failed opening to the next
+constexpr double lookupPeriod = 0.05; // seconds from one look for the answer of a name server to the next
+constexpr double addressPeriod = 2.0; // seconds from one look at the own addresses to the next
 constexpr double retryPeriod = 0.001; // seconds to the next try where a reader does not keep up
 constexpr std::size_t mostNamed = 3;  // topics that a message names
 
@@ -83,24 +85,42 @@ void DdsNode::run()
 {
     std::optional<double> next;
     do {
+        if (_session->isOpen())
+            closeIfStale();
         if (!_session->isOpen())
-            tryOpen();
-        next = _session->isOpen() ? work() : _clock.now() + reopenPeriod;
+            next = tryOpen();
+        if (_session->isOpen())
+            next = work();
     } while (_worker.wait(next));
 }
 
-void DdsNode::tryOpen()
+double DdsNode::tryOpen()
 {
     try {
-        _session->open();
+        if (!_session->open())
+            return _clock.now() + lookupPeriod;
     } catch (const DdsProblem& problem) {
         setDegraded(problem.what());
-        return;
+        return _clock.now() + reopenPeriod;
     }
     const DdsDomainSettings& domain = _session->getSettings()._domain;
     report(osg::LogAlways, "DDS: " + domain.describe() + "; interface=NAME or host=ADDRESS chooses another");
     _graceEnd = _clock.now() + domain._lease;
     _lookNeeded = true;
+    _nextAddressLook = _clock.now() + addressPeriod;
+    return 0.0;
+}
+
+void DdsNode::closeIfStale()
+{
+    if (_session->getSettings()._domain.isLoopback() || _clock.now() < _nextAddressLook)
+        return;
+    _nextAddressLook = _clock.now() + addressPeriod;
+    if (_session->getDomain().isCurrent())
+        return;
+    setDegraded("the address of this machine in " + _session->getSettings()._domain.describe() +
+                " has changed; it is opened again");
+    _session->close();
 }
 
 std::optional<double> DdsNode::work()
@@ -116,6 +136,8 @@ std::optional<double> DdsNode::work()
     if (!isGrace)
         _graceEnd = 0.0;
     std::optional<double> next = _session->compareClocks();
+    if (!_session->getSettings()._domain.isLoopback())
+        next = std::min(next.value_or(_nextAddressLook), _nextAddressLook);
     for (const double time : {retry ? _clock.now() + retryPeriod : 0.0, _graceEnd})
         if (time > 0.0)
             next = std::min(next.value_or(time), time);

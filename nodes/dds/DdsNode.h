@@ -23,7 +23,9 @@ private:
 
     void removeSlots();
     void run();
-    void tryOpen();
+    /// When to try again, unless it is open now.
+    double tryOpen();
+    void closeIfStale();
     /// Sends and looks around; when to do so again, if nothing happens before.
     std::optional<double> work();
     void reportHealth();
@@ -35,7 +37,8 @@ private:
     std::vector<std::string> _labels;     // of all slots; unchanged while the node runs
     std::unique_ptr<DdsSession> _session; // the worker's while the node runs
     std::atomic<bool> _lookNeeded{true};  // peers came or went
-    double _graceEnd = 0.0;               // until then a topic without a publisher is no trouble yet
+    double _nextAddressLook = 0.0;
+    double _graceEnd = 0.0; // until then a topic without a publisher is no trouble yet
     Worker _worker;
 };
 

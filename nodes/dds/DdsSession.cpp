@@ -24,6 +24,7 @@ DdsSession::DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, 
     : _clock(clock),
       _settings(std::move(settings)),
       _ends{nullptr, 0, 0, 0, _settings._quality, randomID(), std::move(wake)},
+      _hosts(_settings._domain._hosts, NameLookup::system()),
       _watch(_settings._quality, _settings._format, _settings._published, _settings._subscribed),
       _clocks(clock, _ends._writerID, {_settings._timing, !_settings._published.empty() && !_settings._format._isRos})
 {
@@ -55,15 +56,21 @@ void DdsSession::forEachOutSlot(const std::function<void(const std::string&, Bas
     }
 }
 
-void DdsSession::open()
+bool DdsSession::open()
 {
-    _domain = DdsDomain::open(_settings._domain);
+    auto hosts = _hosts.find();
+    if (!hosts)
+        return false;
+    DdsDomainSettings domain = _settings._domain;
+    domain._hosts = std::move(*hosts);
+    _domain = DdsDomain::open(domain);
     try {
         openTopics();
     } catch (const DdsProblem&) {
         close();
         throw;
     }
+    return true;
 }
 
 void DdsSession::openTopics()
@@ -87,6 +94,7 @@ void DdsSession::openTopics()
 
 void DdsSession::close()
 {
+    _hosts.cancel();
     _watch.close();
     _clocks.close();
     for (const auto& lane : _outLanes)

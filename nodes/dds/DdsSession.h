@@ -5,6 +5,7 @@
 #include "nodes/dds/DdsInLane.h"
 #include "nodes/dds/DdsMatchWatch.h"
 #include "nodes/dds/DdsOutLane.h"
+#include "nodes/dds/HostNames.h"
 
 namespace Trovio::Nodes {
 
@@ -30,8 +31,10 @@ public:
     void forEachInSlot(const std::function<void(const std::string&, BasicInSlot&)>& use);
     void forEachOutSlot(const std::function<void(const std::string&, BasicOutSlot&)>& use);
 
-    /// Throws DdsProblem, and is closed then.
-    void open();
+    /// False while hosts are looked up: call it again soon. Throws DdsProblem, and is closed then.
+    bool open();
+    /// The domain as it is open, its hosts looked up.
+    const DdsDomain& getDomain() const { return *_domain; }
     bool isOpen() const { return _participant.isOpen(); }
     /// Afterwards nothing is pushed.
     void close();
@@ -53,6 +56,7 @@ private:
     Clock& _clock;
     const DdsSettings _settings;
     DdsEnds _ends;
+    HostNames _hosts;
     std::vector<std::unique_ptr<DdsOutLane>> _outLanes;
     std::vector<std::unique_ptr<DdsInLane>> _inLanes;
     DdsMatchWatch _watch;

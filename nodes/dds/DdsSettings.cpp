@@ -1,6 +1,7 @@
 #include "nodes/dds/DdsSettings.h"
 
 #include "nodes/dds/DdsTopicNames.h"
+#include "nodes/dds/HostNames.h"
 #include "nodes/shared/NumberList.h"
 #include "nodes/shared/SocketAddress.h"
 #include <algorithm>
@@ -12,6 +13,7 @@ namespace Trovio::Nodes {
 namespace {
 
 constexpr std::size_t mostHosts = 256;
+constexpr std::size_t longestHost = 253;
 constexpr std::size_t longestPartition = 200;
 constexpr std::string_view nameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.:-";
 
@@ -21,7 +23,7 @@ const Setting rows[] = {
                   "what to receive: 'Topic Type, ...'; each topic is an out-slot, and Topic/alive too"),
     Setting::integer("domain", "0", 0, 230, "number of the domain; only nodes of one domain meet"),
     Setting::text("interface", "", "network interface; lo, for this machine only, unless 'host' is given"),
-    Setting::text("host", "", "numeric addresses of peers, for networks without multicast, separated by blanks"),
+    Setting::text("host", "", "names or addresses of peers, for networks without multicast, separated by blanks"),
     Setting::text("partition", "", "name of a part of the domain; only nodes of one partition meet"),
     Setting::integer("depth", "64", 1, 65536, "records of a topic that may wait at either end; the newest are kept"),
     Setting::choice("reliable", "yes", "yes|no", "whether what is lost on the line is sent again"),
@@ -38,16 +40,26 @@ bool isPlainName(const std::string& text, std::size_t longest)
     return text.size() <= longest && text.find_first_not_of(nameCharacters) == std::string::npos;
 }
 
+bool isHostName(const std::string& text)
+{
+    return isPlainName(text, longestHost) && text.find_first_of("_:") == std::string::npos && text.front() != '-';
+}
+
 std::vector<std::string> readHosts(const Settings& settings)
 {
-    std::vector<std::string> hosts;
+    std::vector<std::string> hosts, addresses;
     for (const std::string_view word : splitWords(settings.text("host"))) {
-        const auto address = SocketAddress::parse(std::string(word), 0);
-        if (!address || address->getFamily() != AF_INET || hosts.size() == mostHosts)
+        const std::string& host = hosts.emplace_back(word);
+        const bool isAddress = SocketAddress::parse(host, 0).has_value();
+        if (isAddress)
+            addresses.push_back(host);
+        if ((!isAddress && !isHostName(host)) || hosts.size() > mostHosts)
             throw settings.refusal("host", "up to " + std::to_string(mostHosts) +
-                                               " numeric IPv4 addresses separated by blanks, such as 192.168.0.2");
-        hosts.emplace_back(word);
+                                               " names or addresses separated by blanks, such as tracker.local or "
+                                               "192.168.0.2");
     }
+    if (const std::string problem = findMixture(addresses); !problem.empty())
+        throw settings.refusal("host", "no hosts with " + problem);
     return hosts;
 }
 

@@ -60,13 +60,19 @@ void SocketAddress::setPort(std::uint16_t port)
         reinterpret_cast<sockaddr_in*>(&_storage)->sin_port = htons(port);
 }
 
+std::string SocketAddress::host() const
+{
+    char text[NI_MAXHOST] = "";
+    return ::getnameinfo(get(), _length, text, sizeof(text), nullptr, 0, NI_NUMERICHOST) == 0 ? text : "";
+}
+
 std::string SocketAddress::str() const
 {
-    char host[NI_MAXHOST] = "";
-    if (::getnameinfo(get(), _length, host, sizeof(host), nullptr, 0, NI_NUMERICHOST) != 0)
+    const std::string text = host();
+    if (text.empty())
         return "an unknown address";
     const std::string port = ":" + std::to_string(getPort());
-    return getFamily() == AF_INET6 ? "[" + std::string(host) + "]" + port : host + port;
+    return getFamily() == AF_INET6 ? "[" + text + "]" + port : text + port;
 }
 
 } // namespace Trovio::Nodes

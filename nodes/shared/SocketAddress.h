@@ -28,6 +28,8 @@ public:
     void setPort(std::uint16_t port);
     int getFamily() const { return _storage.ss_family; }
 
+    /// "127.0.0.1", "::1"
+    std::string host() const;
     /// "127.0.0.1:9000", "[::1]:9000"
     std::string str() const;
 

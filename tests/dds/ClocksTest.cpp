@@ -1,4 +1,5 @@
 #include "nodes/dds/ClockOffset.h"
+#include "nodes/dds/HostNames.h"
 #include "nodes/dds/WriterNumbers.h"
 #include "tests/dds/DdsFixture.h"
 #include <cmath>
@@ -57,6 +58,31 @@ TEST(WriterNumbers, TellRepeatedFromMissed)
     }
     expect(1, 162, false, 0); // spoke all the time, and is remembered
     expect(2, 1, true, 0);    // was quiet longest, and is forgotten
+}
+
+/// Knows no host at first, and later one, after a while.
+class SlowLookup final : public NameLookup {
+public:
+    void begin(const std::string&, std::uint16_t) override { _wait = 1; }
+    std::optional<Answer> poll() override
+    {
+        if (_wait-- > 0)
+            return std::nullopt;
+        return _asked++ == 0 ? Answer{{}, "who is that?"} : Answer{SocketAddress::parse("10.0.0.7", 5), {}};
+    }
+    void cancel() override {}
+
+private:
+    int _wait = 0, _asked = 0;
+};
+
+TEST(HostNames, UnknownHostIsLookedUpAgain)
+{
+    HostNames hosts({"10.0.0.1", "wand"}, std::make_unique<SlowLookup>());
+    EXPECT_FALSE(hosts.find());
+    EXPECT_THROW(hosts.find(), DdsProblem);
+    EXPECT_FALSE(hosts.find());
+    EXPECT_EQ(hosts.find(), (std::vector<std::string>{"10.0.0.1", "10.0.0.7"}));
 }
 
 /// The system's clock, with the date set wrong.

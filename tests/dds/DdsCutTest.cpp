@@ -147,6 +147,19 @@ TEST_F(DdsTwoMachines, MeetWithoutMulticast)
     _count->takeUntil(50);
     EXPECT_EQ(_reader->state()._degraded, false);
 }
+
+TEST_F(DdsTwoMachines, InterfaceThatComesLaterOrChangesItsAddressIsOpenedAgain)
+{
+    _machines.run("ip link set cable0 down && ip address flush dev cable0");
+    start(100000, "");
+    _reader->awaitReason("interface cable0");
+    for (const std::string address : {"10.77.0.3", "10.77.0.4"}) {
+        _machines.run("ip address flush dev cable0 && ip address add " + address +
+                      "/24 dev cable0 && ip link set cable0 up");
+        _count->takeUntil(Time::getCurrentTime());
+        _reader->awaitRunning();
+    }
+}
 #endif
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "nodes/shared/SocketAddress.h"
 #include "tests/dds/DdsFixture.h"
 #include "tests/host/HostProcess.h"
 #include "tests/nodes/SampleValues.h"
@@ -6,6 +7,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <unistd.h>
 
 namespace Trovio::Nodes {
 namespace {
@@ -70,11 +72,11 @@ protected:
                             << rest;
         return path;
     }
-    std::string publisher(const std::string& value)
+    std::string publisher(const std::string& value, const std::string& settings = apart())
     {
         return write("publisher" + value,
                      R"(["Generator", "type=Float rate=50 amplitude=0 offset=)" + value +
-                         R"("], ["DDS", "publish='Wand Float')" + apart() + R"("])",
+                         R"("], ["DDS", "publish='Wand Float')" + settings + R"("])",
                      "[[route]]\nfrom = 'Context/Generator/value'\nto = 'Context/DDS/Wand'\n");
     }
 
@@ -98,6 +100,21 @@ TEST_F(DdsHostsTest, KilledPublisherIsNoticedAndItsSuccessorHeard)
     reader.signal(SIGTERM);
     EXPECT_EQ(reader.wait(), 0) << reader.err();
     EXPECT_NE(reader.err().find("in repeated 0, in refused 0"), std::string::npos) << reader.err();
+}
+
+TEST_F(DdsHostsTest, MeetByNameAndOverIPv6)
+{
+    for (const std::string host : {"::1", "localhost"}) {
+        const std::string settings = apart() + " host=" + host;
+        if (!SocketAddress::parse(host, 0) && ::access("/etc/hosts", R_OK) != 0)
+            continue;
+        const std::string subscriber =
+            write("subscriber", R"(["DDS", "subscribe='Wand Float')" + settings + R"("])",
+                  "routes = [ ['DDS/Wand', 'Wand'] ]\n[[sensor]]\nname = 'wand'\ntype = 'SFFloat'\nlabel = 'Wand'\n");
+        HostProcess reader(HOST_PROGRAM, {"run", subscriber, "--format", "lines"});
+        HostProcess writer(HOST_PROGRAM, {"run", publisher("33", settings)});
+        EXPECT_TRUE(reader.waitFor("SFFloat 33\n")) << host << ": " << reader.err();
+    }
 }
 
 } // namespace

@@ -21,9 +21,11 @@ public:
     /// What starts a program on the other machine, to be put before its name.
     std::vector<std::string> there() const { return {"--target", _pid, "--net"}; }
 
+    /// In the shell, on this machine. Throws std::runtime_error where it fails.
+    void run(const std::string& command);
+
 private:
     void setUp(unsigned seed);
-    void run(const std::string& command);
 
     std::string _hindrance;
     std::optional<HostProcess> _there; // sleeps, and keeps the other namespace
