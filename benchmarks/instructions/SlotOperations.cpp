@@ -75,12 +75,28 @@ void addShared(Operations& operations)
                           }});
 }
 
+/// A record that goes through an out-slot into a ring: what it costs in all, and its time stamp in each of the two.
+void addCounting(Operations& operations)
+{
+    struct Way {
+        Trovio::OutSlot<Value> _out{"out"};
+        Trovio::BufferedInSlot<Value> _in{"in", 1'024};
+        Way() { _out.connect(&_in); }
+        ~Way() { _out.disconnect(&_in); }
+    };
+    const auto way = std::make_shared<Way>();
+    operations.push_back({"push through an out-slot into a ring", [way] { way->_out.push(record); }});
+    const auto watch = std::make_shared<Trovio::StampWatch>();
+    operations.push_back({"note a time stamp", [watch] { watch->note(record.getTimeStamp()); }});
+}
+
 } // namespace
 
 void addSlotOperations(Operations& operations)
 {
     addWaiting(operations);
     addRing(operations);
+    addCounting(operations);
     addShared(operations);
     const auto many = std::make_shared<Fan>(16);
     operations.push_back({"push to 16", [many] { many->_out.push(record); }});
