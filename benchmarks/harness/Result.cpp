@@ -74,6 +74,22 @@ std::string toText(const Row& row)
     return line;
 }
 
+std::string toMarkdown(const Row& row)
+{
+    char text[200];
+    std::snprintf(text, sizeof text, "| %s | %s | %.4g %s | %.4g to %.4g | %.2f | %.3g |", row._workload.c_str(),
+                  row._contender.c_str(), row._median, row._unit.c_str(), row._least, row._most, row._ratio,
+                  row._allocations);
+    std::string line = text;
+    for (const Verdict& verdict : row._verdicts) {
+        std::snprintf(text, sizeof text, "%s%s: %.2f of %s, at most %.2f",
+                      &verdict == &row._verdicts.front() ? " " : "; ", verdict.passes() ? "pass" : "**short**",
+                      verdict._ratio, verdict._against.c_str(), verdict._atMost);
+        line += text;
+    }
+    return line + " |";
+}
+
 std::string toJson(const Row& row)
 {
     nlohmann::json json{{"workload", row._workload},

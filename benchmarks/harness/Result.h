@@ -32,6 +32,8 @@ struct Row {
 std::vector<Row> makeRows(const std::string& name, const Workload& workload, const Samples& samples);
 
 std::string toText(const Row& row);
+/// A line of a table of seven columns.
+std::string toMarkdown(const Row& row);
 std::string toJson(const Row& row);
 
 } // namespace Bench

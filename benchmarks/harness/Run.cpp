@@ -14,6 +14,7 @@ namespace {
 struct Arguments {
     int _repetitions = 9;
     std::string _json;
+    std::string _markdown;
     std::vector<std::string_view> _names;
 };
 
@@ -26,6 +27,8 @@ Arguments parse(int argc, char** argv)
             arguments._repetitions = std::max(1, std::atoi(argv[++i]));
         else if (text == "--json" && i + 1 < argc)
             arguments._json = argv[++i];
+        else if (text == "--markdown" && i + 1 < argc)
+            arguments._markdown = argv[++i];
         else
             arguments._names.push_back(text);
     }
@@ -53,6 +56,12 @@ Samples measure(const Workload& workload, int repetitions)
     return samples;
 }
 
+/// Nothing is written where no file is named.
+std::ofstream append(const std::string& path)
+{
+    return path.empty() ? std::ofstream() : std::ofstream(path, std::ios::app);
+}
+
 /// A thread that waits for the end: with it, locks and counts are real everywhere.
 class SecondThread {
 public:
@@ -73,9 +82,8 @@ private:
 int runWorkloads(const std::vector<Entry>& entries, int argc, char** argv)
 {
     const Arguments arguments = parse(argc, argv);
-    std::ofstream json;
-    if (!arguments._json.empty())
-        json.open(arguments._json, std::ios::app);
+    std::ofstream json = append(arguments._json);
+    std::ofstream markdown = append(arguments._markdown);
     const SecondThread second;
     for (const Entry& entry : entries) {
         if (!isChosen(entry._name, arguments._names))
@@ -85,9 +93,11 @@ int runWorkloads(const std::vector<Entry>& entries, int argc, char** argv)
         for (const Row& row : makeRows(entry._name, workload, measure(workload, arguments._repetitions))) {
             std::cout << toText(row) << std::endl;
             json << toJson(row) << '\n';
+            markdown << toMarkdown(row) << '\n';
         }
     }
-    return json.good() ? EXIT_SUCCESS : EXIT_FAILURE;
+    const bool written = (arguments._json.empty() || json.good()) && (arguments._markdown.empty() || markdown.good());
+    return written ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 } // namespace Bench

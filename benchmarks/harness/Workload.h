@@ -60,7 +60,8 @@ struct Entry {
 };
 
 /// The main program: runs the workloads that the arguments name, all if none, and prints their rows.
-/// Arguments: [--repetitions N] [--json FILE] [WORKLOAD…]. The file gets one JSON object a line, appended.
+/// Arguments: [--repetitions N] [--json FILE] [--markdown FILE] [WORKLOAD…]. The files get one object or one line of a
+/// table for each row, appended.
 int runWorkloads(const std::vector<Entry>& entries, int argc, char** argv);
 
 } // namespace Bench

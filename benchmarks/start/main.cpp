@@ -6,13 +6,18 @@ namespace Bench {
 
 namespace {
 
+constexpr std::size_t runs(std::size_t objects)
+{
+    return std::max<std::size_t>(1, 15'000 / objects);
+}
+
 /// Each figure is for one sensor with its four handlers.
 template <std::size_t Count>
 void registration(Workload& workload)
 {
     workload.setMetrics({{"start", "ns"}, {"leave", "ns"}, {"come back", "ns"}, {"shutdown", "ns"}});
-    workload.add("by hand", [] { return Registry::run(Count); });
-    workload.add("library", [] { return registerByLibrary(Count); });
+    workload.add("by hand", [] { return medianOf(runs(Count), [] { return Registry::run(Count); }); });
+    workload.add("library", [] { return medianOf(runs(Count), [] { return registerByLibrary(Count); }); });
     workload.limitEach("library", "by hand", 1.3);
 }
 
@@ -22,8 +27,8 @@ void routing(Workload& workload)
 {
     const auto slots = std::make_shared<RoutedSlots>(Count);
     workload.setMetrics({{"slots come", "ns"}, {"routes go", "ns"}, {"routes come", "ns"}, {"slots go", "ns"}});
-    workload.add("by hand", [slots] { return slots->byHand(); });
-    workload.add("library", [slots] { return slots->byLibrary(); });
+    workload.add("by hand", [slots] { return medianOf(runs(Count), [&] { return slots->byHand(); }); });
+    workload.add("library", [slots] { return medianOf(runs(Count), [&] { return slots->byLibrary(); }); });
 }
 
 } // namespace
