@@ -77,9 +77,10 @@ std::string toText(const Row& row)
 std::string toMarkdown(const Row& row)
 {
     char text[200];
-    std::snprintf(text, sizeof text, "| %s | %s | %.4g %s | %.4g to %.4g | %.2f | %.3g |", row._workload.c_str(),
-                  row._contender.c_str(), row._median, row._unit.c_str(), row._least, row._most, row._ratio,
-                  row._allocations);
+    const int digits = row._median < 100 ? 2 : 0;
+    std::snprintf(text, sizeof text, "| %s | %s | %.*f %s | %.*f to %.*f | %.2f | %.3g |", row._workload.c_str(),
+                  row._contender.c_str(), digits, row._median, row._unit.c_str(), digits, row._least, digits, row._most,
+                  row._ratio, row._allocations);
     std::string line = text;
     for (const Verdict& verdict : row._verdicts) {
         std::snprintf(text, sizeof text, "%s%s: %.2f of %s, at most %.2f",
