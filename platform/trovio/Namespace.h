@@ -106,7 +106,7 @@ private:
     enum class Presence { Free, Joining, Standing, Leaving };
 
     /// Unlike the public operations these expect the tree lock to be held.
-    std::string freeLabel(const std::string& wanted) const OSTREL_REQUIRES(_treeLock);
+    std::string freeLabel(const std::string& wanted) OSTREL_REQUIRES(_treeLock);
     Children::iterator link(const std::string& wanted, std::unique_ptr<Namespace> child) OSTREL_REQUIRES(_treeLock);
     std::unique_ptr<Namespace> unlink(Children::iterator position) OSTREL_REQUIRES(_treeLock);
     bool standsUnderRoot() const OSTREL_REQUIRES(_treeLock); // and is not leaving
@@ -130,6 +130,8 @@ private:
     std::string _label OSTREL_GUARDED_BY(_treeLock);
     Presence _presence OSTREL_GUARDED_BY(_treeLock) = Presence::Free;
     Children _children OSTREL_GUARDED_BY(_treeLock);
+    // Up to which number labels of children are known to be taken, by the label that was wanted.
+    std::map<std::string, unsigned long> _numbersTaken OSTREL_GUARDED_BY(_treeLock);
     const std::unique_ptr<Scope> _scope OSTREL_PT_GUARDED_BY(_treeLock);
     Merid::URL _baseURL OSTREL_GUARDED_BY(_treeLock);
     bool _dirty OSTREL_GUARDED_BY(_treeLock) = false;

@@ -77,6 +77,7 @@ std::unique_ptr<Namespace> Namespace::unlink(Children::iterator position)
     _dirty = true;
     std::unique_ptr<Namespace> child = std::move(position->second);
     _children.erase(position);
+    _numbersTaken.clear(); // the label may be a number of several
     return child;
 }
 
@@ -128,11 +129,15 @@ std::unique_ptr<Namespace> Namespace::takeOut(Children::iterator position)
     return unlink(position);
 }
 
-std::string Namespace::freeLabel(const std::string& wanted) const
+std::string Namespace::freeLabel(const std::string& wanted)
 {
-    std::string label = wanted;
-    for (unsigned long number = 2; _children.contains(label); ++number)
-        label = wanted + std::to_string(number);
+    if (!_children.contains(wanted))
+        return wanted;
+    unsigned long& number = _numbersTaken.try_emplace(wanted, 1UL).first->second;
+    std::string label;
+    do
+        label = wanted + std::to_string(++number);
+    while (_children.contains(label));
     return label;
 }
 
