@@ -1,5 +1,6 @@
 #include "Scenarios.h"
 
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -75,6 +76,12 @@ void explore(const Scenario& scenario, const Options& options)
     std::fflush(stdout);
 }
 
+bool readNumber(std::string_view text, std::uint64_t& number)
+{
+    const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return problem == std::errc() && end == text.data() + text.size();
+}
+
 /// False for arguments that it does not understand.
 bool parse(int count, char** arguments, Options& options)
 {
@@ -88,11 +95,8 @@ bool parse(int count, char** arguments, Options& options)
             return false;
         if (name == "--scenario")
             options._scenario = arguments[i];
-        else if (name == "--seed")
-            options._seed = std::strtoull(arguments[i], nullptr, 10);
-        else if (name == "--schedules")
-            options._schedules = std::strtoull(arguments[i], nullptr, 10);
-        else
+        else if ((name != "--seed" || !readNumber(arguments[i], options._seed)) &&
+                 (name != "--schedules" || !readNumber(arguments[i], options._schedules) || options._schedules == 0))
             return false;
     }
     return true;

@@ -78,6 +78,7 @@ void semaphore(Scheduler& scheduler)
     Ostrel::FutexLock lock;
     Ostrel::RealSemaphore semaphore;
     int inside = 0;
+    int posted = 0;
     int passed = 0;
     const auto holding = [&] {
         expect(++inside == 1, "two threads hold one lock");
@@ -90,7 +91,7 @@ void semaphore(Scheduler& scheduler)
             lock.lock();
             semaphore.wait(lock);
             holding();
-            ++passed;
+            expect(++passed <= posted, "a token was taken that nobody had posted");
             lock.unlock();
         });
     for (const int tokens : {1, 2})
@@ -98,6 +99,7 @@ void semaphore(Scheduler& scheduler)
             for (int i = 0; i < tokens; ++i) {
                 lock.lock();
                 holding();
+                ++posted;
                 const std::uint32_t wakes = semaphore.post();
                 lock.unlock();
                 semaphore.wake(wakes);

@@ -28,16 +28,17 @@ public:
         enterRank();
         while (_held)
             Explorer::Scheduler::sleepOn(this);
-        _held = true;
-        _holder = Explorer::Scheduler::self();
+        hold();
     }
 
     bool tryLock() OSTREL_TRY_ACQUIRE(true) OSTREL_NO_THREAD_SAFETY_ANALYSIS
     {
         Explorer::Scheduler::step("try lock", this);
+        Explorer::expect(alive().count(this) != 0, "a lock was tried after it had been destroyed");
         if (_held)
             return false;
-        lock();
+        enterRank();
+        hold();
         return true;
     }
 
@@ -57,6 +58,12 @@ private:
     {
         static std::unordered_set<const Mutex*> mutexes;
         return mutexes;
+    }
+
+    void hold()
+    {
+        _held = true;
+        _holder = Explorer::Scheduler::self();
     }
 
     void enterRank()
