@@ -37,7 +37,7 @@ TEST_F(OscFlood, EveryPacketIsReceivedOrCountedAsDroppedAndBadOnesChangeNothingE
     for (long i = 1; i <= packets; ++i, ++sent) {
         send(numbersMessage("/a", 'h', {static_cast<double>(i)}));
         pace.next();
-        if (i % (packets / 10'000) == 0) {
+        if (i % std::max(packets / 10'000, 1L) == 0) {
             send(malformed[sent % std::size(malformed)]);
             ++sent;
         }

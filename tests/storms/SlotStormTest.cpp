@@ -71,6 +71,8 @@ private:
     void produce(std::size_t source)
     {
         while (!_done || _outs[source].getWritten() * Pairs < StormLength::records()) {
+            if (_done)
+                _watchdog.alive();
             _outs[source].push(next(source));
             std::this_thread::yield();
         }

@@ -2,13 +2,22 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <stdexcept>
+#include <string>
 #include <thread>
 
-/// A number that the environment may set, for the same test at another length.
+/// A number above 0 that the environment may set, for the same test at another length. Throws for anything else, which
+/// would make the test an empty one.
 inline long fromEnvironment(const char* name, long otherwise)
 {
     const char* const wanted = std::getenv(name);
-    return wanted ? std::atol(wanted) : otherwise;
+    if (!wanted)
+        return otherwise;
+    char* end = nullptr;
+    const long number = std::strtol(wanted, &end, 10);
+    if (number <= 0 || *end != '\0')
+        throw std::invalid_argument(std::string(name) + "=" + wanted + " is no number above 0");
+    return number;
 }
 
 /// Keeps a producer to a steady rate; without one it never waits.
