@@ -11,7 +11,7 @@ namespace Trovio::Nodes {
 constexpr unsigned MaxOscDepth = 8;
 
 /// How many messages of a packet may address several slots by a pattern: each costs a look at every slot.
-constexpr unsigned MaxOscPatterns = 64;
+constexpr unsigned MaxOscPatterns = 16;
 
 /// One message of a packet, which it refers into.
 struct OscMessage {
