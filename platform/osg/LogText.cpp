@@ -20,9 +20,11 @@ constexpr Utf8Row utf8Rows[] = {{0x00, 0x7F, 0x00, 0x00, 1}, {0xC2, 0xDF, 0x80, 
 struct Range {
     std::string_view _first, _last;
 };
-constexpr std::array<Range, 5> controls{{{std::string_view("\0", 1), "\x1F"},
+constexpr std::array<Range, 7> controls{{{std::string_view("\0", 1), "\x1F"},
                                          {"\x7F", "\x7F"},
                                          {"\xC2\x80", "\xC2\x9F"},
+                                         {"\xD8\x9C", "\xD8\x9C"},
+                                         {"\xE2\x80\x8E", "\xE2\x80\x8F"},
                                          {"\xE2\x80\xA8", "\xE2\x80\xAE"},
                                          {"\xE2\x81\xA6", "\xE2\x81\xA9"}}};
 

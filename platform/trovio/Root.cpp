@@ -1,5 +1,6 @@
 #include "trovio/Root.h"
 
+#include "osg/LogMessage.h"
 #include "trovio/NodeType.h"
 
 namespace Trovio {
@@ -19,6 +20,7 @@ void Root::shutdown()
     the_.clear();
     initialized_.store(false, std::memory_order_release);
     NodeType::shutdown();
+    osg::logHeldBack(true);
 }
 
 } // namespace Trovio

@@ -27,9 +27,9 @@ const Hostile texts[] = {
      "<\\u001b[2J\\u001b]0;t\\u0007\\u009b31mbZ"},
     {"Lines", "<\nbZ\rbZ\tbZ\x7f", "<\\nbZ\\rbZ\\tbZ\\u007f"},
     {"Direction",
-     "<\xe2\x80\xa8\xe2\x80\xae\xe2\x81\xa6"
+     "<\xe2\x80\xa8\xe2\x80\xae\xe2\x81\xa6\xe2\x80\x8f\xd8\x9c"
      "bZ",
-     "<\\u2028\\u202e\\u2066bZ"},
+     "<\\u2028\\u202e\\u2066\\u200f\\u061cbZ"},
     {"Quotes", "<\"'\\]};//bZ", "<\\\"'\\\\]};//bZ"},
     {"Long", "<" + longText + "bZ", "<" + longText + "bZ", false},
     {"NotUtf8",
