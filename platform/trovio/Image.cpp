@@ -90,7 +90,8 @@ Image& Image::operator=(const Image& other)
 {
     if (this == &other)
         return *this;
-    _data.clear(); // so that growing moves no bytes
+    _width = _height = 0; // where there is no memory, empty it stays
+    _data.clear();        // so that growing moves no bytes
     _data.resize(other._data.size());
     std::copy(other._data.begin(), other._data.end(), _data.begin());
     std::tie(_format, _width, _height) = std::tie(other._format, other._width, other._height);

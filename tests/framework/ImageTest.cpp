@@ -1,5 +1,6 @@
 #include "trovio/Image.h"
 #include "trovio/Exception.h"
+#include <algorithm>
 #include <gtest/gtest.h>
 
 using Trovio::Image;
@@ -36,6 +37,23 @@ TEST_P(ImageConverts, EveryPixel)
         ASSERT_EQ(result.getData()[i], row._expected[i % row._expected.size()]) << "byte " << i;
     ASSERT_TRUE(image.convertFormat(row._to, image));
     EXPECT_EQ(image, result) << "in place";
+}
+
+TEST_P(ImageConverts, EachPixelInItsPlace)
+{
+    const auto& row = GetParam();
+    Image image(row._from, 17, 5);
+    for (std::size_t i = 0; i < image.getDataSize(); ++i)
+        image.getData()[i] = static_cast<std::uint8_t>(37 * i);
+    Image whole;
+    ASSERT_TRUE(image.convertFormat(row._to, whole));
+    const std::size_t fromBytes = row._pixel.size(), toBytes = row._expected.size();
+    for (std::size_t pixel = 0; pixel < 17 * 5; ++pixel) {
+        Image alone(row._from, 1, 1);
+        std::copy_n(image.getData() + pixel * fromBytes, fromBytes, alone.getData());
+        ASSERT_TRUE(alone.convertFormat(row._to, alone));
+        EXPECT_TRUE(std::equal(alone.getData(), alone.getData() + toBytes, whole.getData() + pixel * toBytes)) << pixel;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
