@@ -23,10 +23,7 @@ void SensorHandler::deleteObservers()
 
 void SensorHandler::regDISensor(DirectSensor* sensor)
 {
-    if (!sensor)
-        return;
-    const auto place = _observers.lower_bound(sensor);
-    if (place != _observers.end() && place->first == sensor)
+    if (!sensor || _observers.contains(sensor))
         return;
     DirectSensorProc* const proc = sensor->getDirectSensorProc();
     UpdateObserver* const observer =
@@ -37,7 +34,7 @@ void SensorHandler::regDISensor(DirectSensor* sensor)
     observer->_sensor = sensor;
     observer->_field = proc->getField();
     proc->getUpdateSubject().attach(*observer);
-    _observers.emplace_hint(place, sensor, observer);
+    _observers.emplace(sensor, observer); // no hint from before: what makes observers may unregister others
 }
 
 void SensorHandler::unregDISensor(DirectSensor* sensor)
