@@ -116,6 +116,10 @@ void Scope::clear()
 Scope::Entry& Scope::insert(std::string freshLabel, const Ends& ends, ExternalRoute* shownBy, Entry* origin)
 {
     Entry& entry = _entries.make(std::move(freshLabel), *this, ends, shownBy, origin);
+    if (shownBy) { // at once, for erase() counts on it
+        ++shownBy->_shown;
+        origin->_shown.append(entry);
+    }
     const std::string& label = entry._label;
     for (const Aim* aim : _aims.under(label))
         join(*aim, entry);
@@ -177,9 +181,7 @@ void Scope::show(ExternalRoute& route, Entry& entry, const std::vector<std::stri
         logMessage(LogLevel::Warning, "namespace '" + _label + "', external " + tooLong(route, entry._label));
         return;
     }
-    Entry& shown = _parent->insert(std::move(*label), entry._ends, &route, &entry);
-    ++route._shown;
-    entry._shown.append(shown);
+    _parent->insert(std::move(*label), entry._ends, &route, &entry);
 }
 
 /// Takes all that the route shows out of the parent.
