@@ -37,6 +37,12 @@ awk -F'|' '
             ceiling[substr($0, RLENGTH + 1)] = $0 + 0
         next
     }
+    $1 + 0 < 1 {
+        printf "%10s %10s          %s: was not counted\n", $1, "-", $2
+        failed = 1
+        next
+    }
+    { seen[$2] = 1 }
     !($2 in ceiling) {
         printf "%10d %10s          %s: has no ceiling; ./bench instructions --update\n", $1, "-", $2
         failed = 1
@@ -47,5 +53,12 @@ awk -F'|' '
         failed = failed || passed
         printf "%10d %10d  %5.1f %%  %s%s\n", $1, ceiling[$2], 100 * $1 / ceiling[$2], $2, passed ? ": PASSED ITS CEILING" : ""
     }
-    END { exit failed }
+    END {
+        for (operation in ceiling)
+            if (!(operation in seen)) {
+                printf "%10s %10d          %s: has a ceiling and was not counted\n", "-", ceiling[operation], operation
+                failed = 1
+            }
+        exit failed
+    }
 ' "$ceilings" "$work/counted"
