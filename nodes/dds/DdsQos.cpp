@@ -9,12 +9,12 @@ namespace {
 constexpr double longestWrite = 0.005;
 constexpr int probeDepth = 64;
 
-DdsQos makeQos(const DdsQuality& quality, dds_durability_kind_t durability)
+DdsQos makeQos(const DdsQuality& quality, int depth, dds_durability_kind_t durability)
 {
     DdsQos qos(dds_create_qos());
     dds_qset_reliability(qos.get(), quality._reliable ? DDS_RELIABILITY_RELIABLE : DDS_RELIABILITY_BEST_EFFORT,
                          toDdsDuration(longestWrite));
-    dds_qset_history(qos.get(), DDS_HISTORY_KEEP_LAST, quality._depth);
+    dds_qset_history(qos.get(), DDS_HISTORY_KEEP_LAST, depth);
     dds_qset_durability(qos.get(), durability);
     return qos;
 }
@@ -23,7 +23,7 @@ DdsQos makeQos(const DdsQuality& quality, dds_durability_kind_t durability)
 
 DdsQos makeWriterQos(const DdsQuality& quality)
 {
-    DdsQos qos = makeQos(quality, DDS_DURABILITY_TRANSIENT_LOCAL);
+    DdsQos qos = makeQos(quality, quality._depth, DDS_DURABILITY_TRANSIENT_LOCAL);
     dds_qset_durability_service(qos.get(), 0, DDS_HISTORY_KEEP_LAST, 1, DDS_LENGTH_UNLIMITED, DDS_LENGTH_UNLIMITED,
                                 DDS_LENGTH_UNLIMITED);
     return qos;
@@ -31,7 +31,8 @@ DdsQos makeWriterQos(const DdsQuality& quality)
 
 DdsQos makeReaderQos(const DdsQuality& quality)
 {
-    return makeQos(quality, quality._lateJoiners ? DDS_DURABILITY_TRANSIENT_LOCAL : DDS_DURABILITY_VOLATILE);
+    return makeQos(quality, quality._readerDepth,
+                   quality._lateJoiners ? DDS_DURABILITY_TRANSIENT_LOCAL : DDS_DURABILITY_VOLATILE);
 }
 
 DdsQos makeProbeQos()

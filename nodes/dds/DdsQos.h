@@ -9,7 +9,8 @@ namespace Trovio::Nodes {
 /// What a node asks of its topics.
 struct DdsQuality {
     std::string _partition;
-    int _depth = 1; // records that may wait at either end
+    int _depth = 1;       // records that may wait to be sent
+    int _readerDepth = 1; // records that may wait to be taken
     bool _reliable = true;
     bool _lateJoiners = true; // get the last value; where readers ask for that, writers have to keep it
 };

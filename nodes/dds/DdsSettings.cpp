@@ -12,6 +12,7 @@ namespace Trovio::Nodes {
 
 namespace {
 
+constexpr int mostDepth = 65536;
 constexpr std::size_t mostHosts = 256;
 constexpr std::size_t longestHost = 253;
 constexpr std::size_t longestPartition = 200;
@@ -25,7 +26,8 @@ const Setting rows[] = {
     Setting::text("interface", "", "network interface; lo, for this machine only, unless 'host' is given"),
     Setting::text("host", "", "names or addresses of peers, for networks without multicast, separated by blanks"),
     Setting::text("partition", "", "name of a part of the domain; only nodes of one partition meet"),
-    Setting::integer("depth", "64", 1, 65536, "records of a topic that may wait at either end; the newest are kept"),
+    Setting::integer("depth", "64", 1, mostDepth,
+                     "records of a topic that may wait, the newest; to be received, 65536 unless it is given"),
     Setting::choice("reliable", "yes", "yes|no", "whether what is lost on the line is sent again"),
     Setting::choice("finite", "yes", "yes|no", "whether samples with infinite numbers or not-a-number are refused"),
     Setting::choice("ros2", "no", "yes|no", "whether topics are those of ROS 2 systems, with their messages"),
@@ -77,6 +79,15 @@ DdsDomainSettings readDomain(const Settings& settings)
     domain._processes = static_cast<unsigned>(settings.integer("processes"));
     domain._largest = static_cast<unsigned>(settings.integer("largest"));
     return domain;
+}
+
+/// What comes in goes on at once, to slots that keep as much as their owners want: samples wait here only behind one
+/// that another thread is just pushing. So their number is bounded, and takes no memory, but none is lost below the
+/// bound.
+int readReaderDepth(const Settings& settings, std::size_t slots)
+{
+    return settings.isGiven("depth") ? static_cast<int>(settings.integer("depth"))
+                                     : static_cast<int>(std::min<std::size_t>(mostDepth, shareOfWaiting(slots)));
 }
 
 /// What ROS 2 has no name or no message for, it cannot read.
@@ -135,7 +146,9 @@ DdsSettings readDdsSettings(const Settings& settings)
     if (!isPlainName(read._quality._partition, longestPartition))
         throw settings.refusal("partition", "up to " + std::to_string(longestPartition) + " of the characters " +
                                                 std::string(nameCharacters));
-    checkQueues(settings, "depth", read._published.size());
+    const std::size_t slots = read._published.size() + read._subscribed.size();
+    checkQueues(settings, "depth", slots);
+    read._quality._readerDepth = readReaderDepth(settings, slots);
     checkApart(settings, read);
     if (!read._format._isRos)
         return read;

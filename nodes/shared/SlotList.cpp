@@ -57,9 +57,14 @@ std::vector<ListedSlot> readSlotList(const Settings& settings, const char* setti
     return slots;
 }
 
+std::size_t shareOfWaiting(std::size_t slots)
+{
+    return MaxWaitingRecords / std::max<std::size_t>(slots, 1);
+}
+
 void checkQueues(const Settings& settings, const char* setting, std::size_t slots)
 {
-    const auto most = static_cast<std::int64_t>(MaxWaitingRecords / std::max<std::size_t>(slots, 1));
+    const auto most = static_cast<std::int64_t>(shareOfWaiting(slots));
     if (settings.integer(setting) > most)
         throw settings.refusal(setting, "up to " + std::to_string(most) + " with " + std::to_string(slots) +
                                             " slots, which makes " + std::to_string(MaxWaitingRecords) +

@@ -10,7 +10,7 @@ namespace Trovio::Nodes {
 
 /// How many slots a list may name.
 constexpr std::size_t MaxListedSlots = 1024;
-/// How many records may wait in all in-slots of a node, whose memory is taken at once.
+/// How many records may wait in all slots of a node.
 constexpr std::size_t MaxWaitingRecords = 1048576;
 
 struct ListedSlot {
@@ -29,7 +29,10 @@ struct ListedNames {
 /// twice, and for more than MaxListedSlots.
 std::vector<ListedSlot> readSlotList(const Settings& settings, const char* setting, const ListedNames& names);
 
-/// For a node with that many in-slots, each with as many places as the setting says. Throws InvalidFieldException for
+/// How many records may wait in each of that many slots.
+std::size_t shareOfWaiting(std::size_t slots);
+
+/// For a node with that many slots, each with as many places as the setting says. Throws InvalidFieldException for
 /// more than MaxWaitingRecords.
 void checkQueues(const Settings& settings, const char* setting, std::size_t slots);
 

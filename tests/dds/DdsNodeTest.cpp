@@ -2,6 +2,7 @@
 #include "tests/dds/DdsFixture.h"
 #include "tests/nodes/SampleValues.h"
 #include "trovio/SlotTypes.h"
+#include <list>
 #include <net/if.h>
 #include <sys/socket.h>
 
@@ -62,7 +63,7 @@ TEST_F(DdsNodeTest, LateJoinerGetsTheLastValueOnly)
 TEST_F(DdsNodeTest, BurstArrivesWholeAndInOrder)
 {
     constexpr int length = 2000;
-    DdsPeer reader("subscribe='Wand Long' label=reader depth=4096");
+    DdsPeer reader("subscribe='Wand Long' label=reader");
     DdsPeer writer("publish='Wand Long' label=writer depth=4096");
     Probe<long> probe("reader/Wand");
     Feed<long> feed("writer/Wand");
@@ -73,6 +74,51 @@ TEST_F(DdsNodeTest, BurstArrivesWholeAndInOrder)
         feed.push(i, i);
     for (int i = 0; i < length; ++i)
         ASSERT_EQ(probe.next().getValue(), i);
+}
+
+/// Holds up whoever pushes into it while it is closed.
+class Gate final : public BufferedInSlot<long> {
+public:
+    Gate() : BufferedInSlot("gate", 4096) {}
+    void newData() override { _closed.wait(true); }
+    void setClosed(bool closed)
+    {
+        _closed = closed;
+        _closed.notify_all();
+    }
+
+private:
+    std::atomic<bool> _closed{false};
+};
+
+TEST_F(DdsNodeTest, SamplesOfManyAllArriveThoughOnePushIsHeldUp)
+{
+    constexpr int count = 100; // more than the default depth
+    DdsPeer reader("subscribe='Wand Long' label=reader");
+    Gate gate;
+    Root::get().addInSlot("gate", &gate);
+    Root::get().addRoute("reader/Wand", "gate");
+    std::list<DdsPeer> writers;
+    std::list<Feed<long>> feeds;
+    for (int i = 0; i < count; ++i)
+        feeds.emplace_back(writers.emplace_back("publish='Wand Long' label=writer" + std::to_string(i)).getLabel() +
+                           "/Wand");
+    const auto pushAll = [&](long value) {
+        for (Feed<long>& feed : feeds)
+            feed.push(value, 1.0);
+    };
+    pushAll(1);
+    reader.awaitCount("in samples", count);
+    gate.setClosed(true);
+    pushAll(2);
+    for (DdsPeer& writer : writers) // the record is about to be written
+        await([&] { return writer->inspect()._slots.at(0)._in->_counts.taken == 2; });
+    gate.setClosed(false);
+    for (DdsPeer& writer : writers)
+        writer.awaitCount("out samples", 2);
+    EXPECT_EQ(reader.count("in samples"), 2U * count);
+    Root::get().removeRoute("reader/Wand", "gate");
+    Root::get().removeSlot("gate");
 }
 
 TEST_F(DdsNodeTest, TopicsInACircleDoNotLockUp)
