@@ -10,10 +10,10 @@ namespace Bench {
 using Samples = std::vector<std::vector<Sample>>;
 
 struct Verdict {
-    std::string _against;
-    double _ratio;
+    std::string _what; // "of floor", "allocations"
+    double _found;
     double _atMost;
-    bool passes() const { return _ratio <= _atMost; }
+    bool passes() const { return _found <= _atMost; }
 };
 
 /// One line of the table: one metric of one contender.
@@ -22,8 +22,8 @@ struct Row {
     std::string _contender;
     std::string _unit;
     double _median, _least, _most;
-    double _ratio; // to the floor
-    double _allocations;
+    double _ratio;                      // to the floor
+    std::optional<double> _allocations; // the most in any repetition
     std::vector<Verdict> _verdicts;
 };
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 namespace Bench {
@@ -11,7 +12,7 @@ namespace Bench {
 /// What one repetition of one contender found: a figure for each metric of the workload.
 struct Sample {
     std::vector<double> _figures;
-    double _allocations = 0; // an operation
+    std::optional<double> _allocations; // an operation; nothing where none are counted
 };
 
 /// Makes the compiler believe that somebody looks at the value.

@@ -14,12 +14,13 @@ struct Metric {
     double _scale = 1; // multiplies the figure that a contender returns
 };
 
-/// A bound that one contender has to keep relative to another one.
+/// A bound that one contender has to keep: relative to another one, or to a figure that is expected.
 struct Limit {
     std::string _contender;
-    std::string _against;
+    std::string _against; // the other contender, or what is expected
     double _atMost;
     std::size_t _metric;
+    std::optional<double> _expected;
 };
 
 /// A piece of work and those who do it. The first contender is the floor to which the others are compared.
@@ -35,8 +36,14 @@ public:
     void add(std::string name, Measure measure) { _contenders.push_back({std::move(name), std::move(measure)}); }
     void limit(std::string contender, std::string against, double atMost, std::size_t metric = 0)
     {
-        _limits.push_back({std::move(contender), std::move(against), atMost, metric});
+        _limits.push_back({std::move(contender), std::move(against), atMost, metric, {}});
     }
+    void limitToFigure(std::string contender, std::string what, double figure, std::size_t metric)
+    {
+        _limits.push_back({std::move(contender), std::move(what), 1, metric, figure});
+    }
+    /// The contender must not allocate in steady state.
+    void forbidAllocations(std::string contender) { _steady.push_back(std::move(contender)); }
     void limitEach(const std::string& contender, const std::string& against, double atMost)
     {
         for (std::size_t metric = 0; metric < _metrics.size(); ++metric)
@@ -46,11 +53,16 @@ public:
     const std::vector<Metric>& metrics() const { return _metrics; }
     const std::vector<Contender>& contenders() const { return _contenders; }
     const std::vector<Limit>& limits() const { return _limits; }
+    bool mayAllocate(const std::string& contender) const
+    {
+        return std::find(_steady.begin(), _steady.end(), contender) == _steady.end();
+    }
 
 private:
     std::vector<Metric> _metrics{{"", "ns"}};
     std::vector<Contender> _contenders;
     std::vector<Limit> _limits;
+    std::vector<std::string> _steady;
 };
 
 /// A workload by name. It is built only when it runs, and gone afterwards.

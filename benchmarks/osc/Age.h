@@ -21,7 +21,7 @@ public:
             std::this_thread::sleep_until(next += std::chrono::milliseconds(1));
             ages.push_back(age());
         }
-        return {{quantile(ages, 0.5), quantile(ages, 0.99)}};
+        return {{quantile(ages, 0.5), quantile(ages, 0.99)}, {}};
     }
 
 private:

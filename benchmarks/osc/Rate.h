@@ -24,7 +24,7 @@ public:
             if (sent < 0.9 * wanted)
                 break; // that is all that a sender can do
         }
-        return {{best}};
+        return {{best}, {}};
     }
 
 private:

@@ -56,6 +56,7 @@ void frameOfSlots(Workload& workload)
     addFrame<DdsFan>(workload, "Cyclone DDS (5,000 x 2)", 5'000, 1);
     addFrame<ZmqFan>(workload, "ZeroMQ inproc (1,000 x 10)", 1'000, 1);
     workload.limit("library", "floor", 1.15);
+    workload.forbidAllocations("library");
     for (const char* middleware : {"ZeroMQ inproc (1,000 x 10)", "Cyclone DDS (5,000 x 2)"})
         workload.limit("library", middleware, 0.1);
 }

@@ -44,6 +44,8 @@ void pushArrayToMany(Workload& workload)
     addShared<ZmqSharedFan>(workload, "ZeroMQ inproc", megabyte, 100);
     addShared<DdsSharedFan>(workload, "Cyclone DDS", megabyte, 2);
     addMemcpy(workload);
+    for (const char* contender : {"library", "library, one float", "library, W2.push"})
+        workload.forbidAllocations(contender);
     workload.limit("library", "floor", 1.15);
     workload.limit("library", "library, one float", 1.10);
     workload.limit("library", "library, W2.push", 1.10);

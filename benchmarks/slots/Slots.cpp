@@ -31,6 +31,7 @@ void pushAndTakeOne(Workload& workload)
     addPushAndTake<DdsFan>(workload, "Cyclone DDS", 1, 500);
     addQueues(workload, 1, 4'000);
     workload.limit("library", "floor", 1.15);
+    workload.forbidAllocations("library");
     workload.limit("library", "Boost.Signals2", 0.5);
 }
 
@@ -42,6 +43,7 @@ void pushToMany(Workload& workload)
     addPush<ZmqFan>(workload, "ZeroMQ inproc", manyReaders, 200);
     addPush<DdsFan>(workload, "Cyclone DDS", manyReaders, 100);
     workload.limit("library", "floor", 1.15);
+    workload.forbidAllocations("library");
     workload.limit("library", "Boost.Signals2", 1.0 / 3);
 }
 
@@ -54,6 +56,7 @@ void pushToManyAndTake(Workload& workload)
     addPushAndTake<DdsFan>(workload, "Cyclone DDS", manyReaders, 50);
     addQueues(workload, manyReaders, 500);
     workload.limit("library", "floor", 1.15);
+    workload.forbidAllocations("library");
     workload.limit("library", "Boost.Signals2", 1.0 / 3);
 }
 

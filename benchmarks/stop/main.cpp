@@ -31,7 +31,7 @@ Sample startAndStop(const WaitingNode& row)
     const double started = nanosecondsSince(start);
     const auto stop = Clock::now();
     root.removeNamespace(label);
-    return {{nanosecondsSince(stop), started}};
+    return {{nanosecondsSince(stop), started}, {}};
 }
 
 /// What it takes to stop a node that waits: for records, for its time, for packets, for devices. All of them wait with

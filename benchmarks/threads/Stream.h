@@ -1,8 +1,8 @@
 #pragma once
 
 #include "benchmarks/harness/Workload.h"
-#include <cmath>
 #include <concepts>
+#include <latch>
 #include <memory>
 #include <thread>
 
@@ -26,19 +26,24 @@ inline constexpr std::size_t streamCapacity = 1024;
 template <Stream S>
 Sample runStream(S& stream)
 {
-    const auto before = allocations();
-    const auto start = Clock::now();
-    std::thread writer([&stream] {
+    std::latch started(1), begin(1);
+    std::thread writer([&] {
+        started.count_down();
+        begin.wait();
         for (double number = 1; number <= streamLength; ++number)
             stream.push(number);
     });
+    started.wait(); // what starting a thread allocates is not the stream's
+    const auto before = allocations();
+    const auto start = Clock::now();
+    begin.count_down();
     double taken = 1;
     while (stream.take() != streamLength)
         ++taken;
     const double time = nanosecondsSince(start);
     writer.join();
     const auto allocated = static_cast<double>(allocations() - before);
-    return {{time / streamLength, streamLength - taken}, std::floor(allocated / streamLength * 1000) / 1000};
+    return {{time / streamLength, streamLength - taken}, allocated / streamLength};
 }
 
 template <Stream S>

@@ -20,6 +20,7 @@ void roundTrip(Workload& workload, int here, int there)
     addRoundTrip<MoodycamelManyToManyChannel>(workload, "moodycamel n:n, spins", here, there);
     addRoundTrip<DdsChannel>(workload, "Cyclone DDS", here, there);
     workload.limit("library", "bare futex", 1.2);
+    workload.forbidAllocations("library");
     for (const char* peer : {"Boost.Signals2, condition", "ZeroMQ inproc", "Cyclone DDS"})
         workload.limit("library", peer, 1.0);
 }
@@ -44,6 +45,7 @@ void stream(Workload& workload)
     addStream<MoodycamelStream>(workload, "moodycamel 1:1, spins");
     addStream<LockfreeStream>(workload, "Boost.Lockfree 1:1, spins");
     workload.limit("library", "floor", 1.2);
+    workload.forbidAllocations("library");
     workload.limit("library", "ZeroMQ inproc", 1.0);
 }
 
