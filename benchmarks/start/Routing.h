@@ -1,12 +1,9 @@
 #pragma once
 
 #include "benchmarks/road/Road.h"
+#include "benchmarks/start/RoutesByHand.h"
 #include "benchmarks/start/Steps.h"
-#include "trovio/InSlot.h"
 #include "trovio/Namespace.h"
-#include "trovio/OutSlot.h"
-#include <map>
-#include <unordered_map>
 
 namespace Bench {
 
@@ -15,12 +12,6 @@ class RoutedSlots {
 public:
     using Value = Trovio::Vec3<float>;
     static constexpr std::size_t patterns = 100;
-
-    struct Pair {
-        std::string _from, _to;
-        std::unique_ptr<Trovio::OutSlot<Value>> _out;
-        std::unique_ptr<Trovio::InSlot<Value>> _in;
-    };
 
     explicit RoutedSlots(std::size_t slots)
     {
@@ -31,76 +22,81 @@ public:
         }
     }
 
-    const std::vector<Pair>& pairs() const { return _pairs; }
-
-    /// All slots come, under routes that stand; the routes go, and come back to slots that stand; all slots go.
     Sample byLibrary() const
     {
         const OpenRoot root;
         Trovio::Namespace ns;
-        const auto eachRoute = [&](auto step) {
-            for (std::size_t i = 0; i < patterns; ++i)
-                step("device" + std::to_string(i) + "/*", "sink" + std::to_string(i) + "/*");
-        };
-        const auto addRoute = [&](const std::string& from, const std::string& to) { ns.addRoute(from, to); };
-        eachRoute(addRoute);
-        Steps steps(2 * _pairs.size());
-        steps.time([&] {
-            for (const Pair& pair : _pairs) {
-                ns.addOutSlot(pair._from, pair._out.get());
-                ns.addInSlot(pair._to, pair._in.get());
-            }
-        });
-        steps.time([&] { eachRoute([&](const auto& from, const auto& to) { ns.removeRoute(from, to); }); });
-        steps.time([&] { eachRoute(addRoute); });
-        steps.time([&] {
-            for (const Pair& pair : _pairs) {
-                ns.removeSlot(pair._from);
-                ns.removeSlot(pair._to);
-            }
-        });
-        return steps.sample();
+        return run([&](const auto& from, const auto& to) { ns.addRoute(from, to); },
+                   [&](const auto& from, const auto& to) { ns.removeRoute(from, to); },
+                   [&](const Pair& pair) {
+                       ns.addOutSlot(pair._from, pair._out.get());
+                       ns.addInSlot(pair._to, pair._in.get());
+                   },
+                   [&](const Pair& pair) {
+                       ns.removeSlot(pair._from);
+                       ns.removeSlot(pair._to);
+                   });
     }
 
-    /// A map of the slots by label, the pairs that are connected, and the connections themselves; who goes with whom is
-    /// known beforehand.
     Sample byHand() const
     {
-        std::unordered_map<std::string, Trovio::Slot*> slots;
-        std::map<std::pair<Trovio::Slot*, Trovio::Slot*>, int> joints;
-        const auto connectAll = [&] {
-            for (const Pair& pair : _pairs) {
-                ++joints[{pair._out.get(), pair._in.get()}];
-                pair._out->connect(pair._in.get());
-            }
-        };
-        const auto disconnectAll = [&] {
-            for (const Pair& pair : _pairs) {
-                joints.erase({pair._out.get(), pair._in.get()});
-                pair._out->disconnect(pair._in.get());
-            }
-        };
-        Steps steps(2 * _pairs.size());
-        steps.time([&] {
-            for (const Pair& pair : _pairs) {
-                slots.emplace(pair._from, pair._out.get());
-                slots.emplace(pair._to, pair._in.get());
-            }
-            connectAll();
-        });
-        steps.time(disconnectAll);
-        steps.time(connectAll);
-        steps.time([&] {
-            disconnectAll();
-            for (const Pair& pair : _pairs) {
-                slots.erase(pair._from);
-                slots.erase(pair._to);
-            }
-        });
-        return steps.sample();
+        RoutesByHand<Value> routes;
+        return run([&](const auto& from, const auto& to) { routes.addRoute(from, to); },
+                   [&](const auto& from, const auto&) { routes.removeRoute(from); },
+                   [&](const Pair& pair) {
+                       routes.addSlot(pair._from, *pair._out);
+                       routes.addSlot(pair._to, *pair._in);
+                   },
+                   [&](const Pair& pair) {
+                       routes.removeOut(pair._from);
+                       routes.removeIn(pair._to);
+                   });
     }
 
 private:
+    struct Pair {
+        std::string _from, _to;
+        std::unique_ptr<Trovio::OutSlot<Value>> _out;
+        std::unique_ptr<Trovio::InSlot<Value>> _in;
+    };
+
+    /// All slots come, under routes that stand; the routes go, and come back to slots that stand; all slots go.
+    template <class AddRoute, class RemoveRoute, class AddPair, class RemovePair>
+    Sample run(AddRoute addRoute, RemoveRoute removeRoute, AddPair addPair, RemovePair removePair) const
+    {
+        const auto eachRoute = [](auto step) {
+            for (std::size_t i = 0; i < patterns; ++i)
+                step("device" + std::to_string(i) + "/*", "sink" + std::to_string(i) + "/*");
+        };
+        const auto eachPair = [&](auto step) {
+            for (const Pair& pair : _pairs)
+                step(pair);
+        };
+        eachRoute(addRoute);
+        Steps steps(2 * _pairs.size());
+        steps.time([&] { eachPair(addPair); });
+        expectJoined(true);
+        steps.time([&] { eachRoute(removeRoute); });
+        expectJoined(false);
+        steps.time([&] { eachRoute(addRoute); });
+        expectJoined(true);
+        steps.time([&] { eachPair(removePair); });
+        expectJoined(false);
+        return steps.sample();
+    }
+
+    /// Whoever does not join all pairs has done less work.
+    void expectJoined(bool joined) const
+    {
+        for (const Pair& pair : _pairs) {
+            pair._out->push({});
+            if (pair._in->empty() == joined)
+                throw std::logic_error("a pair of slots is " + std::string(joined ? "not joined" : "still joined"));
+            if (joined)
+                pair._in->pop();
+        }
+    }
+
     std::vector<Pair> _pairs;
 };
 

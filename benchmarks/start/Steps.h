@@ -45,4 +45,19 @@ Sample medianOf(std::size_t runs, Run run)
     return median;
 }
 
+/// Runs the smaller size and the larger one, and adds to what the steps of the larger one took for each object how many
+/// times that is what they took with the smaller one.
+template <class Run>
+Sample withGrowth(std::size_t smaller, std::size_t larger, Run run)
+{
+    const auto times = [&](std::size_t objects) {
+        return medianOf(std::max<std::size_t>(1, 15'000 / objects), [&] { return run(objects); });
+    };
+    const Sample before = times(smaller);
+    Sample sample = times(larger);
+    for (std::size_t step = 0; step < before._figures.size(); ++step)
+        sample._figures.push_back(sample._figures[step] / before._figures[step]);
+    return sample;
+}
+
 } // namespace Bench

@@ -1,34 +1,55 @@
 #include "benchmarks/harness/Workload.h"
 #include "benchmarks/start/Registration.h"
 #include "benchmarks/start/Routing.h"
+#include <cmath>
+#include <map>
 
 namespace Bench {
 
 namespace {
 
-constexpr std::size_t runs(std::size_t objects)
+using Run = std::function<Sample(std::size_t objects)>;
+
+/// What each step takes for each object, and how that grows from a tenth of the objects on. Where a search in a map is
+/// all that grows, it grows for each object as the logarithm does, and for all as n log n.
+void addSteps(Workload& workload, const std::vector<std::string>& steps, std::size_t count, const Run& byHand,
+              const Run& byLibrary)
 {
-    return std::max<std::size_t>(1, 15'000 / objects);
+    const std::size_t tenth = count / 10;
+    std::vector<Metric> metrics;
+    for (const std::string& step : steps)
+        metrics.push_back({step, "ns"});
+    for (const std::string& step : steps)
+        metrics.push_back({step + " growth", "x"});
+    workload.setMetrics(metrics);
+    workload.add("by hand", [=] { return withGrowth(tenth, count, byHand); });
+    workload.add("library", [=] { return withGrowth(tenth, count, byLibrary); });
+    const double expected = std::log(static_cast<double>(count)) / std::log(static_cast<double>(tenth));
+    for (std::size_t step = 0; step < steps.size(); ++step) {
+        workload.limit("library", "by hand", 1.3, step);
+        workload.limitToFigure("library", "n log n's " + std::to_string(expected).substr(0, 4), expected,
+                               steps.size() + step);
+    }
 }
 
 /// Each figure is for one sensor with its four handlers.
 template <std::size_t Count>
 void registration(Workload& workload)
 {
-    workload.setMetrics({{"start", "ns"}, {"leave", "ns"}, {"come back", "ns"}, {"shutdown", "ns"}});
-    workload.add("by hand", [] { return medianOf(runs(Count), [] { return Registry::run(Count); }); });
-    workload.add("library", [] { return medianOf(runs(Count), [] { return registerByLibrary(Count); }); });
-    workload.limitEach("library", "by hand", 1.3);
+    addSteps(workload, {"start", "leave", "come back", "shutdown"}, Count, Registry::run, registerByLibrary);
 }
 
 /// Each figure is for one slot.
 template <std::size_t Count>
 void routing(Workload& workload)
 {
-    const auto slots = std::make_shared<RoutedSlots>(Count);
-    workload.setMetrics({{"slots come", "ns"}, {"routes go", "ns"}, {"routes come", "ns"}, {"slots go", "ns"}});
-    workload.add("by hand", [slots] { return medianOf(runs(Count), [&] { return slots->byHand(); }); });
-    workload.add("library", [slots] { return medianOf(runs(Count), [&] { return slots->byLibrary(); }); });
+    const auto slots = std::make_shared<std::map<std::size_t, RoutedSlots>>();
+    for (const std::size_t count : {Count / 10, Count})
+        slots->emplace(count, RoutedSlots(count));
+    addSteps(
+        workload, {"slots come", "routes go", "routes come", "slots go"}, Count,
+        [slots](std::size_t count) { return slots->at(count).byHand(); },
+        [slots](std::size_t count) { return slots->at(count).byLibrary(); });
 }
 
 } // namespace
