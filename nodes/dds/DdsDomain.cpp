@@ -4,6 +4,7 @@
 #include "nodes/dds/DdsLog.h"
 #include "nodes/dds/LoopbackOnly.h"
 #include "nodes/dds/OwnAddress.h"
+#include <optional>
 
 namespace Trovio::Nodes {
 
@@ -33,13 +34,19 @@ void closeDomain(DdsDomain* domain)
 DdsEntity createDomain(const DdsDomainSettings& settings)
 {
     const std::string config = makeDdsConfig(settings);
+    std::optional<LoopbackOnly> confinement;
+    if (settings.isLoopback())
+        confinement.emplace(settings);
     DdsLog::Listening log;
-    const dds_entity_t domain = dds_create_domain(settings._number, config.c_str());
-    if (domain < 0)
+    const dds_entity_t result = dds_create_domain(settings._number, config.c_str());
+    if (result < 0)
         throw DdsProblem("cannot open " + settings.describe() + ": " +
-                         (log.text().empty() ? dds_strretcode(domain) : log.text()) +
+                         (log.text().empty() ? dds_strretcode(result) : log.text()) +
                          "; choose a network interface of this machine with interface=NAME");
-    return DdsEntity(domain, "");
+    DdsEntity domain(result, "");
+    if (confinement)
+        confinement->confine();
+    return domain;
 }
 
 } // namespace
@@ -93,8 +100,6 @@ std::shared_ptr<LocalTopic> DdsDomain::getTopic(const std::string& name)
 DdsDomain::DdsDomain(const DdsDomainSettings& settings)
     : _settings(settings), _addresses(findOwnAddresses(settings)), _domain(createDomain(settings))
 {
-    if (settings.isLoopback())
-        confineToLoopback(settings._number);
 }
 
 } // namespace Trovio::Nodes

@@ -1,4 +1,6 @@
 #include "nodes/dds/LoopbackOnly.h"
+#include "nodes/shared/FileDescriptor.h"
+#include "nodes/shared/SocketAddress.h"
 #include "tests/dds/DdsFixture.h"
 #include "tests/nodes/SampleValues.h"
 #include "trovio/SlotTypes.h"
@@ -223,19 +225,25 @@ TEST_F(DdsNodeTest, MissingInterfaceIsNamed)
     node.awaitReason("choose a network interface of this machine with interface=NAME");
 }
 
-TEST_F(DdsNodeTest, LoopbackSocketsTakeNothingFromOtherInterfaces)
+TEST_F(DdsNodeTest, LoopbackSocketsOfTheDomainAloneTakeNothingFromOtherInterfaces)
 {
+    DdsDomainSettings domain;
+    domain._number = domainOfTest();
+    domain._processes = 32; // as is the default
+    const FileDescriptor other(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    const auto port = SocketAddress::parse("0.0.0.0", static_cast<std::uint16_t>(7400 + 250 * domain._number + 50));
+    ASSERT_EQ(::bind(other.get(), port->get(), port->getLength()), 0);
     DdsPeer node("publish='A Float' label=node");
     Feed<float> feed("node/A");
     feed.push(1.0F, 1.0);
     node.awaitCount("out samples", 1);
-    const auto sockets = findDdsSockets(domainOfTest());
-    EXPECT_GE(sockets.size(), 2U);
-    for (const int socket : sockets) {
+    const auto sockets = findSocketsAt(domain);
+    EXPECT_GE(sockets.size(), 3U);
+    for (const auto& [number, socket] : sockets) {
         char device[IFNAMSIZ] = "";
         socklen_t length = sizeof(device);
         ASSERT_EQ(::getsockopt(socket, SOL_SOCKET, SO_BINDTODEVICE, device, &length), 0);
-        EXPECT_STREQ(device, "lo");
+        EXPECT_STREQ(device, socket == other.get() ? "" : "lo");
     }
 }
 
