@@ -81,9 +81,12 @@ std::shared_ptr<DdsDomain> DdsDomain::open(const DdsDomainSettings& settings)
 
 bool DdsDomain::isCurrent() const
 try {
-    return _settings.isLoopback() || findOwnAddresses(_settings) == _addresses;
+    if (_settings.isLoopback())
+        return true;
+    const std::string addresses = findOwnAddresses(_settings);
+    return addresses.empty() || addresses == _addresses;
 } catch (const DdsProblem&) {
-    return false;
+    return true; // no way to the first host, for now
 }
 
 std::shared_ptr<LocalTopic> DdsDomain::getTopic(const std::string& name)

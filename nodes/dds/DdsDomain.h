@@ -40,7 +40,8 @@ public:
 
     const DdsDomainSettings& getSettings() const { return _settings; }
 
-    /// False once its interface has other addresses than when it was opened: peers know the old ones.
+    /// False once its interface has other addresses than when it was opened: peers know the old ones. While it has
+    /// none, or nothing leads to the first host, the old ones may yet come back.
     bool isCurrent() const;
 
     /// The same object for all who name a topic.

@@ -110,6 +110,8 @@ void DdsOutLane::open(const DdsEnds& ends)
     _isLocal = ends._domain->getSettings().isLoopback();
     const Ostrel::LockGuard guard(_sendLock);
     _writerID = ends._writerID;
+    if (!_pending)
+        _pending = _last;
     _localTopic = ends._domain->getTopic(_name);
     _ddsTopic = DdsEntity(dds_create_topic(ends._participant, &_descriptor, _name.c_str(), nullptr, nullptr), what);
     const DdsQos qos = makeWriterQos(ends._quality);
@@ -164,6 +166,7 @@ DdsOutLane::Outcome DdsOutLane::sendOne()
         _pending = takeSample(problem);
         if (!_pending)
             return Outcome::NothingWaits;
+        _last.reset(); // what it refers to is gone
         if (!problem.empty()) {
             fail(problem);
             return Outcome::Sent;
@@ -184,7 +187,7 @@ DdsOutLane::Outcome DdsOutLane::sendOne()
         return Outcome::Sent;
     }
     _counters._samples.add();
-    _pending.reset();
+    _last = std::exchange(_pending, std::nullopt);
     return Outcome::Sent;
 }
 

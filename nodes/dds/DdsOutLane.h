@@ -25,10 +25,11 @@ struct DdsOutCounters {
 };
 
 /// One topic that is published, and the in-slot whose records go there.
-/// While the topic is closed, or a reader does not keep up, records wait in the slot, the newest of them.
-/// A small record is sent by the thread that pushes it, where that cannot wait for anything: on the loopback, to few
-/// readers, none of them in this program. All others are sent by the node's thread.
-/// Threads: any thread pushes into the slot; one thread does the rest.
+/// While the topic is closed, or a reader does not keep up, records wait in the slot, the newest of them. When it is
+/// opened again, the last record goes out anew before them, with its number: what readers have not acknowledged, and
+/// what is kept for late joiners, goes when the topic is closed. A small record is sent by the thread that pushes it,
+/// where that cannot wait for anything: on the loopback, to few readers, none of them in this program. All others are
+/// sent by the node's thread. Threads: any thread pushes into the slot; one thread does the rest.
 class DdsOutLane {
 public:
     /// arrived is called on the pushing thread after each record, under locks: it may only wake somebody.
@@ -63,8 +64,8 @@ protected:
     DdsOutLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
                std::optional<std::size_t> mostWaiting, DdsOutCounters& counters, Clock& clock);
 
-    /// Takes the oldest waiting record, if there is one; the sample lives until the next call. It says why the record
-    /// cannot be sent in problem.
+    /// Takes the oldest waiting record, if there is one; the sample lives until the next one is taken. It says why the
+    /// record cannot be sent in problem.
     virtual std::optional<Sample> takeSample(std::string& problem) OSTREL_REQUIRES(_sendLock) = 0;
 
     /// For the pushing thread, under locks. False if the node's thread has to look what is left.
@@ -91,6 +92,7 @@ private:
     std::uint64_t _writerID OSTREL_GUARDED_BY(_sendLock) = 0; // the node's
     std::uint64_t _number OSTREL_GUARDED_BY(_sendLock) = 0;
     std::optional<Sample> _pending OSTREL_GUARDED_BY(_sendLock); // the library has not taken it yet
+    std::optional<Sample> _last OSTREL_GUARDED_BY(_sendLock);    // the one that the library took last
     Seldom _reports OSTREL_GUARDED_BY(_sendLock);
     std::shared_ptr<LocalTopic> _localTopic OSTREL_GUARDED_BY(_sendLock);
     DdsEntity _ddsTopic OSTREL_GUARDED_BY(_sendLock), _writer OSTREL_GUARDED_BY(_sendLock);

@@ -160,6 +160,24 @@ TEST_F(DdsTwoMachines, InterfaceThatComesLaterOrChangesItsAddressIsOpenedAgain)
         _reader->awaitRunning();
     }
 }
+
+class DdsPublisherWithoutAddress : public DdsTwoMachines, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(DdsPublisherWithoutAddress, LastValueArrivesOnceItHasOne)
+{
+    constexpr long last = 200;
+    start(last, "");
+    _count->takeUntil(10);
+    _machines.line().cut(Line::Way::Both);
+    std::this_thread::sleep_for(std::chrono::seconds(1 + last / rate)); // all is written by then
+    _machines.runThere("ip address flush dev cable0");
+    std::this_thread::sleep_for(std::chrono::seconds(3)); // the node looks every two
+    _machines.runThere(std::string("ip address add dev cable0 ") + GetParam());
+    _machines.line().mend();
+    _count->takeUntil(last);
+}
+INSTANTIATE_TEST_SUITE_P(Dds, DdsPublisherWithoutAddress, ::testing::Values("10.77.0.2/24", "10.77.0.5/24"),
+                         [](const auto& row) { return row.index == 0 ? "TheSame" : "Another"; });
 #endif
 
 } // namespace

@@ -45,11 +45,11 @@ void TwoMachines::setUp(unsigned seed)
         throw std::runtime_error("no second network namespace: " + _there->err());
     _pid = _there->out().substr(0, _there->out().find('\n'));
     _line.emplace("cable0", "plug0", seed);
-    const std::string there = "nsenter --target " + _pid + " --net ";
     run("ip link set plug0 netns " + _pid + " name cable0");
     run("ip address add 10.77.0.1/24 dev cable0 && ip link set cable0 up && ip link set lo up");
-    run(there + "ip address add 10.77.0.2/24 dev cable0");
-    run(there + "ip link set cable0 up && " + there + "ip link set lo up");
+    runThere("ip address add 10.77.0.2/24 dev cable0");
+    runThere("ip link set cable0 up");
+    runThere("ip link set lo up");
 }
 
 void TwoMachines::run(const std::string& command)

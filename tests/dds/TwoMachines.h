@@ -23,6 +23,8 @@ public:
 
     /// In the shell, on this machine. Throws std::runtime_error where it fails.
     void run(const std::string& command);
+    /// One program on the other machine, with its arguments.
+    void runThere(const std::string& command) { run("nsenter --target " + _pid + " --net " + command); }
 
 private:
     void setUp(unsigned seed);
