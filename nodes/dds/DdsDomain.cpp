@@ -51,9 +51,13 @@ DdsEntity createDomain(const DdsDomainSettings& settings)
 
 } // namespace
 
-std::string DdsDomainSettings::describe() const
+std::string DdsDomainSettings::describe(const std::string& ownAddress) const
 {
-    std::string text = "domain " + std::to_string(_number) + " on interface " + (_interface.empty() ? "?" : _interface);
+    std::string text = "domain " + std::to_string(_number);
+    if (!_interface.empty())
+        text += " on interface " + _interface;
+    else
+        text += ownAddress.empty() ? " towards " + _hosts.front() : " at address " + ownAddress;
     if (isLoopback())
         return text + ", this machine only";
     return text + (isMulticast() ? ", peers found by multicast" : ", without multicast");
@@ -71,10 +75,10 @@ std::shared_ptr<DdsDomain> DdsDomain::open(const DdsDomainSettings& settings)
         open._domains[settings._number] = domain;
     }
     if (!(domain->getSettings() == settings))
-        throw DdsProblem("another node of this program has already opened " + domain->getSettings().describe() +
+        throw DdsProblem("another node of this program has already opened " + domain->describe() +
                          "; give both the same interface, host, lease, processes and largest, or another domain");
     if (!domain->isCurrent())
-        throw DdsProblem("another node of this program still has " + domain->getSettings().describe() +
+        throw DdsProblem("another node of this program still has " + domain->describe() +
                          " open with an address that is gone; it is tried again");
     return domain;
 }

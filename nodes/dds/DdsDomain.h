@@ -23,8 +23,9 @@ struct DdsDomainSettings {
     bool isSix() const { return !_hosts.empty() && _hosts.front().find(':') != std::string::npos; } // of IPv6
     bool operator==(const DdsDomainSettings&) const = default;
 
-    /// "domain 0 on interface lo, this machine only"
-    std::string describe() const;
+    /// "domain 0 on interface lo, this machine only". Where no interface is named: by the own address, or, while that
+    /// is not known, by the host that the domain leads to.
+    std::string describe(const std::string& ownAddress = "") const;
 };
 
 /// This program's part in a DDS domain: its sockets and threads, shared by all nodes that name the same number.
@@ -39,6 +40,7 @@ public:
     explicit DdsDomain(const DdsDomainSettings& settings);
 
     const DdsDomainSettings& getSettings() const { return _settings; }
+    std::string describe() const { return _settings.describe(_addresses); }
 
     /// False once its interface has other addresses than when it was opened: peers know the old ones. While it has
     /// none, or nothing leads to the first host, the old ones may yet come back.

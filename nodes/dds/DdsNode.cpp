@@ -103,9 +103,9 @@ double DdsNode::tryOpen()
         setDegraded(problem.what());
         return _clock.now() + reopenPeriod;
     }
-    const DdsDomainSettings& domain = _session->getSettings()._domain;
-    report(osg::LogAlways, "DDS: " + domain.describe() + "; interface=NAME or host=ADDRESS chooses another");
-    _graceEnd = _clock.now() + domain._lease;
+    report(osg::LogAlways,
+           "DDS: " + _session->getDomain().describe() + "; interface=NAME or host=ADDRESS chooses another");
+    _graceEnd = _clock.now() + _session->getSettings()._domain._lease;
     _lookNeeded = true;
     _nextAddressLook = _clock.now() + addressPeriod;
     return 0.0;
@@ -118,7 +118,7 @@ void DdsNode::closeIfStale()
     _nextAddressLook = _clock.now() + addressPeriod;
     if (_session->getDomain().isCurrent())
         return;
-    setDegraded("the address of this machine in " + _session->getSettings()._domain.describe() +
+    setDegraded("the address of this machine in " + _session->getDomain().describe() +
                 " has changed; it is opened again");
     _session->close();
 }
@@ -151,7 +151,7 @@ void DdsNode::reportHealth()
     if (!mismatch.empty())
         setDegraded(mismatch);
     else if (!unpublished.empty() && _clock.now() >= _graceEnd)
-        setDegraded("nobody publishes " + listOf(unpublished) + " in " + _session->getSettings()._domain.describe() +
+        setDegraded("nobody publishes " + listOf(unpublished) + " in " + _session->getDomain().describe() +
                     "; interface=NAME or host=ADDRESS chooses another");
     else
         setRunning();
