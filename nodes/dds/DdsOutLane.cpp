@@ -121,8 +121,13 @@ void DdsOutLane::open(const DdsEnds& ends)
 void DdsOutLane::close()
 {
     _isQuick = false;
-    const Ostrel::LockGuard guard(_sendLock);
-    _writer = DdsEntity();
+    std::string complaint;
+    {
+        const Ostrel::LockGuard guard(_sendLock);
+        _writer = DdsEntity();
+        complaint = std::exchange(_complaint, {});
+    }
+    tell(complaint);
 }
 
 void DdsOutLane::onMatched(dds_entity_t, dds_publication_matched_status_t, void* lane) noexcept
@@ -149,14 +154,22 @@ bool DdsOutLane::sendAtOnce() noexcept
             for (int i = 0; i < mostAtOnce && outcome == Outcome::Sent; ++i)
                 outcome = sendOne();
         });
+    const bool isDone = outcome == Outcome::NothingWaits && _complaint.empty();
     _sendLock.unlock();
-    return outcome == Outcome::NothingWaits;
+    return isDone;
 }
 
 DdsOutLane::Outcome DdsOutLane::send()
 {
-    const Ostrel::LockGuard guard(_sendLock);
-    return sendOne();
+    Outcome outcome{};
+    std::string complaint;
+    {
+        const Ostrel::LockGuard guard(_sendLock);
+        outcome = sendOne();
+        complaint = std::exchange(_complaint, {});
+    }
+    tell(complaint);
+    return outcome;
 }
 
 DdsOutLane::Outcome DdsOutLane::sendOne()
@@ -211,8 +224,13 @@ void DdsOutLane::fail(const std::string& problem)
 void DdsOutLane::complain(const std::string& problem)
 {
     if (const auto withheld = _reports.admit())
-        report(osg::LogWarning, "DDS: topic " + _topic._name + ": " + problem +
-                                    (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : ""));
+        _complaint = problem + (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : "");
+}
+
+void DdsOutLane::tell(const std::string& complaint) const
+{
+    if (!complaint.empty())
+        report(osg::LogWarning, "DDS: topic " + _topic._name + ": " + complaint);
 }
 
 } // namespace Trovio::Nodes

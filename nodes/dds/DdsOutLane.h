@@ -78,7 +78,9 @@ private:
     Outcome sendOne() OSTREL_REQUIRES(_sendLock);
     dds_return_t write(const Sample& sample) OSTREL_REQUIRES(_sendLock);
     void fail(const std::string& problem) OSTREL_REQUIRES(_sendLock);
-    void complain(const std::string& problem) OSTREL_REQUIRES(_sendLock); // seldom
+    /// Seldom. It is told by the node's thread: who pushes holds locks, and the log may be slow.
+    void complain(const std::string& problem) OSTREL_REQUIRES(_sendLock);
+    void tell(const std::string& complaint) const OSTREL_EXCLUDES(_sendLock);
 
     const ListedSlot _topic;
     const std::string _name; // in the domain
@@ -94,6 +96,7 @@ private:
     std::optional<Sample> _pending OSTREL_GUARDED_BY(_sendLock); // the library has not taken it yet
     std::optional<Sample> _last OSTREL_GUARDED_BY(_sendLock);    // the one that the library took last
     Seldom _reports OSTREL_GUARDED_BY(_sendLock);
+    std::string _complaint OSTREL_GUARDED_BY(_sendLock); // to be told
     std::shared_ptr<LocalTopic> _localTopic OSTREL_GUARDED_BY(_sendLock);
     DdsEntity _ddsTopic OSTREL_GUARDED_BY(_sendLock), _writer OSTREL_GUARDED_BY(_sendLock);
 };
