@@ -61,6 +61,7 @@ TEST_P(WorkerWait, WakeIsNeverLost)
         _worker.wake();
         seen.wait(i);
     }
+    _worker.stop(); // before the counts go
 }
 
 INSTANTIATE_TEST_SUITE_P(ForTimeAndDescriptor, WorkerWait, ::testing::Combine(::testing::Bool(), ::testing::Bool()));
