@@ -39,7 +39,9 @@ public:
           _domain(DdsDomain::open(domainSettings(meeting._domain))),
           _participant(dds_create_participant(meeting._domain, nullptr, nullptr), "participant")
     {
-        const DdsQos written = makeWriterQos({"", 64, true}), read = makeReaderQos({"", 64, true});
+        DdsQuality quality;
+        quality._depth = quality._readerDepth = 64;
+        const DdsQos written = makeWriterQos(quality), read = makeReaderQos(quality);
         const auto topic = [&](const std::string& name, Load load) {
             return dds_create_topic(_participant.get(), &descriptor(load), name.c_str(), nullptr, nullptr);
         };
@@ -75,7 +77,8 @@ public:
             dds_return_loan(reader(), &sample, 1);
         }
     }
-    void wait() { dds_waitset_wait(_waitset.get(), nullptr, 0, DDS_INFINITY); }
+    /// Returns after a second at the latest.
+    void wait() { dds_waitset_wait(_waitset.get(), nullptr, 0, DDS_SECS(1)); }
     void stopWaiting() { dds_waitset_set_trigger(_waitset.get(), true); }
 
 private:
@@ -104,12 +107,15 @@ public:
 
     void take() override
     {
-        while (_taking == Taking::Waitset && !_answers.try_acquire()) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        bool answered = _taking == Taking::Listener ? _answers.try_acquire_until(end) : _answers.try_acquire();
+        while (!answered && std::chrono::steady_clock::now() < end) {
             _ends.wait();
             _ends.takeAll();
+            answered = _answers.try_acquire();
         }
-        if (_taking == Taking::Listener)
-            _answers.acquire();
+        if (!answered)
+            throw std::runtime_error("the other process did not answer within 10 s");
     }
 
     bool poll() override
