@@ -15,13 +15,7 @@ public:
 
     void push() { _out.push(someRecord); }
     void take(std::size_t i) { keep(_ins[i]->pop()); }
-    bool poll(std::size_t i)
-    {
-        if (_ins[i]->empty())
-            return false;
-        take(i);
-        return true;
-    }
+    bool poll(std::size_t i) { return takeIfAny(*_ins[i]); }
 
 private:
     FloorOut<FloorIn<Record>> _out;

@@ -30,13 +30,7 @@ public:
 
     void push() { _out.push(_record); }
     void take(std::size_t i) { keep(_ins[i]->pop()); }
-    bool poll(std::size_t i)
-    {
-        if (_ins[i]->empty())
-            return false;
-        take(i);
-        return true;
-    }
+    bool poll(std::size_t i) { return takeIfAny(*_ins[i]); }
 
 private:
     const LibraryRecord _record = someLibraryRecord();

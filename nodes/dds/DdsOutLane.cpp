@@ -27,7 +27,6 @@ std::optional<std::size_t> sizeOf(unsigned samples)
 }
 
 /// A slot value type T and how it travels: WireValue<T> or RosValue<T>.
-
 template <class T, class Value>
 class TypedOutLane final : public DdsOutLane, SlotListener {
 public:
