@@ -27,6 +27,7 @@ constexpr std::array contenders{
     Contender{"library", makeNearNode, makeFarNode},
 };
 constexpr unsigned firstDomain = 190; // one for each contender
+constexpr int mostGreetings = 200;
 
 /// One contender's two processes.
 class Pair {
@@ -36,7 +37,9 @@ public:
                 std::to_string(::getpid())}),
           _near(contenders[contender]._near(meeting(contender, load, ::getpid())))
     {
-        while (!_near->poll()) {
+        for (int i = 0; !_near->poll(); ++i) {
+            if (i == mostGreetings)
+                throw std::runtime_error("the other process does not answer");
             _near->send();
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
         }
