@@ -12,8 +12,12 @@ namespace {
 
 /// The domains of this program. The library's own threads outlive static objects, so this one is never destroyed.
 struct OpenDomains {
+    struct Domain {
+        std::unique_ptr<DdsDomain> _domain;
+        std::weak_ptr<DdsDomain> _users;
+    };
     Ostrel::Mutex _lock;
-    std::map<unsigned, std::weak_ptr<DdsDomain>> _domains OSTREL_GUARDED_BY(_lock);
+    std::map<unsigned, Domain> _domains OSTREL_GUARDED_BY(_lock); // by their numbers
 
     static OpenDomains& get()
     {
@@ -22,13 +26,22 @@ struct OpenDomains {
     }
 };
 
-/// Under the lock, so that nobody opens a domain that is just being closed.
-void closeDomain(DdsDomain* domain)
+/// Unless somebody has opened it again since its last user left.
+void closeUnused(unsigned number)
 {
     OpenDomains& open = OpenDomains::get();
     const Ostrel::LockGuard guard(open._lock);
-    open._domains.erase(domain->getSettings()._number);
-    delete domain;
+    if (const auto found = open._domains.find(number); found != open._domains.end() && found->second._users.expired())
+        open._domains.erase(found);
+}
+
+/// Apart from its interface a domain needs one of the places for programs.
+std::string cureFor(const DdsDomainSettings& settings)
+{
+    if (findOwnAddresses(settings).empty())
+        return "; choose a network interface of this machine with interface=NAME";
+    return "; if " + std::to_string(settings._processes) +
+           " programs of this machine take part in it already, allow more with processes=NUMBER, everywhere";
 }
 
 DdsEntity createDomain(const DdsDomainSettings& settings)
@@ -41,8 +54,7 @@ DdsEntity createDomain(const DdsDomainSettings& settings)
     const dds_entity_t result = dds_create_domain(settings._number, config.c_str());
     if (result < 0)
         throw DdsProblem("cannot open " + settings.describe() + ": " +
-                         (log.text().empty() ? dds_strretcode(result) : log.text()) +
-                         "; choose a network interface of this machine with interface=NAME");
+                         (log.text().empty() ? dds_strretcode(result) : log.text()) + cureFor(settings));
     DdsEntity domain(result, "");
     if (confinement)
         confinement->confine();
@@ -66,13 +78,15 @@ std::string DdsDomainSettings::describe(const std::string& ownAddress) const
 std::shared_ptr<DdsDomain> DdsDomain::open(const DdsDomainSettings& settings)
 {
     OpenDomains& open = OpenDomains::get();
-    std::shared_ptr<DdsDomain> domain;
     const Ostrel::LockGuard guard(open._lock);
-    if (const auto found = open._domains.find(settings._number); found != open._domains.end())
-        domain = found->second.lock();
+    auto& [owned, users] = open._domains[settings._number];
+    auto domain = users.lock();
     if (!domain) {
-        domain = std::shared_ptr<DdsDomain>(new DdsDomain(settings), closeDomain);
-        open._domains[settings._number] = domain;
+        owned.reset(); // its last user is just leaving; the library has no two of one number
+        owned = std::make_unique<DdsDomain>(settings);
+        domain =
+            std::shared_ptr<DdsDomain>(owned.get(), [number = settings._number](DdsDomain*) { closeUnused(number); });
+        users = domain;
     }
     if (!(domain->getSettings() == settings))
         throw DdsProblem("another node of this program has already opened " + domain->describe() +
