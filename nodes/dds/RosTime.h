@@ -20,9 +20,11 @@ inline std::string writeTime(double seconds, RosTime& time)
     return {};
 }
 
+/// No number if the nanoseconds make more than a second.
 inline double readTime(const RosTime& time)
 {
-    return time.sec + time.nanosec * 1e-9;
+    constexpr std::uint32_t inASecond = 1'000'000'000U;
+    return time.nanosec < inASecond ? time.sec + time.nanosec * 1e-9 : std::numeric_limits<double>::quiet_NaN();
 }
 
 } // namespace Trovio::Nodes

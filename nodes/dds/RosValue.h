@@ -83,6 +83,8 @@ public:
     static std::string read(const RosTime& sample, bool, Time& value)
     {
         value = Time(readTime(sample));
+        if (std::isnan(value.getSeconds()))
+            return "a time with " + std::to_string(sample.nanosec) + " nanoseconds; allowed is less than a second";
         return {};
     }
 };
