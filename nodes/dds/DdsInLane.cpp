@@ -16,7 +16,7 @@ template <class Message>
 double stampOf(const Message& message, const dds_sample_info_t& info)
 {
     if constexpr (requires { message.header; })
-        if (const double stamp = readTime(message.header.stamp); stamp > 0.0)
+        if (const double stamp = readTime(message.header.stamp); stamp != 0.0)
             return stamp;
     return info.source_timestamp > 0 ? static_cast<double>(info.source_timestamp) * 1e-9 : 0.0;
 }
@@ -89,7 +89,7 @@ void DdsInLane::open(const DdsEnds& ends)
     const std::string what = "cannot subscribe to " + _topic._name;
     const DdsListener listener(dds_create_listener(this));
     dds_lset_data_available(listener.get(), onData);
-    dds_lset_subscription_matched(listener.get(), onMatched);
+    dds_lset_liveliness_changed(listener.get(), onLiveliness);
     _ddsTopic = DdsEntity(dds_create_topic(ends._participant, &_descriptor, _name.c_str(), nullptr, nullptr), what);
     _localTopic = ends._domain->getTopic(_name);
     _localTopic->addReader();
@@ -108,9 +108,10 @@ void DdsInLane::close()
 
 void DdsInLane::lookForWriters()
 {
-    dds_subscription_matched_status_t status{};
-    dds_get_subscription_matched_status(_reader.get(), &status);
-    setAlive(status.current_count > 0);
+    dds_liveliness_changed_status_t status{};
+    dds_get_liveliness_changed_status(_reader.get(), &status);
+    _isSilent = status.alive_count == 0 && status.not_alive_count > 0;
+    setAlive(status.alive_count > 0);
 }
 
 void DdsInLane::pushTiming(const DdsClocks& clocks, const Time& now)
@@ -141,7 +142,7 @@ void DdsInLane::onData(dds_entity_t reader, void* lane) noexcept
     static_cast<DdsInLane*>(lane)->takeAll(reader);
 }
 
-void DdsInLane::onMatched(dds_entity_t, dds_subscription_matched_status_t, void* lane) noexcept
+void DdsInLane::onLiveliness(dds_entity_t, dds_liveliness_changed_status_t, void* lane) noexcept
 {
     static_cast<DdsInLane*>(lane)->_wake();
 }
@@ -162,16 +163,17 @@ void DdsInLane::take(const void* sample, const dds_sample_info_t& info)
         refuse("its time stamp is " + std::to_string(origin.stamp) + " seconds since 1970");
         return;
     }
-    const auto [isNew, missed] = _numbers.note(origin.writer, origin.number);
+    const auto [isNew, missed] = _numbers.note(info.publication_handle, origin.writer, origin.number);
     _counters._missed.add(missed);
     if (!isNew) {
         _counters._repeated.add();
         return;
     }
-    if (const std::string problem = deliver(sample, Time(origin.stamp)); !problem.empty())
+    if (const std::string problem = deliver(sample, Time(origin.stamp)); !problem.empty()) {
         refuse("it holds " + problem);
-    else
-        _counters._samples.add();
+        return;
+    }
+    _counters._samples.add();
     _newest = {origin.writer, origin.stamp, _clock.wallTime().getSeconds()};
 }
 

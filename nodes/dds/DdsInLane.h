@@ -45,6 +45,8 @@ public:
     /// Pushes it, if the clock of who wrote the newest value is known. now: our date.
     void pushTiming(const DdsClocks& clocks, const Time& now) OSTREL_EXCLUDES(_takeLock);
     bool isAlive() const { return _alive.value_or(false); }
+    /// Somebody publishes it, but gives no sign of life: may be that they do not hear us.
+    bool isSilent() const { return _isSilent; }
 
 protected:
     DdsInLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
@@ -58,7 +60,7 @@ protected:
 
 private:
     static void onData(dds_entity_t reader, void* lane) noexcept;
-    static void onMatched(dds_entity_t reader, dds_subscription_matched_status_t status, void* lane) noexcept;
+    static void onLiveliness(dds_entity_t reader, dds_liveliness_changed_status_t status, void* lane) noexcept;
     void takeAll(dds_entity_t reader) OSTREL_EXCLUDES(_takeLock);
     void take(const void* sample, const dds_sample_info_t& info) OSTREL_REQUIRES(_takeLock);
     void refuse(const std::string& problem) OSTREL_REQUIRES(_takeLock);
@@ -72,6 +74,7 @@ private:
     OutSlot<bool> _aliveSlot;
     OutSlot<Vec3<double>> _timingSlot;
     std::optional<bool> _alive; // what was pushed last
+    bool _isSilent = false;
     std::function<void()> _wake;
 
     Ostrel::Mutex _takeLock; // held around taking and pushing; no lock of a slot or the tree is held when it is taken

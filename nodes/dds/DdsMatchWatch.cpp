@@ -77,44 +77,46 @@ void DdsMatchWatch::look()
     lookAt(_readers.get(), _published, false);
 }
 
-std::string DdsMatchWatch::getProblem() const
+void DdsMatchWatch::tell(DdsTroubles& troubles) const
 {
-    if (_found.empty())
-        return {};
-    const std::string others = _found.size() > 1 ? ", and " + std::to_string(_found.size() - 1) + " more" : "";
-    return _found.begin()->second + others;
+    std::map<std::string, std::vector<std::string>> problems; // by topic
+    for (const auto& [end, mismatch] : _found)
+        problems[mismatch._topic].push_back(mismatch._problem);
+    for (const auto& [topic, texts] : problems) {
+        const std::string others = texts.size() > 1 ? ", and " + std::to_string(texts.size() - 1) + " more" : "";
+        troubles.add(topic, "topic ", ": " + texts.front() + others);
+    }
 }
 
 void DdsMatchWatch::lookAt(dds_entity_t reader, const Topics& ours, bool isWriter)
 {
     takeSamples<Take::All>(reader, [&](const void* sample, const dds_sample_info_t& info) {
-        const bool isThere = info.valid_data && info.instance_state == DDS_ALIVE_INSTANCE_STATE;
-        const std::string problem =
-            isThere ? compare(*static_cast<const dds_builtintopic_endpoint_t*>(sample), ours, isWriter) : "";
-        if (problem.empty())
-            _found.erase(info.instance_handle);
-        else if (_found.size() < mostFound)
-            _found[info.instance_handle] = problem;
+        _found.erase(info.instance_handle);
+        if (!info.valid_data || info.instance_state != DDS_ALIVE_INSTANCE_STATE)
+            return;
+        const auto& other = *static_cast<const dds_builtintopic_endpoint_t*>(sample);
+        const auto topic = ours.find(std::string_view(other.topic_name));
+        if (topic == ours.end() || !isInPartition(other.qos))
+            return;
+        const std::string problem = compare(other, topic->second, isWriter);
+        if (!problem.empty() && _found.size() < mostFound)
+            _found[info.instance_handle] = {topic->second._label, problem};
     });
 }
 
-std::string DdsMatchWatch::compare(const dds_builtintopic_endpoint_t& other, const Topics& ours, bool isWriter) const
+std::string DdsMatchWatch::compare(const dds_builtintopic_endpoint_t& other, const Topic& ours, bool isWriter) const
 {
-    const auto found = ours.find(std::string_view(other.topic_name));
-    if (found == ours.end() || !isInPartition(other.qos))
-        return {};
-    const std::string where = "topic " + found->second._label + ": ";
-    const std::string type = describeTopicType(found->second._type);
+    const std::string type = describeTopicType(ours._type);
     const std::string they = describePeer(other) + (isWriter ? " publishes " : " subscribes to ");
-    if (other.type_name != found->second._type)
-        return where + they + describeTopicType(other.type_name) + ", here it is " + type + "; give both ends one type";
+    if (other.type_name != ours._type)
+        return they + describeTopicType(other.type_name) + ", here it is " + type + "; give both ends one type";
     // A reader may ask for no more than a writer offers.
     if (isWriter ? _quality._reliable && !isReliable(other.qos) : !_quality._reliable && isReliable(other.qos))
-        return where + they + type + " with reliable=" + (isWriter ? "no" : "yes") +
+        return they + type + " with reliable=" + (isWriter ? "no" : "yes") +
                ", here it is reliable=" + (isWriter ? "yes" : "no") +
                "; set reliable=no where it is subscribed to, or yes where it is published";
     if (isWriter && _quality._lateJoiners && !keepsLast(other.qos))
-        return where + they + type + " without keeping the last value for those that join later (transient-local), " +
+        return they + type + " without keeping the last value for those that join later (transient-local), " +
                "which is needed here";
     return {};
 }

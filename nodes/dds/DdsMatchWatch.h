@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nodes/dds/DdsEnds.h"
+#include "nodes/dds/DdsTroubles.h"
 #include "nodes/dds/TopicTypes.h"
 #include "nodes/shared/SlotList.h"
 #include <map>
@@ -24,8 +25,8 @@ public:
     /// Takes in what came and went since the last look.
     void look();
 
-    /// What does not meet: topic, both types, and the peer; empty if all is well.
-    std::string getProblem() const;
+    /// Adds what does not meet: topic, both types, and the peer.
+    void tell(DdsTroubles& troubles) const;
 
 private:
     struct Topic {
@@ -34,14 +35,18 @@ private:
     };
     using Topics = std::map<std::string, Topic, std::less<>>; // by their names in the domain
     void lookAt(dds_entity_t reader, const Topics& ours, bool isWriter);
-    std::string compare(const dds_builtintopic_endpoint_t& other, const Topics& ours, bool isWriter) const;
+    /// What is wrong; empty if nothing is.
+    std::string compare(const dds_builtintopic_endpoint_t& other, const Topic& ours, bool isWriter) const;
     bool isInPartition(const dds_qos_t* qos) const;
     std::string describePeer(const dds_builtintopic_endpoint_t& endpoint) const;
 
     const DdsQuality _quality;
     Topics _published, _subscribed;
-    std::map<dds_instance_handle_t, std::string> _found; // what is wrong with that end of another program
-    DdsEntity _participants, _writers, _readers;         // what the library tells of
+    struct Mismatch {
+        std::string _topic, _problem;
+    };
+    std::map<dds_instance_handle_t, Mismatch> _found; // by the end of another program
+    DdsEntity _participants, _writers, _readers;      // what the library tells of
 };
 
 } // namespace Trovio::Nodes

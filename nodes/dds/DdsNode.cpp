@@ -11,15 +11,13 @@ namespace {
 constexpr double reopenPeriod = 2.0;  // seconds from a failed opening to the next
 constexpr double lookupPeriod = 0.05; // seconds from one look for the answer of a name server to the next
 constexpr double addressPeriod = 2.0; // seconds from one look at the own addresses to the next
-constexpr double retryPeriod = 0.001; // seconds to the next try where a reader does not keep up
-constexpr std::size_t mostNamed = 3;  // topics that a message names
 
-std::string listOf(const std::vector<std::string>& names)
+constexpr std::string_view timingSuffix = "/timing";
+
+/// Whose trouble is the slot's, too. What "Wand/alive" says is never in doubt.
+std::string topicOf(const std::string& label)
 {
-    std::string list;
-    for (std::size_t i = 0; i < names.size() && i < mostNamed; ++i)
-        list += (i > 0 ? ", " : "") + names[i];
-    return names.size() > mostNamed ? list + " and " + std::to_string(names.size() - mostNamed) + " more" : list;
+    return label.ends_with(timingSuffix) ? label.substr(0, label.size() - timingSuffix.size()) : label;
 }
 
 } // namespace
@@ -34,7 +32,7 @@ const NodeTypeEntry& DdsNode::getEntry()
 
 DdsNode::DdsNode(Clock& clock)
     : _clock(clock),
-      _outCounters{addCounter("out samples"), addCounter("out delays"), addCounter("out failed")},
+      _outCounters{addCounter("out samples"), addCounter("out failed")},
       _inCounters{addCounter("in samples"), addCounter("in missed"), addCounter("in repeated"),
                   addCounter("in refused")},
       _worker(clock)
@@ -72,7 +70,7 @@ void DdsNode::start()
 {
     DdsLog::takeOver();
     _worker.start(
-        "dds", [this] { run(); }, [this](const std::string& problem) { setDegraded("ended: " + problem); });
+        "dds", [this] { run(); }, [this](const std::string& problem) { setAllDegraded("ended: " + problem); });
 }
 
 void DdsNode::stop()
@@ -100,7 +98,7 @@ double DdsNode::tryOpen()
         if (!_session->open())
             return _clock.now() + lookupPeriod;
     } catch (const DdsProblem& problem) {
-        setDegraded(problem.what());
+        setAllDegraded(problem.what());
         return _clock.now() + reopenPeriod;
     }
     report(osg::LogAlways,
@@ -118,43 +116,60 @@ void DdsNode::closeIfStale()
     _nextAddressLook = _clock.now() + addressPeriod;
     if (_session->getDomain().isCurrent())
         return;
-    setDegraded("the address of this machine in " + _session->getDomain().describe() +
-                " has changed; it is opened again");
+    setAllDegraded("the address of this machine in " + _session->getDomain().describe() +
+                   " has changed; it is opened again");
     _session->close();
 }
 
 std::optional<double> DdsNode::work()
 {
-    bool retry = false;
-    if (_session->sendWaiting(retry))
+    if (_session->sendWaiting())
         _worker.wake();
-    const bool isGrace = _clock.now() < _graceEnd;
-    if (_lookNeeded.exchange(false) || (!isGrace && _graceEnd > 0.0)) {
+    const bool isEarly = _clock.now() < _graceEnd;
+    if (_lookNeeded.exchange(false) || (!isEarly && _graceEnd > 0.0)) {
         _session->lookAround();
-        reportHealth();
+        setTroubles(_session->getTroubles(isEarly));
     }
-    if (!isGrace)
+    if (!isEarly)
         _graceEnd = 0.0;
-    std::optional<double> next = _session->compareClocks();
+    double next = _session->showLife();
+    if (const auto asking = _session->compareClocks())
+        next = std::min(next, *asking);
     if (!_session->getSettings()._domain.isLoopback())
-        next = std::min(next.value_or(_nextAddressLook), _nextAddressLook);
-    for (const double time : {retry ? _clock.now() + retryPeriod : 0.0, _graceEnd})
-        if (time > 0.0)
-            next = std::min(next.value_or(time), time);
-    return next;
+        next = std::min(next, _nextAddressLook);
+    return isEarly ? std::min(next, _graceEnd) : next;
 }
 
-void DdsNode::reportHealth()
+void DdsNode::setAllDegraded(const std::string& reason)
 {
-    const auto unpublished = _session->getUnpublished();
-    const std::string mismatch = _session->getMismatch();
-    if (!mismatch.empty())
-        setDegraded(mismatch);
-    else if (!unpublished.empty() && _clock.now() >= _graceEnd)
-        setDegraded("nobody publishes " + listOf(unpublished) + " in " + _session->getDomain().describe() +
-                    "; interface=NAME or host=ADDRESS chooses another");
-    else
+    {
+        const Ostrel::LockGuard guard(_troublesLock);
+        _troubles = {};
+    }
+    setDegraded(reason);
+}
+
+void DdsNode::setTroubles(DdsTroubles troubles)
+{
+    const std::string summary = troubles.summary();
+    {
+        const Ostrel::LockGuard guard(_troublesLock);
+        _troubles = std::move(troubles);
+    }
+    if (summary.empty())
         setRunning();
+    else
+        setDegraded(summary);
+}
+
+NodeState DdsNode::getStateOf(const Slot& slot) const
+{
+    const NodeState state = getState();
+    const Ostrel::LockGuard guard(_troublesLock);
+    if (_troubles.summary().empty())
+        return state; // all of it, or nothing
+    const std::string trouble = _troubles.find(topicOf(slot.getName()));
+    return trouble.empty() ? NodeState() : NodeState{true, trouble, state._since};
 }
 
 } // namespace Trovio::Nodes

@@ -16,6 +16,9 @@ public:
 
     static const NodeTypeEntry& getEntry();
 
+    /// Each topic may be in trouble alone.
+    NodeState getStateOf(const Slot& slot) const override OSTREL_EXCLUDES(_troublesLock);
+
 private:
     void configure(const Settings& settings) override;
     void start() override;
@@ -28,7 +31,8 @@ private:
     void closeIfStale();
     /// Sends and looks around; when to do so again, if nothing happens before.
     std::optional<double> work();
-    void reportHealth();
+    void setTroubles(DdsTroubles troubles) OSTREL_EXCLUDES(_troublesLock);
+    void setAllDegraded(const std::string& reason) OSTREL_EXCLUDES(_troublesLock);
 
     Clock& _clock;
     DdsOutCounters _outCounters;
@@ -39,6 +43,10 @@ private:
     std::atomic<bool> _lookNeeded{true};  // peers came or went
     double _nextAddressLook = 0.0;
     double _graceEnd = 0.0; // until then a topic without a publisher is no trouble yet
+
+    mutable Ostrel::Mutex _troublesLock; // leaf
+    DdsTroubles _troubles OSTREL_GUARDED_BY(_troublesLock);
+
     Worker _worker;
 };
 

@@ -11,20 +11,10 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double reportPeriod = 1.0;         // seconds
-constexpr double latestStamp = 4294967296.0; // seconds since 1970, which the protocol counts in 32 bits
-// A write waits only where more than half a megabyte waits for readers.
-constexpr std::size_t mostWaitingOfQuick = 262144; // bytes
-constexpr std::uint32_t mostReadersOfQuick = 2;    // each may take a packet of its own
-constexpr int mostAtOnce = 4;                      // records that other threads have pushed meanwhile
-
-/// Bytes of that many samples, unless their size depends on their value.
-template <class T, class Sample>
-std::optional<std::size_t> sizeOf(unsigned samples)
-{
-    constexpr bool isFixed = std::is_trivially_copyable_v<T>;
-    return isFixed ? std::optional(samples * sizeof(Sample)) : std::nullopt;
-}
+constexpr double reportPeriod = 1.0;            // seconds
+constexpr double latestStamp = 4294967296.0;    // seconds since 1970, which the protocol counts in 32 bits
+constexpr std::uint32_t mostReadersOfQuick = 2; // each may take a packet of its own
+constexpr int mostAtOnce = 4;                   // records that other threads have pushed meanwhile
 
 /// A slot value type T and how it travels: WireValue<T> or RosValue<T>.
 template <class T, class Value>
@@ -32,7 +22,7 @@ class TypedOutLane final : public DdsOutLane, SlotListener {
 public:
     TypedOutLane(const ListedSlot& topic, const DdsFormat& format, unsigned capacity, DdsOutCounters& counters,
                  Clock& clock, std::function<void()> arrived)
-        : DdsOutLane(topic, format, Value::descriptor(), sizeOf<T, typename Value::Sample>(capacity), counters, clock),
+        : DdsOutLane(topic, format, Value::descriptor(), std::is_trivially_copyable_v<T>, counters, clock),
           _arrived(std::move(arrived)),
           _slot(topic._name, capacity)
     {
@@ -42,7 +32,7 @@ public:
     BasicInSlot& getSlot() override { return _slot; }
 
 private:
-    std::optional<Sample> takeSample(std::string& problem) override OSTREL_REQUIRES(_sendLock)
+    std::optional<Sample> takeSample(const void* kept, std::string& problem) override OSTREL_REQUIRES(_sendLock)
     {
         if (!_waiting.load())
             return std::nullopt;
@@ -50,15 +40,16 @@ private:
         if (_slot.empty())
             return std::nullopt;
         _waiting = true;
-        _record = _slot.pop();
-        problem = _value.refer(_record.getValue(), _sample);
-        const double stamp = _record.getTimeStamp().getSeconds();
-        if constexpr (requires { _sample.origin; })
-            return Sample{&_sample, &_sample.origin, stamp};
-        if constexpr (requires { _sample.header; })
+        auto& [record, value, sample] = _prepared[kept == &_prepared[0]._sample ? 1 : 0];
+        record = _slot.pop();
+        problem = value.refer(record.getValue(), sample);
+        const double stamp = record.getTimeStamp().getSeconds();
+        if constexpr (requires { sample.origin; })
+            return Sample{&sample, &sample.origin, stamp};
+        if constexpr (requires { sample.header; })
             if (problem.empty())
-                problem = writeTime(stamp, _sample.header.stamp);
-        return Sample{&_sample, nullptr, stamp};
+                problem = writeTime(stamp, sample.header.stamp);
+        return Sample{&sample, nullptr, stamp};
     }
 
     void dataArrived(Slot&) override
@@ -71,9 +62,12 @@ private:
     const std::function<void()> _arrived;
     std::atomic<bool> _waiting{false}; // spares the lock of the many slots that have nothing
     BufferedInSlot<T> _slot;
-    Data<T> _record;
-    Value _value;
-    typename Value::Sample _sample{};
+    struct Prepared {
+        Data<T> _record;
+        Value _value; // of the record, which the sample refers to
+        typename Value::Sample _sample{};
+    };
+    std::array<Prepared, 2> _prepared; // the last that was sent, and the next
 };
 
 } // namespace
@@ -90,12 +84,12 @@ std::unique_ptr<DdsOutLane> DdsOutLane::create(const ListedSlot& topic, const Dd
 }
 
 DdsOutLane::DdsOutLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
-                       std::optional<std::size_t> mostWaiting, DdsOutCounters& counters, Clock& clock)
+                       bool isSmall, DdsOutCounters& counters, Clock& clock)
     : _topic(topic),
       _name(format.nameOf(topic._name)),
       _descriptor(descriptor),
       _counters(counters),
-      _isSmall(mostWaiting && *mostWaiting <= mostWaitingOfQuick),
+      _isSmall(isSmall),
       _reports(clock, reportPeriod)
 {
 }
@@ -109,12 +103,12 @@ void DdsOutLane::open(const DdsEnds& ends)
     _isLocal = ends._domain->getSettings().isLoopback();
     const Ostrel::LockGuard guard(_sendLock);
     _writerID = ends._writerID;
-    if (!_pending)
-        _pending = _last;
     _localTopic = ends._domain->getTopic(_name);
     _ddsTopic = DdsEntity(dds_create_topic(ends._participant, &_descriptor, _name.c_str(), nullptr, nullptr), what);
     const DdsQos qos = makeWriterQos(ends._quality);
     _writer = DdsEntity(dds_create_writer(ends._publisher, _ddsTopic.get(), qos.get(), listener.get()), what);
+    if (_last)
+        write(*_last);
 }
 
 void DdsOutLane::close()
@@ -146,76 +140,65 @@ bool DdsOutLane::sendAtOnce() noexcept
 {
     if (!_isQuick || !_sendLock.tryLock())
         return false;
-    auto outcome = Outcome::TryLater;
+    bool mayWait = true;
     if (_writer.isOpen())
-        _localTopic->writeUnread([this, &outcome]() OSTREL_NO_THREAD_SAFETY_ANALYSIS {
-            outcome = Outcome::Sent;
-            for (int i = 0; i < mostAtOnce && outcome == Outcome::Sent; ++i)
-                outcome = sendOne();
+        _localTopic->writeUnread([this, &mayWait]() OSTREL_NO_THREAD_SAFETY_ANALYSIS {
+            for (int i = 0; i < mostAtOnce && mayWait; ++i)
+                mayWait = sendOne();
         });
-    const bool isDone = outcome == Outcome::NothingWaits && _complaint.empty();
+    const bool isDone = !mayWait && _complaint.empty();
     _sendLock.unlock();
     return isDone;
 }
 
-DdsOutLane::Outcome DdsOutLane::send()
+bool DdsOutLane::send()
 {
-    Outcome outcome{};
+    bool isSent = false;
     std::string complaint;
     {
         const Ostrel::LockGuard guard(_sendLock);
-        outcome = sendOne();
+        isSent = sendOne();
         complaint = std::exchange(_complaint, {});
     }
     tell(complaint);
-    return outcome;
+    return isSent;
 }
 
-DdsOutLane::Outcome DdsOutLane::sendOne()
+bool DdsOutLane::sendOne()
 {
-    if (!_pending) {
-        std::string problem;
-        _pending = takeSample(problem);
-        if (!_pending)
-            return Outcome::NothingWaits;
-        _last.reset(); // what it refers to is gone
-        if (!problem.empty()) {
-            fail(problem);
-            return Outcome::Sent;
-        }
-        if (_pending->_origin)
-            *_pending->_origin = {_pending->_stamp, _writerID, ++_number};
+    std::string problem;
+    const auto sample = takeSample(_last ? _last->_sample : nullptr, problem);
+    if (!sample)
+        return false;
+    if (!problem.empty()) {
+        fail(problem);
+        return true;
     }
+    if (sample->_origin)
+        *sample->_origin = {sample->_stamp, _writerID, ++_number};
+    if (write(*sample)) {
+        _counters._samples.add();
+        _last = sample;
+    }
+    return true;
+}
+
+bool DdsOutLane::write(const Sample& sample)
+{
     const DdsLog::Listening log;
-    const dds_return_t result = write(*_pending);
-    if (!log.text().empty())
-        complain(log.text());
-    if (result == DDS_RETCODE_TIMEOUT) {
-        _counters._delays.add();
-        return Outcome::TryLater;
-    }
-    if (result != DDS_RETCODE_OK) {
-        fail(dds_strretcode(result));
-        return Outcome::Sent;
-    }
-    _counters._samples.add();
-    _last = std::exchange(_pending, std::nullopt);
-    return Outcome::Sent;
-}
-
-dds_return_t DdsOutLane::write(const Sample& sample)
-{
-    if (sample._origin)
-        return dds_write(_writer.get(), sample._sample);
     // The library carries the stamp beside samples that have no room for it.
-    const bool fits = sample._stamp >= 0.0 && sample._stamp < latestStamp;
-    return fits ? dds_write_ts(_writer.get(), sample._sample, toDdsDuration(sample._stamp))
-                : dds_write(_writer.get(), sample._sample);
+    const bool isBeside = !sample._origin && sample._stamp >= 0.0 && sample._stamp < latestStamp;
+    const dds_return_t result = isBeside ? dds_write_ts(_writer.get(), sample._sample, toDdsDuration(sample._stamp))
+                                         : dds_write(_writer.get(), sample._sample);
+    if (result != DDS_RETCODE_OK)
+        fail(log.text().empty() ? dds_strretcode(result) : log.text());
+    else if (!log.text().empty())
+        complain(log.text());
+    return result == DDS_RETCODE_OK;
 }
 
 void DdsOutLane::fail(const std::string& problem)
 {
-    _pending.reset();
     _counters._failed.add();
     complain("a record cannot be sent: " + problem);
 }

@@ -20,16 +20,16 @@ namespace Trovio::Nodes {
 /// What became of records that were to be sent; shown by the node.
 struct DdsOutCounters {
     Counter& _samples; // that the library took
-    Counter& _delays;  // writes that had to be tried again, since a reader did not keep up
     Counter& _failed;  // records that could not be sent
 };
 
 /// One topic that is published, and the in-slot whose records go there.
-/// While the topic is closed, or a reader does not keep up, records wait in the slot, the newest of them. When it is
-/// opened again, the last record goes out anew before them, with its number: what readers have not acknowledged, and
-/// what is kept for late joiners, goes when the topic is closed. A small record is sent by the thread that pushes it,
-/// where that cannot wait for anything: on the loopback, to few readers, none of them in this program. All others are
-/// sent by the node's thread. Threads: any thread pushes into the slot; one thread does the rest.
+/// While the topic is closed, records wait in the slot, the newest of them. When it is opened again, the last record
+/// goes out anew before them, with its number: what readers have not acknowledged, and what is kept for late joiners,
+/// goes when the topic is closed. A reader that does not keep up holds up nothing: the library then replaces the oldest
+/// samples that wait for it. A record of fixed size is sent by the thread that pushes it, where that cannot wait for
+/// anything: on the loopback, to few readers, none of them in this program. All others are sent by the node's thread.
+/// Threads: any thread pushes into the slot; one thread does the rest.
 class DdsOutLane {
 public:
     /// arrived is called on the pushing thread after each record, under locks: it may only wake somebody.
@@ -48,9 +48,8 @@ public:
     /// Finds out how many there are.
     void lookForReaders() OSTREL_EXCLUDES(_sendLock);
 
-    enum class Outcome { NothingWaits, Sent, TryLater };
-    /// Sends the oldest waiting record. May wait a few milliseconds for a reader that does not keep up.
-    Outcome send() OSTREL_EXCLUDES(_sendLock);
+    /// Sends the oldest waiting record. False if none waits.
+    bool send() OSTREL_EXCLUDES(_sendLock);
 
 protected:
     /// A record on its way: a sample that refers to it, and what begins every sample of ours.
@@ -60,13 +59,13 @@ protected:
         double _stamp;
     };
 
-    /// mostWaiting: bytes of samples that may wait for readers, if that is known.
-    DdsOutLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
-               std::optional<std::size_t> mostWaiting, DdsOutCounters& counters, Clock& clock);
+    /// isSmall: its samples are of one size, whatever the value.
+    DdsOutLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor, bool isSmall,
+               DdsOutCounters& counters, Clock& clock);
 
-    /// Takes the oldest waiting record, if there is one; the sample lives until the next one is taken. It says why the
-    /// record cannot be sent in problem.
-    virtual std::optional<Sample> takeSample(std::string& problem) OSTREL_REQUIRES(_sendLock) = 0;
+    /// Takes the oldest waiting record, if there is one. Its sample lives until the next one is taken, and as long as
+    /// it is the kept one then. Says why the record cannot be sent in problem.
+    virtual std::optional<Sample> takeSample(const void* kept, std::string& problem) OSTREL_REQUIRES(_sendLock) = 0;
 
     /// For the pushing thread, under locks. False if the node's thread has to look what is left.
     bool sendAtOnce() noexcept OSTREL_EXCLUDES(_sendLock);
@@ -75,8 +74,9 @@ protected:
 
 private:
     static void onMatched(dds_entity_t writer, dds_publication_matched_status_t status, void* lane) noexcept;
-    Outcome sendOne() OSTREL_REQUIRES(_sendLock);
-    dds_return_t write(const Sample& sample) OSTREL_REQUIRES(_sendLock);
+    bool sendOne() OSTREL_REQUIRES(_sendLock);
+    /// Whether the library took it.
+    bool write(const Sample& sample) OSTREL_REQUIRES(_sendLock);
     void fail(const std::string& problem) OSTREL_REQUIRES(_sendLock);
     /// Seldom. It is told by the node's thread: who pushes holds locks, and the log may be slow.
     void complain(const std::string& problem) OSTREL_REQUIRES(_sendLock);
@@ -93,8 +93,7 @@ private:
 
     std::uint64_t _writerID OSTREL_GUARDED_BY(_sendLock) = 0; // the node's
     std::uint64_t _number OSTREL_GUARDED_BY(_sendLock) = 0;
-    std::optional<Sample> _pending OSTREL_GUARDED_BY(_sendLock); // the library has not taken it yet
-    std::optional<Sample> _last OSTREL_GUARDED_BY(_sendLock);    // the one that the library took last
+    std::optional<Sample> _last OSTREL_GUARDED_BY(_sendLock); // the one that the library took last
     Seldom _reports OSTREL_GUARDED_BY(_sendLock);
     std::string _complaint OSTREL_GUARDED_BY(_sendLock); // to be told
     std::shared_ptr<LocalTopic> _localTopic OSTREL_GUARDED_BY(_sendLock);

@@ -4,9 +4,8 @@ namespace Trovio::Nodes {
 
 namespace {
 
-// How long one write may wait for a reader that does not keep up. The node's thread only: it tries again, and looks
-// after the other topics meanwhile.
-constexpr double longestWrite = 0.005;
+// Of no effect: who keeps the last records only never waits for readers.
+constexpr double longestWrite = 0.0;
 constexpr int probeDepth = 64;
 
 DdsQos makeQos(const DdsQuality& quality, int depth, dds_durability_kind_t durability)
@@ -26,6 +25,7 @@ DdsQos makeWriterQos(const DdsQuality& quality)
     DdsQos qos = makeQos(quality, quality._depth, DDS_DURABILITY_TRANSIENT_LOCAL);
     dds_qset_durability_service(qos.get(), 0, DDS_HISTORY_KEEP_LAST, 1, DDS_LENGTH_UNLIMITED, DDS_LENGTH_UNLIMITED,
                                 DDS_LENGTH_UNLIMITED);
+    dds_qset_liveliness(qos.get(), DDS_LIVELINESS_MANUAL_BY_PARTICIPANT, toDdsDuration(quality._lease));
     return qos;
 }
 

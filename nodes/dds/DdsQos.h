@@ -13,6 +13,7 @@ struct DdsQuality {
     int _readerDepth = 1; // records that may wait to be taken
     bool _reliable = true;
     bool _lateJoiners = true; // get the last value; where readers ask for that, writers have to keep it
+    double _lease = 3.0;      // seconds; a writer that gave no sign of life for so long counts as silent
 };
 
 struct DdsQosDelete {
@@ -20,7 +21,8 @@ struct DdsQosDelete {
 };
 using DdsQos = std::unique_ptr<dds_qos_t, DdsQosDelete>;
 
-/// For writers: keeps the last records only, and the very last one for those that join later.
+/// For writers: keeps the last records only, and the very last one for those that join later. Their participant has to
+/// give signs of life: those go to readers that it knows, so that a reader which it does not hear can tell.
 DdsQos makeWriterQos(const DdsQuality& quality);
 
 /// For readers: keeps the last records only.

@@ -10,6 +10,7 @@ namespace {
 
 constexpr int roundsAtOnce = 256;    // through all topics, before looking at other things
 constexpr double timingPeriod = 1.0; // seconds
+constexpr double signsALease = 3.0;  // of life, so that two may be lost
 
 std::uint64_t randomID()
 {
@@ -105,17 +106,14 @@ void DdsSession::close()
     _domain.reset();
 }
 
-bool DdsSession::sendWaiting(bool& retry)
+bool DdsSession::sendWaiting()
 {
     bool foundAny = true;
     for (int round = 0; foundAny && round < roundsAtOnce; ++round) {
         foundAny = false;
         // One of each in turn, so that a busy topic does not hold up the others.
-        for (const auto& lane : _outLanes) {
-            const auto outcome = lane->send();
-            foundAny = foundAny || outcome == DdsOutLane::Outcome::Sent;
-            retry = retry || outcome == DdsOutLane::Outcome::TryLater;
-        }
+        for (const auto& lane : _outLanes)
+            foundAny = lane->send() || foundAny;
     }
     return foundAny;
 }
@@ -142,13 +140,31 @@ std::optional<double> DdsSession::compareClocks()
     return std::min(next.value_or(_nextTiming), _nextTiming);
 }
 
-std::vector<std::string> DdsSession::getUnpublished() const
+double DdsSession::showLife()
 {
-    std::vector<std::string> names;
-    for (const auto& lane : _inLanes)
-        if (!lane->isAlive())
-            names.push_back(lane->getTopic()._name);
-    return names;
+    if (const double now = _clock.now(); now >= _nextSign) {
+        dds_assert_liveliness(_participant.get());
+        _nextSign = now + _settings._quality._lease / signsALease;
+    }
+    return _nextSign;
+}
+
+DdsTroubles DdsSession::getTroubles(bool isEarly) const
+{
+    DdsTroubles troubles;
+    _watch.tell(troubles);
+    const std::string where = " in " + _domain->describe() + "; interface=NAME or host=ADDRESS chooses another";
+    for (const auto& lane : _inLanes) {
+        const std::string& topic = lane->getTopic()._name;
+        if (lane->isSilent())
+            troubles.add(
+                topic, "who publishes ",
+                " has given no sign of life for its lease; it may not hear this machine: look at the line and at "
+                "firewalls");
+        else if (!lane->isAlive() && !isEarly)
+            troubles.add(topic, "nobody publishes ", where);
+    }
+    return troubles;
 }
 
 } // namespace Trovio::Nodes

@@ -39,16 +39,17 @@ public:
     /// Afterwards nothing is pushed.
     void close();
 
-    /// Sends what waits, for a while. True if there may be more at once; retry is set where a reader does not keep up.
-    bool sendWaiting(bool& retry);
+    /// Sends what waits, for a while. True if there may be more at once.
+    bool sendWaiting();
     void lookAround();
+    /// Gives a sign of life to those who subscribe, if it is time; when it will be again.
+    double showLife();
 
     /// Compares clocks, and tells how old values are; when to do so again.
     std::optional<double> compareClocks();
 
-    /// Topics that somebody subscribes to here and nobody publishes.
-    std::vector<std::string> getUnpublished() const;
-    std::string getMismatch() const { return _watch.getProblem(); }
+    /// What is wrong with topics. isEarly: one that nobody publishes is no trouble yet.
+    DdsTroubles getTroubles(bool isEarly) const;
 
 private:
     void openTopics();
@@ -62,6 +63,7 @@ private:
     DdsMatchWatch _watch;
     DdsClocks _clocks;
     double _nextTiming = 0.0;
+    double _nextSign = 0.0;
 
     std::shared_ptr<DdsDomain> _domain;
     DdsEntity _participant; // goes before the domain

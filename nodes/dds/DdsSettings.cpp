@@ -26,8 +26,7 @@ const Setting rows[] = {
     Setting::text("interface", "", "network interface; lo, for this machine only, unless 'host' is given"),
     Setting::text("host", "", "names or addresses of peers, for networks without multicast, separated by blanks"),
     Setting::text("partition", "", "name of a part of the domain; only nodes of one partition meet"),
-    Setting::integer("depth", "64", 1, mostDepth,
-                     "records of a topic that may wait, the newest; to be received, 65536 unless it is given"),
+    Setting::integer("depth", "64", 1, mostDepth, "records of a topic that may wait to be sent, the newest"),
     Setting::choice("reliable", "yes", "yes|no", "whether what is lost on the line is sent again"),
     Setting::choice("finite", "yes", "yes|no", "whether samples with infinite numbers or not-a-number are refused"),
     Setting::choice("ros2", "no", "yes|no", "whether topics are those of ROS 2 systems, with their messages"),
@@ -81,15 +80,6 @@ DdsDomainSettings readDomain(const Settings& settings)
     return domain;
 }
 
-/// What comes in goes on at once, to slots that keep as much as their owners want: samples wait here only behind one
-/// that another thread is just pushing. So their number is bounded, and takes no memory, but none is lost below the
-/// bound.
-int readReaderDepth(const Settings& settings, std::size_t slots)
-{
-    return settings.isGiven("depth") ? static_cast<int>(settings.integer("depth"))
-                                     : static_cast<int>(std::min<std::size_t>(mostDepth, shareOfWaiting(slots)));
-}
-
 /// What ROS 2 has no name or no message for, it cannot read.
 void checkForRos(const Settings& settings, const char* setting, const std::vector<ListedSlot>& topics)
 {
@@ -136,6 +126,7 @@ DdsSettings readDdsSettings(const Settings& settings)
     read._quality._partition = settings.text("partition");
     read._quality._depth = static_cast<int>(settings.integer("depth"));
     read._quality._reliable = settings.choice("reliable") == 0;
+    read._quality._lease = read._domain._lease;
     read._timing = settings.choice("timing") == 0;
     read._format = {settings.choice("ros2") == 0, settings.choice("finite") == 0};
     read._quality._lateJoiners = !read._format._isRos;
@@ -148,7 +139,9 @@ DdsSettings readDdsSettings(const Settings& settings)
                                                 std::string(nameCharacters));
     const std::size_t slots = read._published.size() + read._subscribed.size();
     checkQueues(settings, "depth", slots);
-    read._quality._readerDepth = readReaderDepth(settings, slots);
+    // What comes in goes on at once, to slots that keep as much as their owners want: samples wait for a reader only
+    // behind one that another thread is just pushing. So their number is bounded, but none is lost below the bound.
+    read._quality._readerDepth = static_cast<int>(std::min<std::size_t>(mostDepth, shareOfWaiting(slots)));
     checkApart(settings, read);
     if (!read._format._isRos)
         return read;

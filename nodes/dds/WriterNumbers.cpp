@@ -6,29 +6,32 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr std::size_t mostWriters = 64;
+constexpr std::size_t mostEnds = 64;
 
 } // namespace
 
-WriterNumbers::Verdict WriterNumbers::note(std::uint64_t writer, std::uint64_t number)
+WriterNumbers::Verdict WriterNumbers::note(std::uint64_t end, std::uint64_t writer, std::uint64_t number)
 {
     if (number == 0)
         return {true, 0};
-    ++_turn;
-    const auto found = _last.find(writer);
-    if (found == _last.end()) {
-        if (_last.size() == mostWriters)
-            forgetOne();
-        _last[writer] = {number, _turn};
-        return {true, 0};
-    }
-    Last& last = found->second;
-    last._turn = _turn;
-    if (number <= last._number)
+    const auto known = _last.find(end);
+    const bool isSame = known != _last.end() && known->second._writer == writer;
+    const auto before = isSame ? std::optional(known->second._number) : findEarlier(writer, number);
+    if (before && number <= *before)
         return {false, 0};
-    const std::uint64_t missed = number - last._number - 1;
-    last._number = number;
-    return {true, missed};
+    if (known == _last.end() && _last.size() == mostEnds)
+        forgetOne();
+    _last[end] = {writer, number, ++_turn};
+    return {true, before ? number - *before - 1 : 0};
+}
+
+std::optional<std::uint64_t> WriterNumbers::findEarlier(std::uint64_t writer, std::uint64_t number) const
+{
+    std::optional<std::uint64_t> found;
+    for (const auto& [end, last] : _last)
+        if (last._writer == writer && last._number <= number)
+            found = std::max(found.value_or(0), last._number);
+    return found;
 }
 
 void WriterNumbers::forgetOne()

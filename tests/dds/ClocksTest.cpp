@@ -40,10 +40,14 @@ TEST(ClockOffset, ImpossibleAnswersAreNotNoted)
 TEST(WriterNumbers, TellRepeatedFromMissed)
 {
     WriterNumbers numbers;
-    const auto expect = [&numbers](std::uint64_t writer, std::uint64_t number, bool isNew, std::uint64_t missed) {
-        const auto verdict = numbers.note(writer, number);
-        EXPECT_EQ(verdict._isNew, isNew) << writer << ": " << number;
-        EXPECT_EQ(verdict._missed, missed) << writer << ": " << number;
+    const auto expectFrom = [&](std::uint64_t end, std::uint64_t writer, std::uint64_t number, bool isNew,
+                                std::uint64_t missed) {
+        const auto verdict = numbers.note(end, writer, number);
+        EXPECT_EQ(verdict._isNew, isNew) << end << ", " << writer << ": " << number;
+        EXPECT_EQ(verdict._missed, missed) << end << ", " << writer << ": " << number;
+    };
+    const auto expect = [&](std::uint64_t writer, std::uint64_t number, bool isNew, std::uint64_t missed) {
+        expectFrom(writer, writer, number, isNew, missed);
     };
     expect(1, 5, true, 0); // what came before this reader did is not missed
     expect(1, 5, false, 0);
@@ -51,13 +55,17 @@ TEST(WriterNumbers, TellRepeatedFromMissed)
     expect(1, 8, true, 2);
     expect(1, 7, false, 0);
     expect(3, 0, true, 0);
-    expect(3, 0, true, 0); // does not count
+    expect(3, 0, true, 0);          // does not count
+    expectFrom(11, 1, 8, false, 0); // joined again, and is sent the last one anew
+    expectFrom(11, 1, 10, true, 1);
+    expectFrom(66, 2, 1ULL << 63U, true, (1ULL << 63U) - 2); // who takes another one's id and number ...
+    expect(2, 2, true, 0);                                   // ... does not shut it out
     for (std::uint64_t writer = 100; writer < 163; ++writer) {
         expect(writer, 1, true, 0);
-        expect(1, writer, true, writer == 100 ? 91 : 0);
+        expectFrom(11, 1, writer, true, writer == 100 ? 89 : 0);
     }
-    expect(1, 162, false, 0); // spoke all the time, and is remembered
-    expect(2, 1, true, 0);    // was quiet longest, and is forgotten
+    expectFrom(11, 1, 162, false, 0); // spoke all the time, and is remembered
+    expect(2, 2, true, 0);            // was quiet longest, and is forgotten
 }
 
 /// Knows no host at first, and later one, after a while.

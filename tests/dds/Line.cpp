@@ -43,7 +43,7 @@ Line::~Line()
 void Line::cut(Way way)
 {
     const Ostrel::LockGuard guard(_lock);
-    _cut = {way == Way::Both, true};
+    _cut = {way != Way::FromSecond, way != Way::FromFirst};
 }
 
 void Line::mend()

@@ -14,7 +14,7 @@ namespace Trovio::Nodes {
 /// Threads: a thread of its own carries the packets; the rest is for any thread.
 class Line {
 public:
-    enum class Way { Both, OneWay };
+    enum class Way { Both, FromFirst, FromSecond };
 
     /// Makes the interfaces in this process's network namespace. Throws std::system_error.
     Line(const std::string& firstInterface, const std::string& secondInterface, unsigned seed);
@@ -22,7 +22,7 @@ public:
     Line(const Line&) = delete;
     Line& operator=(const Line&) = delete;
 
-    /// One way: only what leaves the second interface is lost.
+    /// What leaves the interfaces named is lost.
     void cut(Way way);
     void mend();
     /// Shares of all packets, from 0 to 1.

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Trovio::Nodes {
+
+/// What is wrong with the topics of a node whose domain is open: one thing for each of them, the first that was added.
+class DdsTroubles {
+public:
+    /// The text is before + topic + after; one that many topics share is told once.
+    void add(const std::string& topic, const std::string& before, const std::string& after);
+
+    /// Empty if nothing is wrong with it.
+    std::string find(const std::string& topic) const;
+
+    /// Of all topics, shortened; empty if nothing is wrong with any.
+    std::string summary() const;
+
+private:
+    struct Text {
+        std::string _before, _after;
+        auto operator<=>(const Text&) const = default;
+    };
+    std::map<std::string, Text> _ofTopics;
+    std::map<Text, std::vector<std::string>> _topics; // by what is wrong with them
+};
+
+} // namespace Trovio::Nodes
