@@ -40,8 +40,8 @@ std::string cureFor(const DdsDomainSettings& settings)
 {
     if (findOwnAddresses(settings).empty())
         return "; choose a network interface of this machine with interface=NAME";
-    return "; if " + std::to_string(settings._processes) +
-           " programs of this machine take part in it already, allow more with processes=NUMBER, everywhere";
+    return "; processes=" + std::to_string(settings._processes) +
+           " is how many programs of a machine may take part: raise it everywhere if there are more";
 }
 
 DdsEntity createDomain(const DdsDomainSettings& settings)

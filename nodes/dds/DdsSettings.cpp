@@ -32,7 +32,8 @@ const Setting rows[] = {
     Setting::choice("ros2", "no", "yes|no", "whether topics are those of ROS 2 systems, with their messages"),
     Setting::choice("timing", "no", "yes|no", "whether Topic/timing tells how old values are, by comparing clocks"),
     Setting::number("lease", "3", 0.5, 60, "seconds of silence after which a peer counts as gone"),
-    Setting::integer("processes", "32", 1, 119, "programs that are looked for on a machine, without multicast"),
+    Setting::integer("processes", "32", 1, 119,
+                     "programs of a machine that may take part; without multicast each is looked for"),
     Setting::integer("largest", "67108864", 1024, 1 << 30, "bytes of a sample; larger ones are neither sent nor taken"),
 };
 

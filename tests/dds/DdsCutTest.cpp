@@ -145,6 +145,17 @@ TEST_F(DdsTwoMachines, LossesAndRepetitionsOfTheLineAreMadeGood)
 INSTANTIATE_TEST_SUITE_P(Short, DdsCut, ::testing::Values(Cut{"BothWays", 0.5, Line::Way::Both, 1, ""}),
                          [](const auto& row) { return std::string(row.param._name); });
 
+TEST_F(DdsTwoMachines, PublisherThatDoesNotHearUsIsNamed)
+{
+    start(100000, "");
+    _count->takeUntil(10);
+    _machines.line().cut(Line::Way::FromFirst);
+    _reader->awaitReason("who publishes Count has given no sign of life");
+    _machines.line().mend();
+    _reader->awaitRunning();
+    _count->takeUntil(Time::getCurrentTime());
+}
+
 TEST_F(DdsTwoMachines, MeetWithoutMulticast)
 {
     start(50, " host='10.77.0.1 10.77.0.2'");

@@ -172,6 +172,17 @@ TEST_F(DdsNodeTest, PublisherThatLeavesIsMissedAndComesBack)
     reader.awaitRunning();
 }
 
+TEST_F(DdsNodeTest, TroubleOfOneTopicIsNotThatOfAnother)
+{
+    DdsPeer reader("subscribe='Wand Float, Buzz Float' label=reader");
+    DdsPeer writer("publish='Wand Float' label=writer");
+    reader.awaitReason("nobody publishes Buzz in domain");
+    const OutSlot<float> wand("Wand"), buzz("Buzz"), alive("Buzz/alive");
+    EXPECT_FALSE(reader->getStateOf(wand)._degraded);
+    EXPECT_FALSE(reader->getStateOf(alive)._degraded);
+    EXPECT_NE(reader->getStateOf(buzz)._reason.find("nobody publishes Buzz"), std::string::npos);
+}
+
 struct Apart {
     const char* _name;
     const char* _reader;
