@@ -42,6 +42,7 @@ void reportEnd(const Session& session, const RunTotals& totals, const Say& say)
         limited(say, mostAtEnd, "sensors", [&](const Say& line) { reportValues(*scene, totals._now, line); });
     limited(say, mostAtEnd, "slots", [&](const Say& line) { reportSlots(totals._root, line); });
     limited(say, mostAtEnd, "nodes", [&](const Say& line) { reportCounters(totals._root, line); });
+    limited(say, mostAtEnd, "remarks", [&](const Say& line) { reportRemarks(totals._root, line); });
     say("frames: " + std::to_string(totals._frames) + " run, " + std::to_string(totals._leftOut) + " left out");
 }
 } // namespace Host

@@ -92,6 +92,8 @@ Json toJson(const std::string& path, const Trovio::NodeInfo& node)
                 {"counts", Json::object()}};
     for (const Trovio::CounterInfo& counter : node._counters)
         object["counts"][counter._name] = counter._value;
+    for (const Trovio::RemarkInfo& remark : node._remarks)
+        object["remarks"][remark._slot] = remark._text;
     return object;
 }
 } // namespace

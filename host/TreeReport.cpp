@@ -68,4 +68,14 @@ void reportCounters(const Trovio::NamespaceInfo& root, const Say& say)
         say("node " + inQuotes(path) + " (" + info._node->_typeName + "): " + line);
     });
 }
+
+void reportRemarks(const Trovio::NamespaceInfo& root, const Say& say)
+{
+    walkTree(root, [&say](const std::string& path, const Trovio::NamespaceInfo& info) {
+        if (!info._node)
+            return;
+        for (const Trovio::RemarkInfo& remark : info._node->_remarks)
+            say("slot " + inQuotes(pathBelow(path, remark._slot)) + ": " + escaped(remark._text));
+    });
+}
 } // namespace Host

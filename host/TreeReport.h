@@ -18,4 +18,7 @@ void reportNodes(const Trovio::NamespaceInfo& root, const Say& say);
 
 /// Says what each node counted.
 void reportCounters(const Trovio::NamespaceInfo& root, const Say& say);
+
+/// Says what nodes say of the newest values in their slots.
+void reportRemarks(const Trovio::NamespaceInfo& root, const Say& say);
 } // namespace Host

@@ -72,7 +72,7 @@ bool FlowQuery::stopsAtSource(const Entry& home, Explanation& cause) const
     else if (stale)
         cause = {Verdict::Stale,
                  "the last of " + std::to_string(out._written) + " records of '" + label + "' is " +
-                     inSeconds(_now - stamp) + " old",
+                     inSeconds(_now - stamp) + " old" + remarkOn(home),
                  {{"out-slot", label}, {"age", _now - stamp}, {"written", number(out._written)}}};
     return cause._verdict != Verdict::Flowing;
 }
@@ -81,6 +81,16 @@ NodeState FlowQuery::stateOf(const Entry& home)
 {
     const Node* const node = home._scope->_node;
     return node ? node->getStateOf(*home._ends._slot) : NodeState();
+}
+
+/// A clock that is wrong makes new values old, and old ones new; what the node says of it goes behind a text.
+std::string FlowQuery::remarkOn(const Entry& home)
+{
+    if (const Node* const node = home._scope->_node)
+        for (const RemarkInfo& remark : node->getRemarks())
+            if (remark._slot == home._label)
+                return "; " + remark._text;
+    return {};
 }
 
 Explanation FlowQuery::degraded(const Entry& home) const
@@ -167,7 +177,8 @@ Explanation FlowQuery::flowing(const std::vector<Step>& path) const
         answer._text += ", the last " + inSeconds(*age) + " old";
         answer._details.push_back({"age", *age});
     } else if (stamp > _now) {
-        answer._text += ", the last stamped " + inSeconds(stamp - _now) + " in the future";
+        answer._text +=
+            ", the last stamped " + inSeconds(stamp - _now) + " in the future" + remarkOn(*path.front()._home);
     }
     // Part of a node may be down while records go through the rest.
     const Scope* seen = nullptr;

@@ -59,6 +59,7 @@ private:
     bool stopsInNode(const Entry& home, const Entry& before, Explanation& cause) const;
     bool stopsAtReader(const Entry& home, Explanation& cause) const;
     static NodeState stateOf(const Entry& home);
+    static std::string remarkOn(const Entry& home);
     Explanation degraded(const Entry& home) const;
     Explanation flowing(const std::vector<Step>& path) const;
 

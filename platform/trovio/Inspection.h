@@ -58,10 +58,17 @@ struct CounterInfo {
     std::uint64_t _value = 0;
 };
 
+/// What a node says of the newest value in one of its slots, beyond counts.
+struct RemarkInfo {
+    std::string _slot; // its label in the node
+    std::string _text;
+};
+
 struct NodeInfo {
     std::string _typeName;
     NodeState _state;
     std::vector<CounterInfo> _counters;
+    std::vector<RemarkInfo> _remarks;
     bool _relays = false; // what goes into its in-slots comes out of its out-slots
 };
 

@@ -223,7 +223,8 @@ NamespaceInfo Namespace::inspectLocked() const
     info._label = _label;
     info._dirty = _dirty;
     if (const auto* node = dynamic_cast<const Node*>(this))
-        info._node = NodeInfo{node->getTypeName(), node->getState(), node->getCounters(), _scope->isRelaying()};
+        info._node = NodeInfo{node->getTypeName(), node->getState(), node->getCounters(), node->getRemarks(),
+                              _scope->isRelaying()};
     _scope->inspect(info);
     for (const auto& [label, child] : _children)
         info._children.push_back(child->inspectLocked());

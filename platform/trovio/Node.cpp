@@ -171,4 +171,9 @@ std::vector<CounterInfo> Node::getCounters() const
     return counters;
 }
 
+std::vector<RemarkInfo> Node::getRemarks() const
+{
+    return {};
+}
+
 } // namespace Trovio

@@ -47,6 +47,10 @@ public:
     virtual NodeState getStateOf(const Slot& slot) const;
     std::vector<CounterInfo> getCounters() const;
 
+    /// What the node can say of the newest values in its slots, such as how old they are by which clock; nothing unless
+    /// it is overridden. Also after stop(), then as of that moment. Any thread, under any lock but the log's.
+    virtual std::vector<RemarkInfo> getRemarks() const;
+
     /// The settings that every node has beside those of its type.
     static std::span<const Setting> commonSettings();
 

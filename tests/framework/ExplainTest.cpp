@@ -181,6 +181,12 @@ INSTANTIATE_TEST_SUITE_P(
               Verdict::NeverWritten, "nobody has written into 'device/out' yet"},
         Fault{"Stale", [](OneFault& way) { way.flow(100); }, Verdict::Stale,
               "the last of 2 records of 'device/out' is 100 s old"},
+        Fault{"StaleByAWrongClock",
+              [](OneFault& way) {
+                  way.flow(100);
+                  way._device->_remarks = {{"in", "no"}, {"out", "its source's clock is 100 s behind"}};
+              },
+              Verdict::Stale, " 100 s old; its source's clock is 100 s behind"},
         Fault{"Filtered",
               [](OneFault& way) {
                   way.replaceFilter();

@@ -25,6 +25,9 @@ public:
         return entry;
     }
 
+    std::vector<Trovio::RemarkInfo> getRemarks() const override { return _remarks; }
+
+    std::vector<Trovio::RemarkInfo> _remarks;
     std::function<void()> _onStart = [] {};
     std::function<void()> _onStop = [] {};
     std::int64_t _size = 0;

@@ -216,6 +216,7 @@ TEST_F(Tree, InspectionShowsStateCountersSlotsAndRoutes)
     _root.addInSlot("in", &_in);
     _root.addRoute("Test/*", "in");
     _root.addNamespace(std::move(node));
+    running._remarks = {{"x", "its clock is late"}};
     counter.add(41);
     counter.add();
     {
@@ -236,6 +237,7 @@ TEST_F(Tree, InspectionShowsStateCountersSlotsAndRoutes)
     ASSERT_TRUE(shown._node.has_value());
     EXPECT_EQ(shown._node->_typeName, "Test");
     EXPECT_EQ(shown._node->_counters.at(0)._value, 42U);
+    EXPECT_EQ(shown._node->_remarks.at(0)._text, "its clock is late");
     EXPECT_TRUE(shown._node->_state._degraded && shown._node->_state._reason == "port 9000 is taken");
     EXPECT_GT(shown._node->_state._since.getSeconds(), 0.0);
     running.setRunning();
