@@ -1,27 +1,40 @@
 #include "nodes/dds/DdsClocks.h"
 
 #include "nodes/dds/DdsTaking.h"
+#include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace Trovio::Nodes {
 
 namespace {
 
-constexpr std::size_t mostQuestions = 256; // that wait for an answer
-constexpr std::size_t mostClocks = 1024;   // that are known
-constexpr int hurriedQuestions = 8;        // soon after one another, so that the first estimate is good
-constexpr double hurriedPeriod = 0.1;      // seconds
-constexpr double calmPeriod = 2.0;         // seconds
+constexpr std::size_t mostQuestions = 200; // that are answered in a second, and that wait for it
+constexpr unsigned mostAskers = 10'000;    // that are believed
+constexpr double periodOfEnd = 0.005;      // seconds; with multicast, 200 questions a second in a domain
+constexpr double periodOfPair = 0.001;     // seconds; each goes to each: 1,000 packets a second in a domain
+
+unsigned countReaders(const DdsEntity& writer)
+{
+    dds_publication_matched_status_t status{};
+    dds_get_publication_matched_status(writer.get(), &status);
+    return status.current_count;
+}
 
 } // namespace
 
 void DdsClocks::open(const DdsEnds& ends)
 {
+    if (!_roles._asks && !_roles._answers)
+        return;
     const std::string what = "cannot compare clocks";
     _wake = ends._wake;
+    _multicast = ends._domain->getSettings().isMulticast();
     const DdsQos qos = makeProbeQos();
     const DdsListener questions(dds_create_listener(this)), answers(dds_create_listener(this));
     dds_lset_data_available(questions.get(), onQuestion);
     dds_lset_data_available(answers.get(), onAnswer);
+    dds_lset_subscription_matched(answers.get(), onAnswererChange);
     const auto topic = [&](const char* name) {
         return DdsEntity(dds_create_topic(ends._participant, &Trovio_Wire_ClockProbe_desc, name, qos.get(), nullptr),
                          what);
@@ -38,8 +51,6 @@ void DdsClocks::open(const DdsEnds& ends)
         _questionReader =
             DdsEntity(dds_create_reader(ends._subscriber, _questionTopic.get(), qos.get(), questions.get()), what);
     }
-    _nextAsking = 0.0;
-    _asked = 0;
 }
 
 void DdsClocks::close()
@@ -48,77 +59,119 @@ void DdsClocks::close()
         *entity = DdsEntity();
     const Ostrel::LockGuard guard(_lock);
     _questions.clear();
-    _offsets.clear();
 }
 
 std::optional<double> DdsClocks::work()
 {
     while (auto probe = nextQuestion()) {
-        probe->answerer = _id;
-        probe->answered = _clock.wallTime().getSeconds();
+        probe->askers = countReaders(_answerWriter);
+        probe->answered = date();
         dds_write(_answerWriter.get(), &*probe);
     }
-    if (!_roles._asks)
-        return std::nullopt;
-    if (const double now = _clock.now(); now >= _nextAsking) {
-        const Trovio_Wire_ClockProbe question{_id, 0, _clock.wallTime().getSeconds(), 0.0, 0.0};
-        dds_write(_questionWriter.get(), &question);
-        _nextAsking = now + (++_asked < hurriedQuestions ? hurriedPeriod : calmPeriod);
-    }
-    return _nextAsking;
+    return _roles._asks ? ask() : std::nullopt;
 }
 
-std::optional<ClockOffset::Estimate> DdsClocks::getOffset(std::uint64_t writer, double now) const
+std::optional<double> DdsClocks::ask()
+{
+    const double now = _clock.now();
+    if (now < _earliestAsking)
+        return _earliestAsking;
+    _earliestAsking = now + leastPeriod();
+    Probe question{_id, 0, 0, date(), 0.0, 0.0};
+    std::optional<double> next;
+    bool isAsked = false;
+    {
+        const Ostrel::LockGuard guard(_lock);
+        const auto peer = _peers.ask(now, question.asked);
+        isAsked = peer.has_value();
+        question.answerer = peer.value_or(0);
+        next = _peers.nextAsking();
+    }
+    if (isAsked)
+        dds_write(_questionWriter.get(), &question);
+    return next ? std::optional(std::max(*next, _earliestAsking)) : std::nullopt;
+}
+
+/// Seconds from one question to the next. Ends that ask, and ends that answer, are no more than the larger number says.
+double DdsClocks::leastPeriod() const
+{
+    const double answerers = countReaders(_questionWriter);
+    const Ostrel::LockGuard guard(_lock);
+    const double ends = std::max(answerers, _askers);
+    return _multicast ? periodOfEnd * ends : periodOfPair * ends * ends;
+}
+
+void DdsClocks::want(std::uint64_t writer)
+{
+    bool isNew = false;
+    {
+        const Ostrel::LockGuard guard(_lock);
+        isNew = _peers.want(writer);
+    }
+    if (isNew)
+        _wake();
+}
+
+PeerClocks::Knowledge DdsClocks::look(std::uint64_t writer, double now) const
 {
     const Ostrel::LockGuard guard(_lock);
-    const auto found = _offsets.find(writer);
-    return found == _offsets.end() ? std::nullopt : found->second.estimate(now);
+    return _peers.look(writer, now);
 }
 
+// The clock is read for each sample: read before, it may miss part of a sample's way.
 void DdsClocks::onQuestion(dds_entity_t reader, void* clocks) noexcept
 {
     auto& self = *static_cast<DdsClocks*>(clocks);
-    const double arrived = self._clock.wallTime().getSeconds();
     takeSamples(reader, [&](const void* sample, const dds_sample_info_t&) {
-        self.takeQuestion(*static_cast<const Trovio_Wire_ClockProbe*>(sample), arrived);
+        self.takeQuestion(*static_cast<const Probe*>(sample), self.date());
     });
 }
 
 void DdsClocks::onAnswer(dds_entity_t reader, void* clocks) noexcept
 {
     auto& self = *static_cast<DdsClocks*>(clocks);
-    const double arrived = self._clock.wallTime().getSeconds();
-    takeSamples(reader, [&](const void* sample, const dds_sample_info_t&) {
-        self.takeAnswer(*static_cast<const Trovio_Wire_ClockProbe*>(sample), arrived);
+    takeSamples(reader, [&](const void* sample, const dds_sample_info_t& info) {
+        self.takeAnswer(*static_cast<const Probe*>(sample), info.publication_handle, self.date());
     });
 }
 
-void DdsClocks::takeQuestion(const Trovio_Wire_ClockProbe& probe, double arrived)
+void DdsClocks::onAnswererChange(dds_entity_t, dds_subscription_matched_status_t status, void* clocks) noexcept
+{
+    auto& self = *static_cast<DdsClocks*>(clocks);
+    const Ostrel::LockGuard guard(self._lock);
+    if (status.current_count_change < 0)
+        self._peers.forgetSender(status.last_publication_handle);
+}
+
+void DdsClocks::takeQuestion(const Probe& probe, double arrived)
 {
     {
         const Ostrel::LockGuard guard(_lock);
-        if (probe.asker == _id || _questions.size() == mostQuestions)
+        if (const double second = std::floor(_clock.now()); second != std::exchange(_second, second))
+            _taken = 0;
+        if (probe.answerer != _id || std::max(_questions.size(), _taken) >= mostQuestions)
             return;
+        ++_taken;
         _questions.push_back(probe);
         _questions.back().received = arrived;
     }
     _wake();
 }
 
-void DdsClocks::takeAnswer(const Trovio_Wire_ClockProbe& probe, double arrived)
+void DdsClocks::takeAnswer(const Probe& probe, std::uint64_t sender, double arrived)
 {
     const Ostrel::LockGuard guard(_lock);
-    if (probe.asker != _id || (_offsets.size() == mostClocks && !_offsets.contains(probe.answerer)))
-        return;
-    _offsets[probe.answerer].note(probe.asked, probe.received, probe.answered, arrived);
+    if (probe.asker == _id &&
+        _peers.note({probe.answerer, sender, probe.asked, probe.received, probe.answered, arrived}))
+        _askers = std::min(probe.askers, mostAskers);
 }
 
-std::optional<Trovio_Wire_ClockProbe> DdsClocks::nextQuestion()
+std::optional<DdsClocks::Probe> DdsClocks::nextQuestion()
 {
     const Ostrel::LockGuard guard(_lock);
     if (_questions.empty())
         return std::nullopt;
-    const Trovio_Wire_ClockProbe probe = _questions.front();
+    const Probe probe = _questions.front();
     _questions.pop_front();
     return probe;
 }

@@ -7,6 +7,8 @@
 
 namespace Trovio::Nodes {
 
+class DdsClocks;
+
 /// What topics are opened with: made by a session, which outlives everything that is opened with it.
 struct DdsEnds {
     DdsDomain* _domain;
@@ -16,6 +18,7 @@ struct DdsEnds {
     const DdsQuality& _quality;
     std::uint64_t _writerID;     // what the node writes under
     std::function<void()> _wake; // the node's thread; from any thread, under any lock
+    DdsClocks* _clocks;          // null where clocks are not compared
 };
 
 } // namespace Trovio::Nodes

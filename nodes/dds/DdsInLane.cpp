@@ -86,6 +86,7 @@ DdsInLane::DdsInLane(const ListedSlot& topic, const DdsFormat& format, const dds
 void DdsInLane::open(const DdsEnds& ends)
 {
     _wake = ends._wake;
+    _clocks = ends._clocks;
     const std::string what = "cannot subscribe to " + _topic._name;
     const DdsListener listener(dds_create_listener(this));
     dds_lset_data_available(listener.get(), onData);
@@ -114,19 +115,23 @@ void DdsInLane::lookForWriters()
     setAlive(status.alive_count > 0);
 }
 
-void DdsInLane::pushTiming(const DdsClocks& clocks, const Time& now)
+void DdsInLane::pushTiming(DdsClocks& clocks, const Time& now)
 {
-    std::optional<Arrival> newest;
-    {
-        const Ostrel::LockGuard guard(_takeLock);
-        newest = _newest;
-    }
+    const auto newest = getNewest();
     if (!newest)
         return;
-    if (const auto theirs = clocks.getOffset(newest->_writer, now.getSeconds())) {
-        const double ours = newest->_stamp - theirs->_offset; // the stamp, as our clock showed it then
-        _timingSlot.push(Data<Vec3<double>>({newest->_time - ours, now.getSeconds() - ours, theirs->_bound}, now));
+    if (isAlive())
+        clocks.want(newest->_writer);
+    if (const auto clock = clocks.look(newest->_writer, now.getSeconds())._estimate) {
+        const ValueTiming timing(*newest, *clock, now.getSeconds());
+        _timingSlot.push(Data<Vec3<double>>({timing._delay, timing._age, timing._bound}, now));
     }
+}
+
+std::optional<Arrival> DdsInLane::getNewest() const
+{
+    const Ostrel::LockGuard guard(_newestLock);
+    return _newest;
 }
 
 void DdsInLane::setAlive(bool alive)
@@ -169,12 +174,26 @@ void DdsInLane::take(const void* sample, const dds_sample_info_t& info)
         _counters._repeated.add();
         return;
     }
+    const double arrived = _clocks ? _clock.wallTime().getSeconds() : 0.0;
     if (const std::string problem = deliver(sample, Time(origin.stamp)); !problem.empty()) {
         refuse("it holds " + problem);
         return;
     }
     _counters._samples.add();
-    _newest = {origin.writer, origin.stamp, _clock.wallTime().getSeconds()};
+    if (_clocks)
+        noteNewest({origin.writer, origin.stamp, arrived});
+}
+
+void DdsInLane::noteNewest(const Arrival& arrival)
+{
+    bool isOther = false;
+    {
+        const Ostrel::LockGuard guard(_newestLock);
+        isOther = !_newest || _newest->_writer != arrival._writer;
+        _newest = arrival;
+    }
+    if (isOther)
+        _clocks->want(arrival._writer);
 }
 
 void DdsInLane::refuse(const std::string& problem)

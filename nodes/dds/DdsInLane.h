@@ -3,6 +3,7 @@
 #include "base/Mutex.h"
 #include "nodes/dds/DdsClocks.h"
 #include "nodes/dds/TopicTypes.h"
+#include "nodes/dds/ValueTiming.h"
 #include "nodes/dds/WriterNumbers.h"
 #include "nodes/shared/Report.h"
 #include "nodes/shared/SlotList.h"
@@ -42,8 +43,10 @@ public:
 
     /// Finds out who is there, and pushes that where it has changed.
     void lookForWriters();
-    /// Pushes it, if the clock of who wrote the newest value is known. now: our date.
-    void pushTiming(const DdsClocks& clocks, const Time& now) OSTREL_EXCLUDES(_takeLock);
+    /// Pushes it, if the clock of who wrote the newest value is known, and asks for that clock. now: our date.
+    void pushTiming(DdsClocks& clocks, const Time& now) OSTREL_EXCLUDES(_newestLock);
+    /// Of the newest value that was pushed, if any. Any thread, under any lock but the log's.
+    std::optional<Arrival> getNewest() const OSTREL_EXCLUDES(_newestLock);
     bool isAlive() const { return _alive.value_or(false); }
     /// Somebody publishes it, but gives no sign of life: may be that they do not hear us.
     bool isSilent() const { return _isSilent; }
@@ -63,6 +66,7 @@ private:
     static void onLiveliness(dds_entity_t reader, dds_liveliness_changed_status_t status, void* lane) noexcept;
     void takeAll(dds_entity_t reader) OSTREL_EXCLUDES(_takeLock);
     void take(const void* sample, const dds_sample_info_t& info) OSTREL_REQUIRES(_takeLock);
+    void noteNewest(const Arrival& arrival) OSTREL_EXCLUDES(_newestLock);
     void refuse(const std::string& problem) OSTREL_REQUIRES(_takeLock);
     void setAlive(bool alive);
 
@@ -80,11 +84,10 @@ private:
     Ostrel::Mutex _takeLock; // held around taking and pushing; no lock of a slot or the tree is held when it is taken
     WriterNumbers _numbers OSTREL_GUARDED_BY(_takeLock);
     Seldom _reports OSTREL_GUARDED_BY(_takeLock);
-    struct Arrival {
-        std::uint64_t _writer;
-        double _stamp, _time; // seconds since 1970
-    };
-    std::optional<Arrival> _newest OSTREL_GUARDED_BY(_takeLock);
+
+    DdsClocks* _clocks = nullptr;                                  // those of the ends, while open
+    mutable Ostrel::Mutex _newestLock;                             // leaf
+    std::optional<Arrival> _newest OSTREL_GUARDED_BY(_newestLock); // nothing where clocks are not compared
 
     std::shared_ptr<LocalTopic> _localTopic; // while open
     DdsEntity _ddsTopic, _reader;            // last: goes first, and with it the listeners

@@ -69,6 +69,7 @@ void DdsNode::removeSlots()
 void DdsNode::start()
 {
     DdsLog::takeOver();
+    keepRemarks(std::nullopt);
     _worker.start(
         "dds", [this] { run(); }, [this](const std::string& problem) { setAllDegraded("ended: " + problem); });
 }
@@ -76,7 +77,24 @@ void DdsNode::start()
 void DdsNode::stop()
 {
     _worker.stop();
+    keepRemarks(_session->getRemarks()); // closing takes time, in which nothing becomes older
     _session->close();
+}
+
+void DdsNode::keepRemarks(std::optional<std::vector<RemarkInfo>> remarks)
+{
+    const Ostrel::LockGuard guard(_remarksLock);
+    _lastRemarks = std::move(remarks);
+}
+
+std::vector<RemarkInfo> DdsNode::getRemarks() const
+{
+    {
+        const Ostrel::LockGuard guard(_remarksLock);
+        if (_lastRemarks)
+            return *_lastRemarks;
+    }
+    return _session ? _session->getRemarks() : std::vector<RemarkInfo>();
 }
 
 void DdsNode::run()

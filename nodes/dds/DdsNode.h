@@ -19,6 +19,9 @@ public:
     /// Each topic may be in trouble alone.
     NodeState getStateOf(const Slot& slot) const override OSTREL_EXCLUDES(_troublesLock);
 
+    /// How old the newest values are, by their source's clock.
+    std::vector<RemarkInfo> getRemarks() const override OSTREL_EXCLUDES(_remarksLock);
+
 private:
     void configure(const Settings& settings) override;
     void start() override;
@@ -33,6 +36,7 @@ private:
     std::optional<double> work();
     void setTroubles(DdsTroubles troubles) OSTREL_EXCLUDES(_troublesLock);
     void setAllDegraded(const std::string& reason) OSTREL_EXCLUDES(_troublesLock);
+    void keepRemarks(std::optional<std::vector<RemarkInfo>> remarks) OSTREL_EXCLUDES(_remarksLock);
 
     Clock& _clock;
     DdsOutCounters _outCounters;
@@ -47,6 +51,8 @@ private:
     mutable Ostrel::Mutex _troublesLock; // leaf
     DdsTroubles _troubles OSTREL_GUARDED_BY(_troublesLock);
 
+    mutable Ostrel::Mutex _remarksLock;                                                  // leaf
+    std::optional<std::vector<RemarkInfo>> _lastRemarks OSTREL_GUARDED_BY(_remarksLock); // since the node stopped
     Worker _worker;
 };
 

@@ -24,10 +24,11 @@ DdsSession::DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, 
                        std::function<void()> wake)
     : _clock(clock),
       _settings(std::move(settings)),
-      _ends{nullptr, 0, 0, 0, _settings._quality, randomID(), std::move(wake)},
+      _ends{nullptr, 0, 0, 0, _settings._quality, randomID(), std::move(wake), _settings._timing ? &_clocks : nullptr},
       _hosts(_settings._domain._hosts, NameLookup::system()),
       _watch(_settings._quality, _settings._format, _settings._published, _settings._subscribed),
-      _clocks(clock, _ends._writerID, {_settings._timing, !_settings._published.empty() && !_settings._format._isRos})
+      _clocks(clock, _ends._writerID,
+              {_settings._timing && !_settings._subscribed.empty(), _settings._timing && !_settings._published.empty()})
 {
     for (const ListedSlot& topic : _settings._published)
         _outLanes.push_back(DdsOutLane::create(
@@ -130,7 +131,7 @@ void DdsSession::lookAround()
 std::optional<double> DdsSession::compareClocks()
 {
     const auto next = _clocks.work();
-    if (!_settings._timing)
+    if (!_settings._timing || _inLanes.empty())
         return next;
     if (const double now = _clock.now(); now >= _nextTiming) {
         for (const auto& lane : _inLanes)
@@ -138,6 +139,17 @@ std::optional<double> DdsSession::compareClocks()
         _nextTiming = now + timingPeriod;
     }
     return std::min(next.value_or(_nextTiming), _nextTiming);
+}
+
+std::vector<RemarkInfo> DdsSession::getRemarks() const
+{
+    std::vector<RemarkInfo> remarks;
+    const double now = _clock.wallTime().getSeconds();
+    for (const auto& lane : _inLanes)
+        if (const auto newest = lane->getNewest())
+            remarks.push_back(
+                {lane->getTopic()._name, describeTiming(*newest, _clocks.look(newest->_writer, now), now)});
+    return remarks;
 }
 
 double DdsSession::showLife()

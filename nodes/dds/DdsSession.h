@@ -16,7 +16,7 @@ struct DdsSettings {
     std::vector<ListedSlot> _published;
     std::vector<ListedSlot> _subscribed;
     DdsFormat _format;
-    bool _timing = false; // whether the clocks of who publishes are asked
+    bool _timing = true; // whether clocks are compared
 };
 
 /// A node's topics, with their slots, and its part in the domain while it is open.
@@ -50,6 +50,9 @@ public:
 
     /// What is wrong with topics. isEarly: one that nobody publishes is no trouble yet.
     DdsTroubles getTroubles(bool isEarly) const;
+
+    /// How old the newest values are. Any thread, under any lock but the log's.
+    std::vector<RemarkInfo> getRemarks() const;
 
 private:
     void openTopics();

@@ -30,7 +30,8 @@ const Setting rows[] = {
     Setting::choice("reliable", "yes", "yes|no", "whether what is lost on the line is sent again"),
     Setting::choice("finite", "yes", "yes|no", "whether samples with infinite numbers or not-a-number are refused"),
     Setting::choice("ros2", "no", "yes|no", "whether topics are those of ROS 2 systems, with their messages"),
-    Setting::choice("timing", "no", "yes|no", "whether Topic/timing tells how old values are, by comparing clocks"),
+    Setting::choice("timing", "yes", "yes|no",
+                    "whether clocks are compared, and Topic/timing tells how old values are; no with ros2=yes"),
     Setting::number("lease", "3", 0.5, 60, "seconds of silence after which a peer counts as gone"),
     Setting::integer("processes", "32", 1, 119,
                      "programs of a machine that may take part; without multicast each is looked for"),
@@ -128,9 +129,9 @@ DdsSettings readDdsSettings(const Settings& settings)
     read._quality._depth = static_cast<int>(settings.integer("depth"));
     read._quality._reliable = settings.choice("reliable") == 0;
     read._quality._lease = read._domain._lease;
-    read._timing = settings.choice("timing") == 0;
     read._format = {settings.choice("ros2") == 0, settings.choice("finite") == 0};
     read._quality._lateJoiners = !read._format._isRos;
+    read._timing = settings.choice("timing") == 0 && (!read._format._isRos || settings.isGiven("timing"));
     read._published = readDdsTopics(settings, "publish");
     read._subscribed = readDdsTopics(settings, "subscribe");
     if (read._published.empty() && read._subscribed.empty())

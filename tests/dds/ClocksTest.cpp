@@ -25,6 +25,17 @@ TEST(ClockOffset, BestQuestionCountsUntilItIsOld)
     EXPECT_NEAR(offset.estimate(2000.4)->_offset, 4.9, 1e-9);
 }
 
+TEST(ClockOffset, ClockThatWasSetOrIsSilentLeavesNoClaim)
+{
+    ClockOffset offset;
+    EXPECT_TRUE(offset.note(10.0, 15.01, 15.01, 10.02));
+    EXPECT_TRUE(offset.note(12.0, 77.1, 77.1, 12.4)); // set ahead by a minute, and told by a worse answer
+    EXPECT_NEAR(offset.estimate(12.4)->_offset, 64.9, 1e-9);
+    EXPECT_NEAR(offset.estimate(62.4)->_bound, 0.2 + 50 * 2e-4, 1e-9);
+    EXPECT_FALSE(offset.estimate(12.4 + ClockOffset::Lifetime + 1.0));
+    EXPECT_NEAR(*offset.age(100.0), 87.6, 1e-9);
+}
+
 TEST(ClockOffset, ImpossibleAnswersAreNotNoted)
 {
     const double none = std::numeric_limits<double>::quiet_NaN();
@@ -97,12 +108,13 @@ TEST(HostNames, UnknownHostIsLookedUpAgain)
 class WrongDate final : public Clock {
 public:
     explicit WrongDate(double ahead) : _ahead(ahead) {}
+    void set(double ahead) { _ahead = ahead; }
     double now() const override { return Clock::system().now(); }
     Time wallTime() const override { return Time(Time::getCurrentTime().getSeconds() + _ahead); }
     std::unique_ptr<Alarm> createAlarm() override { return Clock::system().createAlarm(); }
 
 private:
-    const double _ahead;
+    std::atomic<double> _ahead;
 };
 
 TEST(DdsTiming, TakesOutHowFarTheClocksAreApart)
@@ -114,7 +126,7 @@ TEST(DdsTiming, TakesOutHowFarTheClocksAreApart)
     Feed<float> feed("writer/Wand");
     // A value that its source held back for half a minute, by the source's clock.
     feed.push(1.0F, clock.wallTime().getSeconds() - held);
-    DdsPeer reader("subscribe='Wand Float' timing=yes label=reader");
+    DdsPeer reader("subscribe='Wand Float' label=reader");
     Probe<Vec3<double>> timing("reader/Wand/timing");
     for (int i = 0; i < 2; ++i) {
         const Vec3<double> told = timing.next().getValue();
@@ -124,6 +136,44 @@ TEST(DdsTiming, TakesOutHowFarTheClocksAreApart)
         EXPECT_LT(told[0], ahead - held); // however long the machine was busy, the wrong date is not in it
         EXPECT_GE(told[1], told[0]);
     }
+    // Who comes again, its date set right meanwhile, is compared anew.
+    writer.stop();
+    clock.set(0.0);
+    writer.standAgain();
+    constexpr double heldLater = 200.0;
+    feed.push(2.0F, clock.wallTime().getSeconds() - heldLater);
+    const auto isRight = [](const Vec3<double>& told) {
+        return told[0] >= heldLater - told[2] && told[0] < heldLater + ahead / 2;
+    };
+    while (!isRight(timing.next().getValue())) {
+    }
+    const auto remarks = reader->getRemarks();
+    ASSERT_EQ(remarks.size(), 1U);
+    EXPECT_EQ(remarks[0]._slot, "Wand");
+    EXPECT_NE(remarks[0]._text.find(" from its source to here, "), std::string::npos) << remarks[0]._text;
+    reader.stop();
+    const auto last = reader->getRemarks();
+    ASSERT_EQ(last.size(), 1U);
+    EXPECT_NE(last[0]._text.find(" from its source to here, "), std::string::npos) << last[0]._text;
+    EXPECT_EQ(reader->getRemarks()[0]._text, last[0]._text) << "as of the stop";
+}
+
+TEST(DdsTiming, IsNotKnownOfAPublisherThatAnswersNoQuestions)
+{
+    const OpenRoot root;
+    DdsPeer writer("publish='Wand Float' timing=no label=writer");
+    DdsPeer reader("subscribe='Wand Float' label=reader");
+    Feed<float> feed("writer/Wand");
+    feed.push(1.0F, Time::getCurrentTime().getSeconds());
+    const auto remark = [&] {
+        const auto remarks = reader->getRemarks();
+        return remarks.empty() ? std::string() : remarks[0]._text;
+    };
+    await([&] { return remark().find("it has not answered 8 questions") != std::string::npos; });
+    DdsPeer deaf("subscribe='Wand Float' timing=no label=deaf");
+    deaf.awaitCount("in samples", 1);
+    EXPECT_TRUE(deaf->getRemarks().empty());
+    EXPECT_EQ(deaf->inspect()._slots.size(), 2U) << "no slot for the timing";
 }
 
 } // namespace

@@ -290,6 +290,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Refused{"HostsOfTwoKinds", "publish='A Float' host='10.0.0.1 ::1'", "one kind"},
                       Refused{"NoMessage", "ros2=yes publish='A Color'",
                               "for A one of the types that have a message: Bool"},
+                      Refused{"NoRosTiming", "ros2=yes timing=yes subscribe='A Bool'", "nobody to ask for the time"},
                       Refused{"NoRosName", "ros2=yes publish='A/1 Bool'", "but not A/1"},
                       Refused{"WildPartition", "publish='A Float' partition='*'", "of the characters"}),
     [](const auto& row) { return std::string(row.param._name); });

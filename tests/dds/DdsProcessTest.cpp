@@ -100,6 +100,7 @@ TEST_F(DdsHostsTest, KilledPublisherIsNoticedAndItsSuccessorHeard)
     reader.signal(SIGTERM);
     EXPECT_EQ(reader.wait(), 0) << reader.err();
     EXPECT_NE(reader.err().find("in repeated 0, in refused 0"), std::string::npos) << reader.err();
+    EXPECT_NE(reader.err().find("slot 'Context/DDS/Wand': "), std::string::npos) << reader.err();
 }
 
 TEST_F(DdsHostsTest, MeetByNameAndOverIPv6)
