@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t mostQuestions = 200; // that are answered in a second, and that wait for it
 constexpr unsigned mostAskers = 10'000;    // that are believed
 constexpr double periodOfEnd = 0.005;      // seconds; with multicast, 200 questions a second in a domain
-constexpr double periodOfPair = 0.001;     // seconds; each goes to each: 1,000 packets a second in a domain
+constexpr double periodOfPair = 0.0004;    // seconds; each goes to each: 2,500 packets a second in a domain
 
 unsigned countReaders(const DdsEntity& writer)
 {

@@ -2,19 +2,35 @@
 
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 
 namespace Trovio::Nodes {
 
 namespace {
 
-std::string inUnits(double seconds)
+struct Unit {
+    double _below; // seconds that are shown in it
+    double _factor;
+    int _digits; // behind the point
+    const char* _name;
+};
+constexpr Unit units[] = {{0.01, 1e3, 2, "ms"}, {1.0, 1e3, 0, "ms"}, {100.0, 1.0, 1, "s"}, {0.0, 1.0, 0, "s"}};
+
+double up(double number)
 {
-    const double size = std::fabs(seconds);
+    return std::ceil(number - 1e-6); // not for what is no error but the computer's
+}
+
+std::string inUnits(double seconds, double (*round)(double) = std::round)
+{
+    const Unit* unit = units;
+    while (std::fabs(seconds) >= unit->_below && unit + 1 != std::end(units))
+        ++unit;
+    const double steps = std::pow(10.0, unit->_digits);
+    // Adding nothing takes the sign off a zero.
+    const double number = round(seconds * unit->_factor * steps) / steps + 0.0;
     char text[32];
-    if (size < 1.0)
-        std::snprintf(text, sizeof text, "%.*f ms", size < 0.01 ? 2 : 0, seconds * 1e3);
-    else
-        std::snprintf(text, sizeof text, "%.*f s", size < 100.0 ? 1 : 0, seconds);
+    std::snprintf(text, sizeof text, "%.*f %s", unit->_digits, number, unit->_name);
     return text;
 }
 
@@ -45,7 +61,7 @@ std::string describeTiming(const Arrival& arrival, const PeerClocks::Knowledge& 
     const ValueTiming timing(arrival, *clock._estimate, now);
     const double ahead = clock._estimate->_offset;
     return inUnits(timing._delay) + " from its source to here, " + inUnits(timing._age) + " old, wrong by " +
-           inUnits(timing._bound) + " at most; its source's clock is " + inUnits(std::fabs(ahead)) +
+           inUnits(timing._bound, up) + " at most; its source's clock is " + inUnits(std::fabs(ahead)) +
            (ahead < 0.0 ? " behind" : " ahead");
 }
 

@@ -128,12 +128,12 @@ INSTANTIATE_TEST_SUITE_P(
     Dds, DescribeTiming,
     ::testing::Values(
         Told{"Ahead",
-             {ClockOffset::Estimate{3.2, 0.0001}, 1.0, 0},
-             "0.80 ms from its source to here, 12 ms old, wrong by 0.10 ms at most; its source's clock "
+             {ClockOffset::Estimate{3.2, 0.000121}, 1.0, 0},
+             "0.80 ms from its source to here, 12 ms old, wrong by 0.13 ms at most; its source's clock "
              "is 3.2 s ahead"},
         Told{"Behind",
              {ClockOffset::Estimate{-250.0, 0.5}, 1.0, 0},
-             "-253 s from its source to here, -253 s old, wrong by 500 ms at most; its source's clock is "
+             "-253 s from its source to here, -253 s old, wrong by 501 ms at most; its source's clock is "
              "250 s behind"},
         Told{"NotAsked", {}, "-3.2 s old by our clock; its source's clock is not known: it was not asked yet"},
         Told{"NoAnswer",
