@@ -103,7 +103,7 @@ private:
 class FarNode final : public FarEnd {
 public:
     explicit FarNode(const Meeting& meeting)
-        : _arrays("arrays", capacity),
+        : _arrays("arrays", 8),
           _counts("counts"),
           _node(meeting,
                 topics("subscribe", meeting.forth(), meeting._load) + topics("publish", meeting.back(), Load::Vector))

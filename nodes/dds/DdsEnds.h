@@ -16,9 +16,11 @@ struct DdsEnds {
     dds_entity_t _publisher;
     dds_entity_t _subscriber;
     const DdsQuality& _quality;
-    std::uint64_t _writerID;     // what the node writes under
-    std::function<void()> _wake; // the node's thread; from any thread, under any lock
-    DdsClocks* _clocks;          // null where clocks are not compared
+    std::uint64_t _writerID; // what the node writes under
+    // Both from any thread, under any lock.
+    std::function<void()> _wake;         // the node's thread
+    std::function<void()> _peersChanged; // wakes it, too: somebody came or went
+    DdsClocks* _clocks;                  // null where clocks are not compared
 };
 
 } // namespace Trovio::Nodes

@@ -30,31 +30,43 @@ public:
     {
     }
 
+    ~TypedInLane() override
+    {
+        close();
+        dds_sample_free(&_sample, &Value::descriptor(), DDS_FREE_CONTENTS);
+    }
+
     BasicOutSlot& getSlot() override { return _slot; }
 
 private:
-    using Sample = typename Value::Sample;
-
-    Trovio_Wire_Origin originOf(const void* sample, const dds_sample_info_t& info) override
+    std::optional<Trovio_Wire_Origin> read(const ddsi_serdata& serialised, const dds_sample_info_t& info) override
     {
-        const auto& read = *static_cast<const Sample*>(sample);
-        if constexpr (requires { read.origin; })
-            return read.origin;
+        if constexpr (requires { _record.getValue().acquire(); })
+            _record.getValue().acquire();
+        if constexpr (requires { Value::lend(*_record.getValue(), 0, _sample); })
+            Value::lend(*_record.getValue(), ddsi_serdata_size(&serialised), _sample);
+        if (!ddsi_serdata_to_sample(&serialised, &_sample, nullptr, nullptr))
+            return std::nullopt;
+        if constexpr (requires { _sample.origin; })
+            return _sample.origin;
         else
-            return {stampOf(read, info), info.publication_handle, 0};
+            return Trovio_Wire_Origin{stampOf(_sample, info), info.publication_handle, 0};
     }
 
-    std::string deliver(const void* sample, const Time& stamp) override
+    std::string deliver(const Time& stamp) override
     {
-        Data<T> record(T(), stamp);
-        std::string problem = Value::read(*static_cast<const Sample*>(sample), _finite, record.getValue());
-        if (problem.empty())
-            _slot.push(record);
+        std::string problem = Value::read(_sample, _finite, _record.getValue());
+        if (problem.empty()) {
+            _record.setTimeStamp(stamp);
+            _slot.push(_record);
+        }
         return problem;
     }
 
     const bool _finite;
     OutSlot<T> _slot;
+    Data<T> _record;
+    typename Value::Sample _sample{};
 };
 
 } // namespace
@@ -85,7 +97,7 @@ DdsInLane::DdsInLane(const ListedSlot& topic, const DdsFormat& format, const dds
 
 void DdsInLane::open(const DdsEnds& ends)
 {
-    _wake = ends._wake;
+    _peersChanged = ends._peersChanged;
     _clocks = ends._clocks;
     const std::string what = "cannot subscribe to " + _topic._name;
     const DdsListener listener(dds_create_listener(this));
@@ -149,39 +161,39 @@ void DdsInLane::onData(dds_entity_t reader, void* lane) noexcept
 
 void DdsInLane::onLiveliness(dds_entity_t, dds_liveliness_changed_status_t, void* lane) noexcept
 {
-    static_cast<DdsInLane*>(lane)->_wake();
+    static_cast<DdsInLane*>(lane)->_peersChanged();
 }
 
 void DdsInLane::takeAll(dds_entity_t reader)
 {
     const Ostrel::LockGuard guard(_takeLock);
-    takeSamples(reader, [this](const void* sample, const dds_sample_info_t& info) OSTREL_NO_THREAD_SAFETY_ANALYSIS {
-        take(sample, info); // under the lock: this runs before takeSamples() returns
-    });
+    const auto use = [this](const ddsi_serdata& serialised, const dds_sample_info_t& info)
+                         OSTREL_NO_THREAD_SAFETY_ANALYSIS {
+                             take(serialised, info); // under the lock: this runs before takeSerialised() returns
+                         };
+    takeSerialised(reader, use);
 }
 
-void DdsInLane::take(const void* sample, const dds_sample_info_t& info)
+void DdsInLane::take(const ddsi_serdata& serialised, const dds_sample_info_t& info)
 {
-    const Trovio_Wire_Origin origin = originOf(sample, info);
+    const auto origin = read(serialised, info);
+    if (!origin)
+        return refuse("it is no sample of its type");
     // Written so that a stamp that is no number is refused, too.
-    if (!(origin.stamp >= 0.0 && origin.stamp < latestStamp)) {
-        refuse("its time stamp is " + std::to_string(origin.stamp) + " seconds since 1970");
-        return;
-    }
-    const auto [isNew, missed] = _numbers.note(info.publication_handle, origin.writer, origin.number);
+    if (!(origin->stamp >= 0.0 && origin->stamp < latestStamp))
+        return refuse("its time stamp is " + std::to_string(origin->stamp) + " seconds since 1970");
+    const auto [isNew, missed] = _numbers.note(info.publication_handle, origin->writer, origin->number);
     _counters._missed.add(missed);
     if (!isNew) {
         _counters._repeated.add();
         return;
     }
     const double arrived = _clocks ? _clock.wallTime().getSeconds() : 0.0;
-    if (const std::string problem = deliver(sample, Time(origin.stamp)); !problem.empty()) {
-        refuse("it holds " + problem);
-        return;
-    }
+    if (const std::string problem = deliver(Time(origin->stamp)); !problem.empty())
+        return refuse("it holds " + problem);
     _counters._samples.add();
     if (_clocks)
-        noteNewest({origin.writer, origin.stamp, arrived});
+        noteNewest({origin->writer, origin->stamp, arrived});
 }
 
 void DdsInLane::noteNewest(const Arrival& arrival)

@@ -55,17 +55,18 @@ protected:
     DdsInLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
               DdsInCounters& counters, Clock& clock);
 
-    /// Where the sample comes from, in its own words, or in those that came with it.
-    virtual Trovio_Wire_Origin originOf(const void* sample, const dds_sample_info_t& info) = 0;
+    /// Makes a sample of it, which is kept until the next one. Where it comes from, in its own words, or in those that
+    /// came with it; nothing if it is no sample of the type.
+    virtual std::optional<Trovio_Wire_Origin> read(const ddsi_serdata& serialised, const dds_sample_info_t& info) = 0;
 
     /// Pushes the sample's value. What is wrong with the sample; empty, and it was pushed, if nothing is.
-    virtual std::string deliver(const void* sample, const Time& stamp) = 0;
+    virtual std::string deliver(const Time& stamp) = 0;
 
 private:
     static void onData(dds_entity_t reader, void* lane) noexcept;
     static void onLiveliness(dds_entity_t reader, dds_liveliness_changed_status_t status, void* lane) noexcept;
     void takeAll(dds_entity_t reader) OSTREL_EXCLUDES(_takeLock);
-    void take(const void* sample, const dds_sample_info_t& info) OSTREL_REQUIRES(_takeLock);
+    void take(const ddsi_serdata& serialised, const dds_sample_info_t& info) OSTREL_REQUIRES(_takeLock);
     void noteNewest(const Arrival& arrival) OSTREL_EXCLUDES(_newestLock);
     void refuse(const std::string& problem) OSTREL_REQUIRES(_takeLock);
     void setAlive(bool alive);
@@ -79,7 +80,7 @@ private:
     OutSlot<Vec3<double>> _timingSlot;
     std::optional<bool> _alive; // what was pushed last
     bool _isSilent = false;
-    std::function<void()> _wake;
+    std::function<void()> _peersChanged;
 
     Ostrel::Mutex _takeLock; // held around taking and pushing; no lock of a slot or the tree is held when it is taken
     WriterNumbers _numbers OSTREL_GUARDED_BY(_takeLock);

@@ -9,9 +9,9 @@ namespace {
 constexpr std::size_t mostFound = 64;   // ends that are remembered; peers can make any number
 constexpr std::size_t longestText = 80; // characters of a peer's words in a message
 
-void wake(dds_entity_t, void* ends) noexcept
+void onNews(dds_entity_t, void* ends) noexcept
 {
-    static_cast<const DdsEnds*>(ends)->_wake();
+    static_cast<const DdsEnds*>(ends)->_peersChanged();
 }
 
 bool isReliable(const dds_qos_t* qos)
@@ -53,7 +53,7 @@ DdsMatchWatch::~DdsMatchWatch() = default;
 void DdsMatchWatch::open(const DdsEnds& ends)
 {
     const DdsListener listener(dds_create_listener(const_cast<DdsEnds*>(&ends)));
-    dds_lset_data_available(listener.get(), wake);
+    dds_lset_data_available(listener.get(), onNews);
     const auto openReader = [&](dds_entity_t topic) {
         return DdsEntity(dds_create_reader(ends._participant, topic, nullptr, listener.get()),
                          "cannot look for other programs");

@@ -43,10 +43,13 @@ DdsNode::~DdsNode() = default;
 
 void DdsNode::configure(const Settings& settings)
 {
-    auto session = std::make_unique<DdsSession>(_clock, readDdsSettings(settings), _outCounters, _inCounters, [this] {
+    const auto wake = [this] { _worker.wake(); };
+    const auto peersChanged = [this] {
         _lookNeeded = true;
         _worker.wake();
-    });
+    };
+    auto session =
+        std::make_unique<DdsSession>(_clock, readDdsSettings(settings), _outCounters, _inCounters, wake, peersChanged);
     removeSlots();
     _session = std::move(session);
     _session->forEachInSlot([this](const std::string& label, BasicInSlot& slot) {

@@ -99,7 +99,7 @@ void DdsOutLane::open(const DdsEnds& ends)
     const std::string what = "cannot publish " + _topic._name;
     const DdsListener listener(dds_create_listener(this));
     dds_lset_publication_matched(listener.get(), onMatched);
-    _wake = ends._wake;
+    _peersChanged = ends._peersChanged;
     _isLocal = ends._domain->getSettings().isLoopback();
     const Ostrel::LockGuard guard(_sendLock);
     _writerID = ends._writerID;
@@ -125,7 +125,7 @@ void DdsOutLane::close()
 
 void DdsOutLane::onMatched(dds_entity_t, dds_publication_matched_status_t, void* lane) noexcept
 {
-    static_cast<DdsOutLane*>(lane)->_wake();
+    static_cast<DdsOutLane*>(lane)->_peersChanged();
 }
 
 void DdsOutLane::lookForReaders()

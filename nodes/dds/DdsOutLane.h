@@ -87,7 +87,7 @@ private:
     const dds_topic_descriptor_t& _descriptor;
     DdsOutCounters& _counters;
     const bool _isSmall;
-    std::function<void()> _wake;
+    std::function<void()> _peersChanged;
     bool _isLocal = false;             // the domain is this machine only
     std::atomic<bool> _isQuick{false}; // sending cannot wait
 

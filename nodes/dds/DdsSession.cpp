@@ -21,10 +21,18 @@ std::uint64_t randomID()
 } // namespace
 
 DdsSession::DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, DdsInCounters& in,
-                       std::function<void()> wake)
+                       std::function<void()> wake, std::function<void()> peersChanged)
     : _clock(clock),
       _settings(std::move(settings)),
-      _ends{nullptr, 0, 0, 0, _settings._quality, randomID(), std::move(wake), _settings._timing ? &_clocks : nullptr},
+      _ends{nullptr,
+            0,
+            0,
+            0,
+            _settings._quality,
+            randomID(),
+            std::move(wake),
+            std::move(peersChanged),
+            _settings._timing ? &_clocks : nullptr},
       _hosts(_settings._domain._hosts, NameLookup::system()),
       _watch(_settings._quality, _settings._format, _settings._published, _settings._subscribed),
       _clocks(clock, _ends._writerID,

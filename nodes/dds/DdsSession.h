@@ -23,8 +23,10 @@ struct DdsSettings {
 /// Threads: one; the slots are for any thread.
 class DdsSession {
 public:
-    /// wake is called from any thread, under any lock.
-    DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, DdsInCounters& in, std::function<void()> wake);
+    /// wake is called where there is something to do, peersChanged where there is something to look at; both from any
+    /// thread, under any lock.
+    DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, DdsInCounters& in, std::function<void()> wake,
+               std::function<void()> peersChanged);
     ~DdsSession();
 
     const DdsSettings& getSettings() const { return _settings; }

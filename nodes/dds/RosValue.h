@@ -122,7 +122,6 @@ public:
     }
     static std::string read(const sensor_msgs_msg_dds__Image_& sample, bool, SharedImage& value)
     {
-        value.acquire();
         return readImage(sample, *value);
     }
 };
@@ -147,7 +146,6 @@ public:
         auto numbers = sample.data;
         numbers._buffer += offset;
         numbers._length -= offset;
-        value.acquire();
         return WireKind<E>::readMany(numbers, finite, *value);
     }
 };

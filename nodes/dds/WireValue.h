@@ -1,18 +1,19 @@
 #pragma once
 
+#include "nodes/dds/FiniteNumbers.h"
 #include "nodes/dds/WireItem.h"
 #include "nodes/dds/WireTypes.h"
 #include "trovio/Components.h"
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <memory>
 
 // How slot values become the value part of a sample and are read back, once for each kind of element. Every WireKind<E>
 // writes and reads one element (the sample's value itself) and many (a sequence).
 //   refer…  makes the sample refer to the memory of the value, or of this object, which must outlive the sample;
 //           what stands against sending it
+//   lend…   makes the sample refer to the memory of the value, for the library to write into
 //   read…   takes over what the sample holds; what is wrong with it
 // What is wrong, or stands against it, is an empty text where nothing is.
 namespace Trovio::Nodes {
@@ -58,23 +59,24 @@ public:
         if (std::string problem = finite ? findNonFinite(sequence._buffer, sequence._length) : std::string();
             !problem.empty())
             return problem;
+        const bool isLent = sequence._buffer == reinterpret_cast<const Component*>(elements.data());
         elements.resize(sequence._length / Count);
-        if (!elements.empty())
+        if (!isLent && !elements.empty())
             std::memcpy(static_cast<void*>(elements.data()), sequence._buffer, elements.size() * sizeof(E));
         return {};
     }
 
+    /// Lends the memory of the elements to the sequence, for so many bytes of them at most.
+    template <class Sequence>
+    static void lendMany(std::vector<E>& elements, std::size_t bytes, Sequence& sequence)
+    {
+        // One more than fit: a sequence whose length is no multiple must not be cut to one.
+        elements.resize(bytes / sizeof(E) + 1);
+        referTo(sequence, reinterpret_cast<const Component*>(elements.data()), elements.size() * Count);
+    }
+
 private:
     static constexpr std::size_t mostBytes = std::size_t(1) << 30; // their number fits into 32 bits
-
-    /// Without a way out in between, so that the compiler looks at many at once.
-    static bool areFinite(const Component* components, std::size_t count)
-    {
-        unsigned others = 0;
-        for (std::size_t i = 0; i < count; ++i)
-            others |= std::fabs(components[i]) <= std::numeric_limits<Component>::max() ? 0U : 1U;
-        return others == 0;
-    }
 
     static std::string findNonFinite(const Component* components, std::size_t count)
     {
@@ -193,6 +195,8 @@ private:
 
 template <class Object>
 class WireValue<SmartPtr<Object>> {
+    using Element = typename WireType<SmartPtr<Object>>::Element;
+
 public:
     using Sample = typename WireType<SmartPtr<Object>>::Sample;
     static const dds_topic_descriptor_t& descriptor() { return WireType<SmartPtr<Object>>::descriptor(); }
@@ -206,19 +210,27 @@ public:
             return _kind.referMany(value ? *value : none, sample.value);
     }
 
+    /// Lends the object's memory to a sample that takes so many bytes on the wire, so that there is nothing left to
+    /// copy after the library has put it there. The object is not to be used before it is read.
+    static void lend(Object& object, std::size_t bytes, Sample& sample) requires requires
+    {
+        WireKind<Element>::lendMany(object, bytes, sample.value);
+    }
+    {
+        WireKind<Element>::lendMany(object, bytes, sample.value);
+    }
+
     static std::string read(const Sample& sample, bool finite, SmartPtr<Object>& value)
     {
-        value.acquire();
         if constexpr (isImage)
-            return Kind::readOne(sample.value, finite, *value);
+            return WireKind<Element>::readOne(sample.value, finite, *value);
         else
-            return Kind::readMany(sample.value, finite, *value);
+            return WireKind<Element>::readMany(sample.value, finite, *value);
     }
 
 private:
     static constexpr bool isImage = std::is_same_v<Object, Image>;
-    using Kind = WireKind<typename WireType<SmartPtr<Object>>::Element>;
-    Kind _kind;
+    WireKind<Element> _kind;
 };
 
 } // namespace Trovio::Nodes
