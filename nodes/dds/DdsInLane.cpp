@@ -140,7 +140,7 @@ void DdsInLane::pushTiming(DdsClocks& clocks, const Time& now)
     }
 }
 
-std::optional<Arrival> DdsInLane::getNewest() const
+std::optional<SampleArrival> DdsInLane::getNewest() const
 {
     const Ostrel::LockGuard guard(_newestLock);
     return _newest;
@@ -196,7 +196,7 @@ void DdsInLane::take(const ddsi_serdata& serialised, const dds_sample_info_t& in
         noteNewest({origin->writer, origin->stamp, arrived});
 }
 
-void DdsInLane::noteNewest(const Arrival& arrival)
+void DdsInLane::noteNewest(const SampleArrival& arrival)
 {
     bool isOther = false;
     {

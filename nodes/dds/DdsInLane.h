@@ -46,7 +46,7 @@ public:
     /// Pushes it, if the clock of who wrote the newest value is known, and asks for that clock. now: our date.
     void pushTiming(DdsClocks& clocks, const Time& now) OSTREL_EXCLUDES(_newestLock);
     /// Of the newest value that was pushed, if any. Any thread, under any lock but the log's.
-    std::optional<Arrival> getNewest() const OSTREL_EXCLUDES(_newestLock);
+    std::optional<SampleArrival> getNewest() const OSTREL_EXCLUDES(_newestLock);
     bool isAlive() const { return _alive.value_or(false); }
     /// Somebody publishes it, but gives no sign of life: may be that they do not hear us.
     bool isSilent() const { return _isSilent; }
@@ -67,7 +67,7 @@ private:
     static void onLiveliness(dds_entity_t reader, dds_liveliness_changed_status_t status, void* lane) noexcept;
     void takeAll(dds_entity_t reader) OSTREL_EXCLUDES(_takeLock);
     void take(const ddsi_serdata& serialised, const dds_sample_info_t& info) OSTREL_REQUIRES(_takeLock);
-    void noteNewest(const Arrival& arrival) OSTREL_EXCLUDES(_newestLock);
+    void noteNewest(const SampleArrival& arrival) OSTREL_EXCLUDES(_newestLock);
     void refuse(const std::string& problem) OSTREL_REQUIRES(_takeLock);
     void setAlive(bool alive);
 
@@ -86,9 +86,9 @@ private:
     WriterNumbers _numbers OSTREL_GUARDED_BY(_takeLock);
     Seldom _reports OSTREL_GUARDED_BY(_takeLock);
 
-    DdsClocks* _clocks = nullptr;                                  // those of the ends, while open
-    mutable Ostrel::Mutex _newestLock;                             // leaf
-    std::optional<Arrival> _newest OSTREL_GUARDED_BY(_newestLock); // nothing where clocks are not compared
+    DdsClocks* _clocks = nullptr;                                        // those of the ends, while open
+    mutable Ostrel::Mutex _newestLock;                                   // leaf
+    std::optional<SampleArrival> _newest OSTREL_GUARDED_BY(_newestLock); // nothing where clocks are not compared
 
     std::shared_ptr<LocalTopic> _localTopic; // while open
     DdsEntity _ddsTopic, _reader;            // last: goes first, and with it the listeners

@@ -46,14 +46,14 @@ std::string whyUnknown(const PeerClocks::Knowledge& clock)
 
 } // namespace
 
-ValueTiming::ValueTiming(const Arrival& arrival, const ClockOffset::Estimate& clock, double now)
+ValueTiming::ValueTiming(const SampleArrival& arrival, const ClockOffset::Estimate& clock, double now)
     : _delay(arrival._time + clock._offset - arrival._stamp),
       _age(now + clock._offset - arrival._stamp),
       _bound(clock._bound + ClockOffset::driftIn(now - arrival._time)) // the offset is today's
 {
 }
 
-std::string describeTiming(const Arrival& arrival, const PeerClocks::Knowledge& clock, double now)
+std::string describeTiming(const SampleArrival& arrival, const PeerClocks::Knowledge& clock, double now)
 {
     if (!clock._estimate)
         return inUnits(now - arrival._stamp) +

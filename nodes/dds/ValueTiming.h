@@ -6,7 +6,7 @@
 namespace Trovio::Nodes {
 
 /// When a value came, and whose it is. Seconds since 1970.
-struct Arrival {
+struct SampleArrival {
     std::uint64_t _writer;
     double _stamp; // by the writer's clock
     double _time;  // by ours
@@ -19,10 +19,10 @@ struct ValueTiming {
     double _bound; // by which both may be wrong at most
 
     /// now: our date.
-    ValueTiming(const Arrival& arrival, const ClockOffset::Estimate& clock, double now);
+    ValueTiming(const SampleArrival& arrival, const ClockOffset::Estimate& clock, double now);
 };
 
 /// The same in words, with the difference of the clocks; or why it is not known.
-std::string describeTiming(const Arrival& arrival, const PeerClocks::Knowledge& clock, double now);
+std::string describeTiming(const SampleArrival& arrival, const PeerClocks::Knowledge& clock, double now);
 
 } // namespace Trovio::Nodes

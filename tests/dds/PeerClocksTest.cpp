@@ -120,7 +120,7 @@ class DescribeTiming : public ::testing::TestWithParam<Told> {};
 
 TEST_P(DescribeTiming, SaysWhatIsKnownAndWhatIsNot)
 {
-    const Arrival arrival{7, 1003.2, 1000.0008};
+    const SampleArrival arrival{7, 1003.2, 1000.0008};
     EXPECT_EQ(describeTiming(arrival, GetParam()._clock, 1000.012), GetParam()._text);
 }
 
