@@ -40,16 +40,16 @@ private:
         if (_slot.empty())
             return std::nullopt;
         _waiting = true;
-        auto& [record, value, sample] = _prepared[kept == &_prepared[0]._sample ? 1 : 0];
-        record = _slot.pop();
-        problem = value.refer(record.getValue(), sample);
-        const double stamp = record.getTimeStamp().getSeconds();
-        if constexpr (requires { sample.origin; })
-            return Sample{&sample, &sample.origin, stamp};
-        if constexpr (requires { sample.header; })
+        Prepared& next = _prepared[kept == &_prepared[0]._sample ? 1 : 0];
+        next._record = _slot.pop();
+        problem = next._value.refer(next._record.getValue(), next._sample);
+        const double stamp = next._record.getTimeStamp().getSeconds();
+        if constexpr (requires { next._sample.origin; })
+            return Sample{&next._sample, &next._sample.origin, stamp};
+        if constexpr (requires { next._sample.header; })
             if (problem.empty())
-                problem = writeTime(stamp, sample.header.stamp);
-        return Sample{&sample, nullptr, stamp};
+                problem = writeTime(stamp, next._sample.header.stamp);
+        return Sample{&next._sample, nullptr, stamp};
     }
 
     void dataArrived(Slot&) override
