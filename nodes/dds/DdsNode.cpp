@@ -153,12 +153,14 @@ std::optional<double> DdsNode::work()
     }
     if (!isEarly)
         _graceEnd = 0.0;
-    double next = _session->showLife();
-    if (const auto asking = _session->compareClocks())
-        next = std::min(next, *asking);
-    if (!_session->getSettings()._domain.isLoopback())
-        next = std::min(next, _nextAddressLook);
-    return isEarly ? std::min(next, _graceEnd) : next;
+    const bool hasAddress = !_session->getSettings()._domain.isLoopback();
+    std::optional<double> next;
+    for (const auto time :
+         {_session->showLife(), _session->compareClocks(), hasAddress ? std::optional(_nextAddressLook) : std::nullopt,
+          isEarly ? std::optional(_graceEnd) : std::nullopt})
+        if (time)
+            next = std::min(next.value_or(*time), *time);
+    return next;
 }
 
 void DdsNode::setAllDegraded(const std::string& reason)
@@ -170,24 +172,23 @@ void DdsNode::setAllDegraded(const std::string& reason)
     setDegraded(reason);
 }
 
-void DdsNode::setTroubles(DdsTroubles troubles)
+void DdsNode::setTroubles(const DdsTroubles& troubles)
 {
-    const std::string summary = troubles.summary();
     {
         const Ostrel::LockGuard guard(_troublesLock);
-        _troubles = std::move(troubles);
+        _troubles = troubles;
     }
-    if (summary.empty())
+    if (troubles.empty())
         setRunning();
     else
-        setDegraded(summary);
+        setDegraded(troubles.summary());
 }
 
 NodeState DdsNode::getStateOf(const Slot& slot) const
 {
     const NodeState state = getState();
     const Ostrel::LockGuard guard(_troublesLock);
-    if (_troubles.summary().empty())
+    if (_troubles.empty())
         return state; // all of it, or nothing
     const std::string trouble = _troubles.find(topicOf(slot.getName()));
     return trouble.empty() ? NodeState() : NodeState{true, trouble, state._since};

@@ -34,7 +34,7 @@ private:
     void closeIfStale();
     /// Sends and looks around; when to do so again, if nothing happens before.
     std::optional<double> work();
-    void setTroubles(DdsTroubles troubles) OSTREL_EXCLUDES(_troublesLock);
+    void setTroubles(const DdsTroubles& troubles) OSTREL_EXCLUDES(_troublesLock);
     void setAllDegraded(const std::string& reason) OSTREL_EXCLUDES(_troublesLock);
     void keepRemarks(std::optional<std::vector<RemarkInfo>> remarks) OSTREL_EXCLUDES(_remarksLock);
 

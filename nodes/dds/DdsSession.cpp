@@ -160,8 +160,10 @@ std::vector<RemarkInfo> DdsSession::getRemarks() const
     return remarks;
 }
 
-double DdsSession::showLife()
+std::optional<double> DdsSession::showLife()
 {
+    if (_outLanes.empty())
+        return std::nullopt;
     if (const double now = _clock.now(); now >= _nextSign) {
         dds_assert_liveliness(_participant.get());
         _nextSign = now + _settings._quality._lease / signsALease;

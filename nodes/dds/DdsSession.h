@@ -45,7 +45,7 @@ public:
     bool sendWaiting();
     void lookAround();
     /// Gives a sign of life to those who subscribe, if it is time; when it will be again.
-    double showLife();
+    std::optional<double> showLife();
 
     /// Compares clocks, and tells how old values are; when to do so again.
     std::optional<double> compareClocks();

@@ -15,8 +15,9 @@ public:
     /// Empty if nothing is wrong with it.
     std::string find(const std::string& topic) const;
 
-    /// Of all topics, shortened; empty if nothing is wrong with any.
+    /// Of all topics, shortened.
     std::string summary() const;
+    bool empty() const { return _ofTopics.empty(); }
 
 private:
     struct Text {
