@@ -112,6 +112,7 @@ void addVerb(CLI::App& app, const Verb& verb, Options& options)
 bool knownVerb(const char* argument, const std::vector<Verb>& verbs)
 {
     std::vector<std::string_view> names;
+    names.reserve(verbs.size());
     for (const Verb& verb : verbs)
         names.push_back(verb._name);
     if (argument[0] == '-' || std::ranges::find(names, argument) != names.end())

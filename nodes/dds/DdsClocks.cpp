@@ -55,10 +55,12 @@ void DdsClocks::open(const DdsEnds& ends)
 
 void DdsClocks::close()
 {
-    for (DdsEntity* entity : {&_questionReader, &_answerReader, &_questionWriter, &_answerWriter})
+    for (DdsEntity* entity :
+         {&_questionReader, &_answerReader, &_questionWriter, &_answerWriter, &_questionTopic, &_answerTopic})
         *entity = DdsEntity();
     const Ostrel::LockGuard guard(_lock);
     _questions.clear();
+    _peers.forgetSenders(); // peers have other names where this opens again
 }
 
 std::optional<double> DdsClocks::work()

@@ -78,9 +78,10 @@ std::string DdsDomainSettings::describe(const std::string& ownAddress) const
 std::shared_ptr<DdsDomain> DdsDomain::open(const DdsDomainSettings& settings)
 {
     OpenDomains& open = OpenDomains::get();
+    std::shared_ptr<DdsDomain> domain; // goes after the lock, which its end may need
     const Ostrel::LockGuard guard(open._lock);
     auto& [owned, users] = open._domains[settings._number];
-    auto domain = users.lock();
+    domain = users.lock();
     if (!domain) {
         owned.reset(); // its last user is just leaving; the library has no two of one number
         owned = std::make_unique<DdsDomain>(settings);

@@ -33,7 +33,7 @@ public:
     ~TypedInLane() override
     {
         close();
-        dds_sample_free(&_sample, &Value::descriptor(), DDS_FREE_CONTENTS);
+        freeSample();
     }
 
     BasicOutSlot& getSlot() override { return _slot; }
@@ -45,6 +45,8 @@ private:
             _record.getValue().acquire();
         if constexpr (requires { Value::lend(*_record.getValue(), 0, _sample); })
             Value::lend(*_record.getValue(), ddsi_serdata_size(&serialised), _sample);
+        else if constexpr (!std::is_trivially_copyable_v<T>)
+            freeSample(); // used again, each of its parts would stay as large as the largest that it ever held
         if (!ddsi_serdata_to_sample(&serialised, &_sample, nullptr, nullptr))
             return std::nullopt;
         if constexpr (requires { _sample.origin; })
@@ -61,6 +63,12 @@ private:
             _slot.push(_record);
         }
         return problem;
+    }
+
+    void freeSample()
+    {
+        dds_sample_free(&_sample, &Value::descriptor(), DDS_FREE_CONTENTS);
+        _sample = {};
     }
 
     const bool _finite;
@@ -97,7 +105,9 @@ DdsInLane::DdsInLane(const ListedSlot& topic, const DdsFormat& format, const dds
 
 void DdsInLane::open(const DdsEnds& ends)
 {
+    _wake = ends._wake;
     _peersChanged = ends._peersChanged;
+    _getsLast = ends._quality._lateJoiners;
     _clocks = ends._clocks;
     const std::string what = "cannot subscribe to " + _topic._name;
     const DdsListener listener(dds_create_listener(this));
@@ -113,6 +123,11 @@ void DdsInLane::open(const DdsEnds& ends)
 void DdsInLane::close()
 {
     _reader = DdsEntity();
+    _ddsTopic = DdsEntity();
+    {
+        const Ostrel::LockGuard guard(_takeLock);
+        _newcomers.clear();
+    }
     if (const auto topic = std::exchange(_localTopic, nullptr))
         topic->removeReader();
     if (_alive)
@@ -166,34 +181,62 @@ void DdsInLane::onLiveliness(dds_entity_t, dds_liveliness_changed_status_t, void
 
 void DdsInLane::takeAll(dds_entity_t reader)
 {
-    const Ostrel::LockGuard guard(_takeLock);
-    const auto use = [this](const ddsi_serdata& serialised, const dds_sample_info_t& info)
-                         OSTREL_NO_THREAD_SAFETY_ANALYSIS {
-                             take(serialised, info); // under the lock: this runs before takeSerialised() returns
-                         };
-    takeSerialised(reader, use);
+    bool isHeld = false;
+    {
+        const Ostrel::LockGuard guard(_takeLock);
+        const auto use = [&](DdsSerialised serialised, const dds_sample_info_t& info) OSTREL_NO_THREAD_SAFETY_ANALYSIS {
+            // Under the lock: this runs before takeSerialised() returns.
+            DdsNewcomers::Sample sample{std::move(serialised), info, _clock.wallTime().getSeconds()};
+            if (!_getsLast || _numbers.knows(info.publication_handle))
+                return take(sample);
+            _newcomers.hold(std::move(sample), _clock.now());
+            isHeld = true;
+        };
+        takeSerialised(reader, use);
+    }
+    if (isHeld)
+        _wake();
 }
 
-void DdsInLane::take(const ddsi_serdata& serialised, const dds_sample_info_t& info)
+std::optional<double> DdsInLane::takeNewcomers()
 {
-    const auto origin = read(serialised, info);
+    std::map<dds_instance_handle_t, WriterNumbers::Guid> due;
+    {
+        const Ostrel::LockGuard guard(_takeLock);
+        for (const dds_instance_handle_t writer : _newcomers.findDue(_clock.now()))
+            due[writer];
+    }
+    // Without the lock: those who wait for it in a listener hold locks of the library.
+    for (auto& [writer, guid] : due)
+        guid = guidOf(writer);
+    const Ostrel::LockGuard guard(_takeLock);
+    for (const auto& [writer, guid] : due) {
+        _numbers.introduce(writer, guid);
+        for (const auto& sample : _newcomers.release(writer, _clock.now()))
+            take(sample);
+    }
+    return _newcomers.nextDue();
+}
+
+void DdsInLane::take(const DdsNewcomers::Sample& sample)
+{
+    const auto origin = read(*sample._serialised, sample._info);
     if (!origin)
         return refuse("it is no sample of its type");
     // Written so that a stamp that is no number is refused, too.
     if (!(origin->stamp >= 0.0 && origin->stamp < latestStamp))
         return refuse("its time stamp is " + std::to_string(origin->stamp) + " seconds since 1970");
-    const auto [isNew, missed] = _numbers.note(info.publication_handle, origin->writer, origin->number);
+    const auto [isNew, missed] = _numbers.note({sample._info.publication_handle, origin->writer}, origin->number);
     _counters._missed.add(missed);
     if (!isNew) {
         _counters._repeated.add();
         return;
     }
-    const double arrived = _clocks ? _clock.wallTime().getSeconds() : 0.0;
     if (const std::string problem = deliver(Time(origin->stamp)); !problem.empty())
         return refuse("it holds " + problem);
     _counters._samples.add();
     if (_clocks)
-        noteNewest({origin->writer, origin->stamp, arrived});
+        noteNewest({origin->writer, origin->stamp, sample._arrived});
 }
 
 void DdsInLane::noteNewest(const SampleArrival& arrival)
@@ -206,6 +249,16 @@ void DdsInLane::noteNewest(const SampleArrival& arrival)
     }
     if (isOther)
         _clocks->want(arrival._writer);
+}
+
+WriterNumbers::Guid DdsInLane::guidOf(dds_instance_handle_t writer) const
+{
+    WriterNumbers::Guid guid{};
+    if (dds_builtintopic_endpoint_t* end = dds_get_matched_publication_data(_reader.get(), writer)) {
+        std::copy_n(end->key.v, guid.size(), guid.begin());
+        dds_builtintopic_free_endpoint(end);
+    }
+    return guid;
 }
 
 void DdsInLane::refuse(const std::string& problem)

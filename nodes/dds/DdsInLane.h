@@ -2,6 +2,7 @@
 
 #include "base/Mutex.h"
 #include "nodes/dds/DdsClocks.h"
+#include "nodes/dds/DdsNewcomers.h"
 #include "nodes/dds/TopicTypes.h"
 #include "nodes/dds/ValueTiming.h"
 #include "nodes/dds/WriterNumbers.h"
@@ -47,6 +48,8 @@ public:
     void pushTiming(DdsClocks& clocks, const Time& now) OSTREL_EXCLUDES(_newestLock);
     /// Of the newest value that was pushed, if any. Any thread, under any lock but the log's.
     std::optional<SampleArrival> getNewest() const OSTREL_EXCLUDES(_newestLock);
+    /// Goes on with samples that waited since their writers were new, where they have long enough; when to do so again.
+    std::optional<double> takeNewcomers() OSTREL_EXCLUDES(_takeLock);
     bool isAlive() const { return _alive.value_or(false); }
     /// Somebody publishes it, but gives no sign of life: may be that they do not hear us.
     bool isSilent() const { return _isSilent; }
@@ -66,8 +69,9 @@ private:
     static void onData(dds_entity_t reader, void* lane) noexcept;
     static void onLiveliness(dds_entity_t reader, dds_liveliness_changed_status_t status, void* lane) noexcept;
     void takeAll(dds_entity_t reader) OSTREL_EXCLUDES(_takeLock);
-    void take(const ddsi_serdata& serialised, const dds_sample_info_t& info) OSTREL_REQUIRES(_takeLock);
+    void take(const DdsNewcomers::Sample& sample) OSTREL_REQUIRES(_takeLock);
     void noteNewest(const SampleArrival& arrival) OSTREL_EXCLUDES(_newestLock);
+    WriterNumbers::Guid guidOf(dds_instance_handle_t writer) const;
     void refuse(const std::string& problem) OSTREL_REQUIRES(_takeLock);
     void setAlive(bool alive);
 
@@ -80,10 +84,12 @@ private:
     OutSlot<Vec3<double>> _timingSlot;
     std::optional<bool> _alive; // what was pushed last
     bool _isSilent = false;
-    std::function<void()> _peersChanged;
+    std::function<void()> _wake, _peersChanged;
+    bool _getsLast = true; // when it joins; and with it, what is older
 
     Ostrel::Mutex _takeLock; // held around taking and pushing; no lock of a slot or the tree is held when it is taken
     WriterNumbers _numbers OSTREL_GUARDED_BY(_takeLock);
+    DdsNewcomers _newcomers OSTREL_GUARDED_BY(_takeLock);
     Seldom _reports OSTREL_GUARDED_BY(_takeLock);
 
     DdsClocks* _clocks = nullptr;                                        // those of the ends, while open

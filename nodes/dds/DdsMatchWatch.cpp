@@ -75,6 +75,8 @@ void DdsMatchWatch::look()
 {
     lookAt(_writers.get(), _subscribed, true);
     lookAt(_readers.get(), _published, false);
+    // Those who are there stay, to be described; the library would keep those who are not, too.
+    takeSamples<Take::Gone>(_participants.get(), [](const void*, const dds_sample_info_t&) {});
 }
 
 void DdsMatchWatch::tell(DdsTroubles& troubles) const

@@ -155,9 +155,9 @@ std::optional<double> DdsNode::work()
         _graceEnd = 0.0;
     const bool hasAddress = !_session->getSettings()._domain.isLoopback();
     std::optional<double> next;
-    for (const auto time :
-         {_session->showLife(), _session->compareClocks(), hasAddress ? std::optional(_nextAddressLook) : std::nullopt,
-          isEarly ? std::optional(_graceEnd) : std::nullopt})
+    for (const auto time : {_session->takeNewcomers(), _session->showLife(), _session->compareClocks(),
+                            hasAddress ? std::optional(_nextAddressLook) : std::nullopt,
+                            isEarly ? std::optional(_graceEnd) : std::nullopt})
         if (time)
             next = std::min(next.value_or(*time), *time);
     return next;

@@ -118,6 +118,8 @@ void DdsOutLane::close()
     {
         const Ostrel::LockGuard guard(_sendLock);
         _writer = DdsEntity();
+        _ddsTopic = DdsEntity();
+        _localTopic.reset();
         complaint = std::exchange(_complaint, {});
     }
     tell(complaint);

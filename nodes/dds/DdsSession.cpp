@@ -160,6 +160,15 @@ std::vector<RemarkInfo> DdsSession::getRemarks() const
     return remarks;
 }
 
+std::optional<double> DdsSession::takeNewcomers()
+{
+    std::optional<double> next;
+    for (const auto& lane : _inLanes)
+        if (const auto due = lane->takeNewcomers())
+            next = std::min(next.value_or(*due), *due);
+    return next;
+}
+
 std::optional<double> DdsSession::showLife()
 {
     if (_outLanes.empty())

@@ -50,6 +50,9 @@ public:
     /// Compares clocks, and tells how old values are; when to do so again.
     std::optional<double> compareClocks();
 
+    /// Goes on with samples of writers that were new a moment ago; when to do so again.
+    std::optional<double> takeNewcomers();
+
     /// What is wrong with topics. isEarly: one that nobody publishes is no trouble yet.
     DdsTroubles getTroubles(bool isEarly) const;
 

@@ -79,6 +79,12 @@ void PeerClocks::forgetSender(std::uint64_t sender)
             peer._sender = 0;
 }
 
+void PeerClocks::forgetSenders()
+{
+    for (auto& [id, peer] : _peers)
+        peer._sender = 0;
+}
+
 PeerClocks::Knowledge PeerClocks::look(std::uint64_t peer, double date) const
 {
     const auto found = _peers.find(peer);

@@ -41,6 +41,7 @@ public:
 
     /// That sender is gone; if its peer comes again, it is by another one.
     void forgetSender(std::uint64_t sender);
+    void forgetSenders();
 
     Knowledge look(std::uint64_t peer, double date) const;
 

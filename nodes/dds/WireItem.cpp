@@ -15,7 +15,8 @@ std::string WireItem<std::string>::refer(const std::string& element, Wire& wire)
 
 std::string WireItem<std::string>::read(const Wire& wire, std::string& element)
 {
-    element.assign(reinterpret_cast<const char*>(wire._buffer), wire._length);
+    // A new one: elements of arrays that are used again must not grow to the longest text that each ever held.
+    element = std::string(reinterpret_cast<const char*>(wire._buffer), wire._length);
     return {};
 }
 

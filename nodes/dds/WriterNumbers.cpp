@@ -6,38 +6,49 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr std::size_t mostEnds = 64;
+constexpr std::size_t mostEnds = 1024;
 
 } // namespace
 
-WriterNumbers::Verdict WriterNumbers::note(std::uint64_t end, std::uint64_t writer, std::uint64_t number)
+void WriterNumbers::introduce(std::uint64_t end, const Guid& guid)
+{
+    const auto before =
+        std::ranges::find_if(_ends, [&](const auto& known) { return guid != Guid{} && known.second._guid == guid; });
+    Last last{._guid = guid};
+    if (before != _ends.end()) {
+        last = before->second;
+        _ends.erase(before);
+    } else if (_ends.size() == mostEnds) {
+        _ends.erase(std::ranges::min_element(_ends, {}, [](const auto& known) { return known.second._turn; }));
+    }
+    last._turn = ++_turn;
+    _ends[end] = last;
+}
+
+WriterNumbers::Verdict WriterNumbers::note(const Writer& writer, std::uint64_t number)
 {
     if (number == 0)
         return {true, 0};
-    const auto known = _last.find(end);
-    const bool isSame = known != _last.end() && known->second._writer == writer;
-    const auto before = isSame ? std::optional(known->second._number) : findEarlier(writer, number);
+    if (!knows(writer._end))
+        introduce(writer._end, {});
+    Last& last = _ends[writer._end];
+    last._turn = ++_turn;
+    const bool isSame = last._id == writer._id && last._number != 0;
+    const auto before = isSame ? std::optional(last._number) : findEarlier(writer._id, number);
     if (before && number <= *before)
         return {false, 0};
-    if (known == _last.end() && _last.size() == mostEnds)
-        forgetOne();
-    _last[end] = {writer, number, ++_turn};
+    last._id = writer._id;
+    last._number = number;
     return {true, before ? number - *before - 1 : 0};
 }
 
-std::optional<std::uint64_t> WriterNumbers::findEarlier(std::uint64_t writer, std::uint64_t number) const
+std::optional<std::uint64_t> WriterNumbers::findEarlier(std::uint64_t id, std::uint64_t number) const
 {
     std::optional<std::uint64_t> found;
-    for (const auto& [end, last] : _last)
-        if (last._writer == writer && last._number <= number)
+    for (const auto& [end, last] : _ends)
+        if (last._id == id && last._number != 0 && last._number <= number)
             found = std::max(found.value_or(0), last._number);
     return found;
-}
-
-void WriterNumbers::forgetOne()
-{
-    _last.erase(std::min_element(_last.begin(), _last.end(),
-                                 [](const auto& a, const auto& b) { return a.second._turn < b.second._turn; }));
 }
 
 } // namespace Trovio::Nodes

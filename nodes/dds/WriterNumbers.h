@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -7,32 +8,42 @@
 namespace Trovio::Nodes {
 
 /// Knows for each writer of a topic which sample came last, so that none is taken twice: one that joins again after a
-/// break in the line is sent the last sample anew. Such a writer may have become another end for the library, and says
-/// by an id of its own who it was. No end counts for another one while that goes on: whoever takes the id of somebody
-/// else shuts nobody out.
-/// Remembers a bounded number of ends; the one that was quiet longest is forgotten first.
+/// break in the line is sent anew what the library has kept.
+/// A writer is known by an end, as the library counts them, by its identity in the network, which outlives a break of
+/// the line, and by an id of its own, which outlives a change of its address. None of them counts for another one while
+/// that goes on: whoever takes the id of somebody else shuts nobody out.
+/// Remembers a bounded number of writers; the one that was quiet longest is forgotten first.
 /// Threads: one at a time.
 class WriterNumbers {
 public:
+    using Guid = std::array<std::uint8_t, 16>; // zeros: unknown
+    struct Writer {
+        std::uint64_t _end;
+        std::uint64_t _id;
+    };
     struct Verdict {
         bool _isNew;
         std::uint64_t _missed; // samples of this writer between the last one and this, as its numbers say
     };
 
-    /// end: as the library knows it; writer: the id. Number 0 is always new: its writer does not count.
-    Verdict note(std::uint64_t end, std::uint64_t writer, std::uint64_t number);
+    bool knows(std::uint64_t end) const { return _ends.contains(end); }
+    /// From now on that end is known, as what it was before where its identity is.
+    void introduce(std::uint64_t end, const Guid& guid);
+
+    /// Number 0 is always new: its writer does not count.
+    Verdict note(const Writer& writer, std::uint64_t number);
 
 private:
     struct Last {
-        std::uint64_t _writer;
-        std::uint64_t _number;
-        std::uint64_t _turn;
+        Guid _guid{};
+        std::uint64_t _id = 0;
+        std::uint64_t _number = 0; // 0: none yet
+        std::uint64_t _turn = 0;
     };
     /// The one that came last of a writer that was another end then, up to this number.
-    std::optional<std::uint64_t> findEarlier(std::uint64_t writer, std::uint64_t number) const;
-    void forgetOne();
+    std::optional<std::uint64_t> findEarlier(std::uint64_t id, std::uint64_t number) const;
 
-    std::map<std::uint64_t, Last> _last; // by end
+    std::map<std::uint64_t, Last> _ends;
     std::uint64_t _turn = 0;
 };
 

@@ -29,7 +29,7 @@ public:
         OSTREL_LOCK_EVENT(post_lock, this, 0, 0);
     }
 
-    /// Takes the mutex if nobody holds it. Not by the thread that holds it already.
+    /// Takes the mutex if nobody holds it, not even the calling thread.
     bool tryLock() OSTREL_TRY_ACQUIRE(true)
     {
         OSTREL_LOCK_EVENT(pre_lock, this, __tsan_mutex_try_lock);

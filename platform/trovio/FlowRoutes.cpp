@@ -61,7 +61,7 @@ FlowQuery FlowQuery::at(const Scope& scope) const
         if (&scope != &_here && known._path.starts_with(prefix))
             below.push_back({known._path.substr(prefix.size()), known._scope});
     }
-    return {scope, &scope == &_here ? _below : std::move(below), _staleAfter};
+    return {scope, &scope == &_here ? _below : below, _staleAfter};
 }
 
 /// What is wrong with a route that looks as if it were meant to lead here; flowing if there is none.

@@ -51,9 +51,12 @@ TEST(ClockOffset, ImpossibleAnswersAreNotNoted)
 TEST(WriterNumbers, TellRepeatedFromMissed)
 {
     WriterNumbers numbers;
+    WriterNumbers::Guid guid{};
     const auto expectFrom = [&](std::uint64_t end, std::uint64_t writer, std::uint64_t number, bool isNew,
                                 std::uint64_t missed) {
-        const auto verdict = numbers.note(end, writer, number);
+        if (!numbers.knows(end))
+            numbers.introduce(end, guid);
+        const auto verdict = numbers.note({end, writer}, number);
         EXPECT_EQ(verdict._isNew, isNew) << end << ", " << writer << ": " << number;
         EXPECT_EQ(verdict._missed, missed) << end << ", " << writer << ": " << number;
     };
@@ -71,12 +74,18 @@ TEST(WriterNumbers, TellRepeatedFromMissed)
     expectFrom(11, 1, 10, true, 1);
     expectFrom(66, 2, 1ULL << 63U, true, (1ULL << 63U) - 2); // who takes another one's id and number ...
     expect(2, 2, true, 0);                                   // ... does not shut it out
-    for (std::uint64_t writer = 100; writer < 163; ++writer) {
+    guid = {7};
+    expectFrom(77, 7, 20, true, 0);
+    expectFrom(78, 7, 15, false, 0); // the same in the network: what was kept comes anew
+    expectFrom(78, 7, 20, false, 0);
+    expectFrom(78, 7, 21, true, 0);
+    guid = {};
+    for (std::uint64_t writer = 100; writer < 1123; ++writer) {
         expect(writer, 1, true, 0);
         expectFrom(11, 1, writer, true, writer == 100 ? 89 : 0);
     }
-    expectFrom(11, 1, 162, false, 0); // spoke all the time, and is remembered
-    expect(2, 2, true, 0);            // was quiet longest, and is forgotten
+    expectFrom(11, 1, 1122, false, 0); // spoke all the time, and is remembered
+    expect(2, 2, true, 0);             // was quiet longest, and is forgotten
 }
 
 /// Knows no host at first, and later one, after a while.

@@ -48,8 +48,9 @@ std::vector<Matrix4<double>> rosSamples()
     std::vector<Matrix4<double>> matrices(rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i)
         for (std::size_t k = 0; k < 9; ++k) {
-            matrices[i][k / 3 * 4 + k % 3] = rows[i][k];
-            matrices[i][k / 3 * 4 + 3] = static_cast<double>(k / 3 + i) - 2;
+            const std::size_t row = k / 3;
+            matrices[i][row * 4 + k % 3] = rows[i][k];
+            matrices[i][row * 4 + 3] = static_cast<double>(row + i) - 2;
         }
     return matrices;
 }
@@ -95,7 +96,9 @@ std::uint64_t exchange(Feed<T>& feed, Probe<T>& probe)
     }
     double stamp = 1'700'000'000.125;
     std::uint64_t refused = 0;
-    for (const T& value : rosSamples<T>()) {
+    for (const auto& sample : rosSamples<T>()) {
+        const T value = sample; // of truth values there is only a copy
+
         feed.push(value, ++stamp);
         if (!isCarried(value)) {
             ++refused;

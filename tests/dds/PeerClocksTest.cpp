@@ -83,6 +83,9 @@ TEST(PeerClocks, PeerThatComesAgainMayHaveAnotherSender)
     PeerClocks::Answer answer = answerTo(7, 1001.0);
     ++answer._sender;
     EXPECT_TRUE(peers.note(answer));
+    peers.forgetSenders(); // all have other names where the domain is opened again
+    askAt(peers, 1002.0);
+    EXPECT_TRUE(peers.note(answerTo(7, 1002.0)));
 }
 
 TEST(PeerClocks, ForgetWhoNeverAnsweredAndThenWhoWasSilentLongest)

@@ -109,7 +109,7 @@ TEST_F(GraphTest, DrawsWhatDoesNotConnectInRed)
                              "  \"Context/Doubler/out\" -> \"Context/Wand\" [style=dashed, color=red, tooltip=",
                              "  \"missing Context/Nobody\" [label=\"Nobody ?\", style=dashed",
                              "  \"missing Context/Nobody\" -> \"Context/Wand\" [style=dashed, color=red",
-                             "  \"Context/Wand\" -> \"Context/Echo\" [style=dotted, label=link];\n"
+                             "  \"Context/Wand\" -> \"Context/Echo\" [style=dotted, label=link];\n",
                              "  \"Context2/Wand\" -> \"Context2/Out\" [style=dotted, label=link];\n}\n"})
         EXPECT_NE(dot.find(line), std::string::npos) << line << dot;
 }

@@ -45,6 +45,7 @@ protected:
     {
         Trovio::NodeType::add(sourceType);
         std::vector<SceneFile> files;
+        files.reserve(texts.size());
         for (const std::string& text : texts)
             files.push_back(parseScene(text, "scene" + std::to_string(files.size())));
         _session.build(std::move(files), _say);

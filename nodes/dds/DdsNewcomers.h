@@ -1,0 +1,42 @@
+#pragma once
+
+#include "nodes/dds/DdsTaking.h"
+#include <map>
+#include <optional>
+#include <vector>
+
+namespace Trovio::Nodes {
+
+/// Samples of writers that have just come. A writer sends those who join the last value it has written, and with it all
+/// that others have not acknowledged yet: nobody asked for that. So they wait a little, until it shows which are old.
+/// Threads: one at a time.
+class DdsNewcomers {
+public:
+    struct Sample {
+        DdsSerialised _serialised;
+        dds_sample_info_t _info;
+        double _arrived; // date
+    };
+
+    /// now: seconds that never go back.
+    void hold(Sample sample, double now);
+
+    /// Who has waited long enough.
+    std::vector<dds_instance_handle_t> findDue(double now) const;
+    /// When somebody will have; nothing if nobody waits.
+    std::optional<double> nextDue() const;
+
+    /// That writer's samples in order, without old ones but for the last.
+    std::vector<Sample> release(dds_instance_handle_t writer, double now);
+
+    void clear() { _writers.clear(); }
+
+private:
+    struct Writer {
+        double _since;
+        std::vector<Sample> _samples;
+    };
+    std::map<dds_instance_handle_t, Writer> _writers;
+};
+
+} // namespace Trovio::Nodes
