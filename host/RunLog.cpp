@@ -13,19 +13,20 @@ namespace {
 constexpr std::size_t mostHeld = 1u << 16; // bytes; a flood of messages fills no memory
 constexpr std::string_view nodeModule = "Trovio";
 
-bool isSet(const char* variable)
+/// Empty where the environment does not say.
+std::string valueOf(const char* variable)
 {
     const char* value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
+    return value ? value : "";
 }
 } // namespace
 
-RunLog::RunLog(bool verbose) : _verbose(verbose), _toFile(isSet("OSG_LOG_FILE"))
+RunLog::RunLog(bool verbose) : _verbose(verbose), _toFile(!valueOf("OSG_LOG_FILE").empty())
 {
     osg::doInitLog();
     std::string ignored; // the log has complained of it already
-    if (isSet("OSG_LOG_HEADER"))
-        _header.select(std::getenv("OSG_LOG_HEADER"), ignored);
+    if (const std::string header = valueOf("OSG_LOG_HEADER"); !header.empty())
+        _header.select(header, ignored);
     osg::osgLogP->setInfoShown(verbose);
     _previous = osg::osgLogP->setHook([this](const osg::LogRecord& record) { return hear(record); });
 }

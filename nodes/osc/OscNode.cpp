@@ -63,6 +63,7 @@ OscOutSettings readOut(const Settings& settings)
 void checkApart(const Settings& settings, const std::vector<OscAddress>& in, const std::vector<OscAddress>& out)
 {
     std::vector<std::string> known;
+    known.reserve(in.size());
     for (const OscAddress& address : in)
         known.push_back(address._address);
     std::sort(known.begin(), known.end());

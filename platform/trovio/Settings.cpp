@@ -16,7 +16,7 @@ InvalidFieldException refuse(const std::string& name, const std::string& value, 
 
 } // namespace
 
-Settings::Settings(std::vector<Setting> table, std::string_view text, const Merid::URL& baseURL)
+Settings::Settings(const std::vector<Setting>& table, std::string_view text, const Merid::URL& baseURL)
 {
     for (const Setting& row : table)
         _values.try_emplace(row._name, Value{row, {}, false, {}});

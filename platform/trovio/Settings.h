@@ -22,7 +22,7 @@ public:
     /// Throws InvalidFieldException, with the setting, the value and what is allowed, for a text that breaks a rule.
     /// baseURL is what relative file names are resolved against, the working folder if it is empty; no relative name
     /// may lead out of it.
-    Settings(std::vector<Setting> table, std::string_view text, const Merid::URL& baseURL = {});
+    Settings(const std::vector<Setting>& table, std::string_view text, const Merid::URL& baseURL = {});
 
     /// Whether the text named the setting, rather than leaving it to its default.
     bool isGiven(std::string_view name) const;

@@ -173,8 +173,9 @@ void Scheduler::wakeAll(const void* object)
 
 void Scheduler::wakeOne(const void* object)
 {
-    const auto sleepers = current ? current->sleepersOn(object) : std::vector<Fibre*>();
-    if (!sleepers.empty())
+    if (!current)
+        return;
+    if (const auto sleepers = current->sleepersOn(object); !sleepers.empty())
         sleepers[current->_random() % sleepers.size()]->_sleepsOn = nullptr;
 }
 

@@ -72,7 +72,7 @@ protected:
         return _scene.explain(from, to);
     }
 
-    void expect(Verdict verdict, std::vector<const char*> says, const std::string& from = "device/out",
+    void expect(Verdict verdict, const std::vector<const char*>& says, const std::string& from = "device/out",
                 const std::string& to = "sensor") const
     {
         const auto answer = explain(from, to);

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cxxabi.h>
 #include <dlfcn.h>
+#include <memory>
 #include <string>
 #include <unistd.h>
 
@@ -67,7 +68,7 @@ extern "C" int __cxa_atexit(void (*run)(void*), void* object, void* library) noe
     if (!isOfLibrary(library))
         return pass(run, object, library);
     say("built", nameOf(object));
-    return pass(&destroy, new Destruction{run, object}, library);
+    return pass(&destroy, std::make_unique<Destruction>(Destruction{run, object}).release(), library);
 }
 
 int Ostrel::AttachmentBag::createUniqueID()

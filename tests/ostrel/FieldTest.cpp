@@ -145,9 +145,10 @@ TEST_F(FieldLink, EveryValueOfAFrameTravels)
     ASSERT_TRUE(_a._field.linkTo(_b._field));
     ASSERT_TRUE(_b._field.linkTo(_c._field));
     std::vector<float> seen;
-    Recorder listener([&](auto* node) {
-        EXPECT_EQ(node, &_c._node);
-        seen.push_back(_c._field.value());
+    Owner& last = _c;
+    Recorder listener([&seen, &last](auto* node) {
+        EXPECT_EQ(node, &last._node);
+        seen.push_back(last._field.value());
     });
     _c._field.getSendSubject().attach(listener);
     for (const float value : {1.0F, 2.0F, 3.0F})
