@@ -44,10 +44,10 @@ private:
         if constexpr (requires { _record.getValue().acquire(); })
             _record.getValue().acquire();
         if constexpr (requires { Value::lend(*_record.getValue(), 0, _sample); })
-            Value::lend(*_record.getValue(), ddsi_serdata_size(&serialised), _sample);
+            Value::lend(*_record.getValue(), sizeOf(serialised), _sample);
         else if constexpr (!std::is_trivially_copyable_v<T>)
             freeSample(); // used again, each of its parts would stay as large as the largest that it ever held
-        if (!ddsi_serdata_to_sample(&serialised, &_sample, nullptr, nullptr))
+        if (!readSample(serialised, &_sample))
             return std::nullopt;
         if constexpr (requires { _sample.origin; })
             return _sample.origin;

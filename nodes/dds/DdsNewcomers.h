@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nodes/dds/DdsTaking.h"
+#include "nodes/dds/DdsSerialised.h"
 #include <map>
 #include <optional>
 #include <vector>

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <dds/dds.h>
-#include <dds/ddsi/ddsi_serdata.h>
 #include <memory>
 
 namespace Trovio::Nodes {
@@ -32,29 +31,6 @@ void takeSamples(dds_entity_t reader, Use&& use)
                 use(samples[i], infos[i]);
         if (count > 0)
             dds_return_loan(reader, samples.data(), count);
-    }
-}
-
-struct DdsSerialisedUnref {
-    void operator()(ddsi_serdata* serialised) const { ddsi_serdata_unref(serialised); }
-};
-/// A sample as it came over the wire, checked by the library.
-using DdsSerialised = std::unique_ptr<ddsi_serdata, DdsSerialisedUnref>;
-
-/// Takes all that a reader has: use(serialised, info) turns it into a sample where and when it likes. Leaves out news
-/// of writers. use must not throw.
-template <class Use>
-void takeSerialised(dds_entity_t reader, Use&& use)
-{
-    std::array<ddsi_serdata*, 32> samples{};
-    std::array<dds_sample_info_t, 32> infos{};
-    for (dds_return_t count = 1; count > 0;) {
-        count = dds_takecdr(reader, samples.data(), samples.size(), infos.data(), DDS_ANY_STATE);
-        for (std::size_t i = 0; count > 0 && i < static_cast<std::size_t>(count); ++i) {
-            DdsSerialised serialised(samples[i]);
-            if (infos[i].valid_data)
-                use(std::move(serialised), infos[i]);
-        }
     }
 }
 
