@@ -111,8 +111,9 @@ TEST_P(DdsCut, HealsByItselfWithoutRepeating)
         _machines.line().cut(row._way);
         // A line cannot be driven by hand: what runs over it has clocks of its own.
         std::this_thread::sleep_for(std::chrono::duration<double>(row._seconds));
-        if (row._seconds > 3.0 * row._traffic.lease()) {
-            EXPECT_TRUE(_reader->state()._degraded);
+        const double leases = row._seconds / row._traffic.lease();
+        if (leases < 1.0 || leases > 3.0) { // between, both may be
+            EXPECT_EQ(_reader->state()._degraded, leases > 3.0) << _reader->state()._reason;
         }
         _machines.line().mend();
         const auto mended = std::chrono::steady_clock::now();
