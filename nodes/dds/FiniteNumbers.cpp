@@ -30,33 +30,29 @@ template <class Number>
 {
     return look(numbers, count);
 }
-bool isWide()
-{
-    static const bool wide = __builtin_cpu_supports("avx2") > 0;
-    return wide;
-}
-#else
+#endif
+
 template <class Number>
-bool lookWide(const Number* numbers, std::size_t count)
+bool lookBest(const Number* numbers, std::size_t count)
 {
+#ifdef __x86_64__
+    static const bool isWide = __builtin_cpu_supports("avx2") > 0;
+    if (isWide)
+        return lookWide(numbers, count);
+#endif
     return look(numbers, count);
 }
-bool isWide()
-{
-    return false;
-}
-#endif
 
 } // namespace
 
 bool areFinite(const float* numbers, std::size_t count)
 {
-    return isWide() ? lookWide(numbers, count) : look(numbers, count);
+    return lookBest(numbers, count);
 }
 
 bool areFinite(const double* numbers, std::size_t count)
 {
-    return isWide() ? lookWide(numbers, count) : look(numbers, count);
+    return lookBest(numbers, count);
 }
 
 } // namespace Trovio::Nodes
