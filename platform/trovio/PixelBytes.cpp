@@ -56,11 +56,10 @@ const __m128i* half(const std::uint8_t* bytes)
     const __m256i joined = _mm256_load_si256(reinterpret_cast<const __m256i*>(shuffle._joined));
     // What is written behind the eight pixels is overwritten by the next round.
     std::size_t moved = 0;
-    for (; moved + 2 * std::size_t(halfBytes) <= pixels; moved += atOnce) {
+    for (; moved + 2 * halfBytes <= pixels; moved += atOnce) {
         const std::uint8_t* const source = from + moved * bytes._fromBytes;
-        const __m256i eight =
-            _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(half(source))),
-                                    _mm_loadu_si128(half(source + std::size_t(perHalf) * bytes._fromBytes)), 1);
+        const __m256i eight = _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(half(source))),
+                                                      _mm_loadu_si128(half(source + perHalf * bytes._fromBytes)), 1);
         const __m256i placed = _mm256_or_si256(_mm256_shuffle_epi8(eight, places), opaque);
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(to + moved * bytes._toBytes),
                             _mm256_permutevar8x32_epi32(placed, joined));
