@@ -4,15 +4,13 @@ namespace Trovio::Nodes {
 
 namespace {
 
-// Of no effect: who keeps the last records only never waits for readers.
-constexpr double longestWrite = 0.0;
 constexpr int probeDepth = 64;
 
 DdsQos makeQos(const DdsQuality& quality, int depth, dds_durability_kind_t durability)
 {
     DdsQos qos(dds_create_qos());
-    dds_qset_reliability(qos.get(), quality._reliable ? DDS_RELIABILITY_RELIABLE : DDS_RELIABILITY_BEST_EFFORT,
-                         toDdsDuration(longestWrite));
+    // No time for a write to wait: who keeps the last records only never waits for readers.
+    dds_qset_reliability(qos.get(), quality._reliable ? DDS_RELIABILITY_RELIABLE : DDS_RELIABILITY_BEST_EFFORT, 0);
     dds_qset_history(qos.get(), DDS_HISTORY_KEEP_LAST, depth);
     dds_qset_durability(qos.get(), durability);
     return qos;
