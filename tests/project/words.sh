@@ -4,10 +4,11 @@
 set -euo pipefail
 cd "${1:-$(dirname "${BASH_SOURCE[0]}")/../..}"
 
-# What belongs to the project: what is committed, or, where there is no repository, all that is not built. The kept
-# inputs of the fuzz targets are bytes rather than texts.
+# What belongs to the project: what is committed, or, in an unpacked archive, all that is not built. The kept inputs of
+# the fuzz targets are bytes rather than texts.
 mapfile -t files < <(git ls-files --cached -- ':!fuzz/corpus' 2>/dev/null)
-((${#files[@]})) || mapfile -t files < <(find . \( -name build -o -name .git \) -prune -o -type f -print)
+((${#files[@]})) ||
+    mapfile -t files < <(find . \( -path ./build -o -path ./.git -o -path ./fuzz/corpus \) -prune -o -type f -print)
 
 faults=0
 # refuse WHY PATTERN: patterns are written so that they do not match themselves.
