@@ -33,6 +33,8 @@ install(FILES ${PROJECT_BINARY_DIR}/package/ostrelSensorManager.pc DESTINATION $
 
 install(FILES docs/man/ostrel-host.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES docs/man/ostrel-scene.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+# The pages stand to each other as they do in the sources, so that their links lead somewhere.
+install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN man EXCLUDE)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS)

@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
 # debian.sh CPACK BUILD-FOLDER: the Debian package, unpacked into an empty folder, holds a program that runs from there
-# and finds its node modules; a library that only a module needs is recommended, not depended on.
+# and finds its node modules, and pages whose links lead somewhere; a library that only a module needs is recommended,
+# not depended on.
 set -euo pipefail
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 cd "$2"
-"$1" -G DEB -B "$work" >"$work/log" || { cat "$work/log" && exit 1; }
+"$1" -G DEB -B "$work" >"$work/log" 2>&1 || { cat "$work/log" && exit 1; }
+! grep -i warning "$work/log" || { echo "cpack warns, see above" >&2 && exit 1; }
 
 package=$(echo "$work"/*.deb)
 depends=$(dpkg-deb --field "$package" Depends)
@@ -20,7 +23,9 @@ host=$work/unpacked/usr/bin/ostrel-host
 "$host" version
 expect "node types" "$("$host" nodes)" OSC
 expect "loaded libraries" "$(ldd "$host")" "$work/unpacked/usr"
-"$host" check "$work"/unpacked/usr/share/doc/*/examples/first-light.toml
+pages=$(echo "$work"/unpacked/usr/share/doc/*)
+"$host" check "$pages/examples/first-light.toml"
+"$here/../project/links.sh" "$pages"
 
 # The packages of all libraries that the given files load directly; our own are in none.
 packages_behind() {

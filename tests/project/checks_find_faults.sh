@@ -4,8 +4,8 @@ set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 tree=$(mktemp -d)
 trap 'rm -rf "$tree"' EXIT
-mkdir -p "$tree"/{platform/{base,trovio},trovio,host}
-touch "$tree"/platform/base/A.h "$tree"/trovio/B.h "$tree"/host/Main.h
+mkdir -p "$tree"/{platform/{base,trovio},trovio,host,docs}
+touch "$tree"/platform/base/A.h "$tree"/trovio/B.h "$tree"/host/Main.h "$tree"/README.md
 
 # expect_fault CHECK FILE LINE: the line alone in the file makes the check fail.
 expect_fault() {
@@ -18,6 +18,7 @@ expect_fault layers.sh platform/base/Up.h '#include "trovio/B.h"\n'
 expect_fault layers.sh platform/base/Beside.h '#  include <../../trovio/B.h>\n'
 expect_fault layers.sh trovio/Aside.cpp '#include "base/A.h"\n#include "host/Main.h"\n'
 expect_fault layers.sh platform/trovio/B.h '\n'
+expect_fault links.sh docs/Page.md 'see [this](../host/Gone.h)\n'
 expect_fault words.sh host/path.cpp 'open("/r''oot/x");\n'
 expect_fault words.sh host/marker.md 'TO''DO: more\n'
 expect_fault words.sh host/tab.cpp 'a\tb\n'
