@@ -94,6 +94,11 @@ void addVerb(CLI::App& app, const Verb& verb, Options& options)
     case Verb::Takes::Names:
         sub.add_option("NAME", options._names, "only these");
         break;
+    case Verb::Takes::NamesAndFormat:
+        sub.add_option("NAME", options._names, "only these");
+        addFormat(sub, "--format", "text or json, one object per line", options._format,
+                  {{"text", Format::Text}, {"json", Format::Json}});
+        break;
     case Verb::Takes::SceneAndLabels:
         addLabels(sub, options);
         break;
@@ -108,6 +113,7 @@ void addVerb(CLI::App& app, const Verb& verb, Options& options)
         break;
     }
 }
+
 // CLI11 would only say that a verb is missing.
 bool knownVerb(const char* argument, const std::vector<Verb>& verbs)
 {
@@ -139,8 +145,13 @@ int runCommandLine(int argc, char** argv, const std::vector<Verb>& verbs)
     Options options;
     CLI::App app("Runs scenes whose sensors are fed by devices, networks and other processes.", "ostrel-host");
     app.require_subcommand(1);
+    app.set_version_flag("--version", "ostrel-host " HOST_VERSION, "print the version");
     for (const Verb& verb : verbs)
         addVerb(app, verb, options);
+    if (argc < 2) {
+        std::fputs(app.help().c_str(), stderr);
+        return BadUsage;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -29,11 +29,12 @@ struct Options {
 struct Verb {
     const char* _name;
     const char* _help;
-    enum class Takes { Nothing, Names, ScenesAndRunOptions, ScenesAndGraph, SceneAndLabels } _takes;
+    enum class Takes { Nothing, Names, NamesAndFormat, ScenesAndRunOptions, ScenesAndGraph, SceneAndLabels } _takes;
     int (*_run)(const Options& options);
 };
 
-/// Parses the arguments, runs the verb and returns its exit code. Help goes to standard output; wrong usage is said
-/// on standard error and returns BadUsage; so is output that did not arrive, which returns Failed.
+/// Parses the arguments, runs the verb and returns its exit code. Help that was asked for goes to standard output;
+/// wrong usage is said on standard error and returns BadUsage, and so is the help where nothing was asked for; so is
+/// output that did not arrive, which returns Failed.
 int runCommandLine(int argc, char** argv, const std::vector<Verb>& verbs);
 } // namespace Host

@@ -3,6 +3,7 @@
 #include "host/Escape.h"
 #include "host/ExitCode.h"
 #include "host/NearestName.h"
+#include "host/NodeTypeJson.h"
 #include "host/SlotTypes.h"
 #include "host/ValueForm.h"
 #include "ostrel/FieldClass.h"
@@ -59,13 +60,18 @@ int nodesVerb(const Options& options)
 {
     Trovio::Root::init();
     const auto types = Trovio::NodeType::list();
+    const bool isJson = options._format == Format::Json;
     std::vector<std::string_view> known;
     for (const Trovio::NodeTypeInfo& type : types) {
         known.push_back(type._name);
-        if (wanted(options, type._name))
+        if (!wanted(options, type._name))
+            continue;
+        if (isJson)
+            std::fputs(nodeTypeLine(type).c_str(), stdout);
+        else
             printNode(type);
     }
-    if (options._names.empty()) {
+    if (options._names.empty() && !isJson) {
         std::printf("every node:\n");
         for (const Trovio::Setting& setting : Trovio::Node::commonSettings())
             printSetting(setting);

@@ -22,11 +22,19 @@ static_assert(std::atomic<bool>::is_always_lock_free);
 void onSignal(int number)
 {
     const int error = errno;
-    if (stopRequested.exchange(true))
+    // A terminal that closes hangs up twice: its shell, and then the kernel.
+    if (stopRequested.exchange(true) && number != SIGHUP)
         _exit(128 + number);
     // The byte is never read: from now on every wait returns at once.
     [[maybe_unused]] const ssize_t ignored = write(wakePipe[1], "", 1);
     errno = error;
+}
+
+bool isIgnored(int number)
+{
+    struct sigaction action = {};
+    sigaction(number, nullptr, &action);
+    return action.sa_handler == SIG_IGN;
 }
 
 void install(int number, void (*handler)(int))
@@ -45,6 +53,9 @@ StopSignal::StopSignal()
     stopRequested = false;
     install(SIGINT, onSignal);
     install(SIGTERM, onSignal);
+    _hearsHangUp = !isIgnored(SIGHUP);
+    if (_hearsHangUp)
+        install(SIGHUP, onSignal);
     install(SIGPIPE, SIG_IGN);
 }
 
@@ -52,6 +63,8 @@ StopSignal::~StopSignal()
 {
     for (const int number : {SIGINT, SIGTERM, SIGPIPE})
         install(number, SIG_DFL);
+    if (_hearsHangUp)
+        install(SIGHUP, SIG_DFL);
     close(wakePipe[0]);
     close(wakePipe[1]);
 }

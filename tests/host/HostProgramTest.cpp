@@ -126,6 +126,14 @@ TEST(HostProgram, EndsWithNumbersThatFitTogether)
     EXPECT_EQ(numberBehind(wave, "in-slot: "), pairs[4]._got) << "as text";
 }
 
+TEST(HostProgram, EndsInOrderWhenItsTerminalCloses)
+{
+    ListeningHost running;
+    running->signal(SIGHUP);
+    EXPECT_EQ(running->wait(), 0);
+    EXPECT_NE(running->err().find("frames: "), std::string::npos) << running->err();
+}
+
 TEST(HostProgram, EndsAtOnceWithTheSecondSignal)
 {
     ListeningHost running;
@@ -210,7 +218,10 @@ TEST(HostProgram, SaysWithItsExitCodeHowItWent)
         {{"version"}, 0, "ostrel-host "},
         {{"types", "MFVec3f"}, 0, "Vec3f[]"},
         {{"nodes", "Generator"}, 0, "default: sine"},
-        {{}, 2, "subcommand is required"},
+        {{"--version"}, 0, "ostrel-host "},
+        {{}, 2, "ostrel-host [OPTIONS] SUBCOMMAND"},
+        {{"--seconds"}, 2, "subcommand is required"},
+        {{"nodes", "Generator", "--format", "json"}, 0, "\"default\":\"sine\""},
         {{"rum"}, 2, "nearest: 'run'"},
         {{"run", "s.toml", "--rate", "nan"}, 2, "'nan' is not a rate"},
         {{"run", "s.toml", "--format", "jsn"}, 2, "nearest: 'json'"},
