@@ -15,8 +15,11 @@ list(TRANSFORM library_dirs REPLACE "/[^/]+$" "")
 list(REMOVE_DUPLICATES library_dirs)
 list(TRANSFORM library_dirs PREPEND -l)
 
+# By this folder it knows where the package begins, and so what $ORIGIN means.
+file(MAKE_DIRECTORY ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/DEBIAN)
 execute_process(COMMAND ${SHLIBDEPS} --ignore-missing-info --warnings=0 -O ${library_dirs} -dDepends ${files} -dRecommends ${modules}
   WORKING_DIRECTORY ${work} OUTPUT_VARIABLE found COMMAND_ERROR_IS_FATAL ANY)
+file(REMOVE_RECURSE ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/DEBIAN)
 foreach(kind Depends Recommends)
   string(TOUPPER ${kind} upper)
   if(found MATCHES "shlibs:${kind}=([^\n]*)")
