@@ -51,9 +51,8 @@ void reportNodes(const Trovio::NamespaceInfo& root, const Say& say)
     walkTree(root, [&say](const std::string& path, const Trovio::NamespaceInfo& info) {
         if (!info._node)
             return;
-        const Trovio::NodeState& state = info._node->_state;
-        say("node " + inQuotes(path) + " (" + info._node->_typeName + "): " +
-            (state._degraded ? "degraded" : "running") + (state._reason.empty() ? "" : ", " + escaped(state._reason)));
+        say("node " + inQuotes(path) + " (" + info._node->_typeName +
+            "): " + escaped(info._node->_state.describe(Trovio::Time::getCurrentTime()), 600));
     });
 }
 

@@ -5,7 +5,7 @@
 namespace Trovio {
 
 /// The levels of the log that the framework writes at.
-enum class LogLevel : int { Fatal = 1, Warning = 2, Notice = 3 };
+enum class LogLevel : int { Always = 0, Fatal = 1, Warning = 2, Notice = 3 };
 
 /// Writes one line, with module "Trovio" and the place of the caller, if the log's level admits it.
 /// Any thread, under any lock but the log's.

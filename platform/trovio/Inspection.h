@@ -46,11 +46,15 @@ struct ExternalRouteInfo {
     std::size_t _slots = 0; // how many it shows to the parent
 };
 
-/// Running, or degraded: it keeps trying, and the reason says what is missing.
+/// Running, or degraded: it keeps trying.
 struct NodeState {
     bool _degraded = false;
-    std::string _reason;
-    Time _since; // when the node came into this state
+    std::string _reason;   // what is missing; while it runs what it uses, such as a device, or nothing
+    Time _since;           // when the node came into this state
+    std::string _overcome; // what was missing before it ran again; empty where nothing was
+
+    /// "degraded, port 9000 is taken" or "running, uses device 'pad'; runs again for 3 s, was degraded: …"
+    std::string describe(const Time& now) const;
 };
 
 struct CounterInfo {
@@ -58,7 +62,7 @@ struct CounterInfo {
     std::uint64_t _value = 0;
 };
 
-/// What a node says of the newest value in one of its slots, beyond counts.
+/// What a node knows of one of its slots beyond counts: of the newest value, or why there is none.
 struct RemarkInfo {
     std::string _slot; // its label in the node
     std::string _text;

@@ -3,6 +3,8 @@
 #include "trovio/ExceptionText.h"
 #include "trovio/FrameworkLog.h"
 #include "trovio/Scope.h"
+#include <array>
+#include <cstdio>
 
 namespace Trovio {
 
@@ -95,7 +97,7 @@ void Node::enter()
     }
     {
         const LockGuard state(_stateLock);
-        _state = {false, {}, Time::getCurrentTime()};
+        _state = {false, {}, Time::getCurrentTime(), {}};
     }
     start();
     _started = true;
@@ -119,6 +121,11 @@ void Node::setRunning()
     changeState(false, {});
 }
 
+void Node::setRunning(const std::string& with)
+{
+    changeState(false, with);
+}
+
 void Node::setDegraded(const std::string& reason)
 {
     changeState(true, reason);
@@ -127,18 +134,36 @@ void Node::setDegraded(const std::string& reason)
 void Node::changeState(bool degraded, const std::string& reason)
 {
     std::string label;
+    bool wasDegraded = false;
     {
         const LockGuard guard(_stateLock);
         if (_state._degraded == degraded && _state._reason == reason)
             return;
-        const Time since = _state._degraded == degraded ? _state._since : Time::getCurrentTime();
-        _state = {degraded, reason, since};
+        wasDegraded = _state._degraded;
+        const Time since = wasDegraded == degraded ? _state._since : Time::getCurrentTime();
+        const std::string overcome = degraded ? std::string() : wasDegraded ? _state._reason : _state._overcome;
+        _state = {degraded, reason, since, overcome};
         label = _shownLabel.empty() ? _type._name : _shownLabel;
     }
+    const std::string name = "node '" + label + "' ";
     if (degraded)
-        logMessage(LogLevel::Warning, "node '" + label + "' is degraded: " + reason);
-    else
-        logMessage(LogLevel::Notice, "node '" + label + "' runs again");
+        logMessage(LogLevel::Warning, name + "is degraded: " + reason);
+    else if (wasDegraded) // of the level of its counterpart, so that who has seen the one sees the other
+        logMessage(LogLevel::Warning, name + "runs again" + (reason.empty() ? "" : ", " + reason));
+    else if (!reason.empty())
+        logMessage(LogLevel::Always, name + reason);
+}
+
+std::string NodeState::describe(const Time& now) const
+{
+    std::string text = _degraded ? "degraded" : "running";
+    if (!_reason.empty())
+        text += ", " + _reason;
+    if (_overcome.empty())
+        return text;
+    std::array<char, 32> seconds{};
+    std::snprintf(seconds.data(), seconds.size(), "%.3g s", now.getSeconds() - _since.getSeconds());
+    return text + "; runs again for " + seconds.data() + ", was degraded: " + _overcome;
 }
 
 NodeState Node::getState() const

@@ -47,7 +47,9 @@ public:
     virtual NodeState getStateOf(const Slot& slot) const;
     std::vector<CounterInfo> getCounters() const;
 
-    /// What the node can say of the newest values in its slots, such as how old they are by which clock; nothing unless
+    /// What the node can say of its slots beyond counts: of the newest values, such as how old they are by which clock;
+    /// of an out-slot that has no record yet, what it waits for and what came instead ("listens on …; 20 packets came,
+    /// none for /wand"). It stands behind other words, so it begins small and ends without a full stop. Nothing unless
     /// it is overridden. Also after stop(), then as of that moment. Any thread, under any lock but the log's.
     virtual std::vector<RemarkInfo> getRemarks() const;
 
@@ -70,6 +72,8 @@ protected:
 
     /// The state that tools show. Each change is logged once. Any thread, under any lock but the log's.
     void setRunning();
+    /// It runs with what the text says, such as "uses device '…'"; an empty one says nothing.
+    void setRunning(const std::string& with);
     void setDegraded(const std::string& reason);
 
     /// Says that what goes into the in-slots comes out of the out-slots, changed or not, as in a filter: routes then

@@ -240,8 +240,26 @@ TEST_F(Tree, InspectionShowsStateCountersSlotsAndRoutes)
     EXPECT_EQ(shown._node->_remarks.at(0)._text, "its clock is late");
     EXPECT_TRUE(shown._node->_state._degraded && shown._node->_state._reason == "port 9000 is taken");
     EXPECT_GT(shown._node->_state._since.getSeconds(), 0.0);
-    running.setRunning();
-    EXPECT_FALSE(running.getState()._degraded);
+}
+
+TEST_F(Tree, RecoveryIsAsVisibleAsFailure)
+{
+    TestNode& node = *make("a").release();
+    _root.addNamespace(std::unique_ptr<Trovio::Node>(&node));
+    const LogCapture log;
+    node.setRunning("uses device 'pad'");
+    node.setDegraded("'pad' is gone");
+    EXPECT_EQ(node.getState().describe(Trovio::Time::getCurrentTime()), "degraded, 'pad' is gone");
+    const Trovio::Time before = Trovio::Time::getCurrentTime();
+    node.setRunning("uses device 'stick'");
+    node.setRunning("uses device 'stick'");
+    const Trovio::NodeState state = node.getState();
+    EXPECT_GE(state._since.getSeconds(), before.getSeconds());
+    EXPECT_EQ(state.describe(state._since),
+              "running, uses device 'stick'; runs again for 0 s, was degraded: 'pad' is gone");
+    EXPECT_EQ(log.texts(), (Events{"node 'Test' uses device 'pad'\n", "node 'Test' is degraded: 'pad' is gone\n",
+                                   "node 'Test' runs again, uses device 'stick'\n"}));
+    EXPECT_EQ(log.entries()[1]._level, log.entries()[2]._level) << "who sees the one must see the other";
 }
 
 } // namespace
