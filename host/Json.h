@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,11 +19,21 @@ struct JsonSensor {
     std::string_view _type;
 };
 
-/// One change as one line of JSON with its line end: time in wall-clock seconds, names, value as ValueForm says.
-/// Bytes that are no UTF-8 become U+FFFD.
-std::string jsonLine(double time, const JsonSensor& sensor, Ostrel::Field& field);
+/// When a change came, in wall-clock seconds.
+struct JsonTimes {
+    double _frame;
+    std::optional<double> _stamp; // of the record behind the change; left out where there is none
+};
 
-/// The value for people: numbers with `digits` significant digits, between blanks; of a sequence at first its length,
-/// then no more elements than fit into about `limit` bytes. No control characters.
-std::string valueText(Ostrel::Field& field, int digits, std::size_t limit);
+/// One change as one line of JSON with its line end: times, names, value as ValueForm says.
+/// Bytes that are no UTF-8 become U+FFFD.
+std::string jsonLine(const JsonTimes& times, const JsonSensor& sensor, Ostrel::Field& field);
+
+/// Few: six significant digits, no sign before a zero, a time as its date, a matrix in rows. All: as many digits as
+/// tell the number from every other one of its type, so that reading it gives the same number again.
+enum class Digits { Few, All };
+
+/// The value for people: numbers between blanks, the rows of a matrix between semicolons; of a sequence at first its
+/// length, then no more elements than fit into about `limit` bytes. No control characters.
+std::string valueText(Ostrel::Field& field, Digits digits, std::size_t limit);
 } // namespace Host

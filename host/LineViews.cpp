@@ -8,7 +8,6 @@
 namespace Host {
 namespace {
 
-constexpr int digits = 9; // what tells two floats apart
 constexpr std::size_t longestValue = 400;
 
 class LinesView final : public View {
@@ -20,7 +19,7 @@ public:
         char seconds[32];
         std::snprintf(seconds, sizeof seconds, "%10.3f", time - _start);
         _out << seconds + (" " + escaped(watch.title())) + " " + watch.field().getTypeName() + " " +
-                    valueText(watch.field(), digits, longestValue) + "\n";
+                    valueText(watch.field(), Digits::All, longestValue) + "\n";
     }
 
     void clockStepped(double seconds) override { _start += seconds; }
@@ -37,7 +36,8 @@ public:
     void changed(const SensorWatch& watch, double time) override
     {
         const Ostrel::DirectSensor& sensor = watch.sensor();
-        _out << jsonLine(time, {watch.scene(), sensor.getName(), sensor.getLabel(), watch.field().getTypeName()},
+        _out << jsonLine({time, watch.stamp()},
+                         {watch.scene(), sensor.getName(), sensor.getLabel(), watch.field().getTypeName()},
                          watch.field());
     }
 

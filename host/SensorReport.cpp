@@ -80,11 +80,10 @@ void reportUnbound(LoadedScene& scene, const std::set<std::string>& apart, const
 
 void reportValues(LoadedScene& scene, double now, const Say& say)
 {
-    constexpr int digits = 6;
     constexpr std::size_t longestValue = 80;
     for (const SensorWatch& watch : scene.watches()) {
         std::string line = named(watch) + " " + watch.field().getTypeName() + ": " + std::to_string(watch.changes()) +
-                           " values, last " + valueText(watch.field(), digits, longestValue);
+                           " values, last " + valueText(watch.field(), Digits::Few, longestValue);
         for (const Trovio::Slot* slot : watch.slots())
             line += slotCounts(*slot);
         say(line + paceOf(watch, now));

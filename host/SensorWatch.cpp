@@ -25,13 +25,31 @@ double SensorWatch::rate() const
 
 double SensorWatch::age(double now) const
 {
-    double stamp = 0;
-    for (const Trovio::Slot* slot : _slots)
-        if (const auto* in = dynamic_cast<const Trovio::BasicInSlot*>(slot))
-            stamp = std::max(stamp, in->getActivity()._lastTaken.getSeconds());
-    stamp += stamp > 0 ? _stepsSinceChange : 0;
-    const bool tellsAge = stamp > 0 && stamp <= now;
+    const double given = _stamp.value_or(0);
+    const double stamp = given + _stepsSinceChange;
+    const bool tellsAge = given > 0 && stamp <= now;
     return _changes == 0 ? -1 : std::max(now - (tellsAge ? stamp : _lastChange), 0.0);
+}
+
+void SensorWatch::addSlot(Trovio::Slot& slot)
+{
+    _slots.push_back(&slot);
+    if (const auto* in = dynamic_cast<const Trovio::BasicInSlot*>(&slot))
+        _sources.push_back({in, in->getCounts().taken});
+}
+
+// The scene takes one record for each change, so the slot whose count grew is where this one came from.
+std::optional<double> SensorWatch::takenStamp()
+{
+    std::optional<double> stamp;
+    for (Source& source : _sources) {
+        const Trovio::InSlotActivity activity = source._slot->getActivity();
+        if (activity._counts.taken == source._taken)
+            continue;
+        source._taken = activity._counts.taken;
+        stamp = activity._lastTaken.getSeconds();
+    }
+    return stamp;
 }
 
 void SensorWatch::clockStepped(double seconds)
@@ -46,6 +64,7 @@ void SensorWatch::notify(const Ostrel::TimeStamp& time, Ostrel::BaseObject*, Ost
     if (_changes++ == 0)
         _firstChange = time;
     _lastChange = time;
+    _stamp = takenStamp();
     _stepsSinceChange = 0;
     if (_listener != nullptr)
         _listener->changed(*this, time);

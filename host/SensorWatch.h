@@ -4,11 +4,13 @@
 #include "ostrel/Observer.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace Trovio {
+class BasicInSlot;
 class Slot;
-}
+} // namespace Trovio
 
 namespace Host {
 
@@ -42,9 +44,13 @@ public:
 
     /// The slots that serve the sensor, one for each handler that has one. They must live as long as the watch.
     const std::vector<Trovio::Slot*>& slots() const { return _slots; }
-    void addSlot(Trovio::Slot& slot) { _slots.push_back(&slot); }
+    void addSlot(Trovio::Slot& slot);
 
     std::uint64_t changes() const { return _changes; }
+
+    /// The time stamp that the source gave the record behind the last change, in its wall-clock seconds; nothing where
+    /// no record stands behind it, as of a value that came along a link.
+    std::optional<double> stamp() const { return _stamp; }
 
     /// The wall clock was set by so many seconds: what is measured from before goes on as if it had not been.
     void clockStepped(double seconds);
@@ -59,12 +65,21 @@ public:
     void notify(const Ostrel::TimeStamp& time, Ostrel::BaseObject*, Ostrel::BaseObject*, Ostrel::BaseObject*) override;
 
 private:
+    struct Source {
+        const Trovio::BasicInSlot* _slot;
+        std::uint64_t _taken; // records, up to the last change
+    };
+
+    std::optional<double> takenStamp();
+
     Ostrel::DirectSensor& _sensor;
     const std::string _scene;
     std::vector<Trovio::Slot*> _slots;
+    std::vector<Source> _sources; // those of _slots that values come in by
     ChangeListener* _listener = nullptr;
     std::uint64_t _changes = 0;
     double _firstChange = 0, _lastChange = 0; // on the wall clock as it is set now
+    std::optional<double> _stamp;
     double _stepsSinceChange = 0;
 };
 } // namespace Host

@@ -13,7 +13,6 @@ namespace Host {
 namespace {
 
 constexpr double drawInterval = 0.25, writeInterval = 1, rateInterval = 1; // seconds
-constexpr int digits = 6;
 constexpr std::size_t longestValue = 200;
 
 struct Size {
@@ -93,7 +92,7 @@ void TableView::countRates(double now)
 TableRow TableView::row(std::size_t i, double now) const
 {
     const SensorWatch& watch = *_watches[i];
-    return {escaped(watch.title()), watch.field().getTypeName(), valueText(watch.field(), digits, longestValue),
+    return {escaped(watch.title()), watch.field().getTypeName(), valueText(watch.field(), Digits::Few, longestValue),
             _counted[i]._perSecond, watch.age(now)};
 }
 

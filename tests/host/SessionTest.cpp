@@ -72,13 +72,17 @@ TEST_F(SessionTest, ShowsEveryValueThatCameBetweenFrames)
     build({std::string(handler) + wand});
     const auto view = makeJsonView(_out);
     show(*view);
-    push(1);
-    push(2.5F);
+    push(1, 99.25);
+    push(2.5F, 98);
     _session.frame(100.5);
     _session.frame(101);
+    _session.watches()[0]->field().processValueChange(102, Ostrel::CallerOutside);
     EXPECT_EQ(_out.str(),
-              "{\"time\":100.5,\"sensor\":\"wand\",\"label\":\"Wand\",\"type\":\"SFVec3f\",\"value\":[1.0,0.0,0.0]}\n"
-              "{\"time\":100.5,\"sensor\":\"wand\",\"label\":\"Wand\",\"type\":\"SFVec3f\",\"value\":[2.5,0.0,0.0]}\n");
+              "{\"time\":100.5,\"stamp\":99.25,"
+              "\"sensor\":\"wand\",\"label\":\"Wand\",\"type\":\"SFVec3f\",\"value\":[1.0,0.0,0.0]}\n"
+              "{\"time\":100.5,\"stamp\":98.0,"
+              "\"sensor\":\"wand\",\"label\":\"Wand\",\"type\":\"SFVec3f\",\"value\":[2.5,0.0,0.0]}\n"
+              "{\"time\":102.0,\"sensor\":\"wand\",\"label\":\"Wand\",\"type\":\"SFVec3f\",\"value\":[2.5,0.0,0.0]}\n");
     EXPECT_EQ(_said, std::vector<std::string>());
 }
 
