@@ -191,7 +191,7 @@ NodeState DdsNode::getStateOf(const Slot& slot) const
     if (_troubles.empty())
         return state; // all of it, or nothing
     const std::string trouble = _troubles.find(topicOf(slot.getName()));
-    return trouble.empty() ? NodeState() : NodeState{true, trouble, state._since};
+    return trouble.empty() ? NodeState() : NodeState{true, trouble, state._since, {}};
 }
 
 } // namespace Trovio::Nodes

@@ -170,7 +170,7 @@ NodeState OscNode::getStateOf(const Slot& slot) const
 {
     const Ostrel::LockGuard guard(_problemLock);
     const std::string& problem = slot.isInSlot() ? _problems._output : _problems._input;
-    return problem.empty() ? NodeState() : NodeState{true, problem, getState()._since};
+    return problem.empty() ? NodeState() : NodeState{true, problem, getState()._since, {}};
 }
 
 void OscNode::setProblem(std::string Problems::*half, const std::string& problem)
