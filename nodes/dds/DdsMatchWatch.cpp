@@ -108,17 +108,17 @@ void DdsMatchWatch::lookAt(dds_entity_t reader, const Topics& ours, bool isWrite
 
 std::string DdsMatchWatch::compare(const dds_builtintopic_endpoint_t& other, const Topic& ours, bool isWriter) const
 {
-    const std::string type = describeTopicType(ours._type);
-    const std::string they = describePeer(other) + (isWriter ? " publishes " : " subscribes to ");
+    const auto they = [&] { return describePeer(other) + (isWriter ? " publishes " : " subscribes to "); };
+    const auto type = [&] { return describeTopicType(ours._type); };
     if (other.type_name != ours._type)
-        return they + describeTopicType(other.type_name) + ", here it is " + type + "; give both ends one type";
+        return they() + describeTopicType(other.type_name) + ", here it is " + type() + "; give both ends one type";
     // A reader may ask for no more than a writer offers.
     if (isWriter ? _quality._reliable && !isReliable(other.qos) : !_quality._reliable && isReliable(other.qos))
-        return they + type + " with reliable=" + (isWriter ? "no" : "yes") +
+        return they() + type() + " with reliable=" + (isWriter ? "no" : "yes") +
                ", here it is reliable=" + (isWriter ? "yes" : "no") +
                "; set reliable=no where it is subscribed to, or yes where it is published";
     if (isWriter && _quality._lateJoiners && !keepsLast(other.qos))
-        return they + type + " without keeping the last value for those that join later (transient-local), " +
+        return they() + type() + " without keeping the last value for those that join later (transient-local), " +
                "which is needed here";
     return {};
 }
@@ -139,19 +139,14 @@ bool DdsMatchWatch::isInPartition(const dds_qos_t* qos) const
 
 std::string DdsMatchWatch::describePeer(const dds_builtintopic_endpoint_t& endpoint) const
 {
-    void* sample = nullptr;
-    dds_sample_info_t info{};
-    const dds_return_t count =
-        dds_read_instance(_participants.get(), &sample, &info, 1, 1, endpoint.participant_instance_handle);
     std::string peer = "another program";
-    if (count > 0 && info.valid_data) {
-        const dds_qos_t* qos = static_cast<dds_builtintopic_participant_t*>(sample)->qos;
+    const auto describe = [&peer](const void* sample, const dds_sample_info_t&) {
+        const dds_qos_t* qos = static_cast<const dds_builtintopic_participant_t*>(sample)->qos;
         const std::string process = property(qos, "__ProcessName");
         if (!process.empty())
             peer = process + " (process " + property(qos, "__Pid") + " on " + property(qos, "__Hostname") + ")";
-    }
-    if (count > 0)
-        dds_return_loan(_participants.get(), &sample, count);
+    };
+    readSamples(_participants.get(), endpoint.participant_instance_handle, describe);
     return peer;
 }
 

@@ -11,6 +11,15 @@ struct DdsListenerDelete {
 };
 using DdsListener = std::unique_ptr<dds_listener_t, DdsListenerDelete>;
 
+/// What a reader lends at once. Every call that asks it for a loan has room for as many pointers, also one that wants a
+/// single sample: the library (0.10.2) keeps the largest loan for the next call, and then writes all pointers of it,
+/// whatever maximum that call names.
+constexpr std::uint32_t mostOnLoan = 32;
+struct DdsLoan {
+    std::array<void*, mostOnLoan> _samples{}; // null in front asks the library for a loan
+    std::array<dds_sample_info_t, mostOnLoan> _infos{};
+};
+
 /// Takes all that a reader has, calling use(sample, info) for each one that is more than news of its writer, or, with
 /// All, for those too (their sample then holds nothing but a key), or, with Gone, only for those of writers that are no
 /// more. use must not throw.
@@ -20,18 +29,34 @@ void takeSamples(dds_entity_t reader, Use&& use)
 {
     constexpr std::uint32_t gone = DDS_ANY_SAMPLE_STATE | DDS_ANY_VIEW_STATE | DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE |
                                    DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE;
-    std::array<void*, 32> samples{};
-    std::array<dds_sample_info_t, 32> infos{};
     for (dds_return_t count = 1; count > 0;) {
-        samples[0] = nullptr; // asks the library for a loan
-        count = dds_take_mask(reader, samples.data(), infos.data(), samples.size(), samples.size(),
+        DdsLoan loan;
+        count = dds_take_mask(reader, loan._samples.data(), loan._infos.data(), mostOnLoan, mostOnLoan,
                               what == Take::Gone ? gone : DDS_ANY_STATE);
         for (std::size_t i = 0; count > 0 && i < static_cast<std::size_t>(count); ++i)
-            if (what != Take::Data || infos[i].valid_data)
-                use(samples[i], infos[i]);
+            if (what != Take::Data || loan._infos[i].valid_data)
+                use(loan._samples[i], loan._infos[i]);
         if (count > 0)
-            dds_return_loan(reader, samples.data(), count);
+            dds_return_loan(reader, loan._samples.data(), count);
     }
+}
+
+/// Calls use(sample, info) with what a reader knows of one instance, or else of the first mostOnLoan ones, and leaves
+/// it there. use must not throw.
+template <class Use>
+void readSamples(dds_entity_t reader, dds_instance_handle_t instance, Use&& use)
+{
+    DdsLoan loan;
+    void** const samples = loan._samples.data();
+    dds_sample_info_t* const infos = loan._infos.data();
+    const dds_return_t count = instance == DDS_HANDLE_NIL
+                                   ? dds_read(reader, samples, infos, mostOnLoan, mostOnLoan)
+                                   : dds_read_instance(reader, samples, infos, mostOnLoan, mostOnLoan, instance);
+    for (std::size_t i = 0; count > 0 && i < static_cast<std::size_t>(count); ++i)
+        if (infos[i].valid_data)
+            use(samples[i], infos[i]);
+    if (count > 0)
+        dds_return_loan(reader, samples, count);
 }
 
 } // namespace Trovio::Nodes
