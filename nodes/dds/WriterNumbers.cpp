@@ -7,6 +7,7 @@ namespace Trovio::Nodes {
 namespace {
 
 constexpr std::size_t mostEnds = 1024;
+constexpr std::uint64_t mostMissed = 1ULL << 32U; // at once: 49 days of a thousand samples a second
 
 } // namespace
 
@@ -39,7 +40,8 @@ WriterNumbers::Verdict WriterNumbers::note(const Writer& writer, std::uint64_t n
         return {false, 0};
     last._id = writer._id;
     last._number = number;
-    return {true, before ? number - *before - 1 : 0};
+    const std::uint64_t missed = before ? number - *before - 1 : 0;
+    return {true, missed <= mostMissed ? missed : 0};
 }
 
 std::optional<std::uint64_t> WriterNumbers::findEarlier(std::uint64_t id, std::uint64_t number) const

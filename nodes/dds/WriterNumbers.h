@@ -23,7 +23,9 @@ public:
     };
     struct Verdict {
         bool _isNew;
-        std::uint64_t _missed; // samples of this writer between the last one and this, as its numbers say
+        /// Samples of this writer between the last one and this, as its numbers say. A peer may write any number: one
+        /// that skips more than any line could have lost tells nothing of samples that were, and counts as none.
+        std::uint64_t _missed;
     };
 
     bool knows(std::uint64_t end) const { return _ends.contains(end); }

@@ -72,8 +72,10 @@ TEST(WriterNumbers, TellRepeatedFromMissed)
     expect(3, 0, true, 0);          // does not count
     expectFrom(11, 1, 8, false, 0); // joined again, and is sent the last one anew
     expectFrom(11, 1, 10, true, 1);
-    expectFrom(66, 2, 1ULL << 63U, true, (1ULL << 63U) - 2); // who takes another one's id and number ...
-    expect(2, 2, true, 0);                                   // ... does not shut it out
+    expectFrom(66, 2, 1ULL << 63U, true, 0); // who takes another one's id, and a number that cannot be, ...
+    expect(2, 2, true, 0);                   // ... does not shut it out
+    expect(2, 1ULL << 32U, true, (1ULL << 32U) - 3);
+    expect(2, 1ULL << 34U, true, 0);
     guid = {7};
     expectFrom(77, 7, 20, true, 0);
     expectFrom(78, 7, 15, false, 0); // the same in the network: what was kept comes anew
