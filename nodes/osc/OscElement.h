@@ -114,10 +114,16 @@ struct OscElement<bool> {
 
     static bool read(OscArguments& arguments, bool& element)
     {
-        if (arguments.peek() != 'T' && arguments.peek() != 'F')
+        switch (arguments.peek()) {
+        case 'T':
+        case 'I': // an impulse: it happens now
+        case 'F':
+        case 'N':
+            element = arguments.peek() == 'T' || arguments.peek() == 'I';
+            return arguments.next().has_value();
+        default:
             return readOscNumber(arguments, element);
-        element = arguments.next()->_tag == 'T';
-        return true;
+        }
     }
 
     static void write(OscWriter& writer, bool element) { writer.addBool(element); }
