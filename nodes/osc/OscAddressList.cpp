@@ -6,9 +6,7 @@
 
 namespace Trovio::Nodes {
 
-namespace {
-
-bool isAddress(std::string_view text)
+bool isOscAddress(std::string_view text)
 {
     const auto isPlain = [](char character) {
         return character > ' ' && character <= '~' &&
@@ -18,13 +16,11 @@ bool isAddress(std::string_view text)
            std::all_of(text.begin(), text.end(), isPlain);
 }
 
-} // namespace
-
 std::vector<OscAddress> readOscAddresses(const Settings& settings, const char* name)
 {
     std::vector<OscAddress> addresses;
     for (const auto& [address, typeName] : readSlotList(settings, name,
-                                                        {isAddress, "an address",
+                                                        {isOscAddress, "an address",
                                                          "'/' and up to " + std::to_string(MaxOscAddress - 1) +
                                                              " more printable characters without blanks and #*,?[]{}"}))
         addresses.push_back({address, typeName});

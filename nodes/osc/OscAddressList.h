@@ -15,6 +15,9 @@ struct OscAddress {
     std::string getLabel() const { return _address.substr(1); }
 };
 
+/// Whether a slot may have that address.
+bool isOscAddress(std::string_view text);
+
 /// Reads "/wand/position Vec3f, /cloud Vec3f[]". Throws InvalidFieldException, with the entry and what is allowed, for
 /// anything else, and for an address that stands there twice.
 std::vector<OscAddress> readOscAddresses(const Settings& settings, const char* name);

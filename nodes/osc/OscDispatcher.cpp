@@ -1,17 +1,33 @@
 #include "nodes/osc/OscDispatcher.h"
 
 #include "nodes/osc/OscPattern.h"
+#include "nodes/osc/OscTags.h"
 #include "nodes/shared/Report.h"
+#include "trovio/BasicOutSlot.h"
 
 namespace Trovio::Nodes {
 
-OscDispatcher::OscDispatcher(const std::vector<OscAddress>& addresses, OscInCounters& counters) : _counters(counters)
+OscDispatcher::OscDispatcher(const std::vector<OscAddress>& addresses, OscInCounters& counters)
+    : _counters(counters), _lanes(makeLanes(addresses)), _strangers(listAddresses()), _mismatches(_lanes.size())
 {
-    _lanes.reserve(addresses.size()); // from here on no lane moves
-    for (const OscAddress& address : addresses) {
-        _lanes.push_back({address, OscInLane::create(address)});
-        _positions.emplace(_lanes.back()._address._address, _lanes.size() - 1);
-    }
+    for (std::size_t i = 0; i < _lanes.size(); ++i)
+        _positions.emplace(_lanes[i]._address._address, i);
+}
+
+std::vector<OscDispatcher::Lane> OscDispatcher::makeLanes(const std::vector<OscAddress>& addresses)
+{
+    std::vector<Lane> lanes;
+    for (const OscAddress& address : addresses)
+        lanes.push_back({address, OscInLane::create(address)});
+    return lanes;
+}
+
+std::vector<std::string_view> OscDispatcher::listAddresses() const
+{
+    std::vector<std::string_view> addresses;
+    for (const Lane& lane : _lanes)
+        addresses.emplace_back(lane._address._address);
+    return addresses;
 }
 
 void OscDispatcher::visit(const OscMessage& message)
@@ -21,45 +37,94 @@ void OscDispatcher::visit(const OscMessage& message)
         visitMatching(message);
         return;
     }
-    const auto found = _positions.find(message._address);
-    if (found == _positions.end())
-        _counters._unknown.add();
-    else
-        deliver(_lanes[found->second], message);
+    if (const auto found = _positions.find(message._address); found != _positions.end()) {
+        deliver(found->second, message);
+        return;
+    }
+    _counters._unknown.add();
+    _strangers.note(message);
 }
 
 void OscDispatcher::visitMatching(const OscMessage& message)
 {
     bool isKnown = false;
-    for (Lane& lane : _lanes) {
-        if (matchesOscPattern(message._address, lane._address._address)) {
+    for (std::size_t i = 0; i < _lanes.size(); ++i) {
+        if (matchesOscPattern(message._address, _lanes[i]._address._address)) {
             isKnown = true;
-            deliver(lane, message);
+            deliver(i, message);
         }
     }
-    if (!isKnown)
-        _counters._unknown.add();
+    if (isKnown)
+        return;
+    _counters._unknown.add();
+    _strangers.note(message);
 }
 
-void OscDispatcher::deliver(Lane& lane, const OscMessage& message)
+void OscDispatcher::deliver(std::size_t position, const OscMessage& message)
 {
-    if (lane._lane->deliver(message)) {
+    if (_lanes[position]._lane->deliver(message)) {
         _counters._values.add();
         return;
     }
     _counters._mismatched.add();
-    if (std::exchange(lane._mismatchReported, true))
-        return;
-    constexpr std::size_t shown = 64;
-    const std::string tags(message._tags.substr(0, shown));
-    report(osg::LogWarning, lane._address._address + ": expected " + lane._lane->getExpected() + ", got " +
-                                (tags.empty() ? "no arguments" : tags) + (message._tags.size() > shown ? "…" : "") +
-                                (tags == lane._lane->getExpected() ? " with numbers that do not fit the blob" : ""));
+    countMismatch(position, message);
+}
+
+void OscDispatcher::countMismatch(std::size_t position, const OscMessage& message)
+{
+    const std::string tags = describeOscTags(message._tags);
+    {
+        const Ostrel::LockGuard guard(_lock);
+        Mismatches& before = _mismatches[position];
+        before._differ = before._differ || (before._count != 0 && before._tags != tags);
+        before._tags = tags;
+        if (++before._count > 1)
+            return; // reporting once is enough: the sender will go on
+    }
+    const std::string expected = _lanes[position]._lane->getExpected();
+    report(osg::LogWarning, _lanes[position]._address._address + ": expected " + expected + ", got " +
+                                shortenOscTags(message._tags) +
+                                (message._tags == expected ? " with numbers that do not fit the blob" : ""));
+}
+
+OscDispatcher::Mismatches OscDispatcher::getMismatches(std::size_t position) const
+{
+    const Ostrel::LockGuard guard(_lock);
+    return _mismatches[position];
+}
+
+std::string OscDispatcher::describeMismatches(std::size_t position) const
+{
+    const Mismatches refused = getMismatches(position);
+    const std::string expected = _lanes[position]._lane->getExpected();
+    if (refused._count == 0)
+        return {};
+    return std::to_string(refused._count) + " came with " + refused._tags + (refused._differ ? " or others" : "") +
+           ", wanted " + (expected.front() == '(' ? expected : "(" + expected + ")");
+}
+
+std::vector<RemarkInfo> OscDispatcher::getRemarks(const std::string& received, const std::string& lost) const
+{
+    std::vector<RemarkInfo> remarks;
+    for (std::size_t i = 0; i < _lanes.size(); ++i) {
+        const OscAddress& address = _lanes[i]._address;
+        const std::string mismatches = describeMismatches(i);
+        if (_lanes[i]._lane->getSlot().getActivity()._written == 0)
+            remarks.push_back(
+                {address.getLabel(),
+                 received + ", " +
+                     (mismatches.empty() ? "none for " + address._address + _strangers.describeFor(address._address)
+                                         : mismatches) +
+                     lost});
+        else if (!mismatches.empty())
+            remarks.push_back({address.getLabel(), mismatches});
+    }
+    return remarks;
 }
 
 void OscDispatcher::forEachSlot(const std::function<void(const std::string&, BasicOutSlot&)>& use)
 {
-    for (Lane& lane : _lanes)
+    for (const Lane& lane : _lanes)
         use(lane._address.getLabel(), lane._lane->getSlot());
 }
 

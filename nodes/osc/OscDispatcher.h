@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nodes/osc/OscInLane.h"
+#include "nodes/osc/OscStrangers.h"
 #include "trovio/Node.h"
 #include <functional>
 #include <unordered_map>
@@ -20,7 +21,7 @@ struct OscInCounters {
 };
 
 /// Takes messages to the lanes whose address they name, or whose address their pattern matches.
-/// Threads: one at a time.
+/// Threads: one at a time visits; getRemarks() from any, under any lock but the log's.
 class OscDispatcher final : public OscMessageVisitor {
 public:
     OscDispatcher(const std::vector<OscAddress>& addresses, OscInCounters& counters);
@@ -30,19 +31,38 @@ public:
     /// Calls use(label, slot) for every lane.
     void forEachSlot(const std::function<void(const std::string&, BasicOutSlot&)>& use);
 
+    /// Why a slot has no values, or not all. For those that nothing reached it stands between what the whole node
+    /// received, and what it did not.
+    std::vector<RemarkInfo> getRemarks(const std::string& received, const std::string& lost) const
+        OSTREL_EXCLUDES(_lock);
+
 private:
     struct Lane {
         OscAddress _address;
         std::unique_ptr<OscInLane> _lane;
-        bool _mismatchReported = false; // once is enough: the sender will go on
+    };
+    /// Messages of one lane whose arguments made no value.
+    struct Mismatches {
+        std::uint64_t _count = 0;
+        std::string _tags; // of the last, shown
+        bool _differ = false;
     };
 
+    static std::vector<Lane> makeLanes(const std::vector<OscAddress>& addresses);
+    std::vector<std::string_view> listAddresses() const;
     void visitMatching(const OscMessage& message);
-    void deliver(Lane& lane, const OscMessage& message);
+    void deliver(std::size_t position, const OscMessage& message);
+    void countMismatch(std::size_t position, const OscMessage& message) OSTREL_EXCLUDES(_lock);
+    Mismatches getMismatches(std::size_t position) const OSTREL_EXCLUDES(_lock);
+    std::string describeMismatches(std::size_t position) const;
 
     OscInCounters& _counters;
-    std::vector<Lane> _lanes;
+    const std::vector<Lane> _lanes;
     std::unordered_map<std::string_view, std::size_t> _positions; // keys refer into _lanes
+    OscStrangers _strangers;
+
+    mutable Ostrel::Mutex _lock;                                  // leaf
+    std::vector<Mismatches> _mismatches OSTREL_GUARDED_BY(_lock); // of each lane
 };
 
 } // namespace Trovio::Nodes

@@ -1,5 +1,7 @@
 #include "nodes/osc/OscInput.h"
 
+#include <algorithm>
+
 namespace Trovio::Nodes {
 
 namespace {
@@ -13,6 +15,21 @@ std::string describe(const std::vector<SocketAddress>& addresses)
     for (const SocketAddress& address : addresses)
         text += (text.empty() ? "" : " and ") + address.str();
     return text;
+}
+
+/// From where packets can come.
+std::string describeReach(const std::vector<SocketAddress>& addresses)
+{
+    if (std::all_of(addresses.begin(), addresses.end(), [](const SocketAddress& one) { return one.isLoopback(); }))
+        return ", this machine only";
+    const bool isAny =
+        std::all_of(addresses.begin(), addresses.end(), [](const SocketAddress& one) { return one.isAny(); });
+    return isAny ? ", every address of this machine" : "";
+}
+
+std::string countPackets(std::uint64_t count)
+{
+    return (count == 0 ? "no" : std::to_string(count)) + (count == 1 ? " packet" : " packets");
 }
 
 } // namespace
@@ -63,6 +80,11 @@ void OscInput::run()
 void OscInput::open()
 {
     const std::string problem = _receiver.open(_settings._listen, _settings._bufferBytes);
+    {
+        const auto addresses = getAddresses();
+        const Ostrel::LockGuard guard(_factsLock);
+        _listens = problem.empty() ? "listens on " + describe(addresses) + describeReach(addresses) : problem;
+    }
     _health(problem);
     if (!problem.empty())
         return;
@@ -76,6 +98,22 @@ void OscInput::open()
                                    std::to_string(_settings._bufferBytes));
 }
 
+std::vector<RemarkInfo> OscInput::getRemarks() const
+{
+    const std::uint64_t packets = _counters._packets.get(), malformed = _counters._malformed.get(),
+                        dropped = _counters._dropped.get();
+    std::string received, lost;
+    {
+        const Ostrel::LockGuard guard(_factsLock);
+        received = _listens + "; " + countPackets(packets) + " came";
+        if (malformed != 0)
+            lost = "; " + countPackets(malformed) + " malformed, the last: " + _lastMalformed;
+    }
+    if (dropped != 0)
+        lost += "; " + countPackets(dropped) + " more dropped by the kernel";
+    return _dispatcher.getRemarks(received, lost);
+}
+
 bool OscInput::receive(Bytes packet, const SocketAddress& sender, const Time& arrival)
 {
     _counters._packets.add();
@@ -85,6 +123,10 @@ bool OscInput::receive(Bytes packet, const SocketAddress& sender, const Time& ar
     if (!problem)
         return goesOn;
     _counters._malformed.add();
+    {
+        const Ostrel::LockGuard guard(_factsLock);
+        _lastMalformed = *problem;
+    }
     if (const auto withheld = _malformedReports.admit())
         report(osg::LogWarning, "OSC: malformed packet of " + std::to_string(packet.size()) + " bytes from " +
                                     sender.str() + ": " + *problem +

@@ -32,6 +32,10 @@ public:
         _dispatcher.forEachSlot(use);
     }
 
+    /// Why slots have no values, or not all: where it listens, what came, and what that was. Any thread, under any lock
+    /// but the log's; also after stop().
+    std::vector<RemarkInfo> getRemarks() const OSTREL_EXCLUDES(_factsLock);
+
     /// What it is bound to, once start() returned; for tests, and for port 0.
     std::vector<SocketAddress> getAddresses() const { return _receiver.getAddresses(); }
 
@@ -47,6 +51,11 @@ private:
     OscDispatcher _dispatcher;
     UdpReceiver _receiver;
     Seldom _malformedReports;
+
+    mutable Ostrel::Mutex _factsLock; // leaf
+    std::string _listens OSTREL_GUARDED_BY(_factsLock) = "does not listen";
+    std::string _lastMalformed OSTREL_GUARDED_BY(_factsLock); // what was wrong with it
+
     Worker _worker;
 };
 

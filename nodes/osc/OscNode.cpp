@@ -173,6 +173,11 @@ NodeState OscNode::getStateOf(const Slot& slot) const
     return problem.empty() ? NodeState() : NodeState{true, problem, getState()._since, {}};
 }
 
+std::vector<RemarkInfo> OscNode::getRemarks() const
+{
+    return _input ? _input->getRemarks() : std::vector<RemarkInfo>();
+}
+
 void OscNode::setProblem(std::string Problems::*half, const std::string& problem)
 {
     const Ostrel::LockGuard guard(_problemLock);

@@ -21,6 +21,9 @@ public:
     /// Each half may fail alone.
     NodeState getStateOf(const Slot& slot) const override OSTREL_EXCLUDES(_problemLock);
 
+    /// For each out-slot that nothing reached, or not all: what came instead.
+    std::vector<RemarkInfo> getRemarks() const override;
+
 private:
     /// What is wrong with a half; empty if nothing is.
     struct Problems {

@@ -60,6 +60,20 @@ void SocketAddress::setPort(std::uint16_t port)
         reinterpret_cast<sockaddr_in*>(&_storage)->sin_port = htons(port);
 }
 
+bool SocketAddress::isLoopback() const
+{
+    if (getFamily() == AF_INET6)
+        return IN6_IS_ADDR_LOOPBACK(&reinterpret_cast<const sockaddr_in6*>(&_storage)->sin6_addr);
+    return ntohl(reinterpret_cast<const sockaddr_in*>(&_storage)->sin_addr.s_addr) >> 24 == IN_LOOPBACKNET;
+}
+
+bool SocketAddress::isAny() const
+{
+    if (getFamily() == AF_INET6)
+        return IN6_IS_ADDR_UNSPECIFIED(&reinterpret_cast<const sockaddr_in6*>(&_storage)->sin6_addr);
+    return reinterpret_cast<const sockaddr_in*>(&_storage)->sin_addr.s_addr == htonl(INADDR_ANY);
+}
+
 std::string SocketAddress::host() const
 {
     char text[NI_MAXHOST] = "";

@@ -28,6 +28,10 @@ public:
     void setPort(std::uint16_t port);
     int getFamily() const { return _storage.ss_family; }
 
+    bool isLoopback() const;
+    /// 0.0.0.0 or [::], which to listen on means every address of the machine.
+    bool isAny() const;
+
     /// "127.0.0.1", "::1"
     std::string host() const;
     /// "127.0.0.1:9000", "[::1]:9000"

@@ -1,3 +1,5 @@
+#include "nodes/osc/OscPattern.h"
+#include "nodes/osc/OscStrangers.h"
 #include "tests/nodes/OscFixture.h"
 #include "tests/support/LogCapture.h"
 #include <algorithm>
@@ -33,6 +35,62 @@ TEST_F(OscInput, AMismatchIsReportedOnceForEachAddress)
     const auto texts = log.texts();
     EXPECT_EQ(std::count(texts.begin(), texts.end(), "/wand/position: expected fff, got ff\n"), 1);
     EXPECT_EQ(std::count(texts.begin(), texts.end(), "/cloud: expected (fff)*, got dd\n"), 1);
+}
+
+TEST_F(OscInput, AddressesWithoutASlotAreNamedOnceWithTheEntryThatWouldTakeThem)
+{
+    const LogCapture log;
+    run("listen=127.0.0.1:0 in='/my/device Vec3f'");
+    std::string stretched = "/" + std::string(1000, 'x');
+    for (int round = 0; round < 2; ++round) {
+        send(numbersMessage("/my/devise", 'f', {1, 2, 3}));
+        send(numbersMessage("/nobody/*", 'f', {}));
+        send(numbersMessage(stretched, 'i', std::vector<double>(500, 1)));
+        for (int i = 0; i < 100; ++i)
+            send(numbersMessage("/other" + std::to_string(i), 'i', {1}));
+    }
+    awaitCount("in unknown", 206);
+    const auto texts = log.texts();
+    const auto count = [&texts](const std::string& text) {
+        return std::count_if(texts.begin(), texts.end(),
+                             [&text](const std::string& line) { return line.find(text) != std::string::npos; });
+    };
+    EXPECT_EQ(count("OSC: no slot for /my/devise, which comes with (fff); in='/my/devise Vec3f' would take it; the "
+                    "nearest address with a slot is /my/device"),
+              1);
+    EXPECT_EQ(count("no slot for /nobody/*, which comes with no arguments; the pattern fits no address"), 1);
+    EXPECT_EQ(count("no slot for /other7, which comes with (i); in='/other7 Long' would take it"), 1);
+    EXPECT_EQ(count("no slot for " + stretched.substr(0, MaxOscAddress) + ","), 1);
+    EXPECT_EQ(count("no slot for"), static_cast<long>(OscStrangers::MostNamed));
+    EXPECT_EQ(count("further ones are only counted"), 1);
+}
+
+TEST_F(OscInput, RemarksSayWhatCameInsteadOfValues)
+{
+    const auto remark = [this](std::size_t slot) { return (*_node)->getRemarks().at(slot)._text; };
+    run("listen=127.0.0.1:0 in='/my/device Vec3f, /cloud Vec3f[], /well Float'");
+    const std::string where = "listens on " + listening().str() + ", this machine only; ";
+    EXPECT_EQ(remark(0), where + "no packets came, none for /my/device");
+    send(numbersMessage("/my/devise", 'f', {1, 2, 3}));
+    send(numbersMessage("/x", 'f', {}));
+    send(numbersMessage("/x", 'f', {}));
+    send(raw("odd"));
+    send(numbersMessage("/cloud", 'd', {1}));
+    send(numbersMessage("/well", 'f', {1}));
+    awaitCount("in values", 1);
+    const std::string lost = "; 1 packet malformed, the last: size 3 is no multiple of 4";
+    EXPECT_EQ(remark(0), where +
+                             "6 packets came, none for /my/device, 1 for /my/devise (fff), 2 for /x with no "
+                             "arguments" +
+                             lost);
+    EXPECT_EQ(remark(1), where + "6 packets came, 1 came with (d), wanted (fff)*" + lost);
+    EXPECT_EQ((*_node)->getRemarks().size(), 2U) << "of a slot that is well nothing need be said";
+
+    send(numbersMessage("/well", 'f', {1, 2}));
+    send(numbersMessage("/well", 'f', {1, 2, 3}));
+    awaitCount("in mismatched", 3);
+    _node->stop();
+    EXPECT_EQ(remark(2), "2 came with (fff) or others, wanted (f)");
 }
 
 TEST_F(OscInput, MalformedPacketsAreReportedOnceASecondWithTheirSender)

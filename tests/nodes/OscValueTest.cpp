@@ -2,6 +2,7 @@
 #include "nodes/osc/OscInLane.h"
 #include "nodes/osc/OscOutLane.h"
 #include "nodes/osc/OscPacket.h"
+#include "nodes/osc/OscTags.h"
 #include "tests/nodes/OscMessages.h"
 #include "tests/nodes/SampleValues.h"
 #include "trovio/InSlot.h"
@@ -9,9 +10,12 @@
 #include "trovio/SlotTypes.h"
 #include <cmath>
 #include <gtest/gtest.h>
+#include <map>
 
 namespace Trovio::Nodes {
 namespace {
+
+using namespace std::string_literals;
 
 /// The value that arrives when a lane of type T gets the packet; nothing if it refuses the message.
 template <class T>
@@ -46,6 +50,56 @@ TEST(OscValue, EveryNumberTagFeedsEveryNumericType)
             }
         }
     });
+}
+
+TEST(OscValue, TheTypeThatIsGuessedFromTheTagsTakesTheMessage)
+{
+    const std::map<std::string, std::string> expected{{"f", "Float"},
+                                                      {"i", "Long"},
+                                                      {"h", "Long"},
+                                                      {"d", "Double"},
+                                                      {"T", "Bool"},
+                                                      {"I", "Bool"},
+                                                      {"N", "Bool"},
+                                                      {"FFN", "Bool[]"},
+                                                      {"s", "String"},
+                                                      {"S", "String"},
+                                                      {"b", "String"},
+                                                      {"sss", "String[]"},
+                                                      {"t", "Time"},
+                                                      {"tt", "Time[]"},
+                                                      {"r", "ColorRGBA"},
+                                                      {"ff", "Vec2f"},
+                                                      {"[fff]", "Vec3f"},
+                                                      {"iii", "Vec3d"},
+                                                      {"fffd", "Vec4d"},
+                                                      {"fffff", "Float[]"},
+                                                      {"iiiii", "Long[]"},
+                                                      {"fiiii", "Double[]"},
+                                                      {"fffffffff", "Matrix3f"},
+                                                      {"iiib", "Image"},
+                                                      {"dddddddddddddddd", "Matrix4d"},
+                                                      {"rr", "ColorRGBA[]"}};
+    for (const auto& [tags, type] : expected) {
+        EXPECT_EQ(guessSlotType(tags), type) << tags;
+        const std::vector<std::uint8_t> zeros(256);
+        std::size_t size = 0;
+        for (const char tag : tags)
+            size += std::string_view("hdt").find(tag) != std::string_view::npos      ? 8
+                    : std::string_view("TFIN[]").find(tag) != std::string_view::npos ? 0
+                                                                                     : 4;
+        const auto lane = OscInLane::create({"/a", type});
+        EXPECT_TRUE(lane->deliver({"/a", tags, Bytes(zeros).first(size), Time(1.0)})) << tags;
+    }
+    for (const char* tags : {"", "[]", "m", "fs", "Tf"})
+        EXPECT_EQ(guessSlotType(tags), "") << tags;
+}
+
+TEST(OscValue, InfinitumIsTrueAndNilIsFalse)
+{
+    EXPECT_EQ(received<bool>(raw("/a\0\0,I\0\0"s)), true);
+    EXPECT_EQ(received<bool>(raw("/a\0\0,N\0\0"s)), false);
+    EXPECT_FALSE(received<float>(raw("/a\0\0,I\0\0"s)));
 }
 
 TEST(OscValue, OtherCountsAndKindsAreRefused)

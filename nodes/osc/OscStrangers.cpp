@@ -1,0 +1,102 @@
+#include "nodes/osc/OscStrangers.h"
+
+#include "nodes/osc/OscAddressList.h"
+#include "nodes/osc/OscPattern.h"
+#include "nodes/osc/OscTags.h"
+#include "nodes/shared/Report.h"
+#include "trovio/NearestName.h"
+#include <algorithm>
+
+namespace Trovio::Nodes {
+
+namespace {
+
+constexpr std::size_t mostDescribed = 3;
+
+/// What the user may write to get the messages.
+std::string cureFor(std::string_view address, std::string_view tags)
+{
+    const std::string type = guessSlotType(tags);
+    if (type.empty())
+        return tags.empty() ? "; only types with [] take that" : "; no slot type takes that";
+    if (!isOscAddress(address))
+        return "; no slot can have that address";
+    std::string entry;
+    for (const char character : std::string(address) + " " + type)
+        entry += (character == '\'' || character == '\\' ? "\\" : "") + std::string(1, character);
+    return "; in='" + entry + "' would take it";
+}
+
+std::string describe(const OscMessage& message, std::string_view address, std::string_view nearest)
+{
+    const std::string text =
+        "OSC: no slot for " + std::string(address) + ", which comes with " + describeOscTags(message._tags);
+    if (isOscPattern(address))
+        return text + "; the pattern fits no address";
+    return text + cureFor(message._address, message._tags) +
+           (nearest.empty() ? "" : "; the nearest address with a slot is " + std::string(nearest));
+}
+
+} // namespace
+
+void OscStrangers::note(const OscMessage& message)
+{
+    const std::string_view address = message._address.substr(0, MaxOscAddress); // more has no slot, and no end
+    if (!countKnown(address))
+        remember(message, address);
+}
+
+bool OscStrangers::countKnown(std::string_view address)
+{
+    const Ostrel::LockGuard guard(_lock);
+    const auto found = _named.find(address);
+    if (found != _named.end())
+        ++found->second._count;
+    else if (_others != 0)
+        ++_others;
+    return found != _named.end() || _others != 0;
+}
+
+void OscStrangers::remember(const OscMessage& message, std::string_view address)
+{
+    const std::string_view nearest = nearestName(address, _known);
+    bool isFull = false;
+    {
+        const Ostrel::LockGuard guard(_lock);
+        isFull = _named.size() == MostNamed;
+        if (isFull)
+            _others = 1;
+        else
+            _named.emplace(address, Stranger{describeOscTags(message._tags), nearest, 1});
+    }
+    report(osg::LogWarning, isFull ? "OSC: " + std::to_string(MostNamed) + " addresses without a slot were named; " +
+                                         "messages of further ones are only counted"
+                                   : describe(message, address, nearest));
+}
+
+std::string OscStrangers::describeFor(std::string_view address) const
+{
+    const Ostrel::LockGuard guard(_lock);
+    std::vector<const Named::value_type*> strangers;
+    std::uint64_t rest = _others;
+    for (const auto& stranger : _named) {
+        strangers.push_back(&stranger);
+        rest += stranger.second._count;
+    }
+    std::sort(strangers.begin(), strangers.end(), [address](const auto* left, const auto* right) {
+        const auto weight = [address](const auto* stranger) {
+            return std::pair(stranger->second._nearest == address, stranger->second._count);
+        };
+        return weight(left) > weight(right);
+    });
+    strangers.resize(std::min(strangers.size(), mostDescribed));
+    std::string text;
+    for (const auto* stranger : strangers) {
+        text += ", " + std::to_string(stranger->second._count) + " for " + stranger->first + " " +
+                (stranger->second._tags.front() == '(' ? "" : "with ") + stranger->second._tags;
+        rest -= stranger->second._count;
+    }
+    return rest == 0 ? text : text + ", " + std::to_string(rest) + " for others";
+}
+
+} // namespace Trovio::Nodes
