@@ -14,12 +14,25 @@ public:
     using CreateLane = std::unique_ptr<Lane> (*)(const Settings& settings, unsigned queue);
     FilterNode(Clock& clock, CreateLane create);
 
+    /// Of 'out': what was rejected, and since when.
+    std::vector<RemarkInfo> getRemarks() const override;
+
 private:
     std::unique_ptr<Lane> createLane(const Settings& settings) override;
     void countRejected(Outcome outcome) override;
 
+    /// The newest records that were rejected one after the other.
+    struct Run {
+        std::uint64_t _after = 0; // records sent before it
+        std::uint64_t _length = 0;
+        Time _first, _last; // when they came
+    };
+
+    Clock& _clock;
     const CreateLane _createLane;
     std::array<Counter*, 3> _rejected; // by Outcome, without Sent
+    mutable Ostrel::Mutex _runLock;    // leaf
+    Run _run OSTREL_GUARDED_BY(_runLock);
 };
 
 /// Whether the filter has a formula for a slot value type, or for its elements. Filter::Formula<E> is constrained to

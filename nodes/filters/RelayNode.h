@@ -47,6 +47,9 @@ protected:
     void start() override;
     void stop() override;
 
+    /// Records sent so far. Any thread.
+    std::uint64_t countSent() const { return _sent.get(); }
+
     static unsigned readQueue(const Settings& settings);
 
 private:

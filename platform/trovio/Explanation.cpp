@@ -12,9 +12,9 @@ const char* toString(Verdict verdict)
         "wrong direction", "types differ",  "no external route",
         "no route",        "loop",          "node degraded",
         "never written",   "stale",         "filtered",
-        "overwritten",     "unread",        "interrupted reader",
+        "overwritten",     "unread",        "interrupted reader", "not made",
     };
-    static_assert(std::size(names) == static_cast<std::size_t>(Verdict::Interrupted) + 1);
+    static_assert(std::size(names) == static_cast<std::size_t>(Verdict::NotMade) + 1);
     return names[static_cast<std::size_t>(verdict)];
 }
 
@@ -22,6 +22,13 @@ const std::string* Explanation::findText(const std::string& name) const
 {
     const auto found = std::ranges::find(_details, name, &Detail::_name);
     return found == _details.end() ? nullptr : std::get_if<std::string>(&found->_value);
+}
+
+std::optional<double> Explanation::findNumber(const std::string& name) const
+{
+    const auto found = std::ranges::find(_details, name, &Detail::_name);
+    const double* const number = found == _details.end() ? nullptr : std::get_if<double>(&found->_value);
+    return number ? std::optional(*number) : std::nullopt;
 }
 
 } // namespace Trovio

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -23,6 +24,7 @@ enum class Verdict {
     Overwritten, // before anybody took them
     Unread,      // a record waits, and nobody has taken one
     Interrupted, // the reader was, and has taken nothing since
+    NotMade,     // what the label belongs to; said by programs that make it, such as from a scene file
 };
 
 /// "flowing", "no such label", …; never null.
@@ -41,6 +43,8 @@ struct Explanation {
 
     /// Null if there is no such detail, or if it is a number.
     const std::string* findText(const std::string& name) const;
+    /// Nothing if there is no such detail, or if it is a text.
+    std::optional<double> findNumber(const std::string& name) const;
 };
 
 } // namespace Trovio

@@ -2,21 +2,15 @@
 #include "trovio/BasicOutSlot.h"
 #include "trovio/FlowQuery.h"
 #include "trovio/Node.h"
+#include "trovio/TimeText.h"
+#include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <optional>
 
 // What the counters of slots and nodes tell about records on a way that is connected.
 namespace Trovio {
 
 namespace {
-
-std::string inSeconds(double seconds)
-{
-    char text[32];
-    std::snprintf(text, sizeof text, "%.3g s", seconds);
-    return text;
-}
 
 double number(std::uint64_t count)
 {
@@ -68,13 +62,46 @@ bool FlowQuery::stopsAtSource(const Entry& home, Explanation& cause) const
     if (state._degraded && (out._written == 0 || stale || stamp <= state._since.getSeconds()))
         cause = degraded(home);
     else if (out._written == 0)
-        cause = {Verdict::NeverWritten, "nobody has written into '" + label + "' yet", {{"out-slot", label}}};
+        cause = neverWritten(home);
     else if (stale)
         cause = {Verdict::Stale,
                  "the last of " + std::to_string(out._written) + " records of '" + label + "' is " +
-                     inSeconds(_now - stamp) + " old" + remarkOn(home),
+                     inSeconds(_now - stamp) + " old" + remarksOn(home) + recovery(home) + "; " + clocks(stamp),
                  {{"out-slot", label}, {"age", _now - stamp}, {"written", number(out._written)}}};
     return cause._verdict != Verdict::Flowing;
+}
+
+/// What a filter has not sent, nobody has sent to it.
+Explanation FlowQuery::neverWritten(const Entry& home) const
+{
+    const std::string label = labelOf(home);
+    Explanation cause{Verdict::NeverWritten,
+                      "nobody has written into '" + label + "' yet" + remarksOn(home) + recovery(home),
+                      {{"out-slot", label}}};
+    if (!home._scope->isRelaying())
+        return cause;
+    for (const auto& [inLabel, same] : home._scope->_entries) {
+        const Entry& in = same.front();
+        if (!in._ends.in())
+            continue;
+        if (in._ends.in()->getCounts().stored != 0) {
+            stopsInNode(home, in, cause);
+            return cause;
+        }
+        const Entries producers = producersOf(in);
+        cause._text +=
+            "; nothing has come into '" + labelOf(in) + "'" + (producers.empty() ? ", and no route leads there" : "");
+        for (const Entry* producer : producers)
+            if (Explanation above; stopsAtSource(*producer, above))
+                cause._text += ": " + above._text;
+    }
+    return cause;
+}
+
+/// The time of the source and of this machine.
+std::string FlowQuery::clocks(double stamp) const
+{
+    return "its stamp says " + dateOf(Time(stamp)) + ", the clock of this machine " + dateOf(Time(_now));
 }
 
 NodeState FlowQuery::stateOf(const Entry& home)
@@ -83,14 +110,23 @@ NodeState FlowQuery::stateOf(const Entry& home)
     return node ? node->getStateOf(*home._ends._slot) : NodeState();
 }
 
-/// A clock that is wrong makes new values old, and old ones new; what the node says of it goes behind a text.
-std::string FlowQuery::remarkOn(const Entry& home)
+/// What the node knows of the slot beyond counts, to be put behind a text: a clock that is wrong makes new values old.
+std::string FlowQuery::remarksOn(const Entry& home)
 {
+    std::string text;
     if (const Node* const node = home._scope->_node)
         for (const RemarkInfo& remark : node->getRemarks())
             if (remark._slot == home._label)
-                return "; " + remark._text;
-    return {};
+                text += "; " + remark._text;
+    return text;
+}
+
+/// That the node runs only since then, to be put behind a text.
+std::string FlowQuery::recovery(const Entry& home) const
+{
+    const NodeState state = stateOf(home);
+    return state._overcome.empty() ? std::string()
+                                   : "; node '" + nameOf(*home._scope) + "' is " + state.describe(Time(_now));
 }
 
 Explanation FlowQuery::degraded(const Entry& home) const
@@ -125,6 +161,7 @@ bool FlowQuery::stopsInNode(const Entry& home, const Entry& before, Explanation&
             cause._text += ", " + counter._name + " " + std::to_string(counter._value);
         cause._details.push_back({counter._name, number(counter._value)});
     }
+    cause._text += remarksOn(home);
     return true;
 }
 
@@ -177,18 +214,56 @@ Explanation FlowQuery::flowing(const std::vector<Step>& path) const
         answer._text += ", the last " + inSeconds(*age) + " old";
         answer._details.push_back({"age", *age});
     } else if (stamp > _now) {
-        answer._text +=
-            ", the last stamped " + inSeconds(stamp - _now) + " in the future" + remarkOn(*path.front()._home);
+        answer._text += ", the last stamped " + inSeconds(stamp - _now) + " in the future; " + clocks(stamp);
     }
+    for (const Step& step : path)
+        answer._text +=
+            step._home->_ends.out() ? remarksOn(*step._home) : lossesAt(*step._home) + rivalsAt(*step._home);
     // Part of a node may be down while records go through the rest.
     const Scope* seen = nullptr;
     for (const Step& step : path) {
-        const Node* node = step._home->_scope->_node;
-        if (node && step._home->_scope != seen && stateOf(*step._home)._degraded)
-            answer._text += "; " + degraded(*step._home)._text;
+        if (step._home->_scope != seen && step._home->_scope->_node)
+            answer._text += stateOf(*step._home)._degraded ? "; " + degraded(*step._home)._text : recovery(*step._home);
         seen = step._home->_scope;
     }
     return answer;
+}
+
+/// What was lost before it was read, and what would have held it; nothing if nothing was.
+std::string FlowQuery::lossesAt(const Entry& home) const
+{
+    const InSlotActivity in = home._ends.in()->getActivity();
+    if (in._counts.overwritten == 0)
+        return {};
+    return "; of " + std::to_string(in._counts.stored) + " that came to '" + labelOf(home) + "' " +
+           std::to_string(in._counts.overwritten) + " were overwritten before they were read";
+}
+
+/// Where several write into one slot: who, and how much each of them.
+std::string FlowQuery::rivalsAt(const Entry& home) const
+{
+    const Entries producers = producersOf(home);
+    if (producers.size() < 2)
+        return {};
+    std::string text = "; " + std::to_string(producers.size()) + " write into '" + labelOf(home) + "':";
+    for (const Entry* producer : producers)
+        text += (producer == producers.front() ? " '" : ", '") + labelOf(*producer) + "' " +
+                std::to_string(producer->_ends.out()->getWritten());
+    return text;
+}
+
+/// The homes of the out-slots that are connected to an in-slot, in the order in which their routes came.
+FlowQuery::Entries FlowQuery::producersOf(const Entry& home) const
+{
+    Entries producers;
+    FlowSearch::forEachView(home, [&](const Entry& view) {
+        for (const Scope::Aim* aim : view._scope->_aims.under(view._label)) {
+            const Entry* const from = FlowSearch::home(aim->_from);
+            if (view._scope->whyApart(*aim, view).empty() && std::ranges::find(producers, from) == producers.end())
+                producers.push_back(from);
+        }
+    });
+    return producers;
 }
 
 } // namespace Trovio

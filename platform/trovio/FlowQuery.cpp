@@ -1,7 +1,5 @@
 #include "trovio/FlowQuery.h"
 
-#include "trovio/NearestName.h"
-
 namespace Trovio {
 
 namespace {
@@ -55,11 +53,12 @@ Explanation FlowQuery::answered(const std::string& from, const std::string& to, 
 Explanation FlowQuery::findCause(const std::string& from, const std::string& to) const
 {
     const Entries starts = findEnds(from, Slot::Direction::Out);
-    if (starts.empty())
-        return whyNoEnd(from, Slot::Direction::Out);
     const Entries ends = findEnds(to, Slot::Direction::In);
+    const bool swapped = !findEnds(from, Slot::Direction::In).empty() && !findEnds(to, Slot::Direction::Out).empty();
+    if (starts.empty())
+        return whyNoEnd(from, Slot::Direction::Out, swapped);
     if (ends.empty())
-        return whyNoEnd(to, Slot::Direction::In);
+        return whyNoEnd(to, Slot::Direction::In, swapped);
     const FlowSearch search(starts);
     const std::vector<Step> path = search.findPath(ends);
     for (const Step& step : path) {
@@ -79,28 +78,31 @@ FlowQuery::Entries FlowQuery::findEnds(const std::string& label, Slot::Direction
     return ends;
 }
 
-Explanation FlowQuery::whyNoEnd(const std::string& label, Slot::Direction direction) const
+Explanation FlowQuery::whyNoEnd(const std::string& label, Slot::Direction direction, bool swapHelps) const
 {
     const bool isSource = direction == Slot::Direction::Out;
     const Slot::Direction other = isSource ? Slot::Direction::In : Slot::Direction::Out;
-    if (!findEnds(label, other).empty())
-        return {Verdict::WrongDirection,
-                "'" + label + "' is an " + kindOf(other) + ", but records " + (isSource ? "come from" : "go to") +
-                    " an " + kindOf(direction) + "; swap the two ends",
-                {{"label", label}}};
-    const Entry* below = findBelow(label);
-    if (below && labelOf(*below) != label && !findEnds(labelOf(*below), below->_ends._slot->getDirection()).empty())
-        return {Verdict::NoSuchLabel,
-                "no slot '" + label + "' is in scope; nearest: '" + labelOf(*below) + "'",
-                {{"label", label}, {"nearest", labelOf(*below)}}};
-    if (below)
-        return hidden(label, *below);
-    const std::string near = nearest(label, direction);
-    Explanation cause{Verdict::NoSuchLabel, "no slot '" + label + "' is in scope", {{"label", label}}};
-    if (near.empty())
+    if (!findEnds(label, other).empty()) {
+        Explanation cause{Verdict::WrongDirection,
+                          "'" + label + "' is an " + kindOf(other) + ", but records " +
+                              (isSource ? "come from" : "go to") + " an " + kindOf(direction) +
+                              (swapHelps ? "; swap the two ends" : hint(meant(label, labels(direction)))),
+                          {{"label", label}}};
+        if (swapHelps)
+            cause._details.push_back({"cure", "swap the two ends"});
         return cause;
-    cause._text += "; nearest: '" + near + "'";
-    cause._details.push_back({"nearest", near});
+    }
+    const Entry* below = findBelow(label, direction);
+    if (below && labelOf(*below) != label && !findEnds(labelOf(*below), direction).empty())
+        return noSlot(label, {labelOf(*below)});
+    return below ? hidden(label, *below) : noSlot(label, meant(label, labels(direction)));
+}
+
+Explanation FlowQuery::noSlot(const std::string& label, const std::vector<std::string>& near)
+{
+    Explanation cause{Verdict::NoSuchLabel, "no slot '" + label + "' is in scope" + hint(near), {{"label", label}}};
+    if (!near.empty())
+        cause._details.push_back({"nearest", near.front()});
     return cause;
 }
 
@@ -115,13 +117,14 @@ Explanation FlowQuery::noMatch(const Pattern& pattern) const
     return {Verdict::NoMatch, text, {{"pattern", pattern.getText()}}};
 }
 
-/// A slot of a namespace below, written with or without the labels that lead there.
-const Scope::Entry* FlowQuery::findBelow(const std::string& label) const
+/// A slot that a namespace below sees, written with or without the labels that lead there.
+const Scope::Entry* FlowQuery::findBelow(const std::string& label, Slot::Direction direction) const
 {
     for (const Below& below : _below) {
         const bool full = label.starts_with(below._path + "/");
-        if (const Entry* own = below._scope->findOwn(full ? label.substr(below._path.size() + 1) : label))
-            return own;
+        for (const Entry* seen : below._scope->_entries.under(full ? label.substr(below._path.size() + 1) : label))
+            if (seen->_ends._slot->getDirection() == direction)
+                return FlowSearch::home(seen);
     }
     return nullptr;
 }
@@ -149,13 +152,6 @@ std::vector<std::string> FlowQuery::labels(Slot::Direction direction) const
         }
     }
     return {found.begin(), found.end()};
-}
-
-std::string FlowQuery::nearest(const std::string& label, Slot::Direction direction) const
-{
-    const std::vector<std::string> known = labels(direction);
-    const std::vector<std::string_view> views(known.begin(), known.end());
-    return std::string(nearestName(label, views));
 }
 
 std::string FlowQuery::labelOf(const Entry& home) const

@@ -34,12 +34,12 @@ private:
 
     // Which slots there are (FlowQuery.cpp).
     Entries findEnds(const std::string& label, Slot::Direction direction) const;
-    Explanation whyNoEnd(const std::string& label, Slot::Direction direction) const;
+    Explanation whyNoEnd(const std::string& label, Slot::Direction direction, bool swapHelps = false) const;
+    static Explanation noSlot(const std::string& label, const std::vector<std::string>& near);
     Explanation noMatch(const Pattern& pattern) const;
     Explanation hidden(const std::string& label, const Entry& home) const;
-    const Entry* findBelow(const std::string& label) const;
+    const Entry* findBelow(const std::string& label, Slot::Direction direction) const;
     std::vector<std::string> labels(Slot::Direction direction) const;
-    std::string nearest(const std::string& label, Slot::Direction direction) const;
     std::string labelOf(const Entry& home) const;
     std::string nameOf(const Scope& scope) const;
 
@@ -47,10 +47,24 @@ private:
     Explanation blocked(const Step& step) const;
     Explanation noWay(const std::string& to, const Entries& ends, const Entries& reached) const;
     FlowQuery at(const Scope& scope) const;
-    Explanation badRoute(const std::string& to, const Entries& reached) const;
-    Explanation deadEnd(const std::string& to, const Entry& home) const;
-    bool leadsBack(const Scope::Route& route, const std::string& to, const Entries& reached) const;
+    Explanation badRoute(const std::string& to, const Entries& ends, const Entries& reached) const;
     Explanation deadStart(const Scope::Route& route) const;
+
+    /// A route that leads nowhere, and the two labels that it was probably meant to join.
+    struct Repair {
+        const Scope::Route* _route;
+        std::string _givenFrom, _givenTo; // as the route has them
+        std::string _from, _to;
+    };
+
+    // Which labels are nearly right (FlowRepair.cpp).
+    std::vector<std::string> meant(const std::string& label, const std::vector<std::string>& known) const;
+    std::vector<std::string> nodesOfType(const std::string& type) const;
+    static std::string hint(const std::vector<std::string>& names);
+    std::vector<Repair> repairs() const;
+    const Repair* firstOf(const std::vector<Repair>& repairs, const Entries& reached, const Entries& ends) const;
+    Explanation misnamed(const Repair& repair) const;
+    Explanation withCure(Explanation cause, const std::string& from, const std::string& to) const;
 
     // What happened on the way (FlowCounts.cpp).
     Explanation walk(const std::vector<Step>& path) const;
@@ -59,7 +73,13 @@ private:
     bool stopsInNode(const Entry& home, const Entry& before, Explanation& cause) const;
     bool stopsAtReader(const Entry& home, Explanation& cause) const;
     static NodeState stateOf(const Entry& home);
-    static std::string remarkOn(const Entry& home);
+    Explanation neverWritten(const Entry& home) const;
+    std::string clocks(double stamp) const;
+    static std::string remarksOn(const Entry& home);
+    std::string recovery(const Entry& home) const;
+    std::string lossesAt(const Entry& home) const;
+    std::string rivalsAt(const Entry& home) const;
+    Entries producersOf(const Entry& home) const;
     Explanation degraded(const Entry& home) const;
     Explanation flowing(const std::vector<Step>& path) const;
 

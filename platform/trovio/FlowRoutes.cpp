@@ -38,7 +38,7 @@ Explanation FlowQuery::noWay(const std::string& to, const Entries& ends, const E
     for (const Entry* end : ends) {
         FlowSearch::forEachView(*FlowSearch::home(end), [&](const Entry& seen) {
             if (cause._verdict == Verdict::Flowing)
-                cause = at(*seen._scope).badRoute(seen._label, reached);
+                cause = at(*seen._scope).badRoute(seen._label, ends, reached);
         });
     }
     if (cause._verdict != Verdict::Flowing)
@@ -46,10 +46,14 @@ Explanation FlowQuery::noWay(const std::string& to, const Entries& ends, const E
     const std::string last = labelOf(*reached.back());
     const Slot& out = *reached.back()->_ends._slot;
     const Slot& in = *ends.front()->_ends._slot;
-    return {Verdict::NoRoute,
-            "no route leads on from '" + last + "' (" + out.getTypeName() + ") to '" + to + "' (" + in.getTypeName() +
-                ")",
-            {{"out-slot", last}, {"in-slot", to}}};
+    cause = {Verdict::NoRoute,
+             "no route leads on from '" + last + "' (" + out.getTypeName() + ") to '" + to + "' (" + in.getTypeName() +
+                 ")",
+             {{"out-slot", last}, {"in-slot", to}}};
+    if (out.getTypeID() == in.getTypeID())
+        return withCure(std::move(cause), last, to);
+    cause._text += "; a route alone would not join them, for their types differ";
+    return cause;
 }
 
 /// The same questions, asked in a scope below; or above, where nothing is known of what stands beside this one.
@@ -65,50 +69,21 @@ FlowQuery FlowQuery::at(const Scope& scope) const
 }
 
 /// What is wrong with a route that looks as if it were meant to lead here; flowing if there is none.
-Explanation FlowQuery::badRoute(const std::string& to, const Entries& reached) const
+Explanation FlowQuery::badRoute(const std::string& to, const Entries& ends, const Entries& reached) const
 {
-    for (const Entry* home : reached) {
-        if (Explanation cause = deadEnd(to, *home); cause._verdict != Verdict::Flowing)
-            return cause;
-    }
+    const std::vector<Repair> possible = repairs();
+    if (const Repair* const repair = firstOf(possible, reached, ends))
+        return misnamed(*repair);
     for (const Scope::Route* route : _here._routes.all()) {
-        Explanation cause;
-        if (leadsBack(*route, to, reached))
-            cause = {Verdict::WrongDirection, route->quoted() + " leads the other way; swap its two ends", {}};
-        else if (aimsAt(*route, to) && route->_aims.empty())
-            cause = deadStart(*route);
+        if (!aimsAt(*route, to) || !route->_aims.empty())
+            continue;
+        Explanation cause = deadStart(*route);
         if (cause._verdict == Verdict::Flowing)
             continue;
         cause._details.push_back({"route", route->quoted()});
         return cause;
     }
     return {};
-}
-
-/// A route from the slot leads to a label that nobody has and that looks like the one asked for.
-Explanation FlowQuery::deadEnd(const std::string& to, const Entry& home) const
-{
-    Explanation cause;
-    FlowSearch::forEachView(home, [&](const Entry& view) {
-        for (const Scope::Aim* aim : view._aims) {
-            const std::string& target = aim->_target;
-            if (view._scope != &_here || !_here._entries.under(target).empty() ||
-                nearest(target, Slot::Direction::In) != to)
-                continue;
-            const std::string route = aim->_route->quoted();
-            cause = {Verdict::NoSuchLabel,
-                     route + " leads to '" + target + "', but no slot '" + target + "' is in scope; nearest: '" + to +
-                         "'",
-                     {{"label", target}, {"nearest", to}, {"route", route}}};
-        }
-    });
-    return cause;
-}
-
-bool FlowQuery::leadsBack(const Scope::Route& route, const std::string& to, const Entries& reached) const
-{
-    return route._from.getText() == to &&
-           std::ranges::any_of(reached, [&](const Entry* home) { return labelOf(*home) == route._to.getText(); });
 }
 
 /// A route that starts at a label that nobody has, matches nothing, or starts at an in-slot.

@@ -3,8 +3,7 @@
 #include "trovio/ExceptionText.h"
 #include "trovio/FrameworkLog.h"
 #include "trovio/Scope.h"
-#include <array>
-#include <cstdio>
+#include "trovio/TimeText.h"
 
 namespace Trovio {
 
@@ -161,9 +160,8 @@ std::string NodeState::describe(const Time& now) const
         text += ", " + _reason;
     if (_overcome.empty())
         return text;
-    std::array<char, 32> seconds{};
-    std::snprintf(seconds.data(), seconds.size(), "%.3g s", now.getSeconds() - _since.getSeconds());
-    return text + "; runs again for " + seconds.data() + ", was degraded: " + _overcome;
+    return text + "; runs again for " + inSeconds(now.getSeconds() - _since.getSeconds()) +
+           ", was degraded: " + _overcome;
 }
 
 NodeState Node::getState() const

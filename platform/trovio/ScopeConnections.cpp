@@ -76,7 +76,7 @@ std::string Scope::whyApart(const Aim& aim, const Entry& to) const
 std::string Scope::wrongWay(const Route& route, const std::string& label, const char* is, const char* must)
 {
     return route.quoted() + ": '" + label + "' is " + is + ", but this end of a route must be an " + must +
-           "; swap the two ends, or route to another slot";
+           "; name another slot, or, where both ends are the wrong way round, swap them";
 }
 
 std::string Scope::tooLong(const RouteRule& route, const std::string& label)

@@ -28,6 +28,10 @@ TEST(Filter, RejectsByCauseAndTheSumsAreExact)
     EXPECT_EQ(bench.node().count("sent"), 2U);
     EXPECT_EQ(bench.node().count("rejected value"), 3U);
     EXPECT_EQ(bench.node().count("rejected result"), 1U);
+    const std::string says = bench.node()->getRemarks().at(0)._text;
+    EXPECT_EQ(says.find("rejected 3 with a value that is not finite"), 0U) << says;
+    EXPECT_NE(says.find(", and 1 with a result beyond the limits of its type; the last at "), std::string::npos)
+        << says;
 }
 
 TEST(Filter, RotationsWithoutDirectionAreRejected)
