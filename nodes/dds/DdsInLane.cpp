@@ -165,7 +165,7 @@ void DdsInLane::setAlive(bool alive)
 {
     if (alive == _alive)
         return;
-    _alive = alive;
+    _alive = _isAlive = alive;
     _aliveSlot.push(Data<bool>(alive, _clock.wallTime()));
 }
 

@@ -10,6 +10,7 @@
 #include "nodes/shared/SlotList.h"
 #include "trovio/Node.h"
 #include "trovio/OutSlot.h"
+#include <atomic>
 
 namespace Trovio::Nodes {
 
@@ -50,7 +51,8 @@ public:
     std::optional<SampleArrival> getNewest() const OSTREL_EXCLUDES(_newestLock);
     /// Goes on with samples that waited since their writers were new, where they have long enough; when to do so again.
     std::optional<double> takeNewcomers() OSTREL_EXCLUDES(_takeLock);
-    bool isAlive() const { return _alive.value_or(false); }
+    /// Somebody publishes it. Any thread.
+    bool isAlive() const { return _isAlive; }
     /// Somebody publishes it, but gives no sign of life: may be that they do not hear us.
     bool isSilent() const { return _isSilent; }
 
@@ -83,6 +85,7 @@ private:
     OutSlot<bool> _aliveSlot;
     OutSlot<Vec3<double>> _timingSlot;
     std::optional<bool> _alive; // what was pushed last
+    std::atomic<bool> _isAlive{false};
     bool _isSilent = false;
     std::function<void()> _wake, _peersChanged;
     bool _getsLast = true; // when it joins; and with it, what is older

@@ -1,6 +1,7 @@
 #include "nodes/dds/DdsMatchWatch.h"
 
 #include "nodes/dds/DdsTaking.h"
+#include <algorithm>
 
 namespace Trovio::Nodes {
 
@@ -40,7 +41,10 @@ std::string property(const dds_qos_t* qos, const char* name)
 
 DdsMatchWatch::DdsMatchWatch(const DdsQuality& quality, const DdsFormat& format,
                              const std::vector<ListedSlot>& published, const std::vector<ListedSlot>& subscribed)
-    : _quality(quality)
+    : _quality(quality),
+      _format(format),
+      _otherWriters("publishes", quality._partition),
+      _otherReaders("subscribes to", quality._partition)
 {
     for (const ListedSlot& topic : published)
         _published[format.nameOf(topic._name)] = {topic._name, findTopicType(topic._typeName, format)->m_typename};
@@ -52,6 +56,7 @@ DdsMatchWatch::~DdsMatchWatch() = default;
 
 void DdsMatchWatch::open(const DdsEnds& ends)
 {
+    dds_get_instance_handle(ends._participant, &_own);
     const DdsListener listener(dds_create_listener(const_cast<DdsEnds*>(&ends)));
     dds_lset_data_available(listener.get(), onNews);
     const auto openReader = [&](dds_entity_t topic) {
@@ -69,6 +74,8 @@ void DdsMatchWatch::close()
     _writers = DdsEntity();
     _readers = DdsEntity();
     _found.clear();
+    _otherWriters.clear();
+    _otherReaders.clear();
 }
 
 void DdsMatchWatch::look()
@@ -90,16 +97,43 @@ void DdsMatchWatch::tell(DdsTroubles& troubles) const
     }
 }
 
+std::string DdsMatchWatch::explainMissing(const std::string& topic) const
+{
+    const auto describe = [this](dds_instance_handle_t participant) { return describePeer(participant); };
+    const std::string meant = _otherWriters.findMeant(_format.nameOf(topic), describe);
+    if (!meant.empty())
+        return "; " + meant;
+    const std::size_t others = countOthers();
+    const std::string seen = _otherWriters.list();
+    const std::string elsewhere = "interface=NAME, host=ADDRESS or domain=NUMBER chooses another place, which is not "
+                                  "seen from here";
+    if (others == 0)
+        return "; no other program is seen there; " + elsewhere;
+    return "; of " + std::to_string(others) + (others == 1 ? " other node" : " other nodes") + " there " +
+           (seen.empty() ? "none publishes anything else" : "these are published: " + seen) + "; " + elsewhere;
+}
+
+std::string DdsMatchWatch::findWanting(const std::string& topic) const
+{
+    const auto describe = [this](dds_instance_handle_t participant) { return describePeer(participant); };
+    const std::string meant = _otherReaders.findMeant(_format.nameOf(topic), describe);
+    return meant.empty() ? meant : "nobody subscribes to it, but " + meant;
+}
+
 void DdsMatchWatch::lookAt(dds_entity_t reader, const Topics& ours, bool isWriter)
 {
+    DdsOtherEnds& others = isWriter ? _otherWriters : _otherReaders;
     takeSamples<Take::All>(reader, [&](const void* sample, const dds_sample_info_t& info) {
         _found.erase(info.instance_handle);
+        others.forget(info.instance_handle);
         if (!info.valid_data || info.instance_state != DDS_ALIVE_INSTANCE_STATE)
             return;
         const auto& other = *static_cast<const dds_builtintopic_endpoint_t*>(sample);
+        if (isOurs(other))
+            return;
         const auto topic = ours.find(std::string_view(other.topic_name));
         if (topic == ours.end() || !isInPartition(other.qos))
-            return;
+            return others.note(info.instance_handle, other);
         const std::string problem = compare(other, topic->second, isWriter);
         if (!problem.empty() && _found.size() < mostFound)
             _found[info.instance_handle] = {topic->second._label, problem};
@@ -108,7 +142,9 @@ void DdsMatchWatch::lookAt(dds_entity_t reader, const Topics& ours, bool isWrite
 
 std::string DdsMatchWatch::compare(const dds_builtintopic_endpoint_t& other, const Topic& ours, bool isWriter) const
 {
-    const auto they = [&] { return describePeer(other) + (isWriter ? " publishes " : " subscribes to "); };
+    const auto they = [&] {
+        return describePeer(other.participant_instance_handle) + (isWriter ? " publishes " : " subscribes to ");
+    };
     const auto type = [&] { return describeTopicType(ours._type); };
     if (other.type_name != ours._type)
         return they() + describeTopicType(other.type_name) + ", here it is " + type() + "; give both ends one type";
@@ -125,28 +161,28 @@ std::string DdsMatchWatch::compare(const dds_builtintopic_endpoint_t& other, con
 
 bool DdsMatchWatch::isInPartition(const dds_qos_t* qos) const
 {
-    std::uint32_t count = 0;
-    char** names = nullptr;
-    dds_qget_partition(qos, &count, &names);
-    bool found = count == 0 && _quality._partition.empty();
-    for (std::uint32_t i = 0; i < count; ++i) {
-        found = found || _quality._partition == names[i];
-        dds_free(names[i]);
-    }
-    dds_free(names);
-    return found;
+    const auto names = readPartitions(qos);
+    return names.empty() ? _quality._partition.empty() : std::ranges::find(names, _quality._partition) != names.end();
 }
 
-std::string DdsMatchWatch::describePeer(const dds_builtintopic_endpoint_t& endpoint) const
+std::size_t DdsMatchWatch::countOthers() const
+{
+    std::size_t count = 0;
+    readSamples(_participants.get(), DDS_HANDLE_NIL, [&](const void*, const dds_sample_info_t& info) {
+        count += info.instance_state == DDS_ALIVE_INSTANCE_STATE && info.instance_handle != _own;
+    });
+    return count;
+}
+
+std::string DdsMatchWatch::describePeer(dds_instance_handle_t participant) const
 {
     std::string peer = "another program";
-    const auto describe = [&peer](const void* sample, const dds_sample_info_t&) {
+    readSamples(_participants.get(), participant, [&peer](const void* sample, const dds_sample_info_t&) {
         const dds_qos_t* qos = static_cast<const dds_builtintopic_participant_t*>(sample)->qos;
         const std::string process = property(qos, "__ProcessName");
         if (!process.empty())
             peer = process + " (process " + property(qos, "__Pid") + " on " + property(qos, "__Hostname") + ")";
-    };
-    readSamples(_participants.get(), endpoint.participant_instance_handle, describe);
+    });
     return peer;
 }
 

@@ -3,6 +3,7 @@
 #include "nodes/dds/DdsLog.h"
 #include "nodes/dds/DdsSettings.h"
 #include "trovio/BasicInSlot.h"
+#include <algorithm>
 
 namespace Trovio::Nodes {
 
@@ -80,7 +81,7 @@ void DdsNode::start()
 void DdsNode::stop()
 {
     _worker.stop();
-    keepRemarks(_session->getRemarks()); // closing takes time, in which nothing becomes older
+    keepRemarks(getRemarks()); // closing takes time, in which nothing becomes older
     _session->close();
 }
 
@@ -97,7 +98,14 @@ std::vector<RemarkInfo> DdsNode::getRemarks() const
         if (_lastRemarks)
             return *_lastRemarks;
     }
-    return _session ? _session->getRemarks() : std::vector<RemarkInfo>();
+    if (!_session)
+        return {};
+    std::vector<RemarkInfo> remarks = _session->getRemarks();
+    const Ostrel::LockGuard guard(_troublesLock);
+    for (const RemarkInfo& note : _troubles.getNotes())
+        if (std::ranges::none_of(remarks, [&](const RemarkInfo& known) { return known._slot == note._slot; }))
+            remarks.push_back(note);
+    return remarks;
 }
 
 void DdsNode::run()
@@ -122,8 +130,6 @@ double DdsNode::tryOpen()
         setAllDegraded(problem.what());
         return _clock.now() + reopenPeriod;
     }
-    report(osg::LogAlways,
-           "DDS: " + _session->getDomain().describe() + "; interface=NAME or host=ADDRESS chooses another");
     _graceEnd = _clock.now() + _session->getSettings()._domain._lease;
     _lookNeeded = true;
     _nextAddressLook = _clock.now() + addressPeriod;
@@ -179,7 +185,8 @@ void DdsNode::setTroubles(const DdsTroubles& troubles)
         _troubles = troubles;
     }
     if (troubles.empty())
-        setRunning();
+        setRunning("takes part in " + _session->getDomain().describe() +
+                   "; interface=NAME or host=ADDRESS chooses another");
     else
         setDegraded(troubles.summary());
 }

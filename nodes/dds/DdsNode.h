@@ -19,8 +19,8 @@ public:
     /// Each topic may be in trouble alone.
     NodeState getStateOf(const Slot& slot) const override OSTREL_EXCLUDES(_troublesLock);
 
-    /// How old the newest values are, by their source's clock.
-    std::vector<RemarkInfo> getRemarks() const override OSTREL_EXCLUDES(_remarksLock);
+    /// How old the newest values are, by their source's clock, or why there are none.
+    std::vector<RemarkInfo> getRemarks() const override OSTREL_EXCLUDES(_remarksLock, _troublesLock);
 
 private:
     void configure(const Settings& settings) override;

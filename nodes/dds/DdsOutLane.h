@@ -47,6 +47,8 @@ public:
 
     /// Finds out how many there are.
     void lookForReaders() OSTREL_EXCLUDES(_sendLock);
+    /// Somebody subscribed to it at that look.
+    bool isHeard() const { return _isHeard; }
 
     /// Sends the oldest waiting record. False if none waits.
     bool send() OSTREL_EXCLUDES(_sendLock);
@@ -90,6 +92,7 @@ private:
     std::function<void()> _peersChanged;
     bool _isLocal = false;             // the domain is this machine only
     std::atomic<bool> _isQuick{false}; // sending cannot wait
+    bool _isHeard = false;
 
     std::uint64_t _writerID OSTREL_GUARDED_BY(_sendLock) = 0; // the node's
     std::uint64_t _number OSTREL_GUARDED_BY(_sendLock) = 0;

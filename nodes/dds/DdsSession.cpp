@@ -11,6 +11,7 @@ namespace {
 constexpr int roundsAtOnce = 256;    // through all topics, before looking at other things
 constexpr double timingPeriod = 1.0; // seconds
 constexpr double signsALease = 3.0;  // of life, so that two may be lost
+constexpr int mostExplained = 16;    // topics that others' names are compared with at one look
 
 std::uint64_t randomID()
 {
@@ -153,10 +154,13 @@ std::vector<RemarkInfo> DdsSession::getRemarks() const
 {
     std::vector<RemarkInfo> remarks;
     const double now = _clock.wallTime().getSeconds();
-    for (const auto& lane : _inLanes)
+    for (const auto& lane : _inLanes) {
+        const std::string& topic = lane->getTopic()._name;
         if (const auto newest = lane->getNewest())
-            remarks.push_back(
-                {lane->getTopic()._name, describeTiming(*newest, _clocks.look(newest->_writer, now), now)});
+            remarks.push_back({topic, describeTiming(*newest, _clocks.look(newest->_writer, now), now)});
+        else if (lane->isAlive() && lane->getSlot().getActivity()._written == 0)
+            remarks.push_back({topic, "who publishes it is there, but nothing has come yet"});
+    }
     return remarks;
 }
 
@@ -184,7 +188,8 @@ DdsTroubles DdsSession::getTroubles(bool isEarly) const
 {
     DdsTroubles troubles;
     _watch.tell(troubles);
-    const std::string where = " in " + _domain->describe() + "; interface=NAME or host=ADDRESS chooses another";
+    const std::string where = " in " + _domain->describe();
+    int explained = 0;
     for (const auto& lane : _inLanes) {
         const std::string& topic = lane->getTopic()._name;
         if (lane->isSilent())
@@ -192,9 +197,18 @@ DdsTroubles DdsSession::getTroubles(bool isEarly) const
                 topic, "who publishes ",
                 " has given no sign of life for its lease; it may not hear this machine: look at the line and at "
                 "firewalls");
-        else if (!lane->isAlive() && !isEarly)
-            troubles.add(topic, "nobody publishes ", where);
+        else if (!lane->isAlive()) {
+            const std::string why = explained++ < mostExplained ? _watch.explainMissing(topic) : "";
+            if (isEarly)
+                troubles.note(topic, "nobody publishes it so far" + where + why);
+            else
+                troubles.add(topic, "nobody publishes ", where + why);
+        }
     }
+    for (const auto& lane : _outLanes)
+        if (!lane->isHeard() && explained++ < mostExplained)
+            if (const std::string wanting = _watch.findWanting(lane->getTopic()._name); !wanting.empty())
+                troubles.note(lane->getTopic()._name, wanting);
     return troubles;
 }
 

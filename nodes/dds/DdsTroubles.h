@@ -1,5 +1,6 @@
 #pragma once
 
+#include "trovio/Inspection.h"
 #include <map>
 #include <string>
 #include <vector>
@@ -15,6 +16,10 @@ public:
     /// Empty if nothing is wrong with it.
     std::string find(const std::string& topic) const;
 
+    /// What is known of a topic though it is no trouble.
+    void note(const std::string& topic, const std::string& text) { _notes.push_back({topic, text}); }
+    const std::vector<RemarkInfo>& getNotes() const { return _notes; }
+
     /// Of all topics, shortened.
     std::string summary() const;
     bool empty() const { return _ofTopics.empty(); }
@@ -26,6 +31,7 @@ private:
     };
     std::map<std::string, Text> _ofTopics;
     std::map<Text, std::vector<std::string>> _topics; // by what is wrong with them
+    std::vector<RemarkInfo> _notes;
 };
 
 } // namespace Trovio::Nodes
