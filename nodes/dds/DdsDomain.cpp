@@ -2,6 +2,7 @@
 
 #include "nodes/dds/DdsConfig.h"
 #include "nodes/dds/DdsLog.h"
+#include "nodes/dds/DdsRoom.h"
 #include "nodes/dds/LoopbackOnly.h"
 #include "nodes/dds/OwnAddress.h"
 #include <optional>
@@ -46,6 +47,8 @@ std::string cureFor(const DdsDomainSettings& settings)
 
 DdsEntity createDomain(const DdsDomainSettings& settings)
 {
+    if (const std::string shortage = findShortage(); !shortage.empty())
+        throw DdsProblem("cannot open " + settings.describe() + ": " + shortage);
     const std::string config = makeDdsConfig(settings);
     std::optional<LoopbackOnly> confinement;
     if (settings.isLoopback())

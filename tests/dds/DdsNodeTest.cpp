@@ -1,11 +1,15 @@
+#include "nodes/dds/DdsLog.h"
 #include "nodes/dds/LoopbackOnly.h"
 #include "nodes/shared/FileDescriptor.h"
 #include "nodes/shared/SocketAddress.h"
 #include "tests/dds/DdsFixture.h"
 #include "tests/nodes/SampleValues.h"
 #include "trovio/SlotTypes.h"
+#include <csignal>
+#include <dds/ddsrt/log.h>
 #include <list>
 #include <net/if.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 
 namespace Trovio::Nodes {
@@ -246,6 +250,27 @@ INSTANTIATE_TEST_SUITE_P(
                       Elsewhere{"OtherTopic", "publish='Quaternion Float'", "",
                                 "of 1 other node there these are published: Quaternion (Float)"}),
     [](const auto& row) { return std::string(row.param._name); });
+
+TEST_F(DdsNodeTest, WantOfDescriptorsIsSaidAndOvercome)
+{
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    rlimit few = before;
+    few.rlim_cur = static_cast<rlim_t>(FileDescriptor(::dup(0)).get() + 5); // the first that is free, and 4 more
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+    DdsPeer node("publish='A Float'");
+    node.awaitReason("it takes 16 file descriptors and");
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    node.awaitRunning();
+}
+
+TEST(DdsLogDeathTest, LastWordsOfTheLibraryAreHeldBackByNobody)
+{
+    DdsLog::takeOver();
+    const DdsLog::Listening nobody;
+    EXPECT_EXIT(DDS_FATAL("no more threads\n"), ::testing::KilledBySignal(SIGABRT),
+                "DDS: the library ends this program: no more threads");
+}
 
 TEST_F(DdsNodeTest, OtherSettingsForAnOpenDomainWaitUntilItCloses)
 {
