@@ -1,5 +1,6 @@
 #include "host/RunLog.h"
 
+#include "host/RunOutput.h"
 #include "osg/LogMessage.h"
 #include "osg/LogText.h"
 
@@ -21,7 +22,10 @@ std::string valueOf(const char* variable)
 }
 } // namespace
 
-RunLog::RunLog(bool verbose) : _verbose(verbose), _toFile(!valueOf("OSG_LOG_FILE").empty())
+RunLog::RunLog(bool verbose, RunOutput* output)
+    : _verbose(verbose),
+      _output(output),
+      _toFile(output != nullptr ? output->logFile() != nullptr : !valueOf("OSG_LOG_FILE").empty())
 {
     osg::doInitLog();
     std::string ignored; // the log has complained of it already
@@ -39,27 +43,44 @@ RunLog::~RunLog()
     hold(false);
 }
 
-// Returns whether the log shall write the line as well.
+// Returns whether the log shall write the line to its file.
 bool RunLog::hear(const osg::LogRecord& record)
 {
     const bool info = record._level == osg::LogAlways;
     const bool notice = info && !_verbose && record._module == nodeModule;
-    const bool silent = !notice && (_toFile || (info && !_verbose)); // nothing for standard error
     std::string_view text = record._text;
     if (text.ends_with('\n'))
         text.remove_suffix(1);
-    const std::string line = (notice ? "" : _header.text(record)) + osg::escapeControls(text) + "\n";
+    const std::string shown = osg::escapeControls(text) + "\n", line = _header.text(record) + shown;
+    if (_toFile && _output != nullptr)
+        putToFile(line);
 
     const std::lock_guard guard(_lock);
-    if (notice && !_held)
-        std::fputs(line.c_str(), stderr);
-    if (silent || !_held)
-        return true;
-    if (_lines.size() + line.size() <= mostHeld)
-        _lines += line;
+    if (notice)
+        show(shown);
+    else if (!_toFile && (!info || _verbose))
+        show(line);
+    return _toFile && _output == nullptr;
+}
+
+void RunLog::putToFile(const std::string& line)
+{
+    if (_output->logFile()->put(line) || _output->logFile()->state() == QueuedOutput::State::Open)
+        return;
+    _toFile = false; // so this line is shown, like all that follow
+    const std::lock_guard guard(_lock);
+    show(_output->logFileFailure());
+}
+
+void RunLog::show(const std::string& lines)
+{
+    if (!_held)
+        _output != nullptr ? static_cast<void>(_output->messages().put(lines))
+                           : static_cast<void>(std::fputs(lines.c_str(), stderr));
+    else if (_lines.size() + lines.size() <= mostHeld)
+        _lines += lines;
     else
         ++_left;
-    return _toFile || notice;
 }
 
 void RunLog::hold(bool held)
@@ -67,7 +88,7 @@ void RunLog::hold(bool held)
     const std::lock_guard guard(_lock);
     _held = held;
     if (!held)
-        std::fputs(takeLocked().c_str(), stderr);
+        show(takeLocked());
 }
 
 std::string RunLog::take()

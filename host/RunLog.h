@@ -7,13 +7,17 @@
 
 namespace Host {
 
+class RunOutput;
+
 /// What a person at the terminal sees of the log during a run. Informational lines of nodes, such as where they listen,
 /// are shown without their header; those of the library only where the run is verbose. While a table is drawn, lines
-/// are held back until it asks for them. A log file gets everything as ever.
-/// Threads: lines come from any thread; the rest is the scene thread's. One object at a time.
+/// are held back until it asks for them. A log file gets everything as ever. The log's lock is held meanwhile, so
+/// during a run nothing is written here: lines only go to the queues of the run's output. Threads: lines come from any
+/// thread; the rest is the scene thread's. One object at a time.
 class RunLog {
 public:
-    explicit RunLog(bool verbose);
+    /// Without `output` the lines go straight to standard error and to the file: for what waits for its reader.
+    explicit RunLog(bool verbose, RunOutput* output = nullptr);
     ~RunLog();
     RunLog(const RunLog&) = delete;
     RunLog& operator=(const RunLog&) = delete;
@@ -27,9 +31,12 @@ public:
 private:
     bool hear(const osg::LogRecord& record);
     std::string takeLocked();
+    void putToFile(const std::string& line);
+    void show(const std::string& lines);
 
     const bool _verbose;
-    const bool _toFile; // then the log itself writes nothing to standard error
+    RunOutput* const _output;
+    bool _toFile; // then lines with a header are not shown; under the log's lock
     osg::LogHeader _header;
     osg::Log::Hook _previous;
     std::mutex _lock; // leaf, taken under the log's lock

@@ -8,6 +8,7 @@
 #include "host/Report.h"
 #include "host/RunCounts.h"
 #include "host/RunLog.h"
+#include "host/RunOutput.h"
 #include "host/SceneReader.h"
 #include "host/SystemClock.h"
 #include "host/View.h"
@@ -16,7 +17,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <iostream>
 #include <unistd.h>
 
 namespace Host {
@@ -36,23 +36,18 @@ double rateOf(const std::vector<SceneFile>& files, const Options& options)
     return options._rate.value_or(rate);
 }
 
-std::unique_ptr<View> makeView(const Options& options, const Session& session, RunLog& log, double start)
+std::unique_ptr<View> makeView(const Options& options, const Session& session, RunLog& log, RunOutput& output,
+                               double start)
 {
     const bool onTerminal = isatty(STDOUT_FILENO);
     if (options._quiet)
         return std::make_unique<View>();
     if (options._format == Format::Json)
-        return makeJsonView(std::cout);
+        return makeJsonView(output.values());
     if (options._format == Format::Table || (options._format == Format::Automatic && onTerminal))
-        return makeTableView(std::cout, onTerminal, onTerminal && isatty(STDERR_FILENO) ? &log : nullptr,
-                             session.watches());
-    return makeLinesView(std::cout, start);
-}
-
-// The stream alone does not tell: the C library keeps a line that it could not write for later.
-bool canWrite()
-{
-    return std::cout.good() && !std::ferror(stdout);
+        return makeTableView(output.values(), onTerminal, onTerminal && isatty(STDERR_FILENO) ? &log : nullptr,
+                             session.watches(), [&output] { return output.isTaken(); });
+    return makeLinesView(output.values(), start);
 }
 
 void tellOfStep(double step, const Session& session, View& view)
@@ -63,7 +58,7 @@ void tellOfStep(double step, const Session& session, View& view)
 }
 
 // Runs frames until the end of the run, which also comes when nobody can read the values any more.
-void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view)
+void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view, const RunOutput& output)
 {
     WallSteps steps;
     for (SensorWatch* watch : session.watches())
@@ -74,27 +69,26 @@ void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view)
         session.frame(now);
         view.frame(now);
         osg::logHeldBack();
-        return canWrite();
+        return output.canWrite();
     });
     for (SensorWatch* watch : session.watches())
         watch->setListener(nullptr);
-    std::cout.flush();
 }
 
-int runScenes(std::vector<SceneFile> files, const Options& options)
+int runScenes(std::vector<SceneFile> files, const Options& options, const StopSignal& stop, RunOutput& output)
 {
-    RunLog log(options._verbose);
-    const StopSignal stop;
+    const Say sayInRun = [&output](const std::string& line) { output.say(line); };
+    RunLog log(options._verbose, &output);
     SystemClock clock(stop);
     FrameLoop loop(clock, rateOf(files, options), {options._seconds, options._frames});
     Session session;
-    session.build(std::move(files), say);
-    reportStart(session, say);
-    runFrames(session, loop, clock, *makeView(options, session, log, clock.now()));
+    session.build(std::move(files), sayInRun);
+    reportStart(session, sayInRun);
+    runFrames(session, loop, clock, *makeView(options, session, log, output, clock.now()), output);
     const RunTotals totals{session.stopNodes(), clock.now(), loop.frames(), loop.skipped()};
-    reportEnd(session, totals, say);
-    if (options._format == Format::Json && canWrite())
-        std::cout << countsLine(session, totals) << std::flush;
+    reportEnd(session, totals, sayInRun);
+    if (options._format == Format::Json)
+        output.putLast(countsLine(session, totals));
     return Done;
 }
 } // namespace
@@ -116,14 +110,19 @@ std::optional<std::vector<SceneFile>> readScenes(const Options& options)
 
 int runVerb(const Options& options)
 {
-    // Whole lines, also for whoever reads along through a pipe.
-    std::setvbuf(stdout, nullptr, _IOLBF, 1u << 16);
     auto files = readScenes(options);
     if (!files)
         return BadUsage;
     int code = Failed;
-    if (const auto failure = failureOf([&] { code = runScenes(std::move(*files), options); }))
-        say("the run failed: " + escaped(*failure));
+    const auto failure = failureOf([&] {
+        RunOutput output(options._format == Format::Json);
+        const StopSignal stop;
+        if (const auto inRun = failureOf([&] { code = runScenes(std::move(*files), options, stop, output); }))
+            output.say("the run failed: " + escaped(*inRun));
+        code = output.finish(code);
+    });
+    if (failure)
+        say("the run cannot start: " + escaped(*failure));
     return code;
 }
 } // namespace Host

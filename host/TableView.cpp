@@ -29,8 +29,14 @@ Size terminalSize()
 
 class TableView final : public View {
 public:
-    TableView(std::ostream& out, bool onTerminal, RunLog* log, std::vector<SensorWatch*> watches)
-        : _out(out), _onTerminal(onTerminal), _log(log), _watches(std::move(watches)), _counted(_watches.size())
+    TableView(std::ostream& out, bool onTerminal, RunLog* log, std::vector<SensorWatch*> watches,
+              std::function<bool()> isTaken)
+        : _out(out),
+          _isTaken(std::move(isTaken)),
+          _onTerminal(onTerminal),
+          _log(log),
+          _watches(std::move(watches)),
+          _counted(_watches.size())
     {
         if (_log != nullptr)
             _log->hold(true);
@@ -46,6 +52,8 @@ public:
     void frame(double now) override
     {
         if (now >= _lastDraw && now - _lastDraw < (_onTerminal ? drawInterval : writeInterval))
+            return;
+        if (!_isTaken())
             return;
         _lastDraw = now;
         countRates(now);
@@ -69,6 +77,7 @@ private:
     TableRow row(std::size_t i, double now) const;
 
     std::ostream& _out;
+    const std::function<bool()> _isTaken;
     const bool _onTerminal;
     RunLog* const _log; // null where the log is not shown on this terminal
     const std::vector<SensorWatch*> _watches;
@@ -115,8 +124,9 @@ void TableView::draw(double now)
 }
 } // namespace
 
-std::unique_ptr<View> makeTableView(std::ostream& out, bool onTerminal, RunLog* log, std::vector<SensorWatch*> watches)
+std::unique_ptr<View> makeTableView(std::ostream& out, bool onTerminal, RunLog* log, std::vector<SensorWatch*> watches,
+                                    std::function<bool()> isTaken)
 {
-    return std::make_unique<TableView>(out, onTerminal, log, std::move(watches));
+    return std::make_unique<TableView>(out, onTerminal, log, std::move(watches), std::move(isTaken));
 }
 } // namespace Host

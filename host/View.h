@@ -3,6 +3,7 @@
 #include "host/CommandLine.h"
 #include "host/SensorWatch.h"
 
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <vector>
@@ -31,6 +32,8 @@ std::unique_ptr<View> makeLinesView(std::ostream& out, double start);
 std::unique_ptr<View> makeJsonView(std::ostream& out);
 
 /// A table of all sensors. On a terminal it is redrawn in place four times a second, and shows above itself what `log`
-/// holds back meanwhile; null where messages go elsewhere. Not on a terminal it is written again once a second.
-std::unique_ptr<View> makeTableView(std::ostream& out, bool onTerminal, RunLog* log, std::vector<SensorWatch*> watches);
+/// holds back meanwhile; null where messages go elsewhere. Not on a terminal it is written again once a second. While
+/// `isTaken` says that the last one has not been read yet, none is drawn: the next one that is tells the same and more.
+std::unique_ptr<View> makeTableView(std::ostream& out, bool onTerminal, RunLog* log, std::vector<SensorWatch*> watches,
+                                    std::function<bool()> isTaken);
 } // namespace Host

@@ -80,8 +80,9 @@ bool HostProcess::waitFor(const std::string& text, int patience)
 
 bool HostProcess::readMore(int patience)
 {
-    std::array<pollfd, 2> waiting{pollfd{_out._end, POLLIN, 0}, pollfd{_err._end, POLLIN, 0}};
-    if ((_out._end < 0 && _err._end < 0) || poll(waiting.data(), waiting.size(), patience) <= 0)
+    const int out = _paused ? -1 : _out._end;
+    std::array<pollfd, 2> waiting{pollfd{out, POLLIN, 0}, pollfd{_err._end, POLLIN, 0}};
+    if ((out < 0 && _err._end < 0) || poll(waiting.data(), waiting.size(), patience) <= 0)
         return false;
     for (std::size_t i = 0; i < waiting.size(); ++i) {
         Stream& stream = i == 0 ? _out : _err;

@@ -22,6 +22,8 @@ public:
     void signal(int number) const;
     /// Closes this end of the child's standard output.
     void stopReading();
+    /// Leaves the child's standard output unread, or reads it again.
+    void pauseReading(bool paused) { _paused = paused; }
     /// Reads to the end and returns the exit code, or 1000 + the number of the signal that ended it.
     int wait();
 
@@ -37,4 +39,5 @@ private:
 
     pid_t _child = -1;
     Stream _out, _err;
+    bool _paused = false;
 };

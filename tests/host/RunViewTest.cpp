@@ -60,11 +60,12 @@ protected:
     Ostrel::DirectSensor _sensor{std::make_unique<Ostrel::SFFloat>()};
     SensorWatch _watch{_sensor, ""};
     std::ostringstream _out;
+    bool _taken = true; // what was drawn last
 };
 
 TEST_F(TableViewTest, CountsValuesPerSecond)
 {
-    const auto view = makeTableView(_out, false, nullptr, {&_watch});
+    const auto view = makeTableView(_out, false, nullptr, {&_watch}, [] { return true; });
     view->frame(100);
     EXPECT_NE(shown().find("  0.0         -\n"), std::string::npos);
     for (int i = 0; i < 30; ++i)
@@ -78,13 +79,17 @@ TEST_F(TableViewTest, CountsValuesPerSecond)
 TEST_F(TableViewTest, IsDrawnInPlaceBelowTheMessages)
 {
     RunLog runLog(false);
-    const auto view = makeTableView(_out, true, &runLog, {&_watch});
+    const auto view = makeTableView(_out, true, &runLog, {&_watch}, [this] { return _taken; });
     view->frame(100);
     EXPECT_TRUE(shown().starts_with("sensor "));
     view->frame(100.1);
     EXPECT_EQ(shown(), "");
     log(osg::LogWarning, "Ostrel", "odd");
+    _taken = false;
     view->frame(100.3);
+    EXPECT_EQ(shown(), "") << "nobody has seen the last one yet";
+    _taken = true;
+    view->frame(100.4);
     EXPECT_TRUE(shown().starts_with("\x1b[2A\r\x1b[JWARNING Ostrel unit:7: odd\nsensor "));
 }
 } // namespace
