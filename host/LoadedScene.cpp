@@ -64,9 +64,6 @@ LoadedHandler LoadedScene::madeHandler(const HandlerEntry& entry, const Say& say
     const auto failure = failureOf([&] {
         handler = manager.addHandler(entry._kind._value, entry._name._value, sceneURL(entry._url._value, _file._path));
     });
-    if (failure) // a sensor that could not be bound leaves the handler with its manager
-        if (auto* const left = manager.findHandler(entry._name._value))
-            manager.delHandler(left);
     if (handler == nullptr)
         say(place(_file, entry._name) + "handler " + inQuotes(entry._name._value) + " of kind " +
             inQuotes(entry._kind._value) + " could not be made" + (failure ? ": " + escaped(*failure) : ""));

@@ -2,6 +2,7 @@
 
 #include "ostrel/DirectSensor.h"
 #include "ostrel/DirectSensorProc.h"
+#include <memory>
 
 namespace Ostrel {
 
@@ -26,15 +27,17 @@ void SensorHandler::regDISensor(DirectSensor* sensor)
     if (!sensor || _observers.contains(sensor))
         return;
     DirectSensorProc* const proc = sensor->getDirectSensorProc();
-    UpdateObserver* const observer =
-        sensor->isOutput() ? createOutputUpdateObserver(sensor) : createUpdateObserver(sensor);
+    std::unique_ptr<UpdateObserver> observer(sensor->isOutput() ? createOutputUpdateObserver(sensor)
+                                                                : createUpdateObserver(sensor));
     if (!observer)
         return;
     observer->_link = nullptr;
     observer->_sensor = sensor;
     observer->_field = proc->getField();
     proc->getUpdateSubject().attach(*observer);
-    _observers.emplace(sensor, observer); // no hint from before: what makes observers may unregister others
+    // No hint from before: what makes observers may unregister others.
+    if (_observers.emplace(sensor, observer.get()).second)
+        observer.release();
 }
 
 void SensorHandler::unregDISensor(DirectSensor* sensor)

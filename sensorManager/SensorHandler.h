@@ -27,13 +27,14 @@ public:
     ~SensorHandler() override;
 
     /// Offers a sensor. One that is served already, or that the kind declines, changes nothing; a declined sensor is
-    /// asked about again at its next offer.
+    /// asked about again at its next offer. Where the kind throws, nothing has happened, and the exception passes on.
     virtual void regDISensor(DirectSensor* sensor);
     /// A sensor that is not served is no error.
     virtual void unregDISensor(DirectSensor* sensor);
 
     /// A new, unbound observer for a sensor that takes values, or null to decline it. A sensor without a proc has to
-    /// be declined: the base reads the proc's field right afterwards.
+    /// be declined, and so has one that the factory itself unregistered: the base reads the proc's field right
+    /// afterwards.
     virtual UpdateObserver* createUpdateObserver(DirectSensor* sensor);
     /// The same for a sensor that gives values.
     virtual UpdateObserver* createOutputUpdateObserver(DirectSensor* sensor);

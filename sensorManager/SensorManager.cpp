@@ -8,6 +8,8 @@
 #include "sensorManager/SensorHandler.h"
 #include "sensorManager/SensorHandlerType.h"
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 namespace Ostrel {
 
@@ -20,6 +22,15 @@ std::string nameOf(const DirectSensor& sensor)
     return sensor.getName().empty() ? sensor.getIDStr() : sensor.getName();
 }
 
+/// The element behind that one, be it still there or not, so that a walk from null on stands whoever comes and goes
+/// meanwhile. Null at the end, and never an element that is null.
+template <class T>
+T* nextAfter(const std::set<T*>& elements, T* last)
+{
+    const auto next = elements.upper_bound(last);
+    return next == elements.end() ? nullptr : *next;
+}
+
 } // namespace
 
 // In this order at load, the reverse at unload: the observers need nothing of the map until a sensor comes.
@@ -30,8 +41,17 @@ std::map<const Context*, SensorManager*> SensorManager::_managerMap;
 
 SensorManager::SensorManager(Context& context)
 {
-    _managerMap[&context] = this;
-    context.setAttachment(_contextAttachmentID, this);
+    const auto [entry, isNew] = _managerMap.try_emplace(&context);
+    SensorManager* const before = std::exchange(entry->second, this);
+    try {
+        context.setAttachment(_contextAttachmentID, this);
+    } catch (...) {
+        if (isNew)
+            _managerMap.erase(entry);
+        else
+            entry->second = before;
+        throw;
+    }
 }
 
 SensorManager::SensorManager(SensorManager&) : RefCountObject() {}
@@ -59,9 +79,9 @@ void SensorManager::registerSensor(DirectSensor& sensor)
                    nameOf(sensor).c_str());
         return;
     }
-    for (SensorHandler* handler : _handlers)
-        if (handler)
-            handler->regDISensor(&sensor);
+    SensorHandler* handler = nullptr;
+    while (_sensors.contains(&sensor) && (handler = nextAfter(_handlers, handler)))
+        handler->regDISensor(&sensor);
 }
 
 void SensorManager::unregisterSensor(DirectSensor& sensor)
@@ -71,9 +91,9 @@ void SensorManager::unregisterSensor(DirectSensor& sensor)
                    nameOf(sensor).c_str());
         return;
     }
-    for (SensorHandler* handler : _handlers)
-        if (handler)
-            handler->unregDISensor(&sensor);
+    SensorHandler* handler = nullptr;
+    while (!_sensors.contains(&sensor) && (handler = nextAfter(_handlers, handler)))
+        handler->unregDISensor(&sensor);
 }
 
 SensorHandler* SensorManager::addHandler(const std::string& typeName, const std::string& name, const Merid::URL& url)
@@ -87,18 +107,31 @@ SensorHandler* SensorManager::addHandler(const std::string& typeName, const std:
         OSTREL_LOG(LogLevel::Warning, logFile, "Unknown SensorHandlerType: %s\n", typeName.c_str());
         return nullptr;
     }
-    SensorHandler* const handler = type->createHandler(name, url);
-    if (!handler) {
+    std::unique_ptr<SensorHandler> made(type->createHandler(name, url));
+    if (!made) {
         OSTREL_LOG(LogLevel::Warning, logFile, "Can not create new SensorHandler of type %s\n", typeName.c_str());
         return nullptr;
     }
-    _handlers.insert(handler);
-    for (DirectSensor* sensor : _sensors)
-        handler->regDISensor(sensor);
-    return handler;
+    _handlers.insert(made.get());
+    SensorHandler* const handler = made.release();
+    offerAll(*handler);
+    return _handlers.contains(handler) ? handler : nullptr;
 }
 
-SensorHandler* SensorManager::findHandler(const std::string& name) const
+void SensorManager::offerAll(SensorHandler& handler)
+{
+    try {
+        DirectSensor* sensor = nullptr;
+        while (_handlers.contains(&handler) && (sensor = nextAfter(_sensors, sensor)))
+            handler.regDISensor(sensor);
+    } catch (...) {
+        if (_handlers.erase(&handler) != 0)
+            delete &handler;
+        throw;
+    }
+}
+
+SensorHandler* SensorManager::findHandler(const std::string& name)
 {
     const auto found = std::find_if(_handlers.begin(), _handlers.end(), [&name](const SensorHandler* handler) {
         return handler && handler->getName() == name;

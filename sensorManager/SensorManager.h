@@ -34,20 +34,26 @@ public:
     /// The manager of that context, made at the first request. Never null; the context owns it.
     static SensorManager* requestManager(Context& context);
 
-    /// Offers the sensor to every handler; a second registration is logged and changes nothing.
+    /// Offers the sensor to every handler; a second registration is logged and changes nothing. An exception of a
+    /// handler passes on; the sensor is registered then all the same, until it is unregistered.
     void registerSensor(DirectSensor& sensor);
     void unregisterSensor(DirectSensor& sensor);
 
     /// Makes a handler of a kind and offers it every sensor. Null, and a logged reason, if the name is taken, the kind
     /// is unknown or the kind cannot make one. The manager owns the handler.
+    /// Also null, without a message, where somebody deleted it while it was offered the sensors. When it throws at a
+    /// sensor, it is deleted again and the exception passes on.
     SensorHandler* addHandler(const std::string& typeName, const std::string& name, const Merid::URL& url);
     /// Null if there is none of this name.
-    SensorHandler* findHandler(const std::string& name) const;
+    SensorHandler* findHandler(const std::string& name);
     /// False, and a logged reason but for null, if there is no such handler.
     bool delHandler(const std::string& name);
     bool delHandler(SensorHandler* handler);
 
 private:
+    void offerAll(SensorHandler& handler);
+
+    // Handlers are code of others: sensors and handlers may come and go in each call of one.
     std::set<DirectSensor*> _sensors;
     std::set<SensorHandler*> _handlers;
 

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "SceneFixture.h"
+#include <functional>
 #include <vector>
 
 /// A handler kind that notes what it is asked, serves sensors whose label does not start with "no", and can be told to
-/// fail in its factory.
+/// fail in its factory, or to do something while it is offered a sensor.
 class ProbeHandler : public SensorHandler {
 public:
     class Observer : public SensorHandler::UpdateObserver {
@@ -31,7 +32,8 @@ public:
     SensorHandler::UpdateObserver* createUpdateObserver(DirectSensor* sensor) override
     {
         _events.push_back("in " + sensor->getLabel());
-        return sensor->getLabel().starts_with("no") ? nullptr : new Observer(_events);
+        const bool declined = sensor->getLabel().starts_with("no") || (_whileOffered && !_whileOffered(*this, *sensor));
+        return declined ? nullptr : new Observer(_events);
     }
     SensorHandler::UpdateObserver* createOutputUpdateObserver(DirectSensor* sensor) override
     {
@@ -49,6 +51,7 @@ public:
         return name == "refused" ? nullptr : new ProbeHandler(name);
     }
 
+    static inline std::function<bool(SensorHandler&, DirectSensor&)> _whileOffered; // says whether it is served
     static inline std::vector<std::string> _events;
     static std::vector<std::string> takeEvents() { return std::exchange(_events, {}); }
 

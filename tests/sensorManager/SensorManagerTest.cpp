@@ -1,7 +1,9 @@
 #include "ProbeHandler.h"
 
 #include "ostrel/DirectSensorProc.h"
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <stdexcept>
 
 namespace {
 
@@ -9,7 +11,25 @@ using Texts = std::vector<std::string>;
 
 class Manager : public ::testing::Test {
 protected:
-    ~Manager() override { ProbeHandler::takeEvents(); }
+    ~Manager() override
+    {
+        ProbeHandler::_whileOffered = nullptr;
+        ProbeHandler::takeEvents();
+    }
+
+    /// In the order in which they are offered.
+    std::vector<std::unique_ptr<DirectSensor>> makeSensors(std::size_t count)
+    {
+        std::vector<std::unique_ptr<DirectSensor>> sensors(count);
+        for (auto& sensor : sensors)
+            sensor = makeSensor("SFFloat", "s");
+        std::sort(sensors.begin(), sensors.end());
+        for (std::size_t i = 0; i < count; ++i) {
+            sensors[i]->setLabel("s" + std::to_string(i));
+            sensors[i]->setContext(&_context);
+        }
+        return sensors;
+    }
 
     LogCapture _log{2}; // what a host shows by default, so that every line is one that a user sees
     Context _context;
@@ -73,6 +93,59 @@ TEST_F(Manager, RefusalsChangeNothingAndSayWhatWasWrong)
     EXPECT_NE(_log.entries()[0]._function.find("Ostrel::SensorManager::addHandler("), std::string::npos);
     EXPECT_TRUE(_manager.delHandler(taken));
     EXPECT_TRUE(SensorManager::requestManager(otherContext)->delHandler(foreign));
+}
+
+TEST_F(Manager, SensorsMayLeaveWhileANewHandlerIsOfferedThem)
+{
+    auto sensors = makeSensors(4);
+    ProbeHandler::_whileOffered = [&sensors](SensorHandler&, DirectSensor& sensor) {
+        if (&sensor != sensors[1].get())
+            return true;
+        for (const std::size_t leaving : {0U, 1U, 2U})
+            sensors[leaving]->setContext(nullptr);
+        return false;
+    };
+    SensorHandler* const handler = _manager.addHandler("Probe", "h", someURL());
+    EXPECT_EQ(ProbeHandler::takeEvents(), (Texts{"in s0", "in s1", "deleted", "in s3"}));
+    _manager.delHandler(handler);
+    EXPECT_EQ(_log.texts(), Texts{});
+}
+
+TEST_F(Manager, HandlersMayGoWhileTheyAreOfferedSensors)
+{
+    auto sensors = makeSensors(2);
+    const auto deleteIt = [this](SensorHandler& handler, DirectSensor&) {
+        EXPECT_TRUE(_manager.delHandler(&handler));
+        return false;
+    };
+    ProbeHandler::_whileOffered = deleteIt;
+    EXPECT_EQ(_manager.addHandler("Probe", "h", someURL()), nullptr);
+
+    ProbeHandler::_whileOffered = nullptr;
+    for (const char* name : {"a", "b", "c"})
+        _manager.addHandler("Probe", name, someURL());
+    ProbeHandler::takeEvents();
+    ProbeHandler::_whileOffered = [&](SensorHandler& handler, DirectSensor& sensor) {
+        if (_manager.findHandler("a") && _manager.findHandler("b") && _manager.findHandler("c"))
+            return deleteIt(handler, sensor);
+        sensor.setContext(nullptr);
+        return false;
+    };
+    makeSensor("SFFloat", "last")->setContext(&_context);
+    EXPECT_EQ(ProbeHandler::takeEvents(), (Texts{"in last", "deleted", "deleted", "in last"})) << "not the third";
+    for (const char* name : {"a", "b", "c"})
+        _manager.delHandler(name);
+}
+
+TEST_F(Manager, HandlerThatThrowsAtASensorIsTakenBack)
+{
+    const auto sensors = makeSensors(2);
+    ProbeHandler::_whileOffered = [&sensors](SensorHandler&, DirectSensor& sensor) {
+        return &sensor == sensors[0].get() ? true : throw std::runtime_error("no");
+    };
+    EXPECT_THROW(_manager.addHandler("Probe", "h", someURL()), std::runtime_error);
+    EXPECT_EQ(_manager.findHandler("h"), nullptr);
+    EXPECT_EQ(ProbeHandler::takeEvents(), (Texts{"in s0", "in s1", "deleted"}));
 }
 
 TEST_F(Manager, SecondRegistrationIsLoggedAndOfferedOnce)
