@@ -1,6 +1,7 @@
 #include "osg/Log.h"
 
 #include "osg/LogText.h"
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
@@ -177,7 +178,7 @@ void Log::startLog(const LogRecord& header)
     _current = header;
 }
 
-void Log::doLog(const char* format, ...)
+void Log::doLog(const char* format, ...) noexcept
 {
     std::va_list arguments;
     va_start(arguments, format);
@@ -185,15 +186,32 @@ void Log::doLog(const char* format, ...)
     va_end(arguments);
 }
 
-void Log::doLogV(const char* format, std::va_list arguments)
+void Log::doLogV(const char* format, std::va_list arguments) noexcept
 {
     LogRecord record = std::exchange(_current, LogRecord{});
     if (!isSeen(record._level))
         return;
-    const std::string text = formatted(format, arguments);
-    record._text = text;
-    // A line end that came in with an argument does not end the line, it is escaped.
-    emit(record, endsLine(format) ? withoutLineEnd(text) : text);
+    std::va_list again;
+    va_copy(again, arguments);
+    try {
+        const std::string text = formatted(format, arguments);
+        record._text = text;
+        // A line end that came in with an argument does not end the line, it is escaped.
+        emit(record, endsLine(format) ? withoutLineEnd(text) : text);
+    } catch (...) {
+        writeShort(format, again);
+    }
+    va_end(again);
+}
+
+void Log::writeShort(const char* format, std::va_list arguments) noexcept
+{
+    char line[256];
+    std::vsnprintf(line, sizeof line, format, arguments);
+    std::replace_if(
+        line, line + std::strlen(line), [](unsigned char character) { return character < ' ' || character == 0x7f; },
+        ' ');
+    std::fprintf(_file ? _file.get() : stderr, "%s(no memory for more of this message)\n", line);
 }
 
 void Log::writeStreamLine(int level, std::string_view line)

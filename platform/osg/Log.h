@@ -61,9 +61,10 @@ public:
     /// Sets the header of the next message. The texts must stay until doLog() has run.
     void startLog(const LogRecord& header) OSTREL_REQUIRES(_pLogLock);
     /// Writes one line of any length under the header that was set. The final line end belongs to the format; control
-    /// characters in the rest are escaped on the way out, but not for the hook.
-    void doLog(const char* format, ...) __attribute__((format(printf, 2, 3))) OSTREL_REQUIRES(_pLogLock);
-    void doLogV(const char* format, std::va_list arguments) __attribute__((format(printf, 2, 0)))
+    /// characters in the rest are escaped on the way out, but not for the hook. Where memory is out, or the hook
+    /// throws after all, the line comes without its header, cut to what fits on the stack.
+    void doLog(const char* format, ...) noexcept __attribute__((format(printf, 2, 3))) OSTREL_REQUIRES(_pLogLock);
+    void doLogV(const char* format, std::va_list arguments) noexcept __attribute__((format(printf, 2, 0)))
     OSTREL_REQUIRES(_pLogLock);
 
     /// A stream for lines without header. Level 0 is always written, others as the level of the log admits.
@@ -85,6 +86,8 @@ private:
     bool isSeen(int level) const OSTREL_REQUIRES(_pLogLock);
     void emit(const LogRecord& record, std::string_view line) OSTREL_REQUIRES(_pLogLock);
     void write(const LogRecord& record, const std::string& line) OSTREL_REQUIRES(_pLogLock);
+    void writeShort(const char* format, std::va_list arguments) noexcept __attribute__((format(printf, 2, 0)))
+    OSTREL_REQUIRES(_pLogLock);
 
     std::atomic<int> _level{LogWarning};
     LogLimit _limit;

@@ -6,6 +6,7 @@
 #include <cinttypes>
 #include <cstdarg>
 #include <limits>
+#include <new>
 
 namespace osg {
 
@@ -34,6 +35,17 @@ void write(int level, const LogPlace& place, const char* format, std::va_list ar
     Log::_pLogLock->release();
 }
 
+/// Whether the source may write now. A limit that has no memory to count lets all through.
+bool isInTime(int level, const LogPlace& place) noexcept
+{
+    try {
+        logHeldBack();
+        return level <= LogFatal || osgLogP->limit().admit(level, place, logClock.load()());
+    } catch (const std::bad_alloc&) {
+        return true;
+    }
+}
+
 } // namespace
 
 void logMessage(int level, const LogPlace& place, const char* format, ...)
@@ -48,10 +60,7 @@ void logMessage(int level, const LogPlace& place, const char* format, ...)
 
 void logLimited(int level, const LogPlace& place, const char* format, ...)
 {
-    if (!isAdmitted(level))
-        return;
-    logHeldBack();
-    if (level > LogFatal && !osgLogP->limit().admit(level, place, logClock.load()()))
+    if (!isAdmitted(level) || !isInTime(level, place))
         return;
     std::va_list arguments;
     va_start(arguments, format);
