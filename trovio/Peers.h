@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 #include <vector>
 
@@ -14,6 +15,14 @@ template <class PeerSlot>
 auto findPeer(Peers<PeerSlot>& peers, const PeerSlot& peer)
 {
     return std::find_if(peers.begin(), peers.end(), [&peer](const auto& pair) { return pair.first == &peer; });
+}
+
+/// Makes room for one more.
+template <class PeerSlot>
+void reservePeer(Peers<PeerSlot>& peers)
+{
+    if (peers.size() == peers.capacity())
+        peers.reserve(std::max<std::size_t>(1, 2 * peers.size()));
 }
 
 /// True if the peer is new in the list.

@@ -15,6 +15,9 @@ public:
     static void connect(OutSlot<T>& outSlot, InSlot<T>& inSlot)
     {
         const Hooks::WiringGuard guard;
+        // The memory for both sides first, so that they never disagree.
+        reserve(inSlot, inSlot._outSlots);
+        reserve(outSlot, outSlot._inSlots);
         attachOutSlot(inSlot, outSlot);
         attachInSlot(outSlot, inSlot);
     }
@@ -27,6 +30,19 @@ public:
     }
 
 private:
+    template <class SlotT, class PeerSlot>
+    static void reserve(SlotT& slot, Peers<PeerSlot>& peers) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+    {
+        slot.lock();
+        try {
+            reservePeer(peers);
+        } catch (...) {
+            slot.unlock();
+            throw;
+        }
+        slot.unlock();
+    }
+
     static void attachOutSlot(InSlot<T>& inSlot, OutSlot<T>& outSlot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
     {
         inSlot.listenersLock();
