@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 namespace Trovio {
 
 /// What a thing carries to stand in one chain of a kind.
@@ -33,6 +35,14 @@ public:
     Iterator end() const { return Iterator(nullptr); }
     bool empty() const { return !_first; }
     T& front() const { return *_first; }
+    /// Counts them.
+    std::size_t size() const
+    {
+        std::size_t count = 0;
+        for (T* thing = _first; thing; thing = links(*thing)._after)
+            ++count;
+        return count;
+    }
 
     void append(T& thing)
     {

@@ -107,7 +107,7 @@ std::string FlowQuery::clocks(double stamp) const
 NodeState FlowQuery::stateOf(const Entry& home)
 {
     const Node* const node = home._scope->_node;
-    return node ? node->getStateOf(*home._ends._slot) : NodeState();
+    return node ? node->askState(*home._ends._slot) : NodeState();
 }
 
 /// What the node knows of the slot beyond counts, to be put behind a text: a clock that is wrong makes new values old.
@@ -115,7 +115,7 @@ std::string FlowQuery::remarksOn(const Entry& home)
 {
     std::string text;
     if (const Node* const node = home._scope->_node)
-        for (const RemarkInfo& remark : node->getRemarks())
+        for (const RemarkInfo& remark : node->askRemarks())
             if (remark._slot == home._label)
                 text += "; " + remark._text;
     return text;

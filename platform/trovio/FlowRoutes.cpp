@@ -1,4 +1,5 @@
 #include "trovio/FlowQuery.h"
+#include <algorithm>
 
 // Which routes there are between two slots, and what is wrong with them.
 namespace Trovio {

@@ -1,4 +1,5 @@
 #include "trovio/FlowSearch.h"
+#include <algorithm>
 
 namespace Trovio {
 

@@ -22,6 +22,8 @@ class Scope;
 /// Routes:    are standing rules. They connect an out-slot with an in-slot as soon as both are seen, and disconnect
 ///            them when one goes.
 /// Ownership: owns its children and only refers to its slots: remove a slot before deleting it.
+/// Memory:    each operation either happens or, when it throws for want of memory, has not happened; taking out and
+///            removing need none.
 /// Threads:   any thread; one lock guards the whole tree and is never held while a node starts, stops or is
 ///            configured. Whoever removes a namespace sees to it that nobody else still uses its address.
 class Namespace {
@@ -107,15 +109,17 @@ private:
 
     /// Unlike the public operations these expect the tree lock to be held.
     std::string freeLabel(const std::string& wanted) OSTREL_REQUIRES(_treeLock);
-    Children::iterator link(const std::string& wanted, std::unique_ptr<Namespace> child) OSTREL_REQUIRES(_treeLock);
-    std::unique_ptr<Namespace> unlink(Children::iterator position) OSTREL_REQUIRES(_treeLock);
+    Children::iterator link(const std::string& label, std::unique_ptr<Namespace>& child) OSTREL_REQUIRES(_treeLock);
+    void makeRoomToStop(Namespace& child) OSTREL_REQUIRES(_treeLock);
+    std::unique_ptr<Namespace> unlink(Children::iterator position) noexcept OSTREL_REQUIRES(_treeLock);
     bool standsUnderRoot() const OSTREL_REQUIRES(_treeLock); // and is not leaving
     bool isInMotion() const OSTREL_REQUIRES(_treeLock);      // it or one above it is joining or leaving
-    void setConnecting(bool connecting) OSTREL_REQUIRES(_treeLock);
+    void startConnecting() OSTREL_REQUIRES(_treeLock);
+    void stopConnecting() noexcept OSTREL_REQUIRES(_treeLock);
     void collectNodes(std::vector<Node*>& nodes) OSTREL_REQUIRES(_treeLock);
-    std::unique_ptr<Namespace> takeOut(Children::iterator position) OSTREL_EXCLUDES(_treeLock);
+    std::unique_ptr<Namespace> takeOut(Children::iterator position) noexcept OSTREL_EXCLUDES(_treeLock);
     static void startAll(const std::vector<Node*>& nodes) OSTREL_EXCLUDES(_treeLock);
-    static void stopAll(const std::vector<Node*>& nodes) OSTREL_EXCLUDES(_treeLock);
+    static void stopAll(const std::vector<Node*>& nodes) noexcept OSTREL_EXCLUDES(_treeLock);
     NamespaceInfo inspectLocked() const OSTREL_REQUIRES(_treeLock);
     /// Calls visit(path, scope) for everything below.
     template <class Visit>
@@ -130,6 +134,8 @@ private:
     std::string _label OSTREL_GUARDED_BY(_treeLock);
     Presence _presence OSTREL_GUARDED_BY(_treeLock) = Presence::Free;
     Children _children OSTREL_GUARDED_BY(_treeLock);
+    std::size_t _nodeCount OSTREL_GUARDED_BY(_treeLock) = 0; // nodes here and below
+    std::vector<Node*> _toStop OSTREL_GUARDED_BY(_treeLock); // empty; has room for all of them
     // Up to which number labels of children are known to be taken, by the label that was wanted.
     std::map<std::string, unsigned long> _numbersTaken OSTREL_GUARDED_BY(_treeLock);
     const std::unique_ptr<Scope> _scope OSTREL_PT_GUARDED_BY(_treeLock);

@@ -4,6 +4,7 @@
 #include "trovio/Node.h"
 #include "trovio/Pattern.h"
 #include "trovio/Root.h"
+#include <algorithm>
 
 // Children: how they come, how they go, and when their nodes run.
 namespace Trovio {
@@ -32,13 +33,15 @@ std::string Namespace::adopt(const std::string& wanted, std::unique_ptr<Namespac
     if (wanted.empty() || wanted.size() > MaxLabelLength)
         throw InvalidNamespaceException("a namespace label has " + std::to_string(wanted.size()) +
                                         " bytes; allowed are 1 to " + std::to_string(MaxLabelLength));
+    std::string label;
     std::vector<Node*> nodes;
     Children::iterator position;
     {
         const LockGuard guard(_treeLock);
-        position = link(wanted, std::move(child));
+        label = freeLabel(wanted);
         if (standsUnderRoot())
-            position->second->collectNodes(nodes);
+            child->collectNodes(nodes);
+        position = link(label, child);
     }
     try {
         startAll(nodes);
@@ -48,33 +51,56 @@ std::string Namespace::adopt(const std::string& wanted, std::unique_ptr<Namespac
     }
     const LockGuard guard(_treeLock);
     position->second->_presence = Presence::Standing;
-    return position->first;
+    return label;
 }
 
-Namespace::Children::iterator Namespace::link(const std::string& wanted, std::unique_ptr<Namespace> child)
+/// Takes the child only where nothing failed: one that is left is destroyed by whoever does not hold the tree lock.
+Namespace::Children::iterator Namespace::link(const std::string& label, std::unique_ptr<Namespace>& child)
 {
-    const auto position = _children.try_emplace(freeLabel(wanted), std::move(child)).first;
+    makeRoomToStop(*child);
+    std::string own = label, shown = label;
+    const auto position = _children.try_emplace(label, std::move(child)).first;
     Namespace& linked = *position->second;
     linked._parent = this;
-    linked._label = position->first;
+    linked._label.swap(own);
     linked._presence = Presence::Joining;
+    for (Namespace* level = this; level; level = level->_parent)
+        level->_nodeCount += linked._nodeCount;
     if (auto* node = dynamic_cast<Node*>(&linked))
-        node->showLabel(linked._label);
-    linked.setConnecting(true);
-    linked._scope->attach(*_scope, linked._label);
+        node->showLabel(std::move(shown));
+    try {
+        linked.startConnecting();
+        linked._scope->attach(*_scope, linked._label);
+    } catch (...) {
+        child = unlink(position);
+        throw;
+    }
     _dirty = true;
     return position;
 }
 
-std::unique_ptr<Namespace> Namespace::unlink(Children::iterator position)
+/// For the child and all that it will be below: taking one out must not need memory.
+void Namespace::makeRoomToStop(Namespace& child)
+{
+    const auto reserve = [](Namespace& level, std::size_t count) OSTREL_REQUIRES(_treeLock) {
+        if (level._toStop.capacity() < count)
+            level._toStop.reserve(std::max(count, 2 * level._toStop.capacity()));
+    };
+    reserve(child, child._nodeCount);
+    for (Namespace* level = this; level; level = level->_parent)
+        reserve(*level, level->_nodeCount + child._nodeCount);
+}
+
+std::unique_ptr<Namespace> Namespace::unlink(Children::iterator position) noexcept
 {
     Namespace& linked = *position->second;
     linked._scope->detach();
-    linked.setConnecting(false);
+    linked.stopConnecting();
+    for (Namespace* level = this; level; level = level->_parent)
+        level->_nodeCount -= linked._nodeCount;
     linked._parent = nullptr;
     linked._label.clear();
     linked._presence = Presence::Free;
-    _dirty = true;
     std::unique_ptr<Namespace> child = std::move(position->second);
     _children.erase(position);
     _numbersTaken.clear(); // the label may be a number of several
@@ -93,7 +119,7 @@ void Namespace::startAll(const std::vector<Node*>& nodes)
 }
 
 /// In the opposite order of their start; those that did not start are left alone.
-void Namespace::stopAll(const std::vector<Node*>& nodes)
+void Namespace::stopAll(const std::vector<Node*>& nodes) noexcept
 {
     for (auto node = nodes.rbegin(); node != nodes.rend(); ++node)
         (*node)->leave();
@@ -116,16 +142,19 @@ std::unique_ptr<Namespace> Namespace::removeNamespace(const std::string& label)
         if (position == _children.end() || position->second->_presence != Presence::Standing || isInMotion())
             throw InvalidNamespaceException("no namespace '" + label + "' stands " +
                                             (_label.empty() ? "here" : "in '" + _label + "'"));
-        position->second->_presence = Presence::Leaving;
-        position->second->collectNodes(nodes);
+        Namespace& leaving = *position->second;
+        leaving._presence = Presence::Leaving;
+        leaving.collectNodes(leaving._toStop); // there is room
+        nodes.swap(leaving._toStop);
     }
     stopAll(nodes);
     return takeOut(position);
 }
 
-std::unique_ptr<Namespace> Namespace::takeOut(Children::iterator position)
+std::unique_ptr<Namespace> Namespace::takeOut(Children::iterator position) noexcept
 {
     const LockGuard guard(_treeLock);
+    _dirty = true;
     return unlink(position);
 }
 
@@ -133,12 +162,13 @@ std::string Namespace::freeLabel(const std::string& wanted)
 {
     if (!_children.contains(wanted))
         return wanted;
-    unsigned long& number = _numbersTaken.try_emplace(wanted, 1UL).first->second;
-    std::string label;
-    do
-        label = wanted + std::to_string(++number);
-    while (_children.contains(label));
-    return label;
+    unsigned long& taken = _numbersTaken.try_emplace(wanted, 1UL).first->second;
+    for (unsigned long number = taken + 1;; ++number) {
+        std::string label = wanted + std::to_string(number);
+        if (!_children.contains(label))
+            return label;
+        taken = number;
+    }
 }
 
 bool Namespace::isInMotion() const
@@ -160,11 +190,18 @@ bool Namespace::standsUnderRoot() const
     return level == &Root::the_;
 }
 
-void Namespace::setConnecting(bool connecting)
+void Namespace::startConnecting()
 {
-    _scope->setConnecting(connecting);
+    _scope->startConnecting();
     for (const auto& [label, child] : _children)
-        child->setConnecting(connecting);
+        child->startConnecting();
+}
+
+void Namespace::stopConnecting() noexcept
+{
+    _scope->stopConnecting();
+    for (const auto& [label, child] : _children)
+        child->stopConnecting();
 }
 
 void Namespace::collectNodes(std::vector<Node*>& nodes)
@@ -223,7 +260,7 @@ NamespaceInfo Namespace::inspectLocked() const
     info._label = _label;
     info._dirty = _dirty;
     if (const auto* node = dynamic_cast<const Node*>(this))
-        info._node = NodeInfo{node->getTypeName(), node->getState(), node->getCounters(), node->getRemarks(),
+        info._node = NodeInfo{node->getTypeName(), node->getState(), node->getCounters(), node->askRemarks(),
                               _scope->isRelaying()};
     _scope->inspect(info);
     for (const auto& [label, child] : _children)

@@ -4,6 +4,7 @@
 #include "trovio/FrameworkLog.h"
 #include "trovio/Scope.h"
 #include "trovio/TimeText.h"
+#include <new>
 
 namespace Trovio {
 
@@ -15,6 +16,23 @@ constexpr Setting common[] = {
     Setting::text("label", "", "the label under which the node stands; its type's name if empty"),
 };
 
+/// Calls what a node's type has written. What it throws that is no exception of the framework or of the standard
+/// library becomes a refusal that says where it came from: nobody above could make anything of it.
+template <class Refusal, class Call>
+void callType(const std::string& type, const std::string& label, const char* operation, const Call& call)
+{
+    try {
+        call();
+    } catch (const Exception&) {
+        throw;
+    } catch (const std::exception&) {
+        throw;
+    } catch (...) {
+        throw Refusal("node '" + (label.empty() ? type : label) + "' of type '" + type + "' threw in " + operation +
+                      " " + describeCurrentException() + "; correct the module of this type");
+    }
+}
+
 } // namespace
 
 Node::Node()
@@ -22,6 +40,7 @@ Node::Node()
     {
         const LockGuard guard(_treeLock);
         _scope->setNode(*this);
+        _nodeCount = 1;
     }
     addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
     setDirty(false);
@@ -61,10 +80,11 @@ void Node::setFieldValues(const std::string& text)
         table.insert(table.end(), _type._settings.begin(), _type._settings.end());
     }
     const Settings settings(std::move(table), text, getBaseURL());
-    configure(settings);
+    std::string label = settings.text("label");
+    callType<InvalidFieldException>(getTypeName(), label, "configure()", [&] { configure(settings); });
     setDirty(true);
     const LockGuard guard(_stateLock);
-    _wantedLabel = settings.text("label");
+    _wantedLabel.swap(label);
     _configured = true;
 }
 
@@ -80,10 +100,10 @@ std::string Node::getWantedLabel() const
     return _wantedLabel.empty() ? _type._name : _wantedLabel;
 }
 
-void Node::showLabel(const std::string& label)
+void Node::showLabel(std::string label)
 {
     const LockGuard guard(_stateLock);
-    _shownLabel = label;
+    _shownLabel.swap(label);
 }
 
 void Node::enter()
@@ -98,11 +118,11 @@ void Node::enter()
         const LockGuard state(_stateLock);
         _state = {false, {}, Time::getCurrentTime(), {}};
     }
-    start();
+    callType<InvalidNodeException>(getTypeName(), getLabel(), "start()", [this] { start(); });
     _started = true;
 }
 
-void Node::leave()
+void Node::leave() noexcept
 {
     const LockGuard guard(_lifeLock);
     if (!_started)
@@ -111,7 +131,35 @@ void Node::leave()
     try {
         stop();
     } catch (...) {
-        logMessage(LogLevel::Fatal, "node '" + getLabel() + "' threw while it stopped: " + describeCurrentException());
+        sayThatStopThrew();
+    }
+}
+
+void Node::sayThatStopThrew() const noexcept
+{
+    try {
+        logMessage(LogLevel::Fatal, "node '" + getLabel() + "' of type '" + getTypeName() +
+                                        "' threw while it stopped: " + describeCurrentException());
+    } catch (const std::bad_alloc&) {
+        logMessage(LogLevel::Fatal, "stop() threw"); // short enough to need no memory
+    }
+}
+
+std::vector<RemarkInfo> Node::askRemarks() const
+{
+    try {
+        return getRemarks();
+    } catch (...) {
+        return {{{}, "threw in getRemarks(): " + describeCurrentException()}};
+    }
+}
+
+NodeState Node::askState(const Slot& slot) const
+{
+    try {
+        return getStateOf(slot);
+    } catch (...) {
+        return {true, "threw in getStateOf(): " + describeCurrentException(), {}, {}};
     }
 }
 

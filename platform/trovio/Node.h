@@ -85,13 +85,19 @@ protected:
     Counter& addCounter(const std::string& name);
 
 private:
+    friend class FlowQuery;
+    friend class FlowSearch;
     friend class Namespace;
     friend class NodeType;
     bool isConfigured() const;
     std::string getWantedLabel() const; // what its settings say, or else the name of its type
-    void showLabel(const std::string& label);
-    void enter(); // start(), unless the node is leaving already
-    void leave(); // stop(), if it was started; swallows and logs what stop() throws
+    void showLabel(std::string label);
+    void enter();          // start(), unless the node is leaving already
+    void leave() noexcept; // stop(), if it was started; swallows and logs what stop() throws
+    void sayThatStopThrew() const noexcept;
+    // getRemarks() and getStateOf(), for those who show them: what these throw becomes their answer.
+    std::vector<RemarkInfo> askRemarks() const;
+    NodeState askState(const Slot& slot) const;
     void changeState(bool degraded, const std::string& reason);
 
     // Serialises start and stop of this node: a remover waits here until start() is through.

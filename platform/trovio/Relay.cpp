@@ -66,19 +66,23 @@ Relay::~Relay()
 
 std::vector<Relay::Joint> Relay::connect(Relay& to, Key key, const Joint& joint)
 {
-    const auto known = _next.find(&to);
-    if (known == _next.end()) {
-        if (std::vector<Joint> back = findPath(to, *this); &to == this || !back.empty()) {
-            back.insert(back.begin(), joint);
-            return back;
-        }
-        to._previous.insert(this);
+    if (const auto known = _next.find(&to); known != _next.end()) {
+        known->second.emplace(key, joint);
+        return {};
     }
-    _next[&to].emplace(key, joint);
+    if (std::vector<Joint> back = findPath(to, *this); &to == this || !back.empty()) {
+        back.insert(back.begin(), joint);
+        return back;
+    }
+    // The memory for both sides first, so that they never disagree.
+    decltype(_next) made;
+    made[&to].emplace(key, joint);
+    to._previous.insert(this);
+    _next.merge(made);
     return {};
 }
 
-bool Relay::disconnect(Relay& to, Key key)
+bool Relay::disconnect(Relay& to, Key key) noexcept
 {
     const auto known = _next.find(&to);
     known->second.erase(key);

@@ -29,11 +29,11 @@ public:
     Relay& operator=(const Relay&) = delete;
 
     /// Notes that records go from this relay into another. Where that would close a loop, it changes nothing and
-    /// returns the loop, joint by joint; otherwise nothing.
+    /// returns the loop, joint by joint; otherwise nothing. Without memory it throws and changes nothing.
     std::vector<Joint> connect(Relay& to, Key key, const Joint& joint);
 
     /// Takes a joint away. True if no other one leads the same way.
-    bool disconnect(Relay& to, Key key);
+    bool disconnect(Relay& to, Key key) noexcept;
 
 private:
     class Search;

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "trovio/ByLabel.h"
 #include "trovio/Pattern.h"
-#include <algorithm>
 #include <cstdint>
-#include <memory>
-#include <unordered_map>
+#include <string>
 #include <vector>
 
 namespace Trovio {
@@ -20,7 +19,7 @@ struct BySerial {
 
 /// A standing rule from a label pattern to a target.
 struct RouteRule {
-    RouteRule(std::uint64_t serial, const std::string& from, const std::string& to,
+    RouteRule(const std::string& from, std::uint64_t serial, const std::string& to,
               LabelTemplate::Placeholders placeholders)
         : _serial(serial), _from(from), _to(to, _from, placeholders)
     {
@@ -32,6 +31,20 @@ struct RouteRule {
     const std::uint64_t _serial;
     const Pattern _from;
     const LabelTemplate _to;
+
+    // Kinds of chains: those with the same pattern, those with a '*', and all.
+    struct OfText;
+    struct OfStars;
+    struct OfAll;
+};
+
+/// A rule that can stand in RouteRules.
+template <class Rule>
+struct ListedRule : RouteRule,
+                    Linked<Rule, RouteRule::OfText>,
+                    Linked<Rule, RouteRule::OfStars>,
+                    Linked<Rule, RouteRule::OfAll> {
+    using RouteRule::RouteRule;
 };
 
 /// Owns rules and finds those that match a label. Literal rules are found by hash, only patterns are tried in turn.
@@ -39,62 +52,67 @@ struct RouteRule {
 template <class Rule>
 class RouteRules {
 public:
-    Rule& add(std::unique_ptr<Rule> rule);
+    /// Throws Exception for a bad pattern; nothing was added then.
+    Rule& make(const std::string& from, std::uint64_t serial, const std::string& to,
+               LabelTemplate::Placeholders placeholders);
+    void erase(Rule& rule);
 
-    /// The latest rule with these texts, taken out; null if there is none.
-    std::unique_ptr<Rule> take(const std::string& from, const std::string& to);
+    /// The latest rule with these texts; null if there is none.
+    Rule* find(const std::string& from, const std::string& to) const;
 
     /// Calls visit(rule, matched) for every rule that matches.
     template <class Visit>
     void forEachMatch(const std::string& label, Visit visit) const;
 
     /// In the order in which they were added.
-    std::vector<Rule*> all() const;
+    const Chain<Rule, RouteRule::OfAll>& all() const { return _all; }
 
     void clear();
 
 private:
-    std::unordered_map<std::string, std::vector<std::unique_ptr<Rule>>> _byText; // key: text of the pattern
-    std::vector<Rule*> _patterns;                                                // those with a '*'
+    ByLabel<Rule, RouteRule::OfText> _byText; // key: text of the pattern
+    Chain<Rule, RouteRule::OfStars> _patterns;
+    Chain<Rule, RouteRule::OfAll> _all;
 };
 
 template <class Rule>
-Rule& RouteRules<Rule>::add(std::unique_ptr<Rule> rule)
+Rule& RouteRules<Rule>::make(const std::string& from, std::uint64_t serial, const std::string& to,
+                             LabelTemplate::Placeholders placeholders)
 {
-    if (!rule->_from.isLiteral())
-        _patterns.push_back(rule.get());
-    return *_byText[rule->_from.getText()].emplace_back(std::move(rule));
+    Rule& rule = _byText.make(from, serial, to, placeholders);
+    if (!rule._from.isLiteral())
+        _patterns.append(rule);
+    _all.append(rule);
+    return rule;
 }
 
 template <class Rule>
-std::unique_ptr<Rule> RouteRules<Rule>::take(const std::string& from, const std::string& to)
+void RouteRules<Rule>::erase(Rule& rule)
 {
-    const auto same = _byText.find(from);
-    if (same == _byText.end())
-        return nullptr;
-    auto& rules = same->second;
-    const auto found =
-        std::find_if(rules.rbegin(), rules.rend(), [&to](const auto& rule) { return rule->_to.getText() == to; });
-    if (found == rules.rend())
-        return nullptr;
-    std::unique_ptr<Rule> taken = std::move(*found);
-    rules.erase(std::next(found).base());
-    if (rules.empty())
-        _byText.erase(same);
-    if (!taken->_from.isLiteral())
-        std::erase(_patterns, taken.get());
-    return taken;
+    if (!rule._from.isLiteral())
+        _patterns.remove(rule);
+    _all.remove(rule);
+    _byText.erase(rule, rule._from.getText());
+}
+
+template <class Rule>
+Rule* RouteRules<Rule>::find(const std::string& from, const std::string& to) const
+{
+    Rule* latest = nullptr;
+    for (Rule* rule : _byText.under(from)) {
+        if (rule->_to.getText() == to)
+            latest = rule;
+    }
+    return latest;
 }
 
 template <class Rule>
 template <class Visit>
 void RouteRules<Rule>::forEachMatch(const std::string& label, Visit visit) const
 {
-    if (const auto same = _byText.find(label); same != _byText.end()) {
-        for (const auto& rule : same->second) {
-            if (rule->_from.isLiteral())
-                visit(*rule, std::vector<std::string_view>());
-        }
+    for (Rule* rule : _byText.under(label)) {
+        if (rule->_from.isLiteral())
+            visit(*rule, std::vector<std::string_view>());
     }
     for (Rule* rule : _patterns) {
         if (const auto matched = rule->_from.match(label))
@@ -103,21 +121,10 @@ void RouteRules<Rule>::forEachMatch(const std::string& label, Visit visit) const
 }
 
 template <class Rule>
-std::vector<Rule*> RouteRules<Rule>::all() const
-{
-    std::vector<Rule*> rules;
-    for (const auto& [text, same] : _byText) {
-        for (const auto& rule : same)
-            rules.push_back(rule.get());
-    }
-    std::sort(rules.begin(), rules.end(), BySerial());
-    return rules;
-}
-
-template <class Rule>
 void RouteRules<Rule>::clear()
 {
-    _patterns.clear();
+    _patterns = {};
+    _all = {};
     _byText.clear();
 }
 

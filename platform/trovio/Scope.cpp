@@ -1,9 +1,11 @@
 #include "trovio/Scope.h"
 
+#include "trovio/AllOrNone.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
 #include "trovio/Exception.h"
 #include "trovio/FrameworkLog.h"
+#include <algorithm>
 
 namespace Trovio {
 
@@ -38,7 +40,7 @@ Scope::Entry* Scope::findOwn(const std::string& label) const
     return nullptr;
 }
 
-void Scope::removeSlot(const std::string& label)
+void Scope::removeSlot(const std::string& label) noexcept
 {
     if (Entry* const own = findOwn(label))
         erase(*own);
@@ -47,89 +49,127 @@ void Scope::removeSlot(const std::string& label)
 
 void Scope::addRoute(const std::string& from, const std::string& to)
 {
-    auto made = std::make_unique<Route>(_nextSerial++, from, to, LabelTemplate::Placeholders::None);
-    const std::vector<Entry*> entries = matching(made->_from);
-    refuseLoop(*made, entries);
-    Route& route = _routes.add(std::move(made));
-    for (Entry* entry : entries)
-        aim(route, *entry, *route._from.match(entry->_label));
+    Route& route = _routes.make(from, _nextSerial++, to, LabelTemplate::Placeholders::None);
+    try {
+        const std::vector<Entry*> entries = matching(route._from);
+        refuseLoop(route, entries);
+        for (Entry* entry : entries)
+            aim(route, *entry, *route._from.match(entry->_label));
+    } catch (...) {
+        erase(route);
+        throw;
+    }
 }
 
-bool Scope::removeRoute(const std::string& from, const std::string& to)
+bool Scope::removeRoute(const std::string& from, const std::string& to) noexcept
 {
-    const auto route = _routes.take(from, to);
+    Route* const route = _routes.find(from, to);
     if (!route)
         return false;
-    while (!route->_aims.empty())
-        drop(route->_aims.front());
+    erase(*route);
     retryLooping();
     return true;
 }
 
-void Scope::addExternalRoute(const std::string& pattern, const std::string& target)
+void Scope::erase(Route& route) noexcept
 {
-    ExternalRoute& route = _externalRoutes.add(
-        std::make_unique<ExternalRoute>(_nextSerial++, pattern, target, LabelTemplate::Placeholders::NamespaceAndSlot));
-    for (Entry* entry : matching(route._from))
-        show(route, *entry, *route._from.match(entry->_label));
+    while (!route._aims.empty())
+        drop(route._aims.front());
+    _routes.erase(route);
 }
 
-bool Scope::removeExternalRoute(const std::string& pattern, const std::string& target)
+void Scope::addExternalRoute(const std::string& pattern, const std::string& target)
 {
-    const auto route = _externalRoutes.take(pattern, target);
+    ExternalRoute& route =
+        _externalRoutes.make(pattern, _nextSerial++, target, LabelTemplate::Placeholders::NamespaceAndSlot);
+    try {
+        for (Entry* entry : matching(route._from))
+            show(route, *entry, *route._from.match(entry->_label));
+    } catch (...) {
+        hide(route);
+        _externalRoutes.erase(route);
+        throw;
+    }
+}
+
+bool Scope::removeExternalRoute(const std::string& pattern, const std::string& target) noexcept
+{
+    ExternalRoute* const route = _externalRoutes.find(pattern, target);
     if (!route)
         return false;
     hide(*route);
+    _externalRoutes.erase(*route);
     retryLooping();
     return true;
 }
 
 void Scope::attach(Scope& parent, const std::string& label)
 {
-    _parent = &parent;
     _label = label;
-    for (ExternalRoute* route : _externalRoutes.all()) {
-        for (Entry* entry : matching(route->_from))
-            show(*route, *entry, *route->_from.match(entry->_label));
+    _parent = &parent;
+    try {
+        for (ExternalRoute* route : _externalRoutes.all()) {
+            for (Entry* entry : matching(route->_from))
+                show(*route, *entry, *route->_from.match(entry->_label));
+        }
+    } catch (...) {
+        detach();
+        throw;
     }
 }
 
-void Scope::detach()
+void Scope::detach() noexcept
 {
-    for (const ExternalRoute* route : _externalRoutes.all())
+    for (ExternalRoute* route : _externalRoutes.all())
         hide(*route);
     _parent = nullptr;
     _label.clear();
     retryLooping();
 }
 
-void Scope::clear()
+void Scope::clear() noexcept
 {
-    setConnecting(false);
+    stopConnecting();
     _aims.clear();
     _entries.clear();
     _routes.clear();
     _externalRoutes.clear();
-    setConnecting(true);
+    _connecting = true;
 }
 
 Scope::Entry& Scope::insert(std::string freshLabel, const Ends& ends, ExternalRoute* shownBy, Entry* origin)
 {
     Entry& entry = _entries.make(std::move(freshLabel), *this, ends, shownBy, origin);
-    if (shownBy) { // at once, for erase() counts on it
-        ++shownBy->_shown;
+    try {
+        allOrNone(
+            _aims.under(entry._label), [&](const Aim& aim) { join(aim, entry); },
+            [&](const Aim& aim) { part(aim, entry); });
+    } catch (...) {
+        _entries.erase(entry, entry._label);
+        throw;
+    }
+    if (shownBy) { // from here on erase() undoes everything
+        shownBy->_shown.append(entry);
         origin->_shown.append(entry);
     }
-    const std::string& label = entry._label;
-    for (const Aim* aim : _aims.under(label))
-        join(*aim, entry);
-    _routes.forEachMatch(label, [&](Route& route, const auto& matched) { aim(route, entry, matched); });
-    _externalRoutes.forEachMatch(label,
-                                 [&](ExternalRoute& route, const auto& matched) { show(route, entry, matched); });
+    try {
+        spread(entry);
+    } catch (...) {
+        erase(entry);
+        throw;
+    }
     return entry;
 }
 
-void Scope::erase(Entry& entry)
+/// To where routes lead from it, and into the parent.
+void Scope::spread(Entry& entry)
+{
+    _routes.forEachMatch(entry._label, [&](Route& route, const auto& matched) { aim(route, entry, matched); });
+    _externalRoutes.forEachMatch(entry._label,
+                                 [&](ExternalRoute& route, const auto& matched) { show(route, entry, matched); });
+}
+
+void Scope::erase(Entry& entry) noexcept
 {
     while (!entry._shown.empty())
         _parent->erase(entry._shown.front());
@@ -138,7 +178,7 @@ void Scope::erase(Entry& entry)
     for (const Aim* aim : _aims.under(entry._label))
         part(*aim, entry);
     if (entry._shownBy) {
-        --entry._shownBy->_shown;
+        entry._shownBy->_shown.remove(entry);
         entry._origin->_shown.remove(entry);
     }
     _entries.erase(entry, entry._label);
@@ -157,16 +197,19 @@ void Scope::aim(Route& route, Entry& from, const std::vector<std::string_view>& 
         return;
     }
     Aim& made = _aims.make(*target, route, from);
+    try {
+        joinAll(made);
+    } catch (...) {
+        _aims.erase(made, made._target);
+        throw;
+    }
     route._aims.append(made);
     from._aims.append(made);
-    for (const Entry* to : _entries.under(*target))
-        join(made, *to);
 }
 
-void Scope::drop(Aim& aim)
+void Scope::drop(Aim& aim) noexcept
 {
-    for (const Entry* to : _entries.under(aim._target))
-        part(aim, *to);
+    partAll(aim);
     aim._route->_aims.remove(aim);
     aim._from->_aims.remove(aim);
     _aims.erase(aim, aim._target);
@@ -185,18 +228,10 @@ void Scope::show(ExternalRoute& route, Entry& entry, const std::vector<std::stri
 }
 
 /// Takes all that the route shows out of the parent.
-void Scope::hide(const ExternalRoute& route)
+void Scope::hide(ExternalRoute& route) noexcept
 {
-    if (route._shown == 0)
-        return;
-    for (const Entry* entry : matching(route._from)) {
-        for (Entry* const shown : entry->_shown) {
-            if (shown->_shownBy != &route)
-                continue;
-            _parent->erase(*shown);
-            break; // it shows each slot once
-        }
-    }
+    while (!route._shown.empty())
+        _parent->erase(route._shown.front());
 }
 
 std::vector<Scope::Entry*> Scope::matching(const Pattern& pattern)

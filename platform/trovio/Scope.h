@@ -5,7 +5,6 @@
 #include "trovio/Relay.h"
 #include "trovio/RouteRules.h"
 #include <map>
-#include <set>
 #include <unordered_set>
 #include <vector>
 
@@ -20,9 +19,10 @@ class Node;
 /// Invariant: while the scope is connecting, an out-slot and an in-slot are connected once for every route that leads
 ///            from the one's label to the other's, if their value types are equal and no loop of nodes is closed;
 ///            otherwise not by routes at all.
+/// Memory:    what adds either happens or, when it throws, has not happened; what takes away needs none.
 /// Ownership: refers to slots and to the parent's scope.
 /// Threads:   whoever holds the tree lock.
-class Scope {
+class Scope : public Linked<Scope, struct HoldingBack> {
 public:
     Scope() = default;
     ~Scope() = default; // touches no slot: they may be gone
@@ -32,7 +32,7 @@ public:
     /// Slots that stand here, not in a child. add throws Exception for a bad or taken label.
     void addSlot(const std::string& label, BasicInSlot& slot);
     void addSlot(const std::string& label, BasicOutSlot& slot);
-    void removeSlot(const std::string& label);
+    void removeSlot(const std::string& label) noexcept;
 
     /// Says that the scope is a node's. It has no slots yet.
     void setNode(const Node& node) { _node = &node; }
@@ -44,22 +44,24 @@ public:
     /// add throws Exception for a bad pattern, and for a route that would close a loop of nodes; remove returns false
     /// for an unknown route.
     void addRoute(const std::string& from, const std::string& to);
-    bool removeRoute(const std::string& from, const std::string& to);
+    bool removeRoute(const std::string& from, const std::string& to) noexcept;
     void addExternalRoute(const std::string& pattern, const std::string& target);
-    bool removeExternalRoute(const std::string& pattern, const std::string& target);
+    bool removeExternalRoute(const std::string& pattern, const std::string& target) noexcept;
 
     /// Shows the slots to the parent's scope, for as long as it is attached.
     void attach(Scope& parent, const std::string& label);
-    void detach();
+    void detach() noexcept;
 
-    /// Undoes all connections and makes no more, or makes them all again. A new scope connects.
-    void setConnecting(bool connecting);
+    /// Makes all connections, and those that routes ask for from now on. A new scope does so from the beginning.
+    void startConnecting();
+    /// Undoes all connections and makes no more.
+    void stopConnecting() noexcept;
 
     /// Undoes all connections and forgets slots and routes. Only while nothing of a child is shown here.
-    void clear();
+    void clear() noexcept;
 
     /// To be called, once, before the scope is destroyed.
-    void leaveTree();
+    void leaveTree() noexcept;
 
     void inspect(NamespaceInfo& info) const;
 
@@ -83,6 +85,7 @@ private:
     // Kinds of chains: by what they hang on.
     struct OfLabel;
     struct OfOrigin;
+    struct OfShower;
     struct OfRoute;
     struct OfEntry;
 
@@ -97,7 +100,7 @@ private:
     };
 
     /// A slot under one of the labels under which it is seen here.
-    struct Entry : Linked<Entry, OfLabel>, Linked<Entry, OfOrigin> {
+    struct Entry : Linked<Entry, OfLabel>, Linked<Entry, OfOrigin>, Linked<Entry, OfShower> {
         Entry(const std::string& label, Scope& scope, const Ends& ends, ExternalRoute* shownBy, Entry* origin)
             : _label(label), _scope(&scope), _ends(ends), _shownBy(shownBy), _origin(origin)
         {
@@ -113,26 +116,28 @@ private:
         Chain<Entry, OfOrigin> _shown; // as it is seen in the parent
     };
 
-    struct Route : RouteRule {
-        using RouteRule::RouteRule;
+    struct Route : ListedRule<Route> {
+        using ListedRule::ListedRule;
         Chain<Aim, OfRoute> _aims;
         std::size_t _connections = 0;
         std::unordered_set<std::string> _reported; // mismatches that the log has seen
     };
 
-    struct ExternalRoute : RouteRule {
-        using RouteRule::RouteRule;
-        std::size_t _shown = 0; // slots that the parent sees by it
+    struct ExternalRoute : ListedRule<ExternalRoute> {
+        using ListedRule::ListedRule;
+        Chain<Entry, OfShower> _shown; // what the parent sees by it
     };
 
     void addOwn(const std::string& label, const Ends& ends);
     Entry* findOwn(const std::string& label) const;
     Entry& insert(std::string label, const Ends& ends, ExternalRoute* shownBy, Entry* origin);
-    void erase(Entry& entry);
+    void spread(Entry& entry);
+    void erase(Entry& entry) noexcept;
+    void erase(Route& route) noexcept;
     void aim(Route& route, Entry& from, const std::vector<std::string_view>& matched);
-    void drop(Aim& aim);
+    void drop(Aim& aim) noexcept;
     void show(ExternalRoute& route, Entry& entry, const std::vector<std::string_view>& matched);
-    void hide(const ExternalRoute& route);
+    void hide(ExternalRoute& route) noexcept;
     std::vector<Entry*> matching(const Pattern& pattern);
     std::vector<const Entry*> sortedEntries() const;
 
@@ -149,15 +154,21 @@ private:
     };
 
     void join(const Aim& aim, const Entry& to);
-    void part(const Aim& aim, const Entry& to);
-    bool relays(const Entry& from, const Entry& to) const;
-    bool closesLoop(const Aim& aim, const Entry& to);
+    void part(const Aim& aim, const Entry& to) noexcept;
+    void joinAll(const Aim& aim);
+    void partAll(const Aim& aim) noexcept;
+    void joinAll(const Route& route);
+    void partAll(const Route& route) noexcept;
+    static bool fits(const Aim& aim, const Entry& to);
+    static bool relays(const Entry& from, const Entry& to);
+    static std::string connect(const Aim& aim, const Entry& to);
+    void holdBack(const Aim& aim, const Entry& to, const std::string& reason);
     std::vector<RelayPair> relayPairs(const Route& route, const std::vector<Entry*>& starts) const;
     void refuseLoop(const Route& route, const std::vector<Entry*>& starts) const;
-    void forgetLooping(Relay::Key key);
-    static void retryLooping();
+    void forgetLooping(Relay::Key key) noexcept;
+    static void retryLooping() noexcept;
+    void retryOwnLooping() noexcept;
     static std::string spellLoop(const RouteRule& route, const std::vector<Relay::Joint>& loop);
-    void joinAll(bool join);
     std::string mismatch(const Aim& aim, const Entry& to) const;
     std::string whyApart(const Aim& aim, const Entry& to) const;
     static std::string wrongWay(const Route& route, const std::string& label, const char* is, const char* must);
@@ -181,8 +192,8 @@ private:
     bool _connecting = true;
     // Under the tree lock like everything here.
     static std::uint64_t _nextSerial;
-    static std::set<Scope*> _withLooping; // those that hold pairs back
-    static bool _retryDue;                // a joint went, so one of these may be joined now
+    static Chain<Scope, HoldingBack> _withLooping; // those that hold pairs back
+    static bool _retryDue;                         // a joint went, so one of these may be joined now
 };
 
 } // namespace Trovio

@@ -1,8 +1,10 @@
 #include "trovio/Scope.h"
 
+#include "trovio/AllOrNone.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
 #include "trovio/FrameworkLog.h"
+#include <algorithm>
 #include <tuple>
 
 // How routes become connections, and what is told about those that do not.
@@ -10,17 +12,39 @@ namespace Trovio {
 
 void Scope::join(const Aim& aim, const Entry& to)
 {
-    if (const std::string problem = mismatch(aim, to); !problem.empty()) {
-        report(*aim._route, problem);
-    } else if (_connecting && !closesLoop(aim, to)) {
-        aim._from->_ends.out()->connect(to._ends.in());
-        ++aim._route->_connections;
+    if (!fits(aim, to)) {
+        report(*aim._route, mismatch(aim, to));
+    } else if (_connecting) {
+        if (const std::string loop = connect(aim, to); !loop.empty())
+            holdBack(aim, to, loop);
     }
 }
 
-void Scope::part(const Aim& aim, const Entry& to)
+/// Nothing where the two are joined now, else why that would close a loop of nodes.
+std::string Scope::connect(const Aim& aim, const Entry& to)
 {
-    if (!_connecting || !mismatch(aim, to).empty())
+    const Ends& from = aim._from->_ends;
+    const bool inGraph = relays(*aim._from, to);
+    const Relay::Key key{aim._serial, to._serial};
+    if (inGraph) {
+        const auto loop = from._relay->connect(*to._ends._relay, key, {&aim._from->_label, &to._label});
+        if (!loop.empty())
+            return spellLoop(*aim._route, loop);
+    }
+    try {
+        from.out()->connect(to._ends.in());
+    } catch (...) {
+        if (inGraph)
+            from._relay->disconnect(*to._ends._relay, key);
+        throw;
+    }
+    ++aim._route->_connections;
+    return {};
+}
+
+void Scope::part(const Aim& aim, const Entry& to) noexcept
+{
+    if (!_connecting || !fits(aim, to))
         return;
     const Relay::Key key{aim._serial, to._serial};
     if (_looping.contains(key))
@@ -31,34 +55,68 @@ void Scope::part(const Aim& aim, const Entry& to)
         _retryDue = true;
 }
 
-void Scope::setConnecting(bool connecting)
+void Scope::startConnecting()
 {
-    if (connecting == _connecting)
+    if (std::exchange(_connecting, true))
         return;
-    _connecting = true;
-    joinAll(connecting);
-    _connecting = connecting;
-    retryLooping();
-}
-
-void Scope::joinAll(bool toJoin)
-{
-    for (const Route* route : _routes.all()) {
-        for (const Aim* aim : route->_aims) {
-            for (const Entry* to : _entries.under(aim->_target))
-                toJoin ? join(*aim, *to) : part(*aim, *to);
-        }
+    try {
+        allOrNone(
+            _routes.all(), [this](const Route& route) { joinAll(route); },
+            [this](const Route& route) { partAll(route); });
+    } catch (...) {
+        _connecting = false;
+        throw;
     }
 }
 
+void Scope::stopConnecting() noexcept
+{
+    if (!_connecting)
+        return;
+    for (const Route* route : _routes.all())
+        partAll(*route);
+    _connecting = false;
+    retryLooping();
+}
+
+void Scope::joinAll(const Route& route)
+{
+    allOrNone(
+        route._aims, [this](const Aim& aim) { joinAll(aim); }, [this](const Aim& aim) { partAll(aim); });
+}
+
+void Scope::partAll(const Route& route) noexcept
+{
+    for (const Aim* aim : route._aims)
+        partAll(*aim);
+}
+
+void Scope::joinAll(const Aim& aim)
+{
+    allOrNone(
+        _entries.under(aim._target), [&](const Entry& to) { join(aim, to); }, [&](const Entry& to) { part(aim, to); });
+}
+
+void Scope::partAll(const Aim& aim) noexcept
+{
+    for (const Entry* to : _entries.under(aim._target))
+        part(aim, *to);
+}
+
+bool Scope::fits(const Aim& aim, const Entry& to)
+{
+    return to._ends.in() && aim._from->_ends._slot->getTypeID() == to._ends._slot->getTypeID();
+}
+
+/// Why the two do not fit; empty where they do.
 std::string Scope::mismatch(const Aim& aim, const Entry& to) const
 {
+    if (fits(aim, to))
+        return {};
     if (!to._ends.in())
         return wrongWay(*aim._route, to._label, "an out-slot", "in-slot");
     const Slot& from = *aim._from->_ends._slot;
     const Slot& target = *to._ends._slot;
-    if (from.getTypeID() == target.getTypeID())
-        return {};
     return aim._route->quoted() + ": '" + aim._from->_label + "' carries " + from.getTypeName() + ", '" + to._label +
            "' takes " + target.getTypeName() + "; give both ends the same type, or route to another slot";
 }
@@ -100,7 +158,7 @@ void Scope::inspect(NamespaceInfo& info) const
     for (const Route* route : _routes.all())
         info._routes.push_back(inspectRoute(*route));
     for (const ExternalRoute* route : _externalRoutes.all())
-        info._externalRoutes.push_back({route->_from.getText(), route->_to.getText(), route->_shown});
+        info._externalRoutes.push_back({route->_from.getText(), route->_to.getText(), route->_shown.size()});
 }
 
 SlotInfo Scope::inspectSlot(const Entry& entry)

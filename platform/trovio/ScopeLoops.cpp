@@ -6,34 +6,28 @@
 // Routes that would lead records back into a node that they came from.
 namespace Trovio {
 
-std::set<Scope*> Scope::_withLooping;
+Chain<Scope, HoldingBack> Scope::_withLooping;
 bool Scope::_retryDue = false;
 
-void Scope::leaveTree()
+void Scope::leaveTree() noexcept
 {
     if (!std::exchange(_looping, {}).empty())
-        _withLooping.erase(this);
+        _withLooping.remove(*this);
 }
 
-bool Scope::relays(const Entry& from, const Entry& to) const
+bool Scope::relays(const Entry& from, const Entry& to)
 {
     return from._ends._relay && to._ends._relay;
 }
 
-/// Joins the two nodes in the graph, or remembers the pair and says why it stays apart.
-bool Scope::closesLoop(const Aim& aim, const Entry& to)
+/// Remembers a pair that stays apart, and says why.
+void Scope::holdBack(const Aim& aim, const Entry& to, const std::string& reason)
 {
-    if (!relays(*aim._from, to))
-        return false;
-    const Relay::Key key{aim._serial, to._serial};
-    const auto loop = aim._from->_ends._relay->connect(*to._ends._relay, key, {&aim._from->_label, &to._label});
-    if (loop.empty())
-        return false;
-    const std::string reason = spellLoop(*aim._route, loop);
-    _looping.insert_or_assign(key, Looping{&aim, &to, reason});
-    _withLooping.insert(this);
     report(*aim._route, reason);
-    return true;
+    const bool first = _looping.empty();
+    _looping.try_emplace({aim._serial, to._serial}, Looping{&aim, &to, reason});
+    if (first)
+        _withLooping.append(*this);
 }
 
 /// Which relays the route would join, if they are of one type and their slots of the right direction.
@@ -60,36 +54,65 @@ void Scope::refuseLoop(const Route& route, const std::vector<Entry*>& starts) co
     if (!_connecting)
         return;
     const std::vector<RelayPair> pairs = relayPairs(route, starts);
-    std::vector<Relay::Joint> loop;
     std::size_t tried = 0;
-    for (; tried < pairs.size() && loop.empty(); ++tried) {
-        const auto& [from, to] = pairs[tried];
-        loop = from->_ends._relay->connect(*to->_ends._relay, {route._serial, tried}, {&from->_label, &to->_label});
+    const auto takeBack = [&] {
+        while (tried-- > 0)
+            pairs[tried]._from->_ends._relay->disconnect(*pairs[tried]._to->_ends._relay, {route._serial, tried});
+    };
+    try {
+        for (; tried < pairs.size(); ++tried) {
+            const auto& [from, to] = pairs[tried];
+            const auto loop =
+                from->_ends._relay->connect(*to->_ends._relay, {route._serial, tried}, {&from->_label, &to->_label});
+            if (!loop.empty())
+                throw Exception(spellLoop(route, loop));
+        }
+    } catch (...) {
+        takeBack();
+        throw;
     }
-    if (!loop.empty())
-        --tried; // the last one was not noted
-    while (tried-- > 0)
-        pairs[tried]._from->_ends._relay->disconnect(*pairs[tried]._to->_ends._relay, {route._serial, tried});
-    if (!loop.empty())
-        throw Exception(spellLoop(route, loop));
+    takeBack();
 }
 
-void Scope::forgetLooping(Relay::Key key)
+void Scope::forgetLooping(Relay::Key key) noexcept
 {
     _looping.erase(key);
     if (_looping.empty())
-        _withLooping.erase(this);
+        _withLooping.remove(*this);
 }
 
-void Scope::retryLooping()
+void Scope::retryLooping() noexcept
 {
-    if (!_retryDue)
+    if (!std::exchange(_retryDue, false))
         return;
-    _retryDue = false;
-    for (Scope* scope : std::exchange(_withLooping, {})) {
-        for (const auto& [key, looping] : std::exchange(scope->_looping, {}))
-            scope->join(*looping._aim, *looping._to);
+    for (auto next = _withLooping.begin(); next != _withLooping.end();) {
+        Scope& scope = **next;
+        ++next; // first, for it may have no such pair any more
+        scope.retryOwnLooping();
     }
+}
+
+/// Those for which there is no memory now wait for the next joint that goes.
+void Scope::retryOwnLooping() noexcept
+{
+    for (auto place = _looping.begin(); place != _looping.end();) {
+        auto& [aim, to, reason] = place->second;
+        try {
+            std::string loop = connect(*aim, *to);
+            if (loop.empty()) {
+                place = _looping.erase(place);
+                continue;
+            }
+            if (loop != reason)
+                report(*aim->_route, loop);
+            reason.swap(loop);
+        } catch (...) {
+            _retryDue = true;
+        }
+        ++place;
+    }
+    if (_looping.empty())
+        _withLooping.remove(*this);
 }
 
 std::string Scope::spellLoop(const RouteRule& route, const std::vector<Relay::Joint>& loop)

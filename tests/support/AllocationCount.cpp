@@ -7,10 +7,13 @@
 namespace {
 
 std::atomic<std::uint64_t> calls{0};
+thread_local std::uint64_t callsToFailure = 0; // 0: none fails
 
 void* counted(std::size_t size, std::size_t alignment)
 {
     calls.fetch_add(1, std::memory_order_relaxed);
+    if (callsToFailure != 0 && --callsToFailure == 0)
+        throw std::bad_alloc();
     void* memory = nullptr;
     if (posix_memalign(&memory, alignment < sizeof(void*) ? sizeof(void*) : alignment, size ? size : 1) != 0)
         throw std::bad_alloc();
@@ -22,6 +25,21 @@ void* counted(std::size_t size, std::size_t alignment)
 std::uint64_t AllocationCount::total()
 {
     return calls.load(std::memory_order_relaxed);
+}
+
+AllocationFailure::AllocationFailure(std::uint64_t nth)
+{
+    callsToFailure = nth;
+}
+
+AllocationFailure::~AllocationFailure()
+{
+    callsToFailure = 0;
+}
+
+bool AllocationFailure::happened() const
+{
+    return callsToFailure == 0;
 }
 
 void* operator new(std::size_t size)

@@ -12,3 +12,14 @@ private:
     static std::uint64_t total();
     const std::uint64_t _start;
 };
+
+/// Lets the n-th call of operator new on this thread fail, counted from 1, as long as it lives. One at a time.
+class AllocationFailure {
+public:
+    explicit AllocationFailure(std::uint64_t nth);
+    ~AllocationFailure();
+    AllocationFailure(const AllocationFailure&) = delete;
+    AllocationFailure& operator=(const AllocationFailure&) = delete;
+
+    bool happened() const;
+};
