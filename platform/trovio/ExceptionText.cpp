@@ -14,7 +14,7 @@ std::string describeCurrentException()
     } catch (const std::exception& problem) {
         return problem.what();
     } catch (...) {
-        return "unknown exception";
+        return "something that is no exception";
     }
 }
 

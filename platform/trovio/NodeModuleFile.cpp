@@ -2,6 +2,7 @@
 
 #include "trovio/Exception.h"
 #include "trovio/ExceptionText.h"
+#include "trovio/LibraryFile.h"
 #include <algorithm>
 #include <cstdlib>
 #include <dlfcn.h>
@@ -38,6 +39,8 @@ std::string missingLibrary(std::string_view problem)
 
 void* openLibrary(const std::string& path)
 {
+    if (const std::string fault = faultOfLibrary(path); !fault.empty())
+        failToLoad(path, fault);
     void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) {
         const char* problem = dlerror();

@@ -7,7 +7,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using Trovio::NodeType;
 using Trovio::Root;
@@ -97,6 +101,65 @@ TEST_F(Modules, RefusalsSayWhatToDo)
     EXPECT_NE(problemOf("NoEntry").find("trovioNodeModule()"), std::string::npos) << "its own file, not the good one";
     EXPECT_NE(problemOf("Throws").find("no such device"), std::string::npos);
     EXPECT_NE(problemOf("MakesNothing").find("made nothing"), std::string::npos);
+}
+
+TEST_F(Modules, FilesThatAreNoWholeLibraryAreRefusedAndHangNobody)
+{
+    namespace fs = std::filesystem;
+    const fs::path folder = fs::path(testing::TempDir()) / ("modules." + std::to_string(getpid()));
+    fs::create_directories(folder / "trovio-node-Folder.so");
+    setenv("TROVIO_NODE_PATH", folder.c_str(), 1);
+    const auto fileOf = [&folder](const std::string& type) { return folder / ("trovio-node-" + type + ".so"); };
+    ASSERT_EQ(mkfifo(fileOf("Pipe").c_str(), 0600), 0);
+    std::ofstream(fileOf("Empty")).close();
+    std::ofstream(fileOf("Text")) << std::string(1000, 'x');
+    const auto whole = fs::file_size(goodModule);
+    for (const auto& [type, size] :
+         {std::pair("CutInHeader", std::uintmax_t(100)), std::pair("CutInHalf", whole / 2)}) {
+        fs::copy_file(goodModule, fileOf(type));
+        fs::resize_file(fileOf(type), size);
+    }
+    fs::copy_file(goodModule, fileOf("Zeros"));
+    fs::resize_file(fileOf("Zeros"), 4096);
+    fs::resize_file(fileOf("Zeros"), whole);
+    const std::pair<const char*, const char*> rows[] = {{"Folder", "it is a folder"},
+                                                        {"Pipe", "it is a pipe, a file is expected"},
+                                                        {"Empty", "it has 0 bytes of"},
+                                                        {"Text", "no shared library"},
+                                                        {"CutInHeader", "it has 100 bytes of"},
+                                                        {"CutInHalf", "it was cut: it has"},
+                                                        {"Zeros", "it is damaged"}};
+    for (const auto& [type, part] : rows)
+        EXPECT_NE(problemOf(type).find(part), std::string::npos) << type << ": " << problemOf(type);
+    fs::remove_all(folder);
+}
+
+TEST_F(Modules, WhatIsNoExceptionBecomesARefusal)
+{
+    const LogCapture log;
+    auto node = NodeType::newInstance("Rude");
+    try {
+        node->setFieldValues("where=configure");
+        ADD_FAILURE() << "it throws";
+    } catch (const Trovio::InvalidFieldException& problem) {
+        EXPECT_EQ(problem.getMessage(), "node 'Rude' of type 'Rude' threw in configure() something that is no "
+                                        "exception; correct the module of this type");
+    }
+    node->setFieldValues("where=start label=loud");
+    try {
+        Root::get().addNamespace(std::move(node));
+        ADD_FAILURE() << "it throws";
+    } catch (const Trovio::InvalidNodeException& problem) {
+        EXPECT_NE(problem.getMessage().find("node 'loud' of type 'Rude' threw in start()"), std::string::npos);
+    }
+    node = NodeType::newInstance("Rude");
+    node->setFieldValues("where=remarks");
+    Root::get().addNamespace(std::move(node));
+    EXPECT_NE(Root::get().inspect()._children.at(0)._node->_remarks.at(0)._text.find("getRemarks()"),
+              std::string::npos);
+    Root::get().removeNamespace("Rude");
+    EXPECT_NE(problemOf("RudeFactory").find("could not be built: something that is no exception"), std::string::npos);
+    EXPECT_NE(log.texts().back().find("'Rude' of type 'Rude' threw while it stopped: something"), std::string::npos);
 }
 
 TEST_F(Modules, ListShowsTypesAndProblems)
