@@ -4,6 +4,7 @@
 #include "host/ExitCode.h"
 #include "host/NearestName.h"
 #include "host/SceneFile.h"
+#include "host/SensorFilter.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -24,6 +25,17 @@ CLI::Validator between(double above, double upTo, const std::string& what)
             if (CLI::detail::lexical_cast(text, number) && number > above && number <= upTo)
                 return {};
             return inQuotes(text) + " is not " + what;
+        },
+        std::string());
+}
+
+CLI::Validator filterText()
+{
+    return CLI::Validator(
+        [](std::string& text) -> std::string {
+            if (!text.empty() && text.size() <= SensorFilter::MaxLength)
+                return {};
+            return inQuotes(text) + " is not a text of 1 to " + std::to_string(SensorFilter::MaxLength) + " bytes";
         },
         std::string());
 }
@@ -62,6 +74,10 @@ void addRunOptions(CLI::App& app, Options& options)
         ->check(between(0, highestRate, "a rate above 0 and up to 10000 frames per second"));
     addFormat(app, "--format", "how values are shown: table, lines or json", options._format,
               {{"table", Format::Table}, {"lines", Format::Lines}, {"json", Format::Json}});
+    app.add_option("--filter", options._filter,
+                   "show only sensors with this text in their name or label; '*' stands for any text")
+        ->type_name("PATTERN")
+        ->check(filterText());
     app.add_flag("--quiet", options._quiet, "show no values, only messages");
     app.add_flag("--verbose", options._verbose, "show the library's informational lines");
 }

@@ -19,6 +19,7 @@ struct Options {
     Format _format = Format::Automatic;
     Format _graph = Format::Automatic; // of check; Automatic for none
     std::string _from, _to;            // labels of why
+    std::string _filter;               // of run
     double _staleAfter = 1;            // seconds
     double _patience = 1;              // seconds
     bool _quiet = false;

@@ -1,7 +1,7 @@
 #include "host/LiveTable.h"
 
 #include "host/Escape.h"
-#include "osg/LogText.h"
+#include "host/TextWrap.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -9,7 +9,8 @@
 namespace Host {
 namespace {
 
-constexpr std::size_t longestName = 28, numberWidth = 8, gap = 2;
+constexpr std::size_t longestName = 28, shortestName = 12, leastValue = 18, numberWidth = 8, gap = 2;
+constexpr std::size_t mostLinesOfValue = 8, indent = 4;
 
 std::string number(const char* format, double value)
 {
@@ -18,30 +19,9 @@ std::string number(const char* format, double value)
     return text;
 }
 
-// Cut or filled to `width` columns.
-std::string fitted(const std::string& text, std::size_t width)
-{
-    const std::size_t columns = displayWidth(text);
-    if (columns <= width)
-        return text + std::string(width - columns, ' ');
-    std::size_t end = 0;
-    for (std::size_t column = 0; column + 1 < width; ++column)
-        end += std::max<std::size_t>(osg::utf8Length(std::string_view(text).substr(end)), 1);
-    return width == 0 ? "" : text.substr(0, end) + "…";
-}
-
 std::string rightAligned(const std::string& text, std::size_t width)
 {
     return text.size() < width ? std::string(width - text.size(), ' ') + text : text;
-}
-
-template <std::string TableRow::*member>
-std::size_t widest(const std::vector<TableRow>& rows, const char* heading)
-{
-    std::size_t width = displayWidth(heading);
-    for (const TableRow& row : rows)
-        width = std::max(width, displayWidth(row.*member));
-    return std::min(width, longestName);
 }
 
 std::string ageText(double age)
@@ -50,30 +30,100 @@ std::string ageText(double age)
         return "-";
     return age < 100 ? number("%.1f s", age) : number("%.0f s", age);
 }
+
+// The value on lines of its own. What is still left out is told by the last one.
+std::vector<std::string> valueLines(const std::string& value, std::size_t width)
+{
+    const std::size_t start = width > 2 * indent ? indent : 0;
+    std::vector<std::string> lines = wrapped(value, width - start, 0);
+    if (lines.size() > mostLinesOfValue) {
+        lines.resize(mostLinesOfValue);
+        lines.back() = fitted(lines.back() + " …", std::min(displayWidth(lines.back()) + 2, width - start));
+    }
+    for (std::string& line : lines)
+        line.insert(0, start, ' ');
+    return lines;
+}
 } // namespace
 
-std::string renderTable(const std::vector<TableRow>& rows, std::size_t width, std::size_t height)
+TableLayout::TableLayout(std::size_t width, std::size_t name, std::size_t type)
+    : _width(width),
+      _name(std::min({name, longestName, std::max(width / 3, shortestName)})),
+      _type(type),
+      _rate(numberWidth),
+      _age(numberWidth)
 {
-    const std::size_t nameWidth = widest<&TableRow::_name>(rows, "sensor");
-    const std::size_t typeWidth = widest<&TableRow::_type>(rows, "type");
-    const std::size_t others = nameWidth + typeWidth + 2 * numberWidth + 4 * gap;
-    const std::size_t valueWidth = width > others ? width - others : 0;
-    const auto line = [&](const std::string& name, const std::string& type, const std::string& value,
-                          const std::string& rate, const std::string& age) {
-        const std::string space(gap, ' ');
-        const std::string text = fitted(name, nameWidth) + space + fitted(type, typeWidth) + space +
-                                 fitted(value, valueWidth) + space + rightAligned(rate, numberWidth) + space +
-                                 rightAligned(age, numberWidth);
-        return fitted(text, width) + "\n";
+    for (std::size_t* column : {&_type, &_rate, &_age})
+        if (others() + leastValue > width)
+            *column = 0;
+    _value = width > others() ? width - others() : 0;
+}
+
+// Columns that are not the value's, with the gaps around it.
+std::size_t TableLayout::others() const
+{
+    std::size_t columns = _name + gap;
+    for (const std::size_t column : {_type, _rate, _age})
+        columns += column == 0 ? 0 : column + gap;
+    return columns;
+}
+
+std::string TableLayout::line(const std::string& name, const std::string& type, const std::string& value,
+                              const std::string& rate, const std::string& age) const
+{
+    const std::string space(gap, ' ');
+    std::string text = fitted(name, _name) + space;
+    if (_type != 0)
+        text += fitted(type, _type) + space;
+    text += fitted(value, _value);
+    if (_rate != 0)
+        text += space + rightAligned(rate, _rate);
+    if (_age != 0)
+        text += space + rightAligned(age, _age);
+    return fitted(text, _width);
+}
+
+std::string TableLayout::heading() const
+{
+    return line("sensor", "type", "value", "values/s", "age");
+}
+
+bool TableLayout::fits(const TableRow& row) const
+{
+    return displayWidth(row._value) <= _value;
+}
+
+std::vector<std::string> TableLayout::lines(const TableRow& row, bool below) const
+{
+    std::vector<std::string> lines = {
+        line(row._name, row._type, below ? "" : row._value, number("%.1f", row._perSecond), ageText(row._age))};
+    if (below)
+        std::ranges::move(valueLines(row._value, _width), std::back_inserter(lines));
+    return lines;
+}
+
+TablePage tablePage(std::size_t rows, std::size_t first, std::size_t room,
+                    const std::function<std::vector<std::string>(std::size_t row)>& linesOf)
+{
+    TablePage page;
+    page._first = std::min(first, rows);
+    // Adds a row where there is room for it, and for one at least as much as there is.
+    const auto add = [&](std::size_t row, bool atFront) {
+        std::vector<std::string> lines = linesOf(row);
+        if (page._count == 0)
+            lines.resize(std::min(lines.size(), room));
+        if (lines.empty() || page._lines.size() + lines.size() > room)
+            return false;
+        page._lines.insert(atFront ? page._lines.begin() : page._lines.end(), lines.begin(), lines.end());
+        ++page._count;
+        return true;
     };
-    const std::size_t room = height > 2 ? height - 2 : 0; // for the heading and for what is left out
-    const std::size_t shown = rows.size() <= room + 1 && height > 1 ? rows.size() : room;
-    std::string table = line("sensor", "type", "value", "values/s", "age");
-    for (std::size_t i = 0; i < shown; ++i)
-        table += line(rows[i]._name, rows[i]._type, rows[i]._value, number("%.1f", rows[i]._perSecond),
-                      ageText(rows[i]._age));
-    if (shown < rows.size())
-        table += ("and " + std::to_string(rows.size() - shown) + " more").substr(0, width) + "\n";
-    return table;
+    std::size_t next = page._first;
+    while (next < rows && add(next, false))
+        ++next;
+    if (next == rows)
+        while (page._first > 0 && add(page._first - 1, true))
+            --page._first;
+    return page;
 }
 } // namespace Host

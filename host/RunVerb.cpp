@@ -4,6 +4,7 @@
 #include "host/ExitCode.h"
 #include "host/Failure.h"
 #include "host/FrameLoop.h"
+#include "host/NearestName.h"
 #include "host/Problems.h"
 #include "host/Report.h"
 #include "host/RunCounts.h"
@@ -11,6 +12,7 @@
 #include "host/RunOutput.h"
 #include "host/SceneReader.h"
 #include "host/SystemClock.h"
+#include "host/Terminal.h"
 #include "host/View.h"
 #include "host/WallSteps.h"
 #include "osg/LogMessage.h"
@@ -39,14 +41,16 @@ double rateOf(const std::vector<SceneFile>& files, const Options& options)
 std::unique_ptr<View> makeView(const Options& options, const Session& session, RunLog& log, RunOutput& output,
                                double start)
 {
-    const bool onTerminal = isatty(STDOUT_FILENO);
+    const bool inPlace = hasCursor(STDOUT_FILENO);
     if (options._quiet)
         return std::make_unique<View>();
     if (options._format == Format::Json)
         return makeJsonView(output.values());
-    if (options._format == Format::Table || (options._format == Format::Automatic && onTerminal))
-        return makeTableView(output.values(), onTerminal, onTerminal && isatty(STDERR_FILENO) ? &log : nullptr,
-                             session.watches(), [&output] { return output.isTaken(); });
+    if (options._format == Format::Table || (options._format == Format::Automatic && inPlace))
+        return makeTableView(output.values(),
+                             {inPlace, inPlace && isatty(STDERR_FILENO) ? &log : nullptr,
+                              inPlace ? std::make_unique<Keyboard>() : nullptr, [&output] { return output.isTaken(); }},
+                             session.watches(), SensorFilter(options._filter));
     return makeLinesView(output.values(), start);
 }
 
@@ -58,11 +62,13 @@ void tellOfStep(double step, const Session& session, View& view)
 }
 
 // Runs frames until the end of the run, which also comes when nobody can read the values any more.
-void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view, const RunOutput& output)
+void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view, const SensorFilter& filter,
+               const RunOutput& output)
 {
     WallSteps steps;
     for (SensorWatch* watch : session.watches())
-        watch->setListener(&view);
+        if (filter.passes(watch->title(), watch->sensor().getLabel()))
+            watch->setListener(&view);
     loop.run([&](double now) {
         if (const double step = steps.look(now, clock.steady()); step != 0)
             tellOfStep(step, session, view);
@@ -75,6 +81,23 @@ void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view,
         watch->setListener(nullptr);
 }
 
+// Else a mistake in the pattern would look like a scene in which nothing happens.
+bool anyPasses(const std::vector<SceneFile>& files, const SensorFilter& filter)
+{
+    std::vector<std::string_view> names;
+    for (const SceneFile& file : files)
+        for (const SensorEntry& sensor : file._sensors) {
+            const std::string scene = files.size() > 1 ? file._path + ": " : "";
+            if (filter.passes(scene + sensor._name._value, sensor._label._value))
+                return true;
+            names.push_back(sensor._name._value);
+        }
+    if (filter.text().empty())
+        return true;
+    say("no sensor has " + inQuotes(filter.text()) + " in its name or label" + nearestHint(filter.text(), names));
+    return false;
+}
+
 int runScenes(std::vector<SceneFile> files, const Options& options, const StopSignal& stop, RunOutput& output)
 {
     const Say sayInRun = [&output](const std::string& line) { output.say(line); };
@@ -84,7 +107,8 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const StopSi
     Session session;
     session.build(std::move(files), sayInRun);
     reportStart(session, sayInRun);
-    runFrames(session, loop, clock, *makeView(options, session, log, output, clock.now()), output);
+    runFrames(session, loop, clock, *makeView(options, session, log, output, clock.now()),
+              SensorFilter(options._filter), output);
     const RunTotals totals{session.stopNodes(), clock.now(), loop.frames(), loop.skipped()};
     reportEnd(session, totals, sayInRun);
     if (options._format == Format::Json)
@@ -113,6 +137,8 @@ int runVerb(const Options& options)
     auto files = readScenes(options);
     if (!files)
         return BadUsage;
+    if (!anyPasses(*files, SensorFilter(options._filter)))
+        return NothingFound;
     int code = Failed;
     const auto failure = failureOf([&] {
         RunOutput output(options._format == Format::Json);

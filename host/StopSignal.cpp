@@ -1,5 +1,7 @@
 #include "host/StopSignal.h"
 
+#include "host/Keyboard.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -23,8 +25,10 @@ void onSignal(int number)
 {
     const int error = errno;
     // A terminal that closes hangs up twice: its shell, and then the kernel.
-    if (stopRequested.exchange(true) && number != SIGHUP)
+    if (stopRequested.exchange(true) && number != SIGHUP) {
+        Keyboard::restore();
         _exit(128 + number);
+    }
     // The byte is never read: from now on every wait returns at once.
     [[maybe_unused]] const ssize_t ignored = write(wakePipe[1], "", 1);
     errno = error;

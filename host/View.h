@@ -1,6 +1,7 @@
 #pragma once
 
-#include "host/CommandLine.h"
+#include "host/Keyboard.h"
+#include "host/SensorFilter.h"
 #include "host/SensorWatch.h"
 
 #include <functional>
@@ -31,9 +32,18 @@ std::unique_ptr<View> makeLinesView(std::ostream& out, double start);
 /// One JSON object per change and line.
 std::unique_ptr<View> makeJsonView(std::ostream& out);
 
-/// A table of all sensors. On a terminal it is redrawn in place four times a second, and shows above itself what `log`
-/// holds back meanwhile; null where messages go elsewhere. Not on a terminal it is written again once a second. While
-/// `isTaken` says that the last one has not been read yet, none is drawn: the next one that is tells the same and more.
-std::unique_ptr<View> makeTableView(std::ostream& out, bool onTerminal, RunLog* log, std::vector<SensorWatch*> watches,
-                                    std::function<bool()> isTaken);
+/// How a table is shown.
+struct TableScreen {
+    bool _inPlace = false;               // else it is written again and again
+    RunLog* _log = nullptr;              // what it holds back is shown above the table; null where it goes elsewhere
+    std::unique_ptr<Keyboard> _keyboard; // may be null
+    std::function<bool()> _isTaken;      // whether what was drawn last has been read; empty where it always is
+};
+
+/// A table of the sensors that pass a filter. In place it is drawn anew four times a second and after each key; it
+/// takes the size of the terminal at standard output, and waits while the program is in the background. Otherwise it is
+/// written once a second, whole. While the last one has not been read yet none is drawn: the next one that is tells the
+/// same and more.
+std::unique_ptr<View> makeTableView(std::ostream& out, TableScreen screen, std::vector<SensorWatch*> watches,
+                                    SensorFilter filter = SensorFilter());
 } // namespace Host

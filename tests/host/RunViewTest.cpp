@@ -65,7 +65,7 @@ protected:
 
 TEST_F(TableViewTest, CountsValuesPerSecond)
 {
-    const auto view = makeTableView(_out, false, nullptr, {&_watch}, [] { return true; });
+    const auto view = makeTableView(_out, {}, {&_watch});
     view->frame(100);
     EXPECT_NE(shown().find("  0.0         -\n"), std::string::npos);
     for (int i = 0; i < 30; ++i)
@@ -79,7 +79,7 @@ TEST_F(TableViewTest, CountsValuesPerSecond)
 TEST_F(TableViewTest, IsDrawnInPlaceBelowTheMessages)
 {
     RunLog runLog(false);
-    const auto view = makeTableView(_out, true, &runLog, {&_watch}, [this] { return _taken; });
+    const auto view = makeTableView(_out, {true, &runLog, nullptr, [this] { return _taken; }}, {&_watch});
     view->frame(100);
     EXPECT_TRUE(shown().starts_with("sensor "));
     view->frame(100.1);

@@ -1,9 +1,7 @@
 #include "host/Escape.h"
-#include "host/LiveTable.h"
 #include "host/NearestName.h"
 #include "host/SceneURL.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
 
@@ -36,25 +34,6 @@ TEST(NearestName, FindsWhatWasMeant)
     for (const auto& [found, nearest] : rows)
         EXPECT_EQ(nearestName(found, known), nearest);
     EXPECT_EQ(nearestName(std::string(10'000, 'l'), known), "");
-}
-
-TEST(LiveTable, FitsIntoTheTerminal)
-{
-    const std::vector<TableRow> rows = {{"wand", "SFVec3f", "0 1.6 0", 60, 0.04},
-                                        {"grün", "SFFloat", "1", 0, -1},
-                                        {"text", "SFString", std::string(200, 'x'), 0.5, 1234}};
-    EXPECT_EQ(renderTable(rows, 60, 10), "sensor  type      value                   values/s       age\n"
-                                         "wand    SFVec3f   0 1.6 0                     60.0     0.0 s\n"
-                                         "grün    SFFloat   1                            0.0         -\n"
-                                         "text    SFString  xxxxxxxxxxxxxxxxxxxxx…       0.5    1234 s\n");
-    EXPECT_EQ(renderTable(rows, 30, 3), "sensor  type        values/s …\n"
-                                        "wand    SFVec3f         60.0 …\n"
-                                        "and 2 more\n");
-    for (std::size_t width = 0; width < 80; ++width)
-        for (std::size_t height = 0; height < 6; ++height) {
-            const std::string table = renderTable(rows, width, height);
-            EXPECT_LE(static_cast<std::size_t>(std::ranges::count(table, '\n')), std::max<std::size_t>(height, 2));
-        }
 }
 
 TEST(SceneURL, StartsAtTheFolderOfTheScene)
