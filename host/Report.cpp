@@ -2,6 +2,7 @@
 
 #include "host/RunCounts.h"
 #include "host/SensorReport.h"
+#include "host/TextWrap.h"
 #include "host/TreeReport.h"
 #include "trovio/Root.h"
 
@@ -23,10 +24,20 @@ void limited(const Say& say, std::size_t most, const char* what, const Report& r
     if (lines > most)
         say("and " + std::to_string(lines - most) + " more " + what);
 }
+
+Say broken(std::size_t width, const Say& say)
+{
+    constexpr std::size_t indent = 4;
+    return [width, &say](const std::string& text) {
+        for (const std::string& line : wrapped(text, width, indent))
+            say(line);
+    };
+}
 } // namespace
 
-void reportStart(const Session& session, const Say& say)
+void reportStart(const Session& session, std::size_t width, const Say& sayLine)
 {
+    const Say say = broken(width, sayLine);
     const Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
     const std::set<std::string> apart = endsApart(root);
     for (const auto& scene : session.scenes())
@@ -36,11 +47,12 @@ void reportStart(const Session& session, const Say& say)
     limited(say, mostAtStart, "nodes", [&](const Say& line) { reportNodes(root, line); });
 }
 
-void reportEnd(const Session& session, const RunTotals& totals, const Say& say)
+void reportEnd(const Session& session, const RunTotals& totals, std::size_t width, const Say& sayLine)
 {
+    const Say say = broken(width, sayLine);
     for (const auto& scene : session.scenes())
         limited(say, mostAtEnd, "sensors", [&](const Say& line) { reportValues(*scene, totals._now, line); });
-    limited(say, mostAtEnd, "slots", [&](const Say& line) { reportSlots(totals._root, line); });
+    limited(say, mostAtEnd, "slots", [&](const Say& line) { reportSlots(totals._root, width, line); });
     limited(say, mostAtEnd, "nodes", [&](const Say& line) { reportCounters(totals._root, line); });
     limited(say, mostAtEnd, "remarks", [&](const Say& line) { reportRemarks(totals._root, line); });
     say("frames: " + std::to_string(totals._frames) + " run, " + std::to_string(totals._leftOut) + " left out");

@@ -4,8 +4,9 @@
 #include "host/JsonText.h"
 #include "host/TreeWalk.h"
 
-#include <cstdio>
+#include <array>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 namespace Host {
 namespace {
@@ -28,9 +29,9 @@ bool wasUsed(const Trovio::SlotInfo& slot)
     return slot._out ? slot._out->_written != 0 : slot._in->_counts.stored != 0;
 }
 
-const Trovio::StampCounts& stampsOf(const Trovio::SlotInfo& slot)
+Trovio::StampCounts stampsOf(const Trovio::SlotInfo& slot)
 {
-    return slot._out ? slot._out->_stamps : slot._in->_stamps;
+    return slot._out ? slot._out->_stamps : slot._in ? slot._in->_stamps : Trovio::StampCounts();
 }
 
 std::string column(const std::string& text, int width)
@@ -39,16 +40,56 @@ std::string column(const std::string& text, int width)
     return std::string(missing > 0 ? static_cast<std::size_t>(missing) : 0, ' ') + text;
 }
 
-// One line of the table. The numbers of the other direction are left out.
+// One number of the report, with the width of its column; nothing where it is none of the slot's direction.
+struct Count {
+    const char* _name;
+    int _width;
+    std::optional<std::uint64_t> _value;
+};
+
+std::array<Count, 7> countsOf(const Trovio::SlotInfo& slot)
+{
+    const auto written = slot._out ? std::optional(slot._out->_written) : std::nullopt;
+    const auto in = [&slot](std::uint64_t Trovio::InSlotCounts::*count) {
+        return slot._in ? std::optional(slot._in->_counts.*count) : std::nullopt;
+    };
+    return {{{"written", 10, written},
+             {"stored", 12, in(&Trovio::InSlotCounts::stored)},
+             {"overwritten", 12, in(&Trovio::InSlotCounts::overwritten)},
+             {"taken", 12, in(&Trovio::InSlotCounts::taken)},
+             {"waiting", 12, in(&Trovio::InSlotCounts::waiting)},
+             {"future", 8, stampsOf(slot)._future},
+             {"backwards", 10, stampsOf(slot)._backwards}}};
+}
+
+constexpr int slotWidth = 52;           // of the columns for slot and type
+constexpr std::size_t tableWidth = 128; // of all
+
+std::string heading()
+{
+    std::string line = "slot" + column("type", slotWidth - 4);
+    for (const Count& count : countsOf({}))
+        line += column(count._name, count._width);
+    return line;
+}
+
 std::string row(const std::string& path, const Trovio::SlotInfo& slot)
 {
-    std::string line = escaped(path) + column(slot._typeName, 52 - static_cast<int>(displayWidth(escaped(path))));
-    line += column(slot._out ? std::to_string(slot._out->_written) : "-", 10);
-    const Trovio::InSlotCounts counts = slot._in ? slot._in->_counts : Trovio::InSlotCounts();
-    for (const std::uint64_t count : {counts.stored, counts.overwritten, counts.taken, counts.waiting})
-        line += column(slot._in ? std::to_string(count) : "-", 12);
-    return line + column(std::to_string(stampsOf(slot)._future), 8) +
-           column(std::to_string(stampsOf(slot)._backwards), 10);
+    const std::string name = escaped(path);
+    std::string line = name + column(slot._typeName, slotWidth - static_cast<int>(displayWidth(name)));
+    for (const Count& count : countsOf(slot))
+        line += column(count._value ? std::to_string(*count._value) : "-", count._width);
+    return line;
+}
+
+// The same where the table has no room.
+std::string sentence(const std::string& path, const Trovio::SlotInfo& slot)
+{
+    std::string counts;
+    for (const Count& count : countsOf(slot))
+        if (count._value)
+            counts += (counts.empty() ? "" : ", ") + std::string(count._name) + " " + std::to_string(*count._value);
+    return "slot " + inQuotes(path) + " (" + slot._typeName + "): " + counts;
 }
 
 Json toJson(const std::string& path, const Trovio::SlotInfo& slot)
@@ -98,16 +139,16 @@ Json toJson(const std::string& path, const Trovio::NodeInfo& node)
 }
 } // namespace
 
-void reportSlots(const Trovio::NamespaceInfo& root, const Say& say)
+void reportSlots(const Trovio::NamespaceInfo& root, std::size_t width, const Say& say)
 {
-    bool first = true;
+    const bool isTable = width >= tableWidth;
+    bool first = isTable;
     forEachSlot(root, [&](const std::string& path, const Trovio::SlotInfo& slot) {
         if (!wasUsed(slot))
             return;
         if (std::exchange(first, false))
-            say("slot                                            type   written      stored overwritten       taken"
-                "     waiting  future backwards");
-        say(row(path, slot));
+            say(heading());
+        say(isTable ? row(path, slot) : sentence(path, slot));
     });
 }
 

@@ -29,6 +29,13 @@ void say(const std::string& line)
     std::fprintf(stderr, "%s\n", line.c_str());
 }
 
+// Columns that a message may take; as many as it likes where no terminal shows it.
+std::size_t messageWidth()
+{
+    const auto size = terminalSize(STDERR_FILENO);
+    return size ? size->_width : std::numeric_limits<std::size_t>::max();
+}
+
 // Each context gets the rate that its scene asks for, or more.
 double rateOf(const std::vector<SceneFile>& files, const Options& options)
 {
@@ -106,11 +113,11 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const StopSi
     FrameLoop loop(clock, rateOf(files, options), {options._seconds, options._frames});
     Session session;
     session.build(std::move(files), sayInRun);
-    reportStart(session, sayInRun);
+    reportStart(session, messageWidth(), sayInRun);
     runFrames(session, loop, clock, *makeView(options, session, log, output, clock.now()),
               SensorFilter(options._filter), output);
     const RunTotals totals{session.stopNodes(), clock.now(), loop.frames(), loop.skipped()};
-    reportEnd(session, totals, sayInRun);
+    reportEnd(session, totals, messageWidth(), sayInRun);
     if (options._format == Format::Json)
         output.putLast(countsLine(session, totals));
     return Done;

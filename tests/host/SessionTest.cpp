@@ -155,7 +155,7 @@ TEST_F(SessionTest, SaysAtStartWhatIsNotConnected)
                                   "[[sensor]]\nname = \"out\"\ntype = \"SFBool\"\nlabel = \"Out\"\noutput = true\n"
                                   "[[sensor]]\nname = \"wrong\"\ntype = \"SFFloat\"\nlabel = \"Wand\"\n"
                                   "[[handler]]\nkind = \"TORVA\"\nname = \"t\"\n"});
-    reportStart(_session, _say);
+    reportStart(_session, 1000, _say);
     for (const char* line : {"scene0:28: handler 't' of kind 'TORVA' could not be made",
                              "sensor 'mute' is bound to nothing: it has no label",
                              "sensor 'node' (label 'Node') is bound to nothing: no handler has a slot for it (SFNode)",
@@ -174,7 +174,8 @@ TEST_F(SessionTest, SumsUpAtTheEnd)
         push(static_cast<float>(i));
     _session.frame(101);
     push(9);
-    reportEnd(_session, {_session.stopNodes(), 0, 5, 2}, _say);
+    const RunTotals totals{_session.stopNodes(), 0, 5, 2};
+    reportEnd(_session, totals, 1000, _say);
     ASSERT_GE(_said.size(), 4U);
     EXPECT_TRUE(_said[0].starts_with("sensor 'wand' (label 'Wand') SFVec3f: 4 values, last 6 0 0; in-slot: 7 stored, "
                                      "2 overwritten, 4 taken, 1 waiting; 0 per second, the last "))
@@ -187,6 +188,11 @@ TEST_F(SessionTest, SumsUpAtTheEnd)
     EXPECT_EQ(words(_said[3]),
               (std::vector<std::string>{"Context/Source/position", "Vec3f", "7", "-", "-", "-", "-", "0", "0"}));
     EXPECT_TRUE(said("frames: 5 run, 2 left out"));
+
+    _said.clear();
+    reportEnd(_session, totals, 40, _say);
+    EXPECT_TRUE(said("slot 'Context/Wand' (Vec3f): stored 7,"));
+    EXPECT_TRUE(std::ranges::all_of(_said, [](const std::string& line) { return line.size() <= 40; }));
 }
 
 } // namespace
