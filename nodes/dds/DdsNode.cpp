@@ -108,6 +108,11 @@ std::vector<RemarkInfo> DdsNode::getRemarks() const
     return remarks;
 }
 
+double DdsNode::getSettlingTime() const
+{
+    return _session ? _session->getSettings()._domain._lease : 0;
+}
+
 void DdsNode::run()
 {
     std::optional<double> next;

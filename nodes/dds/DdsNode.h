@@ -2,6 +2,7 @@
 
 #include "nodes/dds/DdsSession.h"
 #include "nodes/shared/Worker.h"
+#include "trovio/Settling.h"
 
 namespace Trovio::Nodes {
 
@@ -9,7 +10,7 @@ namespace Trovio::Nodes {
 /// is subscribed to, by the same label everywhere.
 /// Ownership: owns its slots; routes refer to them only while the node stands in a namespace.
 /// Threads:   one thread sends and looks after peers; what comes in is pushed on threads of the DDS library.
-class DdsNode final : public Node {
+class DdsNode final : public Node, public Settling {
 public:
     explicit DdsNode(Clock& clock);
     ~DdsNode() override;
@@ -21,6 +22,9 @@ public:
 
     /// How old the newest values are, by their source's clock, or why there are none.
     std::vector<RemarkInfo> getRemarks() const override OSTREL_EXCLUDES(_remarksLock, _troublesLock);
+
+    /// The lease.
+    double getSettlingTime() const override;
 
 private:
     void configure(const Settings& settings) override;

@@ -2,6 +2,7 @@
 #include "trovio/BasicOutSlot.h"
 #include "trovio/FlowQuery.h"
 #include "trovio/Node.h"
+#include "trovio/Settling.h"
 #include "trovio/TimeText.h"
 #include <algorithm>
 #include <cmath>
@@ -9,6 +10,8 @@
 
 // What the counters of slots and nodes tell about records on a way that is connected.
 namespace Trovio {
+
+Settling::~Settling() = default;
 
 namespace {
 
@@ -78,6 +81,8 @@ Explanation FlowQuery::neverWritten(const Entry& home) const
     Explanation cause{Verdict::NeverWritten,
                       "nobody has written into '" + label + "' yet" + remarksOn(home) + recovery(home),
                       {{"out-slot", label}}};
+    if (const auto* const settling = dynamic_cast<const Settling*>(home._scope->_node))
+        cause._details.push_back({"settles", settling->getSettlingTime()});
     if (!home._scope->isRelaying())
         return cause;
     for (const auto& [inLabel, same] : home._scope->_entries) {

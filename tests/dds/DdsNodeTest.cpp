@@ -251,6 +251,19 @@ INSTANTIATE_TEST_SUITE_P(
                                 "of 1 other node there these are published: Quaternion (Float)"}),
     [](const auto& row) { return std::string(row.param._name); });
 
+TEST_F(DdsNodeTest, WhatIsMissingIsToldBeforeTheLeaseIsOver)
+{
+    DdsPeer reader("subscribe='Wand Float' label=reader", "60");
+    const Probe<float> probe("reader/Wand");
+    Explanation found;
+    await([&] {
+        found = Root::get().explain("reader/Wand", "probe of reader/Wand");
+        return found._text.find("; nobody publishes it so far in domain") != std::string::npos;
+    });
+    EXPECT_EQ(found._verdict, Verdict::NeverWritten);
+    EXPECT_EQ(found.findNumber("settles"), 60.0);
+}
+
 TEST_F(DdsNodeTest, WantOfDescriptorsIsSaidAndOvercome)
 {
     rlimit before{};
