@@ -4,8 +4,9 @@
 #include <cerrno>
 #include <cstring>
 #include <latch>
+#include <memory>
+#include <new>
 #include <sys/eventfd.h>
-#include <sys/mman.h>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -36,14 +37,19 @@ std::string findShortageOfDescriptors()
     return {};
 }
 
+struct Free {
+    void operator()(void* memory) const { ::operator delete(memory); }
+};
+
+/// As the library takes it. What threads have reserved for themselves counts as free, as it does for them.
 std::string findShortageOfMemory()
 {
-    constexpr std::size_t bytes = megabytesNeeded << 20U;
-    void* const memory = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (memory == MAP_FAILED)
-        return shortOf(std::to_string(megabytesNeeded) + " MB of memory beside the stacks of its threads", errno,
-                       "raise the limit on memory (ulimit -v)");
-    ::munmap(memory, bytes);
+    std::vector<std::unique_ptr<void, Free>> megabytes;
+    while (megabytes.size() < megabytesNeeded) {
+        if (!megabytes.emplace_back(::operator new(1U << 20U, std::nothrow)))
+            return shortOf(std::to_string(megabytesNeeded) + " MB of memory beside the stacks of its threads", ENOMEM,
+                           "raise the limit on memory (ulimit -v)");
+    }
     return {};
 }
 

@@ -5,7 +5,7 @@
 namespace Trovio::Nodes {
 
 /// Tries whether this program can have what a domain takes of the system: threads, descriptors and memory. Where the
-/// DDS library gets less while it opens one, it ends the program. Takes them all at once, for less than a millisecond.
+/// DDS library gets less while it opens one, it ends the program. Takes them all at once, for about a millisecond.
 /// What is missing, how much of it there is, and the cure; empty if nothing is.
 std::string findShortage();
 
