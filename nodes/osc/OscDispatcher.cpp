@@ -18,7 +18,7 @@ std::vector<OscDispatcher::Lane> OscDispatcher::makeLanes(const std::vector<OscA
 {
     std::vector<Lane> lanes;
     for (const OscAddress& address : addresses)
-        lanes.push_back({address, OscInLane::create(address)});
+        lanes.push_back({address, OscInLane::create(address), OscAddressMap(address._address)});
     return lanes;
 }
 
@@ -49,7 +49,7 @@ void OscDispatcher::visitMatching(const OscMessage& message)
 {
     bool isKnown = false;
     for (std::size_t i = 0; i < _lanes.size(); ++i) {
-        if (matchesOscPattern(message._address, _lanes[i]._address._address)) {
+        if (matchesOscPattern(message._address, _lanes[i]._map)) {
             isKnown = true;
             deliver(i, message);
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "nodes/osc/OscAddressMap.h"
 #include "nodes/osc/OscInLane.h"
 #include "nodes/osc/OscStrangers.h"
 #include "trovio/Node.h"
@@ -40,6 +41,7 @@ private:
     struct Lane {
         OscAddress _address;
         std::unique_ptr<OscInLane> _lane;
+        OscAddressMap _map; // for patterns
     };
     /// Messages of one lane whose arguments made no value.
     struct Mismatches {

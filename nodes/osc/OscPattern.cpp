@@ -1,18 +1,18 @@
 #include "nodes/osc/OscPattern.h"
 
-#include <bitset>
-
 namespace Trovio::Nodes {
 
 namespace {
 
-/// All positions of the address that the part of the pattern read so far can have reached. The usual matcher tries one
-/// way after another instead, which takes minutes for a pattern of many stars; liblo's does, and lets '*' cross '/'.
-using Positions = std::bitset<MaxOscAddress + 1>;
-
+/// Follows all positions of the address that the part of the pattern read so far can have reached. The usual matcher
+/// tries one way after another instead, which takes minutes for a pattern of many stars; liblo's does, and lets '*'
+/// cross '/'.
 class Matcher {
 public:
-    Matcher(std::string_view pattern, std::string_view address) : _rest(pattern), _address(address) { _reached.set(0); }
+    Matcher(std::string_view pattern, const OscAddressMap& address) : _rest(pattern), _address(address)
+    {
+        _reached.set(0);
+    }
 
     bool run()
     {
@@ -30,17 +30,17 @@ private:
         _rest.remove_prefix(1);
         switch (element) {
         case '*':
-            repeat();
+            _reached = _reached.passingAll(_address.findPlain());
             return true;
         case '?':
-            advance([](char character) { return character != '/'; });
+            _reached = _reached.passing(_address.findPlain());
             return true;
         case '[':
             return takeUpTo(']', [this](std::string_view set) { matchSet(set); });
         case '{':
             return takeUpTo('}', [this](std::string_view texts) { matchTexts(texts); });
         default:
-            advance([element](char character) { return character == element; });
+            _reached = _reached.passing(find(element, element));
             return true;
         }
     }
@@ -56,51 +56,33 @@ private:
         return true;
     }
 
-    template <class Fits>
-    void advance(Fits fits)
+    OscPositions find(char first, char last) const
     {
-        Positions next;
-        for (std::size_t i = 0; i < _address.size(); ++i)
-            if (_reached.test(i) && fits(_address[i]))
-                next.set(i + 1);
-        _reached = next;
-    }
-
-    void repeat()
-    {
-        for (std::size_t i = 0; i < _address.size(); ++i)
-            if (_reached.test(i) && _address[i] != '/')
-                _reached.set(i + 1);
+        return _address.find(static_cast<unsigned char>(first), static_cast<unsigned char>(last));
     }
 
     void matchSet(std::string_view set)
     {
         const bool negated = !set.empty() && set.front() == '!';
-        if (negated)
-            set.remove_prefix(1);
-        advance([&](char character) { return character != '/' && contains(set, character) != negated; });
-    }
-
-    static bool contains(std::string_view set, char character)
-    {
-        for (std::size_t i = 0; i < set.size(); ++i) {
-            const bool isRange = i + 2 < set.size() && set[i + 1] == '-';
-            if (isRange ? set[i] <= character && character <= set[i + 2] : set[i] == character)
-                return true;
-            if (isRange)
-                i += 2;
+        OscPositions fitting;
+        for (set.remove_prefix(negated ? 1 : 0); !set.empty();) {
+            const bool isRange = set.size() > 2 && set[1] == '-';
+            fitting |= find(set[0], isRange ? set[2] : set[0]);
+            set.remove_prefix(isRange ? 3 : 1);
         }
-        return false;
+        const OscPositions plain = _address.findPlain(), others = plain.without(fitting);
+        _reached = _reached.passing(negated ? others : plain.without(others));
     }
 
     void matchTexts(std::string_view texts)
     {
-        Positions next;
+        OscPositions next;
         for (;;) {
             const auto text = texts.substr(0, texts.find(','));
-            for (std::size_t i = 0; i <= _address.size(); ++i)
-                if (_reached.test(i) && _address.substr(i).starts_with(text))
-                    next.set(i + text.size());
+            OscPositions behind = _reached;
+            for (const char character : text)
+                behind = behind.passing(find(character, character));
+            next |= behind;
             if (text.size() == texts.size())
                 break;
             texts.remove_prefix(text.size() + 1);
@@ -109,8 +91,8 @@ private:
     }
 
     std::string_view _rest;
-    const std::string_view _address;
-    Positions _reached;
+    const OscAddressMap& _address;
+    OscPositions _reached;
 };
 
 } // namespace
@@ -120,11 +102,9 @@ bool isOscPattern(std::string_view address)
     return address.find_first_of("*?[]{}") != std::string_view::npos;
 }
 
-bool matchesOscPattern(std::string_view pattern, std::string_view address)
+bool matchesOscPattern(std::string_view pattern, const OscAddressMap& address)
 {
-    if (pattern.size() > MaxOscAddress || address.size() > MaxOscAddress)
-        return false;
-    return Matcher(pattern, address).run();
+    return pattern.size() <= MaxOscAddress && Matcher(pattern, address).run();
 }
 
 } // namespace Trovio::Nodes

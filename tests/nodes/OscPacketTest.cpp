@@ -131,8 +131,8 @@ TEST(OscPattern, MeansTheAddressesThatItShould)
                                                      Row{"/{a", "/a", false},
                                                      Row{"/[a", "/a", false},
                                                      Row{"/a}", "/a}", true}})
-        EXPECT_EQ(matchesOscPattern(pattern, address), expected) << pattern << " and " << address;
-    EXPECT_FALSE(matchesOscPattern("/" + std::string(MaxOscAddress, '*'), "/a"));
+        EXPECT_EQ(matchesOscPattern(pattern, OscAddressMap(address)), expected) << pattern << " and " << address;
+    EXPECT_FALSE(matchesOscPattern("/" + std::string(MaxOscAddress, '*'), OscAddressMap("/a")));
 }
 
 TEST(OscPattern, ManyStarsTakeNoLongerThanOthers)
@@ -141,8 +141,9 @@ TEST(OscPattern, ManyStarsTakeNoLongerThanOthers)
     while (pattern.size() < MaxOscAddress - 2)
         pattern += "*a";
     // One way after another, this would go on until the end of time.
-    EXPECT_FALSE(matchesOscPattern(pattern + "b", "/" + std::string(MaxOscAddress - 1, 'a')));
-    EXPECT_TRUE(matchesOscPattern(pattern, "/" + std::string(MaxOscAddress - 1, 'a')));
+    const OscAddressMap address("/" + std::string(MaxOscAddress - 1, 'a'));
+    EXPECT_FALSE(matchesOscPattern(pattern + "b", address));
+    EXPECT_TRUE(matchesOscPattern(pattern, address));
 }
 
 TEST(OscTime, TagsHoldTheDatesOfTwoEras)
