@@ -1,6 +1,5 @@
 #include "nodes/controller/ControllerNode.h"
 
-#include "nodes/shared/Report.h"
 #include "trovio/BasicOutSlot.h"
 #include <algorithm>
 
@@ -70,8 +69,7 @@ void ControllerNode::stop()
 
 void ControllerNode::deviceTaken(const DeviceIdentity& device, const ControllerState& state, const Time& now)
 {
-    setRunning(); // before the records that come of it
-    report(osg::LogNotice, "Controller: uses " + device.describe());
+    setRunning("uses " + device.describe()); // before the records that come of it
     _slots.show(state, now);
 }
 

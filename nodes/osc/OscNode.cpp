@@ -1,5 +1,6 @@
 #include "nodes/osc/OscNode.h"
 
+#include "nodes/shared/Report.h"
 #include "nodes/shared/SlotList.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
@@ -181,7 +182,11 @@ std::vector<RemarkInfo> OscNode::getRemarks() const
 void OscNode::setProblem(std::string Problems::*half, const std::string& problem)
 {
     const Ostrel::LockGuard guard(_problemLock);
+    const bool recovers = problem.empty() && !(_problems.*half).empty();
     _problems.*half = problem;
+    // Of the whole node the framework says it.
+    if (recovers && (!_problems._input.empty() || !_problems._output.empty()))
+        report(osg::LogWarning, half == &Problems::_input ? "OSC: receives again" : "OSC: sends again");
     if (_problems._input.empty() && _problems._output.empty())
         setRunning();
     else if (_problems._input.empty() || _problems._output.empty())

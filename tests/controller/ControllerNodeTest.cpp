@@ -74,6 +74,7 @@ TEST_F(ControllerNodeTest, UnpluggedItRestsAndPluggedInAgainItResumes)
     EXPECT_EQ(node->getState()._reason, "there is no free controller with serial='S1'; none is plugged in");
     const int device = plugIn();
     EXPECT_FALSE(node->getState()._degraded);
+    EXPECT_EQ(_log.texts().back(), "node 'pad' runs again, uses " + pad.describe() + "\n");
     EXPECT_TRUE(gyro.slot().empty()) << "before the first reading";
     _clock.advance(5.0);
     _fake->move(device, InputKind::Button, 0, {1.0F, 0.0F, 0.0F});
