@@ -33,15 +33,16 @@ void refill(const Trovio::Image& from, std::uint32_t format, osg::Image& to)
 
 } // namespace
 
-void convert(const Trovio::Image& from, osg::ImagePtr& to)
+bool convert(const Trovio::Image& from, osg::ImagePtr& to)
 {
     if (const auto direct = pixelFormat(from.getFormat())) {
         refill(from, *direct, *to);
-        return;
+        return true;
     }
     Trovio::Image converted;
-    from.convertFormat(Trovio::Image::RGB, converted);
+    const bool isConverted = from.convertFormat(Trovio::Image::RGB, converted);
     refill(converted, osg::Image::Rgb, *to);
+    return isConverted;
 }
 
 } // namespace Ostrel::Conversions

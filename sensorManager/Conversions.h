@@ -74,8 +74,9 @@ inline void convert(const Rotation& from, Trovio::Rotation& to)
     to = Trovio::Rotation(q[0], q[1], q[2], q[3]);
 }
 
-/// Refills the image that the field holds. A format that the scene does not know becomes RGB on the way.
-void convert(const Trovio::Image& from, osg::ImagePtr& to);
+/// Refills the image that the field holds. A format that the scene does not know becomes RGB on the way. False for one
+/// that cannot; the field's image is empty then.
+bool convert(const Trovio::Image& from, osg::ImagePtr& to);
 
 /// A single value into its field.
 template <int Code, class Element, class Value>
@@ -84,10 +85,12 @@ void toField(Value& from, SingleField<Code, Element>& field)
     convert(from, field.value());
 }
 
+/// An image that could not be converted; null if all could.
 template <int Code>
-void toField(Trovio::SharedImage& from, SingleField<Code, osg::ImagePtr>& field)
+const Trovio::Image* toField(Trovio::SharedImage& from, SingleField<Code, osg::ImagePtr>& field)
 {
-    convert(*from, field.value());
+    const Trovio::Image& image = *from;
+    return convert(image, field.value()) ? nullptr : &image;
 }
 
 /// A multiple value into its field, which gets the vector's length. A null handle acquires a vector first, and brings
@@ -104,6 +107,20 @@ void toField(Trovio::SharedVector<SlotElement>& from, MultiField<Code, Element>&
         for (const SlotElement& value : values)
             convert(value, *target++);
     }
+}
+
+/// Images, each into the one at the same position. One that could not be converted; null if all could.
+template <int Code>
+const Trovio::Image* toField(Trovio::SharedVector<Trovio::Image>& from, MultiField<Code, osg::ImagePtr>& field)
+{
+    const std::vector<Trovio::Image>& images = *from;
+    const Trovio::Image* refused = nullptr;
+    field.values().resize(images.size());
+    auto target = field.values().begin();
+    for (const Trovio::Image& image : images)
+        if (!convert(image, *target++))
+            refused = &image;
+    return refused;
 }
 
 /// A single value out of its field.

@@ -47,6 +47,11 @@ struct FieldRow {
     using SlotValue = SlotValueT;
 };
 
+/// Whether it is one of the two rows of images.
+template <class Row>
+constexpr bool isImage =
+    std::is_same_v<typename Row::FieldType, SFImage> || std::is_same_v<typename Row::FieldType, MFImage>;
+
 /// Calls visit(FieldRow<…>()) for the row of that code. False, and no call, for a code without a row.
 template <class Visit>
 bool withFieldType(int code, Visit&& visit)

@@ -2,6 +2,7 @@
 
 #include "sensorManager/Conversions.h"
 #include "sensorManager/FieldTypes.h"
+#include "sensorManager/ImageSlots.h"
 #include "sensorManager/LogMessage.h"
 #include "trovio/InSlot.h"
 #include "trovio/Namespace.h"
@@ -14,10 +15,18 @@ namespace {
 constexpr char logFile[] = "sensorManager/TrovioSensorHandler";
 constexpr char unhandledType[] = "Can not handle Trovio Slot of DirectSensor type %s\n";
 
-/// Images come in, and never go out.
-template <class Row>
-constexpr bool isSent =
-    !std::is_same_v<typename Row::FieldType, SFImage> && !std::is_same_v<typename Row::FieldType, MFImage>;
+/// Said once for each slot: who sends such images goes on with it.
+void tellRefused(const Trovio::Image& image, Trovio::BasicInSlot& slot)
+{
+    auto* const told = dynamic_cast<RefusedImages*>(&slot);
+    const char* const label = told ? told->admit() : nullptr;
+    if (label)
+        OSTREL_LOG(LogLevel::Warning, logFile,
+                   "Can not convert an image of Trovio Slot %s: format %d, %u x %u pixels; the field's image is empty "
+                   "now. Allowed are formats 4 to 10, 16 and 17, up to %zu bytes as RGB\n",
+                   label, static_cast<int>(image.getFormat()), image.getWidth(), image.getHeight(),
+                   Trovio::Image::MaxBytes);
+}
 
 /// False if slot or field are not what the row says; nothing was taken then.
 template <class Row>
@@ -28,7 +37,12 @@ bool takeOne(Trovio::BasicInSlot& basicSlot, Field& basicField)
     if (!slot || !field)
         return false;
     auto record = slot->pop();
-    Conversions::toField(record.getValue(), *field);
+    if constexpr (isImage<Row>) {
+        if (const Trovio::Image* refused = Conversions::toField(record.getValue(), *field))
+            tellRefused(*refused, basicSlot);
+    } else {
+        Conversions::toField(record.getValue(), *field);
+    }
     return true;
 }
 
@@ -95,7 +109,7 @@ void TrovioSensorHandler::UpdateObserver::updateOutput(const TimeStamp&)
         return;
     bool sent = false;
     withFieldType(_field->getTypeCode(), [&]<class Row>(Row) {
-        if constexpr (isSent<Row>) {
+        if constexpr (!isImage<Row>) { // they come in, and never go out
             sendValue<Row>(*_field, *_slot);
             sent = true;
         }

@@ -139,6 +139,27 @@ TEST_F(BridgeInput, ImagesRefillTheImageThatIsThere)
     }
 }
 
+TEST_F(BridgeInput, AnImageThatCannotBeConvertedIsNamedOnceForEachSlot)
+{
+    const LogCapture log(2);
+    SharedImage depth;
+    *depth = Image(Image::Depth, 640, 480);
+    for (const char* label : {"first", "second"}) {
+        DirectSensor& sensor = add("SFImage", label);
+        for (int i = 0; i < 3; ++i)
+            receive(sensor, depth);
+        EXPECT_EQ(field<SFImage>(sensor).value()->width(), 0);
+    }
+    receive(add("MFImage", "several"), shared<Image>({Image(Image::RGB, 1, 1), Image(Image::Depth, 2, 1)}));
+    const auto texts = log.texts();
+    ASSERT_EQ(texts.size(), 3U);
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        EXPECT_NE(texts[i].find(std::array{"Slot first: format 20, 640 x 480 pixels", "Slot second: format 20, 640 x",
+                                           "Slot several: format 20, 2 x 1 pixels"}[i]),
+                  std::string::npos)
+            << texts[i];
+}
+
 TEST_F(BridgeInput, NodesAreRefusedWithAMessageAndEmptyLabelsWithout)
 {
     for (const bool output : {false, true}) {
