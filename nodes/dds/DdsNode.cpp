@@ -108,7 +108,7 @@ std::vector<RemarkInfo> DdsNode::getRemarks() const
     return remarks;
 }
 
-double DdsNode::getSettlingTime() const
+double DdsNode::getSettlingTime() const noexcept
 {
     return _session ? _session->getSettings()._domain._lease : 0;
 }

@@ -24,7 +24,7 @@ public:
     std::vector<RemarkInfo> getRemarks() const override OSTREL_EXCLUDES(_remarksLock, _troublesLock);
 
     /// The lease.
-    double getSettlingTime() const override;
+    double getSettlingTime() const noexcept override;
 
 private:
     void configure(const Settings& settings) override;

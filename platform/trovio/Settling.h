@@ -10,7 +10,7 @@ public:
 
     /// Seconds from its start, such as the time between signs of life of a peer. Any thread, under any lock but the
     /// log's.
-    virtual double getSettlingTime() const = 0;
+    virtual double getSettlingTime() const noexcept = 0;
 };
 
 } // namespace Trovio
