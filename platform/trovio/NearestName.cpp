@@ -51,4 +51,10 @@ std::string_view nearestName(std::string_view found, std::span<const std::string
     return nearest;
 }
 
+std::string nearestHint(std::string_view found, const std::vector<std::string>& known)
+{
+    const std::string_view nearest = nearestName(found, std::vector<std::string_view>(known.begin(), known.end()));
+    return nearest.empty() ? std::string() : "; nearest: '" + std::string(nearest) + "'";
+}
+
 } // namespace Trovio

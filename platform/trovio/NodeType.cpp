@@ -3,6 +3,7 @@
 #include "trovio/Exception.h"
 #include "trovio/ExceptionText.h"
 #include "trovio/FrameworkLog.h"
+#include "trovio/NearestName.h"
 #include "trovio/Node.h"
 #include "trovio/NodeModuleFile.h"
 #include <algorithm>
@@ -92,12 +93,38 @@ void enlist(const std::shared_ptr<NodeModuleFile>& module)
     }
 }
 
+/// The types whose modules are there.
+std::set<std::string> namesOfFiles()
+{
+    std::set<std::string> names;
+    for (const std::string& folder : NodeModuleFile::searchFolders()) {
+        std::error_code problem;
+        for (std::filesystem::directory_iterator file(folder, problem), end; !problem && file != end;
+             file.increment(problem)) {
+            if (const auto name = NodeModuleFile::typeNameOf(file->path().filename().string()); !name.empty())
+                names.insert(name);
+        }
+    }
+    return names;
+}
+
+/// "; allowed: A, B; nearest: 'B'": the end of a message about a name that no type has.
+std::string knownNames(const std::string& name)
+{
+    const std::vector<std::string> names = NodeType::names();
+    std::string text;
+    for (const std::string& known : names)
+        text += (text.empty() ? "; allowed: " : ", ") + known;
+    return text + nearestHint(name, names);
+}
+
 RegisteredType load(const std::string& name)
 {
     const std::filesystem::path path = findFile(name);
     if (path.empty())
-        throw InvalidNodeException("node type '" + name + "' is not known: no " + NodeModuleFile::fileNameFor(name) +
-                                   " in " + joined(NodeModuleFile::searchFolders()) +
+        throw InvalidNodeException("node type '" + name + "' is not known" + knownNames(name) + "; no " +
+                                   NodeModuleFile::fileNameFor(name) + " in " +
+                                   joined(NodeModuleFile::searchFolders()) +
                                    "; check the name, install its module, or name its folder in TROVIO_NODE_PATH");
     enlist(std::make_shared<NodeModuleFile>(path.string()));
     if (auto type = find(name))
@@ -115,17 +142,8 @@ void checkName(const std::string& name)
 /// Loads every module that can be found; the problem of each that cannot be loaded, by the name of its type.
 std::vector<NodeTypeInfo> loadAll()
 {
-    std::set<std::string> names;
-    for (const std::string& folder : NodeModuleFile::searchFolders()) {
-        std::error_code problem;
-        for (std::filesystem::directory_iterator file(folder, problem), end; !problem && file != end;
-             file.increment(problem)) {
-            if (const auto name = NodeModuleFile::typeNameOf(file->path().filename().string()); !name.empty())
-                names.insert(name);
-        }
-    }
     std::vector<NodeTypeInfo> failed;
-    for (const std::string& name : names) {
+    for (const std::string& name : namesOfFiles()) {
         try {
             if (!find(name))
                 load(name);
@@ -192,6 +210,16 @@ std::vector<NodeTypeInfo> NodeType::list()
     }
     std::sort(infos.begin(), infos.end(), [](const auto& left, const auto& right) { return left._name < right._name; });
     return infos;
+}
+
+std::vector<std::string> NodeType::names()
+{
+    std::set<std::string> names = namesOfFiles();
+    Registry& types = registry();
+    const LockGuard guard(types._lock);
+    for (const auto& [name, type] : types._types)
+        names.insert(name);
+    return {names.begin(), names.end()};
 }
 
 void NodeType::shutdown()

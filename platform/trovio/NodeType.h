@@ -32,6 +32,9 @@ public:
     /// All types that there are, by name: loads every module found, and lists those that cannot be loaded too.
     static std::vector<NodeTypeInfo> list();
 
+    /// The names of all types that are there or have a module of that name, in order; loads nothing.
+    static std::vector<std::string> names();
+
 private:
     friend class Root;
     /// Forgets all types and closes all modules but those that want to stay.

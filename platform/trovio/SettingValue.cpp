@@ -1,10 +1,13 @@
 #include "trovio/SettingValue.h"
 
+#include "trovio/NearestName.h"
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <stdexcept>
 #include <string_view>
+#include <vector>
 
 namespace Trovio {
 
@@ -32,17 +35,24 @@ std::string formatRange(const Setting& row)
     return formatNumber(row._lowest) + " to " + formatNumber(row._highest);
 }
 
-/// The position of text in "a|b|c".
-std::optional<std::int64_t> findChoice(std::string_view choices, std::string_view text)
+/// Of "a|b|c".
+std::vector<std::string> split(std::string_view choices)
 {
-    for (std::int64_t position = 0;; ++position) {
+    std::vector<std::string> names;
+    for (;;) {
         const std::size_t bar = choices.find('|');
-        if (choices.substr(0, bar) == text)
-            return position;
+        names.emplace_back(choices.substr(0, bar));
         if (bar == std::string_view::npos)
-            return std::nullopt;
+            return names;
         choices.remove_prefix(bar + 1);
     }
+}
+
+std::optional<std::int64_t> findChoice(std::string_view choices, std::string_view text)
+{
+    const std::vector<std::string> names = split(choices);
+    const auto found = std::find(names.begin(), names.end(), text);
+    return found == names.end() ? std::nullopt : std::optional<std::int64_t>(found - names.begin());
 }
 
 bool isHost(std::string_view host)
@@ -139,7 +149,9 @@ std::optional<std::string> readSettingValue(const Setting& row, const std::strin
 {
     if (row._kind == SettingKind::File)
         return readFile(text, baseURL, value._path);
-    return readPlain(row, text, value) ? std::nullopt : std::optional(describeAllowed(row));
+    if (readPlain(row, text, value))
+        return std::nullopt;
+    return describeAllowed(row) + (row._kind == SettingKind::Choice ? nearestHint(text, split(row._choices)) : "");
 }
 
 std::string describeAllowed(const Setting& row)

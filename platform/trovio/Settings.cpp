@@ -1,5 +1,6 @@
 #include "trovio/Settings.h"
 
+#include "trovio/NearestName.h"
 #include "trovio/SettingValue.h"
 #include "trovio/SettingsParser.h"
 #include <stdexcept>
@@ -38,7 +39,7 @@ void Settings::assign(const std::string& name, std::string text)
     const auto found = _values.find(name);
     if (found == _values.end())
         throw InvalidFieldException("setting '" + name + "' (value '" + text +
-                                    "') is not known; allowed: " + knownNames());
+                                    "') is not known; allowed: " + knownNames(name));
     if (found->second._given)
         throw InvalidFieldException("setting '" + name + "' is given twice, as '" + found->second._text + "' and as '" +
                                     text + "'; allowed: once");
@@ -46,12 +47,15 @@ void Settings::assign(const std::string& name, std::string text)
     found->second._given = true;
 }
 
-std::string Settings::knownNames() const
+std::string Settings::knownNames(const std::string& wrong) const
 {
-    std::string names;
-    for (const auto& [name, value] : _values)
-        names += (names.empty() ? "" : ", ") + name;
-    return names.empty() ? "none" : names;
+    std::string text;
+    std::vector<std::string> names;
+    for (const auto& [name, value] : _values) {
+        text += (text.empty() ? "" : ", ") + name;
+        names.push_back(name);
+    }
+    return text.empty() ? "none" : text + nearestHint(wrong, names);
 }
 
 const Settings::Value& Settings::value(std::string_view name) const

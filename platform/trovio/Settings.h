@@ -51,7 +51,7 @@ private:
     };
 
     void assign(const std::string& name, std::string text);
-    std::string knownNames() const;
+    std::string knownNames(const std::string& wrong) const; // and which is nearest
     const Value& value(std::string_view name) const;
     const SettingValue& value(std::string_view name, SettingKind kind) const;
 
