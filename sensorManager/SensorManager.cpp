@@ -79,8 +79,9 @@ void SensorManager::registerSensor(DirectSensor& sensor)
                    nameOf(sensor).c_str());
         return;
     }
+    const unsigned long change = ++_changes;
     SensorHandler* handler = nullptr;
-    while (_sensors.contains(&sensor) && (handler = nextAfter(_handlers, handler)))
+    while ((change == _changes || _sensors.contains(&sensor)) && (handler = nextAfter(_handlers, handler)))
         handler->regDISensor(&sensor);
 }
 
@@ -91,8 +92,9 @@ void SensorManager::unregisterSensor(DirectSensor& sensor)
                    nameOf(sensor).c_str());
         return;
     }
+    const unsigned long change = ++_changes;
     SensorHandler* handler = nullptr;
-    while (!_sensors.contains(&sensor) && (handler = nextAfter(_handlers, handler)))
+    while ((change == _changes || !_sensors.contains(&sensor)) && (handler = nextAfter(_handlers, handler)))
         handler->unregDISensor(&sensor);
 }
 
