@@ -40,12 +40,13 @@ public:
         return taken;
     }
 
+    /// Reads nothing of the mutex once it is free: whoever waited for it may destroy it at once.
     void unlock() OSTREL_RELEASE()
     {
+        HeldRanks::release(_rank);
         OSTREL_LOCK_EVENT(pre_unlock, this, 0);
         _lock.unlock();
         OSTREL_LOCK_EVENT(post_unlock, this, 0);
-        HeldRanks::release(_rank);
     }
 
 private:
