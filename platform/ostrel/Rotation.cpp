@@ -6,11 +6,18 @@ namespace Ostrel {
 
 namespace {
 
-constexpr float shortest = 1e-6F; // a vector up to this length has no direction
+constexpr double shortest = 1e-6; // a vector up to this length has no direction
 
-float length(float x, float y, float z)
+// In double, in which no square of a float is too large or too small.
+double length(double x, double y, double z)
 {
     return std::sqrt(x * x + y * y + z * z);
+}
+
+template <class... Numbers>
+std::array<float, sizeof...(Numbers)> rounded(Numbers... numbers)
+{
+    return {static_cast<float>(numbers)...};
 }
 
 } // namespace
@@ -52,13 +59,14 @@ void Rotation::updateQuaternion() const
         return;
     _mark = BothValid;
     const auto [x, y, z] = _axis;
-    const float size = length(x, y, z);
+    const double size = length(x, y, z);
     if (!(size > shortest)) {
         _quaternion = {0.0F, 0.0F, 0.0F, 1.0F};
         return;
     }
-    const float s = std::sin(_angle / 2.0F);
-    _quaternion = {x * s / size, y * s / size, z * s / size, std::cos(_angle / 2.0F)};
+    const double half = _angle / 2.0;
+    _quaternion =
+        rounded(x / size * std::sin(half), y / size * std::sin(half), z / size * std::sin(half), std::cos(half));
 }
 
 void Rotation::updateAxisAngle() const
@@ -67,14 +75,14 @@ void Rotation::updateAxisAngle() const
         return;
     _mark = BothValid;
     const auto [x, y, z, w] = _quaternion;
-    const float size = length(x, y, z);
+    const double size = length(x, y, z);
     if (!(size > shortest)) {
         _axis = {0.0F, 0.0F, 1.0F};
         _angle = 0.0F;
         return;
     }
-    _axis = {x / size, y / size, z / size};
-    _angle = 2.0F * std::atan2(size, w);
+    _axis = rounded(x / size, y / size, z / size);
+    _angle = static_cast<float>(2.0 * std::atan2(size, w));
 }
 
 } // namespace Ostrel

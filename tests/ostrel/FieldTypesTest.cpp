@@ -44,8 +44,9 @@ TEST(Rotation, QuaternionFollowsAxisAndAngle)
     };
     const float pi = 3.14159265F;
     const float half = std::sqrt(0.5F);
-    for (const Row& row : {Row{{0, 0, 0, 1}, {0, 0, 0, 1}}, Row{{0, 2, 0, pi}, {0, 1, 0, 0}},
-                           Row{{0.5e-6F, 0, 0, pi}, {0, 0, 0, 1}}, Row{{0, 0, -3, pi / 2}, {0, 0, -half, half}}}) {
+    for (const Row& row :
+         {Row{{0, 0, 0, 1}, {0, 0, 0, 1}}, Row{{0, 2, 0, pi}, {0, 1, 0, 0}}, Row{{0.5e-6F, 0, 0, pi}, {0, 0, 0, 1}},
+          Row{{0, 0, -3, pi / 2}, {0, 0, -half, half}}, Row{{3e38F, 0, 3e38F, pi}, {half, 0, half, 0}}}) {
         Rotation rotation;
         rotation.setAxisAngle(row._axisAngle[0], row._axisAngle[1], row._axisAngle[2], row._axisAngle[3]);
         EXPECT_EQ(rotation.mark(), Rotation::QuaternionStale);
