@@ -26,7 +26,7 @@ void forEachSlot(const Trovio::NamespaceInfo& root, const Visit& visit)
 
 bool wasUsed(const Trovio::SlotInfo& slot)
 {
-    return slot._out ? slot._out->_written != 0 : slot._in->_counts.stored != 0;
+    return slot._out ? slot._out->_written != 0 : slot._in->_counts.stored + slot._in->_notStored != 0;
 }
 
 Trovio::StampCounts stampsOf(const Trovio::SlotInfo& slot)
@@ -73,13 +73,20 @@ std::string heading()
     return line;
 }
 
+// Rare, so that it has no column.
+std::string notStored(const Trovio::SlotInfo& slot)
+{
+    const std::uint64_t count = slot._in ? slot._in->_notStored : 0;
+    return count == 0 ? "" : ", " + std::to_string(count) + " not stored for want of memory";
+}
+
 std::string row(const std::string& path, const Trovio::SlotInfo& slot)
 {
     const std::string name = escaped(path);
     std::string line = name + column(slot._typeName, slotWidth - static_cast<int>(displayWidth(name)));
     for (const Count& count : countsOf(slot))
         line += column(count._value ? std::to_string(*count._value) : "-", count._width);
-    return line;
+    return line + notStored(slot);
 }
 
 // The same where the table has no room.
@@ -89,7 +96,7 @@ std::string sentence(const std::string& path, const Trovio::SlotInfo& slot)
     for (const Count& count : countsOf(slot))
         if (count._value)
             counts += (counts.empty() ? "" : ", ") + std::string(count._name) + " " + std::to_string(*count._value);
-    return "slot " + inQuotes(path) + " (" + slot._typeName + "): " + counts;
+    return "slot " + inQuotes(path) + " (" + slot._typeName + "): " + counts + notStored(slot);
 }
 
 Json toJson(const std::string& path, const Trovio::SlotInfo& slot)
@@ -102,7 +109,9 @@ Json toJson(const std::string& path, const Trovio::SlotInfo& slot)
                        {"overwritten", slot._in->_counts.overwritten},
                        {"taken", slot._in->_counts.taken},
                        {"waiting", slot._in->_counts.waiting},
-                       {"interrupts", slot._in->_interrupts}});
+                       {"interrupts", slot._in->_interrupts},
+                       {"notStored", slot._in->_notStored},
+                       {"cutShort", slot._in->_cutShort}});
     object.update({{"lastStamp", stampsOf(slot)._last.getSeconds()},
                    {"future", stampsOf(slot)._future},
                    {"backwards", stampsOf(slot)._backwards}});

@@ -28,6 +28,16 @@ std::string stampFaults(const Trovio::StampCounts& stamps)
     return text;
 }
 
+std::string lossesOf(const Trovio::InSlotActivity& activity)
+{
+    std::string text;
+    if (activity._notStored != 0)
+        text += ", " + std::to_string(activity._notStored) + " not stored for want of memory";
+    if (activity._cutShort != 0)
+        text += ", " + std::to_string(activity._cutShort) + " frames left values to the next";
+    return text;
+}
+
 // How often the sensor changed, and how old its value is.
 std::string paceOf(const SensorWatch& watch, double now)
 {
@@ -49,7 +59,7 @@ std::string slotCounts(const Trovio::Slot& slot)
     const Trovio::InSlotCounts& counts = activity._counts;
     return "; in-slot: " + std::to_string(counts.stored) + " stored, " + std::to_string(counts.overwritten) +
            " overwritten, " + std::to_string(counts.taken) + " taken, " + std::to_string(counts.waiting) + " waiting" +
-           stampFaults(activity._stamps);
+           lossesOf(activity) + stampFaults(activity._stamps);
 }
 
 std::string whyUnbound(const SensorWatch& watch, bool isApart)

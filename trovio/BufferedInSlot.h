@@ -14,6 +14,7 @@ public:
     BufferedInSlot(const std::string& name, unsigned int maxSize)
         : InSlot<T>(name), _buffer(maxSize), _readPos(_buffer.begin()), _writePos(_buffer.begin())
     {
+        Hooks::setCapacity(*this, maxSize);
     }
     ~BufferedInSlot() override = default;
 
@@ -44,7 +45,7 @@ bool BufferedInSlot<T>::empty() const
 {
     this->lock();
     const bool empty = _count == 0;
-    this->Slot::unlock(); // nothing was stored, so nobody has to be woken
+    this->unlockUnchanged();
     return empty;
 }
 
@@ -53,7 +54,7 @@ Data<T> BufferedInSlot<T>::top()
 {
     this->lock();
     this->throwIfInterrupted();
-    const Data<T> data = *_readPos;
+    const Data<T> data = this->handOut(*_readPos, false);
     this->unlock();
     return data;
 }
@@ -69,7 +70,7 @@ Data<T> BufferedInSlot<T>::pop()
         // The token of an interrupt that top() has taken meanwhile.
         this->unlock();
     }
-    const Data<T> data = *_readPos;
+    const Data<T> data = this->handOut(*_readPos, true);
     advance(_readPos);
     --_count;
     Hooks::taken(*this, data);
@@ -81,6 +82,10 @@ template <class T>
 void BufferedInSlot<T>::push(const Data<T>& data)
 {
     this->lock();
+    if (!this->keep(data, *_writePos)) {
+        this->unlock();
+        return;
+    }
     Hooks::stored(*this, data);
     if (_writePos != _readPos || _count == 0) {
         ++_count;
@@ -89,7 +94,6 @@ void BufferedInSlot<T>::push(const Data<T>& data)
         advance(_readPos);
         Hooks::overwritten(*this);
     }
-    *_writePos = data;
     advance(_writePos);
     this->unlock();
     this->newData();

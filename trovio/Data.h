@@ -1,6 +1,7 @@
 #pragma once
 
 #include "trovio/BasicData.h"
+#include <type_traits>
 
 namespace Trovio {
 
@@ -17,6 +18,17 @@ public:
     explicit Data(const T& value) : _value(value) { setTimeStamp(); }
 
     Data(const T& value, const Time& time) : _value(value) { setTimeStamp(time); }
+
+    /// Becomes a copy. Where the value cannot be copied, the record stays as it was, with its own time stamp.
+    void assign(const Data& other) noexcept(std::is_nothrow_copy_assignable_v<T>)
+    {
+        if constexpr (std::is_nothrow_copy_assignable_v<T>) {
+            *this = other;
+        } else {
+            _value = other._value;
+            BasicData::operator=(other);
+        }
+    }
 
     const T& getValue() const { return _value; }
     T& getValue() { return _value; }

@@ -32,13 +32,15 @@ public:
     void disconnect(BasicOutSlot* outSlot) override;
 
     /// The newest record without taking it, read or not. Never waits.
-    /// Throws InterruptedException, once, after an interrupt.
+    /// Throws InterruptedException, once, after an interrupt, and what the copy throws.
     virtual Data<T> top() OSTREL_EXCLUDES(_dataLock);
 
-    /// Takes the record, and waits until there is one. Throws InterruptedException, once, after an interrupt; the
-    /// record then stays.
+    /// Takes the record, and waits until there is one. Throws InterruptedException, once, after an interrupt, and what
+    /// the copy throws; the record then stays.
     virtual Data<T> pop() OSTREL_EXCLUDES(_dataLock);
 
+    /// Throws nothing: a record whose copy fails, for want of memory, is counted as not stored, and all stays as it
+    /// was.
     virtual void push(const Data<T>& data) OSTREL_EXCLUDES(_dataLock);
 
 protected:
@@ -46,6 +48,16 @@ protected:
     void waitAndLock() OSTREL_ACQUIRE(_dataLock) OSTREL_NO_THREAD_SAFETY_ANALYSIS { Hooks::downAndLock(*this); }
     /// Throws for a pending interrupt, without the data lock.
     void throwIfInterrupted() OSTREL_REQUIRES(_dataLock) OSTREL_NO_THREAD_SAFETY_ANALYSIS;
+
+    /// Copies a record to where it is kept. False where that fails; the record is counted then.
+    bool keep(const Data<T>& data, Data<T>& place) OSTREL_REQUIRES(_dataLock);
+    /// A copy for a reader, who may have taken a token for it. What the copy throws is thrown without the data lock.
+    Data<T> handOut(const Data<T>& data, bool tokenTaken) OSTREL_REQUIRES(_dataLock) OSTREL_NO_THREAD_SAFETY_ANALYSIS;
+    /// For who has only looked: nothing was stored, so nobody has to be woken.
+    void unlockUnchanged() const OSTREL_RELEASE(_dataLock) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+    {
+        Hooks::unlockUnchanged(*this);
+    }
 
 private:
     friend class Wiring<T>;
@@ -60,7 +72,7 @@ bool InSlot<T>::empty() const
 {
     this->lock();
     const bool empty = _empty;
-    this->Slot::unlock(); // nothing was stored, so nobody has to be woken
+    this->unlockUnchanged();
     return empty;
 }
 
@@ -75,11 +87,37 @@ void InSlot<T>::throwIfInterrupted()
 }
 
 template <class T>
+bool InSlot<T>::keep(const Data<T>& data, Data<T>& place)
+{
+    try {
+        if (&data != &place)
+            place.assign(data);
+        return true;
+    } catch (...) {
+        Hooks::notStored(*this);
+        return false;
+    }
+}
+
+template <class T>
+Data<T> InSlot<T>::handOut(const Data<T>& data, bool tokenTaken)
+{
+    try {
+        return data;
+    } catch (...) {
+        if (tokenTaken)
+            Hooks::putBack(*this);
+        this->unlock();
+        throw;
+    }
+}
+
+template <class T>
 Data<T> InSlot<T>::top()
 {
     this->lock();
     throwIfInterrupted();
-    const Data<T> data = _data;
+    const Data<T> data = handOut(_data, false);
     this->unlock();
     return data;
 }
@@ -95,7 +133,7 @@ Data<T> InSlot<T>::pop()
         // The token of an interrupt that top() has taken meanwhile.
         this->unlock();
     }
-    const Data<T> data = _data;
+    const Data<T> data = handOut(_data, true);
     _empty = true;
     Hooks::taken(*this, data);
     this->unlock();
@@ -106,6 +144,10 @@ template <class T>
 void InSlot<T>::push(const Data<T>& data)
 {
     this->lock();
+    if (!keep(data, _data)) {
+        this->unlock();
+        return;
+    }
     Hooks::stored(*this, data);
     if (_empty) {
         _empty = false;
@@ -113,8 +155,6 @@ void InSlot<T>::push(const Data<T>& data)
     } else {
         Hooks::overwritten(*this);
     }
-    if (&data != &_data)
-        _data = data;
     this->unlock();
     this->newData();
 }

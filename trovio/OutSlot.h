@@ -29,7 +29,8 @@ public:
     void disconnect(BasicInSlot* inSlot) override;
     BasicInSlot* createMatchingInSlot() override;
 
-    /// Passes the record on as it is, time stamp included. The slots that receive it must not throw.
+    /// Passes the record on as it is, time stamp included. The slots that receive it must not throw. Where the copy
+    /// that it keeps fails, it throws and has passed on nothing.
     virtual void push(const Data<T>& data) OSTREL_EXCLUDES(_dataLock);
 
 private:
@@ -43,8 +44,13 @@ template <class T>
 void OutSlot<T>::push(const Data<T>& data)
 {
     this->lock();
-    if (&data != &_data)
-        _data = data;
+    try {
+        if (&data != &_data)
+            _data.assign(data);
+    } catch (...) {
+        this->unlock();
+        throw;
+    }
     this->setHasValue(data.getTimeStamp());
     for (const auto& [inSlot, count] : _inSlots)
         inSlot->push(data);

@@ -10,11 +10,14 @@ void BasicInSlot::newData()
         _listener->dataArrived(*this);
 }
 
-void BasicInSlot::unlockAndWake() const
+// With the class that owes. After the lock is free nothing but the address of what the readers sleep on is used: one
+// that was quicker may have deleted the slot.
+void Slot::unlockAndWake() const OSTREL_NO_THREAD_SAFETY_ANALYSIS
 {
+    const auto& inSlot = static_cast<const BasicInSlot&>(*this);
     const std::uint32_t wakes = std::exchange(_wakesOwed, 0U);
     _dataLock.unlock();
-    _available.wake(wakes);
+    inSlot._available.wake(wakes);
 }
 
 void BasicInSlot::interrupt()
@@ -26,6 +29,13 @@ void BasicInSlot::interrupt()
         _interrupted = true;
         _wakesOwed += _available.post();
     }
+    unlock();
+}
+
+void BasicInSlot::countCutShort()
+{
+    lock();
+    ++_cutShort;
     unlock();
 }
 
@@ -42,7 +52,8 @@ InSlotActivity BasicInSlot::getActivity() const
     lock();
     const InSlotActivity activity{countsLocked(), _stamps.getCounts(),
                                   _lastTaken,     _overwritten - _overwrittenAtTake,
-                                  _interrupts,    _interrupts != 0 && _taken == _takenAtInterrupt};
+                                  _interrupts,    _interrupts != 0 && _taken == _takenAtInterrupt,
+                                  _notStored,     _cutShort};
     unlock();
     return activity;
 }

@@ -8,6 +8,11 @@
 namespace Trovio {
 
 class BasicOutSlot;
+class BasicInSlot;
+
+namespace Hooks {
+void unlockUnchanged(const BasicInSlot& slot);
+}
 
 /// The receiving end, without its value type: waiting, interrupting and counting.
 /// Threads: any thread, any operation.
@@ -35,22 +40,19 @@ public:
     InSlotCounts getCounts() const OSTREL_EXCLUDES(_dataLock);
     InSlotActivity getActivity() const OSTREL_EXCLUDES(_dataLock);
 
-    /// Releases the data lock and then wakes the reader that up() owes: a reader woken under the lock would only
-    /// run into it.
-    void unlock() const OSTREL_RELEASE(_dataLock)
-    {
-        if (_wakesOwed == 0)
-            _dataLock.unlock();
-        else
-            unlockAndWake();
-    }
+    /// How many records it can hold: 1, or the length of its ring.
+    unsigned int getCapacity() const { return _capacity; }
+    /// Only while it is built.
+    void setCapacity(unsigned int capacity) { _capacity = capacity; }
 
     /// One more record can be taken.
     void up() const OSTREL_REQUIRES(_dataLock)
     {
         ++_upCount;
-        _wakesOwed += _available.post();
+        putBack();
     }
+    /// The record that down() was passed for is still there: its reader could not copy it.
+    void putBack() const OSTREL_REQUIRES(_dataLock) { _wakesOwed += _available.post(); }
 
     /// Blocks until a matching up() or an interrupt. May return once without either, after an interrupt that top()
     /// took: look for the flag and the record, and wait again when there is neither.
@@ -73,12 +75,16 @@ public:
         _stamps.note(stamp);
     }
     void countOverwritten() OSTREL_REQUIRES(_dataLock) { ++_overwritten; }
+    void countNotStored() OSTREL_REQUIRES(_dataLock) { ++_notStored; }
     void countTaken(const Time& stamp) OSTREL_REQUIRES(_dataLock)
     {
         ++_taken;
         _lastTaken = stamp;
         _overwrittenAtTake = _overwritten;
     }
+
+    /// A frame left records to the next one: more came than one may take.
+    void countCutShort() OSTREL_EXCLUDES(_dataLock);
 
 protected:
     explicit BasicInSlot(const std::string& name)
@@ -94,11 +100,11 @@ private:
         return {_stored, _overwritten, _taken, _upCount - _taken};
     }
 
-    void unlockAndWake() const OSTREL_RELEASE(_dataLock) OSTREL_NO_THREAD_SAFETY_ANALYSIS;
-
+    friend class Slot; // wakes the readers
+    friend void Hooks::unlockUnchanged(const BasicInSlot& slot);
     // As many tokens as unread records, and at times one for an interrupt.
     mutable Ostrel::Semaphore _available OSTREL_GUARDED_BY(_dataLock);
-    mutable std::uint32_t _wakesOwed OSTREL_GUARDED_BY(_dataLock) = 0;
+    unsigned int _capacity = 1;
     mutable std::uint64_t _upCount OSTREL_GUARDED_BY(_dataLock) = 0; // records made available, not interrupts
     std::uint64_t _stored OSTREL_GUARDED_BY(_dataLock) = 0;
     std::uint64_t _overwritten OSTREL_GUARDED_BY(_dataLock) = 0;
@@ -108,6 +114,8 @@ private:
     StampWatch _stamps OSTREL_GUARDED_BY(_dataLock);
     std::uint64_t _interrupts OSTREL_GUARDED_BY(_dataLock) = 0;
     std::uint64_t _takenAtInterrupt OSTREL_GUARDED_BY(_dataLock) = 0;
+    std::uint64_t _notStored OSTREL_GUARDED_BY(_dataLock) = 0;
+    std::uint64_t _cutShort OSTREL_GUARDED_BY(_dataLock) = 0;
 };
 
 } // namespace Trovio

@@ -26,6 +26,12 @@ inline void downAndLock(const BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSI
     slot.downAndLock();
 }
 
+/// slot.unlock() for who has only looked: nothing was stored, so nobody has to be woken.
+inline void unlockUnchanged(const BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+{
+    slot._dataLock.unlock();
+}
+
 inline void stored(BasicInSlot& slot, const BasicData& record) OSTREL_NO_THREAD_SAFETY_ANALYSIS
 {
     slot.countStored(record.getTimeStamp());
@@ -34,6 +40,22 @@ inline void stored(BasicInSlot& slot, const BasicData& record) OSTREL_NO_THREAD_
 inline void overwritten(BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
 {
     slot.countOverwritten();
+}
+
+inline void notStored(BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+{
+    slot.countNotStored();
+}
+
+/// What up() does, for a record that was counted before.
+inline void putBack(const BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+{
+    slot.putBack();
+}
+
+inline void setCapacity(BasicInSlot& slot, unsigned int capacity)
+{
+    slot.setCapacity(capacity);
 }
 
 inline void taken(BasicInSlot& slot, const BasicData& record) OSTREL_NO_THREAD_SAFETY_ANALYSIS

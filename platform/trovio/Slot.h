@@ -2,6 +2,7 @@
 
 #include "base/Mutex.h"
 #include <atomic>
+#include <cstdint>
 #include <string>
 #include <typeinfo>
 
@@ -50,7 +51,15 @@ public:
     void setListener(SlotListener* listener) { _listener = listener; }
 
     void lock() const OSTREL_ACQUIRE(_dataLock) { _dataLock.lock(); }
-    void unlock() const OSTREL_RELEASE(_dataLock) { _dataLock.unlock(); }
+    /// Releases the data lock and then wakes the readers that up() owes: one woken under the lock would only run into
+    /// it.
+    void unlock() const OSTREL_RELEASE(_dataLock)
+    {
+        if (_wakesOwed == 0) [[likely]]
+            _dataLock.unlock();
+        else
+            unlockAndWake();
+    }
     void listenersLock() const OSTREL_ACQUIRE(_listenersLock) { _listenersLock.lock(); }
     void listenersUnlock() const OSTREL_RELEASE(_listenersLock) { _listenersLock.unlock(); }
 
@@ -72,8 +81,11 @@ protected:
     mutable Ostrel::Mutex _dataLock; // guards records, counts and connections
     SlotListener* _listener = nullptr;
     mutable Ostrel::Mutex _listenersLock OSTREL_ACQUIRED_BEFORE(_dataLock); // held around changes of the connections
+    mutable std::uint32_t _wakesOwed OSTREL_GUARDED_BY(_dataLock) = 0;      // only an in-slot owes any
 
 private:
+    void unlockAndWake() const OSTREL_RELEASE(_dataLock);
+
     const bool _isInSlot;
     std::atomic<bool> _active{false};
     const std::string _name;

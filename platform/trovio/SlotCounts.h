@@ -5,10 +5,10 @@
 
 namespace Trovio {
 
-/// What became of the records that reached an in-slot. Whenever nobody pushes or pops:
+/// What became of the records that an in-slot stored. Whenever nobody pushes or pops:
 /// stored == overwritten + taken + waiting.
 struct InSlotCounts {
-    std::uint64_t stored = 0;      // every record pushed into the slot
+    std::uint64_t stored = 0;      // every record pushed into the slot, but those that could not be copied
     std::uint64_t overwritten = 0; // replaced, or dropped from a full ring, before anybody took it
     std::uint64_t taken = 0;       // handed to a reader by pop()
     std::uint64_t waiting = 0;     // unread
@@ -36,6 +36,8 @@ struct InSlotActivity {
     std::uint64_t _lostSinceTake = 0; // overwritten since then
     std::uint64_t _interrupts = 0;
     bool _readerInterrupted = false; // nothing was taken since the last interrupt
+    std::uint64_t _notStored = 0;    // pushed, but there was no memory for the copy
+    std::uint64_t _cutShort = 0;     // frames that left records to the next one
 };
 
 } // namespace Trovio

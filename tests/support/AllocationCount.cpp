@@ -8,11 +8,24 @@ namespace {
 
 std::atomic<std::uint64_t> calls{0};
 thread_local std::uint64_t callsToFailure = 0; // 0: none fails
+thread_local std::uint64_t failuresLeft = 0;
+
+bool fails()
+{
+    if (callsToFailure > 1) {
+        --callsToFailure;
+        return false;
+    }
+    if (callsToFailure == 0 || failuresLeft == 0)
+        return false;
+    --failuresLeft;
+    return true;
+}
 
 void* counted(std::size_t size, std::size_t alignment)
 {
     calls.fetch_add(1, std::memory_order_relaxed);
-    if (callsToFailure != 0 && --callsToFailure == 0)
+    if (fails())
         throw std::bad_alloc();
     void* memory = nullptr;
     if (posix_memalign(&memory, alignment < sizeof(void*) ? sizeof(void*) : alignment, size ? size : 1) != 0)
@@ -27,9 +40,10 @@ std::uint64_t AllocationCount::total()
     return calls.load(std::memory_order_relaxed);
 }
 
-AllocationFailure::AllocationFailure(std::uint64_t nth)
+AllocationFailure::AllocationFailure(std::uint64_t nth, std::uint64_t failures) : _failures(failures)
 {
     callsToFailure = nth;
+    failuresLeft = failures;
 }
 
 AllocationFailure::~AllocationFailure()
@@ -39,7 +53,7 @@ AllocationFailure::~AllocationFailure()
 
 bool AllocationFailure::happened() const
 {
-    return callsToFailure == 0;
+    return failuresLeft != _failures;
 }
 
 void* operator new(std::size_t size)

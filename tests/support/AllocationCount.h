@@ -13,13 +13,19 @@ private:
     const std::uint64_t _start;
 };
 
-/// Lets the n-th call of operator new on this thread fail, counted from 1, as long as it lives. One at a time.
+/// Lets the n-th call of operator new on this thread fail, counted from 1, and as many after it as are asked for, as
+/// long as it lives. One at a time.
 class AllocationFailure {
 public:
-    explicit AllocationFailure(std::uint64_t nth);
+    static constexpr std::uint64_t All = UINT64_MAX;
+
+    explicit AllocationFailure(std::uint64_t nth, std::uint64_t failures = 1);
     ~AllocationFailure();
     AllocationFailure(const AllocationFailure&) = delete;
     AllocationFailure& operator=(const AllocationFailure&) = delete;
 
     bool happened() const;
+
+private:
+    const std::uint64_t _failures;
 };
