@@ -134,6 +134,7 @@ void toSlot(const SingleField<Code, Element>& field, SlotElement& to)
 template <int Code, class Element, class SlotElement>
 void toSlot(const MultiField<Code, Element>& field, Trovio::SharedVector<SlotElement>& to)
 {
+    to = {};
     to.acquire();
     std::vector<SlotElement>& values = *to;
     values.clear();

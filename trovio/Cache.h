@@ -5,11 +5,13 @@
 #include "trovio/RefCtr.h"
 #include <deque>
 #include <exception>
+#include <new>
 
 namespace Trovio {
 
 /// The pool of all shared objects of one type. It never shrinks while it lives.
-/// Invariant: every object is in _objects once, and in _free at most once, exactly while nobody holds it.
+/// Invariant: every object is in _objects once, and in _free at most once, exactly while nobody holds it; or it waits
+///            for _free to grow.
 /// Ownership: owns every object from its creation to its own destruction; handles only count.
 /// Threads:   the deques only between lock() and unlock(); a leaf but for the log.
 template <class T>
@@ -26,6 +28,32 @@ public:
 private:
     friend class SmartPtr<T>;
 
+    /// Lists an object as free; where memory has run out, it waits.
+    void giveBack(RefCtr<T>* object) noexcept OSTREL_REQUIRES(this)
+    {
+        if (anyWaits()) [[unlikely]]
+            listWaiting();
+        if (!list(object)) [[unlikely]]
+            addWaiting(*object);
+    }
+
+    /// Lists those that wait, as far as memory reaches.
+    void listWaiting() noexcept OSTREL_REQUIRES(this)
+    {
+        while (anyWaits() && list(static_cast<RefCtr<T>*>(firstWaiting())))
+            removeFirstWaiting();
+    }
+
+    [[gnu::always_inline]] bool list(RefCtr<T>* object) noexcept OSTREL_REQUIRES(this)
+    {
+        try {
+            _free.push_back(object);
+            return true;
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
+    }
+
     std::deque<RefCtr<T>*> _objects OSTREL_GUARDED_BY(this);
     std::deque<RefCtr<T>*> _free OSTREL_GUARDED_BY(this); // waiting for reuse, last freed at the back
 };
@@ -33,6 +61,7 @@ private:
 template <class T>
 Cache<T>::~Cache() noexcept(false)
 {
+    listWaiting();
     if (_objects.size() != _free.size())
         throw std::exception();
     while (!_objects.empty()) {

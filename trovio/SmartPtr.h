@@ -15,7 +15,7 @@ public:
     using Object = T;
 
     SmartPtr() = default;
-    SmartPtr(const SmartPtr& other) : _refCtr(other._refCtr), _cache(other._cache)
+    SmartPtr(const SmartPtr& other) noexcept : _refCtr(other._refCtr), _cache(other._cache)
     {
         if (_refCtr)
             _refCtr->incrementReferenceCounter();
@@ -26,7 +26,7 @@ public:
     }
     ~SmartPtr() { decrementReferenceCounter(); }
 
-    SmartPtr& operator=(const SmartPtr& other)
+    SmartPtr& operator=(const SmartPtr& other) noexcept
     {
         // The same object needs no count, and must not pass through zero and the pool.
         if (_refCtr != other._refCtr)
@@ -46,13 +46,13 @@ public:
     }
 
     /// Binds the handle to an object that nobody else holds: the one that was freed last, with whatever it held, or a
-    /// fresh one. What the handle held before is let go. When memory runs out the pool stays locked, so that nobody
-    /// builds on a half-made pool.
+    /// fresh one. Lets go of nothing: a handle that holds an object is emptied first, or its pool never gets that one
+    /// back. When memory runs out the pool stays locked, so that nobody builds on a half-made pool.
     void acquire() OSTREL_NO_THREAD_SAFETY_ANALYSIS;
 
     /// Drops the handle's reference; the last one gives the object back to its pool, untouched. The handle keeps its
-    /// pointers: only for whoever lets go of the handle right afterwards.
-    void decrementReferenceCounter() OSTREL_NO_THREAD_SAFETY_ANALYSIS;
+    /// pointers: only for whoever acquires anew with it, or lets go of it, right afterwards.
+    void decrementReferenceCounter() noexcept OSTREL_NO_THREAD_SAFETY_ANALYSIS;
 
     /// Null if the handle is.
     const T* get() const { return _refCtr ? &_refCtr->getObject() : nullptr; }
@@ -82,10 +82,10 @@ private:
 template <class T>
 void SmartPtr<T>::acquire()
 {
-    decrementReferenceCounter(); // before the lock: giving back takes it too
-    _refCtr = nullptr;
     _cache = &Cache<T>::the_;
     _cache->lock();
+    if (_cache->anyWaits()) [[unlikely]]
+        _cache->listWaiting();
     RefCtr<T>* taken = nullptr;
     if (_cache->_free.empty()) {
         auto fresh = std::make_unique<RefCtr<T>>();
@@ -101,12 +101,12 @@ void SmartPtr<T>::acquire()
 }
 
 template <class T>
-void SmartPtr<T>::decrementReferenceCounter()
+void SmartPtr<T>::decrementReferenceCounter() noexcept
 {
     if (!_refCtr || _refCtr->decrementReferenceCounter() != 0)
         return;
     _cache->lock();
-    _cache->_free.push_back(_refCtr);
+    _cache->giveBack(_refCtr);
     _cache->unlock();
 }
 

@@ -41,8 +41,10 @@ public:
 private:
     std::optional<Trovio_Wire_Origin> read(const ddsi_serdata& serialised, const dds_sample_info_t& info) override
     {
-        if constexpr (requires { _record.getValue().acquire(); })
+        if constexpr (requires { _record.getValue().acquire(); }) {
+            _record.getValue() = {}; // whoever received it may hold it still
             _record.getValue().acquire();
+        }
         if constexpr (requires { Value::lend(*_record.getValue(), 0, _sample); })
             Value::lend(*_record.getValue(), sizeOf(serialised), _sample);
         else if constexpr (!std::is_trivially_copyable_v<T>)

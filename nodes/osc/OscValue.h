@@ -25,6 +25,7 @@ struct OscValue<SharedImage> {
 
     static bool read(OscArguments& arguments, SharedImage& value)
     {
+        value = {};
         value.acquire();
         return OscElement<Image>::read(arguments, *value) && arguments.atEnd();
     }
@@ -43,6 +44,7 @@ struct OscValue<SharedVector<E>> {
 
     static bool read(OscArguments& arguments, SharedVector<E>& value)
     {
+        value = {};
         value.acquire();
         std::vector<E>& elements = *value; // with what it held before, whose memory is used again
         std::size_t count = 0;

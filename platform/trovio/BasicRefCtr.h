@@ -4,7 +4,7 @@
 
 namespace Trovio {
 
-/// Counts the handles of a pooled object. Not polymorphic.
+/// Counts the handles of a pooled object, and lets it wait for its pool (BasicCache). Not polymorphic.
 /// Threads: any thread that holds a handle.
 class BasicRefCtr {
 public:
@@ -19,7 +19,10 @@ public:
     int decrementReferenceCounter() { return _count.fetch_sub(1, std::memory_order_acq_rel) - 1; }
 
 private:
+    friend class BasicCache;
+
     std::atomic<int> _count{0};
+    BasicRefCtr* _nextWaiting = nullptr; // while it waits: the one that came back after it, or the first
 };
 
 } // namespace Trovio

@@ -1,3 +1,4 @@
+#include "tests/support/AllocationCount.h"
 #include "trovio/Values.h"
 
 #include <gtest/gtest.h>
@@ -62,6 +63,7 @@ TEST(Pool, CopiesShareAndTheLastOneGivesBack)
     SmartPtr<Probe> second(first), third;
     third = second;
     third = *&third; // itself
+    first = {};
     first.acquire(); // another object
     second = SmartPtr<Probe>();
     EXPECT_NE(first.get(), object);
@@ -71,24 +73,63 @@ TEST(Pool, CopiesShareAndTheLastOneGivesBack)
     SmartPtr<Probe>().decrementReferenceCounter(); // a null handle has nothing to drop
 }
 
+TEST(Pool, HandleThatDroppedItsReferenceAcquiresAnew)
+{
+    SmartPtr<Probe> handle = acquired();
+    const Probe* const object = handle.get();
+    handle.decrementReferenceCounter();
+    handle.acquire();
+    EXPECT_EQ(handle.get(), object);
+    EXPECT_NE(acquired().get(), object) << "it is held, once";
+    handle = {};
+    EXPECT_EQ(acquired().get(), object);
+}
+
+TEST(Pool, TakesBackWithoutMemory)
+{
+    std::vector<SmartPtr<Probe>> handles(200);
+    std::vector<const Probe*> objects;
+    for (auto& handle : handles) {
+        handle.acquire();
+        objects.push_back(handle.get());
+    }
+    const int built = Probe::_built;
+    {
+        const AllocationFailure failure(1, AllocationFailure::All);
+        for (auto& handle : handles)
+            handle = {};
+        EXPECT_TRUE(failure.happened());
+    }
+    for (std::size_t i = handles.size(); i-- != 0;) {
+        handles[i].acquire();
+        EXPECT_EQ(handles[i].get(), objects[i]) << "last freed, first reused";
+    }
+    EXPECT_EQ(Probe::_built, built);
+}
+
 // In a process of its own: the pool is gone afterwards.
 TEST(PoolDeathTest, EndsOnlyWhenEverythingCameBack)
 {
     const auto end = [](bool held) {
-        SmartPtr<OtherProbe> handle;
-        handle.acquire();
-        if (!held)
-            handle = SmartPtr<OtherProbe>();
+        std::vector<SmartPtr<OtherProbe>> handles(200);
+        for (auto& handle : handles)
+            handle.acquire();
+        {
+            const AllocationFailure failure(1, AllocationFailure::All); // so that some of them wait
+            for (auto& handle : handles)
+                if (!held || &handle != &handles.back())
+                    handle = {};
+        }
         int result = 0;
         try {
             Cache<OtherProbe>::the_.~Cache();
         } catch (const std::exception&) {
             result = 1;
         }
-        std::_Exit(result * 10 + Probe::_built);
+        std::_Exit(result * 10 + (Probe::_built == (held ? 200 : 0)));
     };
     EXPECT_EXIT(end(true), ::testing::ExitedWithCode(11), "") << "refused, and freed nothing";
-    EXPECT_EXIT(end(false), ::testing::ExitedWithCode(0), "") << "every object freed";
+    EXPECT_EXIT(end(false), ::testing::ExitedWithCode(1), "") << "every object freed";
 }
 
 TEST(PoolDeathTest, StaysLockedWhenMemoryRunsOut)
