@@ -7,6 +7,7 @@
 #include "trovio/InSlot.h"
 #include "trovio/Namespace.h"
 #include "trovio/OutSlot.h"
+#include <algorithm>
 
 namespace Ostrel {
 
@@ -56,12 +57,23 @@ void sendValue(Field& field, Trovio::Slot& slot)
     static_cast<Trovio::OutSlot<Value>&>(slot).push(record);
 }
 
-/// The part of an update that has something to do: the slot holds a record. Not inlined: what it saves on the stack
-/// would cost each update in which nothing came.
-[[gnu::noinline]] bool drain(Trovio::BasicInSlot& slot, Field& field, const TimeStamp& now)
+/// How many rounds one update goes through, at most: a frame ends also where values come faster than it takes them.
+std::uint64_t roundsOf(const Trovio::BasicInSlot& slot)
 {
-    unsigned int count = 0;
+    return std::max(std::uint64_t{64}, 2 * std::uint64_t{slot.getCapacity()});
+}
+
+/// The part of an update that has something to do: the slot holds a record. Not inlined: what it saves on the stack
+/// would cost each update in which nothing came. Messages carry the signature of the caller.
+[[gnu::noinline]] bool drain(Trovio::BasicInSlot& slot, Field& field, const TimeStamp& now, const char* caller)
+{
+    const std::uint64_t rounds = roundsOf(slot);
+    std::uint64_t count = 0;
     do {
+        if (count == rounds) {
+            slot.countCutShort();
+            break;
+        }
         bool fits = true;
         const bool handled =
             withFieldType(field.getTypeCode(), [&]<class Row>(Row) { fits = takeOne<Row>(slot, field); });
@@ -70,7 +82,8 @@ void sendValue(Field& field, Trovio::Slot& slot)
         if (handled)
             field.processValueChange(now, CallerOutside);
         else
-            OSTREL_LOG(LogLevel::Fatal, logFile, unhandledType, field.getTypeName().c_str());
+            OSTREL_LOG_FROM(LogLevel::Fatal, (LogOrigin{logFile, __LINE__, caller}), unhandledType,
+                            field.getTypeName().c_str());
         ++count;
     } while (!slot.empty());
     return count != 0;
@@ -100,7 +113,7 @@ bool TrovioSensorHandler::UpdateObserver::update(const TimeStamp& now)
     // Every slot of that direction is one. A dynamic cast says the same, and takes as long as all the rest of a frame
     // in which no value came.
     auto& slot = *static_cast<Trovio::BasicInSlot*>(_slot);
-    return !slot.empty() && drain(slot, *_field, now);
+    return !slot.empty() && drain(slot, *_field, now, __PRETTY_FUNCTION__);
 }
 
 void TrovioSensorHandler::UpdateObserver::updateOutput(const TimeStamp&)

@@ -201,4 +201,45 @@ TEST_F(BridgeInput, TypeCodeIsAskedForEachValue)
     EXPECT_EQ(changing.value(), 2.0F);
     EXPECT_EQ(ring.getCounts().waiting, 1U) << "a slot that does not fit the code ends the drain";
     EXPECT_EQ(log.texts(), (Texts{"Can not handle Trovio Slot of DirectSensor type SFFloat\n"}));
+    EXPECT_NE(log.entries().at(0)._function.find("UpdateObserver::update("), std::string::npos);
+}
+
+TEST_F(BridgeInput, FrameEndsHoweverFastValuesCome)
+{
+    // Each change brings the next value.
+    struct Echo : Observer {
+        Echo(SFFloat& field, InSlot<float>& slot) : Observer("echo"), _slot(slot)
+        {
+            field.getSendSubject().attach(*this);
+        }
+        void notify(const TimeStamp&, BaseObject*, BaseObject*, BaseObject*) override
+        {
+            _slot.push(Data<float>(1, Time(1)));
+        }
+        InSlot<float>& _slot;
+    };
+    for (const auto& [bufferSize, rounds] : {std::pair{1U, 64U}, {32U, 64U}, {33U, 66U}, {100U, 200U}}) {
+        DirectSensor& sensor = add("SFFloat", std::to_string(bufferSize), false, bufferSize);
+        auto& in = slot<InSlot<float>>(sensor);
+        const Echo echo(field<SFFloat>(sensor), in);
+        in.push(Data<float>(1, Time(1)));
+        notify(sensor, 1.0);
+        notify(sensor, 2.0); // goes on where the first had to stop
+        EXPECT_EQ(in.getCounts().taken, 2 * rounds);
+        EXPECT_EQ(in.getActivity()._cutShort, 2U);
+    }
+}
+
+TEST_F(BridgeInput, FrameEndsWhereNothingCanBeTaken)
+{
+    DirectSensor& sensor = *_sensors.emplace_back(std::make_unique<DirectSensor>(std::make_unique<ShiftingField>()));
+    sensor.setLabel("shifting");
+    sensor.setContext(&_context);
+    auto& in = slot<InSlot<float>>(sensor);
+    field<ShiftingField>(sensor)._codes = {23};
+    in.push(Data<float>(1, Time(1)));
+    const LogCapture log(1);
+    notify(sensor, 1.0);
+    EXPECT_EQ(log.texts().size(), 64U);
+    EXPECT_EQ(in.getActivity()._cutShort, 1U);
 }
