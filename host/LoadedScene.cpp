@@ -3,11 +3,13 @@
 #include "host/Escape.h"
 #include "host/Failure.h"
 #include "host/InitialValue.h"
+#include "host/SceneParts.h"
 #include "host/SceneURL.h"
 #include "ostrel/FieldClass.h"
 #include "sensorManager/SensorHandler.h"
 #include "sensorManager/SensorManager.h"
 #include "sensorManager/TrovioSensorHandler.h"
+#include "trovio/Root.h"
 
 #include <unordered_map>
 
@@ -15,10 +17,17 @@ namespace Host {
 namespace {
 
 constexpr std::string_view fieldSuffix = ".value";
+constexpr std::size_t longestReason = 1000;
 
-std::string place(const SceneFile& file, const LocatedText& text)
+std::string place(const SceneFile& file, Position at)
 {
-    return escaped(file._path) + ":" + std::to_string(text._position._line) + ": ";
+    return escaped(file._path) + ":" + std::to_string(at._line) + ":" + std::to_string(at._column) + ": ";
+}
+
+bool stands(const std::string& space, const std::string& label)
+{
+    const Trovio::Namespace* const found = Trovio::Root::get().getNamespace(space);
+    return found != nullptr && found->getNamespace(label) != nullptr;
 }
 } // namespace
 
@@ -65,8 +74,9 @@ LoadedHandler LoadedScene::madeHandler(const HandlerEntry& entry, const Say& say
         handler = manager.addHandler(entry._kind._value, entry._name._value, sceneURL(entry._url._value, _file._path));
     });
     if (handler == nullptr)
-        say(place(_file, entry._name) + "handler " + inQuotes(entry._name._value) + " of kind " +
-            inQuotes(entry._kind._value) + " could not be made" + (failure ? ": " + escaped(*failure) : ""));
+        miss(entry._kind._position,
+             "handler " + inQuotes(entry._name._value) + " of kind " + inQuotes(entry._kind._value),
+             failure ? escaped(*failure, longestReason) : handlerFault(entry._kind._value), say);
     return {&entry, handler, {}};
 }
 
@@ -98,16 +108,34 @@ void LoadedScene::findSlots(LoadedHandler& loaded)
 
 void LoadedScene::addNodes(const Say& say)
 {
-    for (const LoadedHandler& loaded : _handlers) {
-        if (loaded._handler == nullptr)
-            continue;
-        for (const LocatedPair& node : loaded._entry->_nodes) {
-            std::string type = node._first._value, settings = node._second._value;
-            if (const auto failure = failureOf([&] { loaded._handler->addParameter(type, settings); }))
-                say(place(_file, node._first) + "node " + inQuotes(type) +
-                    " could not be started: " + escaped(*failure));
-        }
+    for (const LoadedHandler& loaded : _handlers)
+        if (loaded._handler != nullptr)
+            for (const LabelledNode& node : labelledNodes(*loaded._entry))
+                addNode(loaded, node, say);
+}
+
+void LoadedScene::addNode(const LoadedHandler& loaded, const LabelledNode& node, const Say& say)
+{
+    const bool hasLabels = !loaded._namespace.empty();
+    std::string type = node._entry->_first._value;
+    std::string settings = hasLabels ? node._settings : node._entry->_second._value;
+    Position at = node._entry->_first._position;
+    auto failure = failureOf([&] { loaded._handler->addParameter(type, settings); });
+    if (!failure && (!hasLabels || stands(loaded._namespace, node._label)))
+        return;
+    if (!failure) { // only the log was told why
+        const MadeNode again = madeNode(node, sceneURL(loaded._entry->_url._value, _file._path));
+        failure = again._fault;
+        at = again._fault.empty() ? at : again._position;
     }
+    miss(at, "node " + inQuotes(type), escaped(*failure, longestReason), say);
+}
+
+void LoadedScene::miss(Position at, const std::string& part, const std::string& reason, const Say& say)
+{
+    const std::string line = place(_file, at) + part + " could not be made" + (reason.empty() ? "" : ": " + reason);
+    say(line + "; the run goes on without it");
+    _missing.push_back(line);
 }
 
 void LoadedScene::frame(double now)

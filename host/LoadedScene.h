@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/NodeLabels.h"
 #include "host/SceneFile.h"
 #include "host/SensorWatch.h"
 #include "ostrel/Scene.h"
@@ -50,17 +51,22 @@ public:
     const std::vector<LoadedHandler>& handlers() const { return _handlers; }
     /// In scene order; they end when the sensors are unregistered.
     std::deque<SensorWatch>& watches() { return _watches; }
+    /// What the scene names and the run goes without, a line each: handlers and nodes that could not be made.
+    const std::vector<std::string>& missing() const { return _missing; }
 
 private:
     void addSensor(const SensorEntry& entry);
     void addLinks();
     LoadedHandler madeHandler(const HandlerEntry& entry, const Say& say);
     void findSlots(LoadedHandler& loaded);
+    void addNode(const LoadedHandler& loaded, const LabelledNode& node, const Say& say);
+    void miss(Position at, const std::string& part, const std::string& reason, const Say& say);
 
     const SceneFile _file;
     const std::string _title;
     Ostrel::Scene _scene;
     std::vector<LoadedHandler> _handlers;
+    std::vector<std::string> _missing;
     std::deque<SensorWatch> _watches; // never moves: fields refer to them
 };
 } // namespace Host

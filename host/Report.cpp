@@ -55,6 +55,11 @@ void reportEnd(const Session& session, const RunTotals& totals, std::size_t widt
     limited(say, mostAtEnd, "slots", [&](const Say& line) { reportSlots(totals._root, width, line); });
     limited(say, mostAtEnd, "nodes", [&](const Say& line) { reportCounters(totals._root, line); });
     limited(say, mostAtEnd, "remarks", [&](const Say& line) { reportRemarks(totals._root, line); });
+    for (const auto& scene : session.scenes())
+        limited(say, mostAtEnd, "handlers and nodes", [&](const Say& line) {
+            for (const std::string& missing : scene->missing())
+                line(missing + "; the run went without it");
+        });
     say("frames: " + std::to_string(totals._frames) + " run, " + std::to_string(totals._leftOut) + " left out");
 }
 } // namespace Host

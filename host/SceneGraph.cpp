@@ -1,12 +1,13 @@
 #include "host/SceneGraph.h"
 
 #include "host/Failure.h"
+#include "host/SceneParts.h"
 #include "host/SceneURL.h"
+#include "host/TreeWalk.h"
 #include "ostrel/FieldClass.h"
 #include "sensorManager/FieldTypes.h"
 #include "trovio/InSlot.h"
 #include "trovio/Node.h"
-#include "trovio/NodeType.h"
 #include "trovio/OutSlot.h"
 
 #include <algorithm>
@@ -33,7 +34,9 @@ SceneGraph::SceneGraph(const std::vector<SceneFile>& files) : _root(std::make_un
 GraphHandler SceneGraph::madeHandler(const SceneFile& file, const HandlerEntry& entry)
 {
     GraphHandler handler{&file, &entry, {}};
-    if (entry._kind._value != "Trovio")
+    if (const std::string fault = handlerFault(entry._kind._value); !fault.empty())
+        _faults.push_back({&file, entry._kind._position, fault, false});
+    if (entry._kind._value != bridgeKind)
         return handler;
     auto made = std::make_unique<Trovio::Namespace>();
     made->addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
@@ -69,13 +72,19 @@ void SceneGraph::addSensor(const GraphHandler& handler, const SensorEntry& entry
 
 void SceneGraph::addNodes(const GraphHandler& handler)
 {
-    for (const LocatedPair& node : handler._entry->_nodes)
-        failureOf([&] {
-            auto standing = Trovio::NodeType::newInstance(node._first._value);
-            standing->setBaseURL(sceneURL(handler._entry->_url._value, handler._scene->_path));
-            standing->setFieldValues(node._second._value);
-            _root->getNamespace(handler._label)->addNamespace(std::move(standing));
-        });
+    Trovio::Namespace& space = *_root->getNamespace(handler._label);
+    const Merid::URL baseURL = sceneURL(handler._entry->_url._value, handler._scene->_path);
+    for (const LabelledNode& node : labelledNodes(*handler._entry)) {
+        MadeNode made = madeNode(node, baseURL);
+        if (made._node)
+            if (const auto failure = failureOf([&] { space.addNamespace(std::move(made._node)); }))
+                made = {nullptr, *failure, node._entry->_second._position};
+        if (!made._fault.empty())
+            _faults.push_back({handler._scene, made._position, made._fault, made._fromOutside});
+        const Trovio::Namespace* const standing = space.getNamespace(node._label);
+        if (standing == nullptr || standing->inspect()._slots.empty())
+            _openPlaces.push_back(pathBelow(handler._label, node._label));
+    }
 }
 
 const GraphHandler* SceneGraph::handlerAt(const std::string& path) const
@@ -88,5 +97,15 @@ const GraphSensor* SceneGraph::sensorAt(const std::string& path, const std::stri
 {
     const auto found = _sensors.find({path, label});
     return found == _sensors.end() ? nullptr : &found->second;
+}
+
+bool SceneGraph::isOpen(const std::string& path, const std::string& pattern) const
+{
+    const std::size_t star = pattern.find('*');
+    const std::string start = pathBelow(path, pattern.substr(0, star)); // all that a pattern is known to begin with
+    return std::ranges::any_of(_openPlaces, [&](const std::string& place) {
+        const std::string slots = place + "/";
+        return start.starts_with(slots) || (star != std::string::npos && slots.starts_with(start));
+    });
 }
 } // namespace Host

@@ -156,15 +156,50 @@ TEST_F(SessionTest, SaysAtStartWhatIsNotConnected)
                                   "[[sensor]]\nname = \"wrong\"\ntype = \"SFFloat\"\nlabel = \"Wand\"\n"
                                   "[[handler]]\nkind = \"TORVA\"\nname = \"t\"\n"});
     reportStart(_session, 1000, _say);
-    for (const char* line : {"scene0:28: handler 't' of kind 'TORVA' could not be made",
-                             "sensor 'mute' is bound to nothing: it has no label",
-                             "sensor 'node' (label 'Node') is bound to nothing: no handler has a slot for it (SFNode)",
-                             "sensor 'alone' (label 'Alone') gets no values: no route leads to its label",
-                             "sensor 'out' (label 'Out') gives its values to nobody: no route leads from its label",
-                             "sensor 'wrong' (label 'Wand') gets no values: the route to its label does not connect",
-                             "node 'Context/Source' (Source): running"})
+    for (const char* line :
+         {"scene0:27:8: handler 't' of kind 'TORVA' could not be made: no handler of kind 'TORVA' can be made by this "
+          "program; allowed: Trovio, OT, ORDAN; the run goes on without it",
+          "sensor 'mute' is bound to nothing: it has no label",
+          "sensor 'node' (label 'Node') is bound to nothing: no handler has a slot for it (SFNode)",
+          "sensor 'alone' (label 'Alone') gets no values: no route leads to its label",
+          "sensor 'out' (label 'Out') gives its values to nobody: no route leads from its label",
+          "sensor 'wrong' (label 'Wand') gets no values: the route to its label does not connect",
+          "node 'Context/Source' (Source): running"})
         EXPECT_TRUE(said(line)) << line;
     EXPECT_EQ(std::ranges::count_if(_said, [](const auto& line) { return line.starts_with("route from "); }), 1);
+}
+
+TEST_F(SessionTest, LabelsOfNodesFollowFromTheirPlaceAlsoBehindOneThatWasRefused)
+{
+    struct Row {
+        const char* _nodes;
+        std::vector<std::string> _labels; // of those that could be made
+    };
+    const Row rows[] = {{R"(["Source", "x=1"], ["Source"])", {"Source2"}},
+                        {R"(["Sorce"], ["Source"])", {"Source2"}},
+                        {R"(["Quite another"], ["Source"])", {"Source"}},
+                        {R"(["Source", "label=a x=1"], ["Source", "label=a"], ["Source"])", {"Source", "a2"}},
+                        {R"(["Source", "label=Source2"], ["Source", "x=1"], ["Source"])", {"Source2", "Source3"}},
+                        {R"(["Source", "label=\"it's\""], ["Source", "label='it\\'s'"])", {"it's", "it's2"}},
+                        {R"(["Source", "x='1 label=a"], ["Source"])", {"Source"}},
+                        {R"(["Source", "x='1 mylabel=a"], ["Source"])", {"Source2"}}};
+    std::string scene;
+    for (const Row& row : rows)
+        scene += "[[handler]]\nkind = \"Trovio\"\nname = \"" + std::to_string(&row - rows) + "\"\nnodes = [" +
+                 row._nodes + "]\n";
+    build({scene});
+    for (const Row& row : rows) {
+        const auto& loaded = _session.scenes()[0]->handlers()[static_cast<std::size_t>(&row - rows)];
+        std::vector<std::string> labels;
+        for (const auto& child : Trovio::Root::get().getNamespace(loaded._namespace)->inspect()._children)
+            labels.push_back(child._label);
+        EXPECT_EQ(labels, row._labels) << row._nodes;
+    }
+    const std::string refused = "scene0:4:21: node 'Source' could not be made: setting 'x' (value '1') is not known; "
+                                "allowed: label";
+    EXPECT_TRUE(said(refused + "; the run goes on without it")) << _said[0];
+    reportEnd(_session, {_session.stopNodes(), 0, 0, 0}, 1000, _say);
+    EXPECT_TRUE(said(refused + "; the run went without it"));
 }
 
 TEST_F(SessionTest, SumsUpAtTheEnd)
