@@ -9,19 +9,35 @@
 #include "sensorManager/SensorHandlerType.h"
 #include "trovio/Root.h"
 
-#include <optional>
+#include <algorithm>
 
 namespace Host {
 namespace {
 
-// Without the log's lines about routes, which the notes and the graph tell, too.
-std::optional<std::string> makeGraph(const std::vector<SceneFile>& files, std::unique_ptr<SceneGraph>& graph)
+// What a graph needs around it. Nothing in it starts.
+class Surroundings {
+public:
+    Surroundings()
+    {
+        Ostrel::initSensorManager();
+        Trovio::Root::init();
+    }
+    ~Surroundings() { Trovio::Root::shutdown(); }
+    Surroundings(const Surroundings&) = delete;
+    Surroundings& operator=(const Surroundings&) = delete;
+};
+
+// Without the log's lines, which the notes and the graph tell, too. Null, which is said, where routes cannot be made.
+std::unique_ptr<SceneGraph> makeGraph(const std::vector<SceneFile>& files)
 {
     RunLog log(false);
     log.hold(true);
+    std::unique_ptr<SceneGraph> graph;
     const auto failure = failureOf([&] { graph = std::make_unique<SceneGraph>(files); });
     log.take();
-    return failure;
+    if (failure)
+        std::fprintf(stderr, "the scenes cannot be connected: %s\n", escaped(*failure, 1000).c_str());
+    return graph;
 }
 
 std::string graphIn(Format format, const SceneGraph& graph)
@@ -29,37 +45,50 @@ std::string graphIn(Format format, const SceneGraph& graph)
     return format == Format::Text ? graphText(graph) : format == Format::Json ? graphJson(graph) : graphDot(graph);
 }
 
-int checkScenes(const std::vector<SceneFile>& files, Format format)
+int checkScenes(const std::vector<SceneFile>& files, const Options& options)
 {
-    std::vector<SceneNotes> notes(files.begin(), files.end());
-    for (SceneNotes& scene : notes)
-        scene.checkParts();
-    std::unique_ptr<SceneGraph> graph;
-    if (const auto failure = makeGraph(files, graph)) {
-        std::fprintf(stderr, "the scenes cannot be connected: %s\n", escaped(*failure, 1000).c_str());
+    const std::unique_ptr<SceneGraph> graph = makeGraph(files);
+    if (!graph)
         return BadUsage;
-    }
     const Trovio::NamespaceInfo root = graph->inspect();
-    const bool printsGraph = format != Format::Automatic; // then standard output holds nothing else
-    for (SceneNotes& scene : notes) {
-        scene.checkRoutes(*graph, root);
-        scene.printSum(printsGraph ? stderr : stdout);
+    const bool printsGraph = options._graph != Format::Automatic; // then standard output holds nothing else
+    int code = Done;
+    for (const SceneFile& file : files) {
+        SceneNotes notes(file);
+        notes.checkParts(*graph);
+        notes.checkRoutes(*graph, root);
+        if (!notes.finish(printsGraph ? stderr : stdout, options._strict))
+            code = BadUsage;
     }
     if (printsGraph)
-        std::fputs(graphIn(format, *graph).c_str(), stdout);
-    return Done;
+        std::fputs(graphIn(options._graph, *graph).c_str(), stdout);
+    return code;
 }
 } // namespace
+
+bool canBeMade(const std::vector<SceneFile>& files)
+{
+    const Surroundings surroundings;
+    const std::unique_ptr<SceneGraph> graph = makeGraph(files);
+    if (!graph)
+        return false;
+    for (const SceneFile& file : files) {
+        Problems problems(file._path);
+        for (const GraphFault& fault : graph->faults())
+            if (fault._scene == &file)
+                problems.add(fault._position, escaped(fault._text, 1000));
+        if (const std::string text = problems.text(); !text.empty())
+            std::fprintf(stderr, "%s\n", text.c_str());
+    }
+    return graph->faults().empty();
+}
 
 int checkVerb(const Options& options)
 {
     const auto files = readScenes(options);
     if (!files)
         return BadUsage;
-    Ostrel::initSensorManager();
-    Trovio::Root::init();
-    const int code = checkScenes(*files, options._graph);
-    Trovio::Root::shutdown();
-    return code;
+    const Surroundings surroundings;
+    return checkScenes(*files, options);
 }
 } // namespace Host

@@ -78,6 +78,7 @@ void addRunOptions(CLI::App& app, Options& options)
                    "show only sensors with this text in their name or label; '*' stands for any text")
         ->type_name("PATTERN")
         ->check(filterText());
+    app.add_flag("--strict", options._strict, "refuse scenes of which a handler or a node cannot be made");
     app.add_flag("--quiet", options._quiet, "show no values, only messages");
     app.add_flag("--verbose", options._verbose, "show the library's informational lines");
 }
@@ -123,6 +124,7 @@ void addVerb(CLI::App& app, const Verb& verb, Options& options)
         addScenes(sub, options);
         break;
     case Verb::Takes::ScenesAndGraph:
+        sub.add_flag("--strict", options._strict, "refuse scenes with notes, too");
         addFormat(sub, "--graph", "print the graph of what runs: text, json or dot", options._graph,
                   {{"text", Format::Text}, {"json", Format::Json}, {"dot", Format::Dot}});
         addScenes(sub, options);

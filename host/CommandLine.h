@@ -22,6 +22,7 @@ struct Options {
     std::string _filter;               // of run
     double _staleAfter = 1;            // seconds
     double _patience = 1;              // seconds
+    bool _strict = false;
     bool _quiet = false;
     bool _verbose = false;
 };

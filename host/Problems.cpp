@@ -32,18 +32,23 @@ std::string Problems::line(const Problem& problem) const
            ": " + problem._text;
 }
 
-void Problems::throwIfAny()
+std::string Problems::text() const
 {
-    if (_problems.empty())
-        return;
-    std::stable_sort(_problems.begin(), _problems.end(), [](const Problem& a, const Problem& b) {
+    std::vector<Problem> inOrder = _problems;
+    std::stable_sort(inOrder.begin(), inOrder.end(), [](const Problem& a, const Problem& b) {
         return std::tie(a._position._line, a._position._column) < std::tie(b._position._line, b._position._column);
     });
     std::string text;
-    for (const Problem& problem : _problems)
+    for (const Problem& problem : inOrder)
         text += (text.empty() ? "" : "\n") + line(problem);
     if (_left != 0)
         text += "\n" + escaped(_file, 1000) + ": and " + std::to_string(_left) + " more";
-    throw SceneError(text);
+    return text;
+}
+
+void Problems::throwIfAny() const
+{
+    if (!_problems.empty())
+        throw SceneError(text());
 }
 } // namespace Host

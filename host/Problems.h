@@ -25,8 +25,11 @@ public:
     /// Whether further problems are only counted, so that their texts need no work.
     bool full() const;
 
-    /// Throws SceneError with the problems in the order of the file, if there are any.
-    void throwIfAny();
+    /// A line for each problem, in the order of the file; empty if there are none.
+    std::string text() const;
+
+    /// Throws SceneError with that text, if there are any.
+    void throwIfAny() const;
 
 private:
     struct Problem {

@@ -146,6 +146,10 @@ int runVerb(const Options& options)
         return BadUsage;
     if (!anyPasses(*files, SensorFilter(options._filter)))
         return NothingFound;
+    if (options._strict && !canBeMade(*files)) {
+        say("nothing was run, as --strict asks");
+        return BadUsage;
+    }
     int code = Failed;
     const auto failure = failureOf([&] {
         RunOutput output(options._format == Format::Json);

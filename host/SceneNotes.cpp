@@ -1,92 +1,74 @@
 #include "host/SceneNotes.h"
 
 #include "host/Escape.h"
-#include "host/Failure.h"
-#include "host/NearestName.h"
-#include "host/SceneURL.h"
-#include "sensorManager/SensorHandlerType.h"
-#include "trovio/Node.h"
-#include "trovio/NodeType.h"
+#include "host/RouteCheck.h"
+#include "host/SceneParts.h"
 
 #include <algorithm>
 
 namespace Host {
 namespace {
-constexpr std::size_t longestReason = 400;
-}
+constexpr std::size_t longestReason = 1000;
+constexpr std::size_t mostNotes = 200; // printed; the rest is counted
+} // namespace
 
 void SceneNotes::note(Position position, const std::string& text)
 {
-    ++_notes;
+    if (++_notes > mostNotes)
+        return;
     std::string place = escaped(_scene._path);
     if (position._line != 0)
         place += ":" + std::to_string(position._line) + ":" + std::to_string(position._column);
     std::fprintf(stderr, "%s: note: %s\n", place.c_str(), text.c_str());
 }
 
-void SceneNotes::checkParts()
+void SceneNotes::checkParts(const SceneGraph& graph)
 {
-    for (const HandlerEntry& handler : _scene._handlers)
-        checkHandler(handler);
-    if (_trovioHandlers > 1)
-        note({},
-             "the scene has " + std::to_string(_trovioHandlers) + " Trovio handlers; each of them serves every sensor");
+    for (const GraphFault& fault : graph.faults()) {
+        if (fault._scene != &_scene)
+            continue;
+        if (fault._fromOutside)
+            note(fault._position, escaped(fault._text, longestReason));
+        else
+            _problems.add(fault._position, escaped(fault._text, longestReason));
+    }
+    const auto bridges = std::ranges::count_if(
+        _scene._handlers, [](const HandlerEntry& handler) { return handler._kind._value == bridgeKind; });
+    if (bridges > 1)
+        note({}, "the scene has " + std::to_string(bridges) + " Trovio handlers; each of them serves every sensor");
     for (const SensorEntry& sensor : _scene._sensors)
         if (sensor._label._value.empty())
             note(sensor._name._position,
                  "sensor " + inQuotes(sensor._name._value) + " has no label, so nothing can reach it");
 }
 
-void SceneNotes::checkHandler(const HandlerEntry& handler)
-{
-    constexpr std::string_view kinds[] = {"Trovio", "OT", "ORDAN", "TORVA"};
-    const std::string& kind = handler._kind._value;
-    if (Ostrel::SensorHandlerType::find(kind) == nullptr)
-        note(handler._kind._position,
-             "unknown handler kind " + inQuotes(kind) + "; allowed: " + listed(kinds) + nearestHint(kind, kinds));
-    if (kind != kinds[0])
-        return;
-    ++_trovioHandlers;
-    for (const LocatedPair& node : handler._nodes)
-        checkNode(node, sceneURL(handler._url._value, _scene._path));
-}
-
-// A node that stands nowhere opens nothing, but it knows its settings.
-void SceneNotes::checkNode(const LocatedPair& node, const Merid::URL& baseURL)
-{
-    std::unique_ptr<Trovio::Node> made;
-    if (const auto failure = failureOf([&] { made = Trovio::NodeType::newInstance(node._first._value); }))
-        return note(node._first._position, escaped(*failure, longestReason));
-    made->setBaseURL(baseURL);
-    if (const auto failure = failureOf([&] { made->setFieldValues(node._second._value); }))
-        note(node._second._position, escaped(*failure, longestReason));
-}
-
 void SceneNotes::checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInfo& root)
 {
+    const auto say = [this](Position position, const std::string& text) { note(position, text); };
+    RouteCheck ofRoot(graph, {}, root);
     for (const LocatedPair& route : _scene._routes)
-        checkRoute(route, root);
+        ofRoot.check(route, say);
     for (const Trovio::NamespaceInfo& child : root._children) {
         const GraphHandler* const handler = graph.handlerAt(child._label);
-        if (handler && handler->_scene == &_scene)
-            for (const LocatedPair& route : handler->_entry->_routes)
-                checkRoute(route, child);
+        if (!handler || handler->_scene != &_scene)
+            continue;
+        RouteCheck ofHandler(graph, child._label, child);
+        for (const LocatedPair& route : handler->_entry->_routes)
+            ofHandler.check(route, say);
     }
 }
 
-// An end that is missing may still come, with a node that makes its slots as it runs.
-void SceneNotes::checkRoute(const LocatedPair& route, const Trovio::NamespaceInfo& info)
+bool SceneNotes::finish(std::FILE* out, bool strict) const
 {
-    const auto found = std::ranges::find_if(info._routes, [&route](const Trovio::RouteInfo& known) {
-        return known._from == route._first._value && known._to == route._second._value;
-    });
-    if (found == info._routes.end())
-        return;
-    for (const Trovio::RoutePair& pair : found->_pairs)
-        if (!pair._reason.empty() &&
-            std::ranges::find(info._slots, pair._to, &Trovio::SlotInfo::_label) != info._slots.end())
-            note(route._first._position, inQuotes(pair._from) + " and " + inQuotes(pair._to) +
-                                             " stay apart: " + escaped(pair._reason, longestReason));
+    const std::string path = escaped(_scene._path);
+    if (_notes > mostNotes)
+        std::fprintf(stderr, "%s: and %zu more notes\n", path.c_str(), _notes - mostNotes);
+    if (const std::string text = _problems.text(); !text.empty())
+        return std::fprintf(stderr, "%s\n", text.c_str()), false;
+    if (strict && _notes > 0)
+        return std::fprintf(stderr, "%s: refused, as --strict asks: notes %zu\n", path.c_str(), _notes), false;
+    printSum(out);
+    return true;
 }
 
 void SceneNotes::printSum(std::FILE* out) const

@@ -1,35 +1,35 @@
 #pragma once
 
+#include "host/Problems.h"
 #include "host/SceneGraph.h"
-#include "merid/URL.h"
 
 #include <cstdio>
 
 namespace Host {
 
-/// Says on standard error what a run of a scene would warn of and go on; so none of it is an error.
+/// Tells the person at the terminal what is wrong with a scene that could be read, and what is odd. A note is printed
+/// on standard error at once; what is wrong is kept for the end.
 /// Ownership: refers to the scene, which must live as long.
 class SceneNotes {
 public:
-    explicit SceneNotes(const SceneFile& scene) : _scene(scene) {}
+    explicit SceneNotes(const SceneFile& scene) : _scene(scene), _problems(scene._path) {}
 
     /// Of handlers, nodes and sensors.
-    void checkParts();
+    void checkParts(const SceneGraph& graph);
 
-    /// Of routes whose two ends are there, but stay apart. `root` is the tree of the graph that the scene stands in.
+    /// Of routes that can carry nothing as they stand. `root` is the tree of the graph that the scene stands in.
     void checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInfo& root);
 
-    /// The line that ends a check: how much there is, and how many notes there were.
-    void printSum(std::FILE* out) const;
+    /// Ends a check: says what is wrong, or else on `out` that the scene is good, how much there is in it, and how many
+    /// notes there were. Whether it is good; where `strict`, notes are wrong, too.
+    bool finish(std::FILE* out, bool strict) const;
 
 private:
-    void checkHandler(const HandlerEntry& handler);
-    void checkNode(const LocatedPair& node, const Merid::URL& baseURL);
-    void checkRoute(const LocatedPair& route, const Trovio::NamespaceInfo& info);
     void note(Position position, const std::string& text);
+    void printSum(std::FILE* out) const;
 
     const SceneFile& _scene;
-    std::size_t _trovioHandlers = 0;
+    Problems _problems;
     std::size_t _notes = 0;
 };
 } // namespace Host
