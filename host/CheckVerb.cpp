@@ -5,6 +5,7 @@
 #include "host/Failure.h"
 #include "host/GraphForms.h"
 #include "host/RunLog.h"
+#include "host/SceneMemory.h"
 #include "host/SceneNotes.h"
 #include "sensorManager/SensorHandlerType.h"
 #include "trovio/Root.h"
@@ -88,7 +89,9 @@ int checkVerb(const Options& options)
     const auto files = readScenes(options);
     if (!files)
         return BadUsage;
-    const Surroundings surroundings;
-    return checkScenes(*files, options);
+    return withMemoryFor(*files, [&] {
+        const Surroundings surroundings;
+        return checkScenes(*files, options);
+    });
 }
 } // namespace Host

@@ -4,6 +4,7 @@
 #include "host/ExitCode.h"
 #include "host/NearestName.h"
 #include "host/SceneFile.h"
+#include "host/SceneMemory.h"
 #include "host/SensorFilter.h"
 
 #include <CLI/App.hpp>
@@ -146,6 +147,18 @@ bool knownVerb(const char* argument, const std::vector<Verb>& verbs)
     return false;
 }
 
+int runVerb(const Verb& verb, const Options& options)
+{
+    try {
+        return verb._run(options);
+    } catch (const OutOfMemory& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "memory ran out\n");
+    }
+    return Failed;
+}
+
 // What was printed and still waits in a buffer fails only here.
 int codeWithOutput(int code)
 {
@@ -177,7 +190,7 @@ int runCommandLine(int argc, char** argv, const std::vector<Verb>& verbs)
     }
     for (const Verb& verb : verbs)
         if (app.got_subcommand(verb._name))
-            return codeWithOutput(verb._run(options));
+            return codeWithOutput(runVerb(verb, options));
     return BadUsage; // not reached: a verb is required
 }
 } // namespace Host

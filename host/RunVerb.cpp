@@ -10,6 +10,7 @@
 #include "host/RunCounts.h"
 #include "host/RunLog.h"
 #include "host/RunOutput.h"
+#include "host/SceneMemory.h"
 #include "host/SceneReader.h"
 #include "host/SystemClock.h"
 #include "host/Terminal.h"
@@ -131,6 +132,8 @@ std::optional<std::vector<SceneFile>> readScenes(const Options& options)
     for (const std::string& path : options._names) {
         try {
             files.push_back(readScene(path));
+        } catch (const std::bad_alloc&) {
+            throw OutOfMemory(escaped(path) + ": memory ran out while the scene was read");
         } catch (const SceneError& error) {
             say(error.what());
             good = false;
@@ -146,7 +149,7 @@ int runVerb(const Options& options)
         return BadUsage;
     if (!anyPasses(*files, SensorFilter(options._filter)))
         return NothingFound;
-    if (options._strict && !canBeMade(*files)) {
+    if (options._strict && !withMemoryFor(*files, [&] { return canBeMade(*files); })) {
         say("nothing was run, as --strict asks");
         return BadUsage;
     }
@@ -154,8 +157,9 @@ int runVerb(const Options& options)
     const auto failure = failureOf([&] {
         RunOutput output(options._format == Format::Json);
         const StopSignal stop;
-        if (const auto inRun = failureOf([&] { code = runScenes(std::move(*files), options, stop, output); }))
-            output.say("the run failed: " + escaped(*inRun));
+        const auto run = [&] { return runScenes(std::move(*files), options, stop, output); };
+        if (const auto inRun = failureOf([&] { code = withMemoryFor(*files, run); }))
+            output.say("the run failed: " + escaped(*inRun, 4000));
         code = output.finish(code);
     });
     if (failure)

@@ -1,5 +1,6 @@
 #include "host/SceneReader.h"
 
+#include "host/SceneMemory.h"
 #include "host/SceneRules.h"
 #include "host/SceneText.h"
 #include "host/TableReader.h"
@@ -39,6 +40,16 @@ const TomlValue* takeRate(const TomlValue& value, HostEntry& entry)
     if (!(rate > 0 && rate <= highestRate))
         return &value;
     entry._rate = {rate, value._position};
+    return nullptr;
+}
+
+const TomlValue* takeMemory(const TomlValue& value, HostEntry& entry)
+{
+    const auto* text = std::get_if<std::string>(&value._data);
+    const std::uint64_t bytes = text != nullptr ? bytesIn(*text) : 0;
+    if (bytes == 0)
+        return &value;
+    entry._memory = {bytes, value._position};
     return nullptr;
 }
 
@@ -88,7 +99,8 @@ const TomlValue* takePairs(const TomlValue& value, HandlerEntry& entry)
 }
 
 constexpr KeyRule<HostEntry> hostRules[] = {
-    {"rate", "frames per second, a number above 0 and up to 10000", false, takeRate}};
+    {"rate", "frames per second, a number above 0 and up to 10000", false, takeRate},
+    {"memory", "a text such as \"2 GiB\" or \"512 MiB\", up to \"1024 GiB\"", false, takeMemory}};
 
 constexpr KeyRule<HandlerEntry> handlerRules[] = {
     {"kind", "a text, the handler kind, e.g. \"Trovio\"", true, takeName<HandlerEntry, &HandlerEntry::_kind>},

@@ -3,6 +3,7 @@
 #include "host/Escape.h"
 #include "host/InitialValue.h"
 #include "host/NearestName.h"
+#include "host/SceneMemory.h"
 #include "host/ValueForm.h"
 #include "merid/URL.h"
 #include "ostrel/FieldClass.h"
@@ -54,7 +55,7 @@ public:
     void run()
     {
         checkNames();
-        checkBuffers();
+        checkMemory();
         for (const SensorEntry& sensor : _scene._sensors)
             checkSensor(sensor);
         for (const HandlerEntry& handler : _scene._handlers)
@@ -67,7 +68,7 @@ public:
 
 private:
     void checkNames();
-    void checkBuffers();
+    void checkMemory();
     void checkSensor(const SensorEntry& sensor);
     void checkHandler(const HandlerEntry& handler);
     void checkRoute(const LocatedPair& route);
@@ -95,18 +96,17 @@ void SceneCheck::checkNames()
 }
 
 // The memory for them is taken when the scene starts.
-void SceneCheck::checkBuffers()
+void SceneCheck::checkMemory()
 {
-    std::size_t buffered = 0;
-    for (const SensorEntry& sensor : _scene._sensors) {
-        buffered += sensor._buffer._value;
-        if (buffered <= mostBuffered)
-            continue;
-        _problems.add(sensor._buffer._position, "with the buffer of sensor " + inQuotes(sensor._name._value) +
-                                                    " the scene buffers " + std::to_string(buffered) +
-                                                    " values; allowed: up to " + std::to_string(mostBuffered));
+    const SceneMemory memory(_scene);
+    const std::uint64_t most = _scene._host._memory._value;
+    if (memory.bytes() <= most)
         return;
-    }
+    const SensorEntry& largest = *memory.largest();
+    _problems.add((largest._buffer._position._line != 0 ? largest._buffer._position : largest._name._position),
+                  "the slots and buffers of the sensors take " + bytesText(memory.bytes()) + " (" +
+                      std::to_string(memory.bytes()) + " bytes), most of it " + memory.largestText() +
+                      "; allowed: up to " + bytesText(most) + ", or what `memory` of [host] says");
 }
 
 void SceneCheck::checkSensor(const SensorEntry& sensor)

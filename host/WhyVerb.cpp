@@ -6,6 +6,7 @@
 #include "host/FrameLoop.h"
 #include "host/JsonText.h"
 #include "host/RunLog.h"
+#include "host/SceneMemory.h"
 #include "host/SystemClock.h"
 #include "host/WhyAnswer.h"
 #include "trovio/Namespace.h"
@@ -120,7 +121,7 @@ int whyVerb(const Options& options)
         return BadUsage;
     int code = Failed;
     const auto failure = failureOf([&] {
-        const Answer answer = findAnswer(std::move(files->front()), options);
+        const Answer answer = withMemoryFor(*files, [&] { return findAnswer(std::move(files->front()), options); });
         code = exitCode(answer);
         if (options._format == Format::Json)
             printJson(answer, options);

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <new>
 #include <optional>
 #include <set>
 
@@ -165,6 +166,8 @@ std::unique_ptr<Node> NodeType::newInstance(const std::string& name)
     std::unique_ptr<Node> node;
     try {
         node = type->_entry._create();
+    } catch (const std::bad_alloc&) {
+        throw; // says nothing of the type
     } catch (...) {
         throw InvalidNodeException("node type '" + name + "' could not be built: " + describeCurrentException());
     }

@@ -279,6 +279,33 @@ TEST(HostProgram, RunsWithoutWhatCannotBeMadeUnlessItIsStrict)
     EXPECT_EQ(strict.err(), check.err() + "nothing was run, as --strict asks\n");
 }
 
+TEST(HostProgram, SaysWhatWasAskedForWhenMemoryRunsOut)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "sanitizers need more address space than there is to be";
+#endif
+    const SceneOnDisk scene("[[handler]]\nkind = \"Trovio\"\nname = \"a\"\nnodes = [[\"Generator\"]]\n"
+                            "[[sensor]]\nname = \"m\"\ntype = \"SFMatrix4d\"\nlabel = \"M\"\nbuffer = 1000000\n"
+                            "[[sensor]]\nname = \"n\"\ntype = \"SFMatrix4d\"\nlabel = \"N\"\nbuffer = 900000\n"
+                            "[[sensor]]\nname = \"s\"\ntype = \"SFString\"\nlabel = \"S\"\nbuffer = 6000\n");
+    for (const char* verb : {"run \"$1\" --frames 1", "why \"$1\" Generator/value M"}) {
+        HostProcess process("sh", {"-c", "ulimit -v 200000; exec \"$0\" " + std::string(verb), host, scene.path()});
+        EXPECT_EQ(process.wait(), 1) << verb;
+        EXPECT_NE(process.err().find("memory ran out: " + scene.path() +
+                                     " asks for 247 MiB for the slots and buffers of "
+                                     "its sensors, most of it, 130 MiB for sensor 'm', with a buffer of 1000000 values "
+                                     "of 136 bytes in each of 1 handlers, and has 1 nodes\n"),
+                  std::string::npos)
+            << process.err();
+    }
+    HostProcess check(host, {"check", scene.path()});
+    EXPECT_EQ(check.wait(), 0);
+    EXPECT_NE(check.err().find(":19:10: note: the buffer of sensor 's' keeps 6000 values of type SFString, also when "
+                               "they were taken, until others replace them: 375 MiB with values of 65507 bytes"),
+              std::string::npos)
+        << check.err();
+}
+
 TEST(HostProgram, SaysWithItsExitCodeHowItWent)
 {
     const SceneOnDisk bad("[[sensor]]\nnam = \"a\"\n");

@@ -47,6 +47,12 @@ TEST(SceneReader, RefusesWithPlaceAndReason)
           Row{SENSOR "buffer = -1\n", "s:4:10: 'buffer' of [[sensor]] holds the whole number -1"},
           Row{"[host]\nrate = 0\n", "s:2:8: 'rate' of [host] holds the whole number 0; allowed: fra"},
           Row{"[host]\nrate = nan\n", "s:2:8: 'rate' of [host] holds the number nan; allowed: frames"},
+          Row{"[host]\nmemory = \"2 GB\"\n",
+              "s:2:10: 'memory' of [host] holds the text '2 GB'; allowed: a text such as"},
+          Row{"[host]\nmemory = \"0 MiB\"\n", "s:2:10: "},
+          Row{"[host]\nmemory = \"1025 GiB\"\n", "s:2:10: "},
+          Row{"[host]\nmemory = \"18446744073709551617 MiB\"\n", "s:2:10: "},
+          Row{"[host]\nmemory = 1\n", "s:2:10: 'memory' of [host] holds the whole number 1"},
           Row{HANDLER "nodes = [[\"OSC\"], \"x\"]\n", "s:4:19: 'nodes' of [[handler]] holds the "},
           Row{HANDLER "routes = [[\"A\"]]\n", "s:4:11: 'routes' of [[handler]] holds a list of "},
           Row{HANDLER "nodes = [[\"OSC\", 7]]\n", "s:4:18: 'nodes' of [[handler]] holds the w"},
@@ -118,14 +124,20 @@ TEST(SceneReader, RefusesOneMoreThanItsLimits)
     const auto nodes = [&](std::size_t count) {
         return HANDLER "nodes = [" + numbered(count, "[\"Type", "\"],") + "]\n";
     };
-    const std::string sensor = "[[sensor]]\ntype = \"SFBool\"\nname = \"", buffered = "\"\nbuffer = 1000000\n";
+    const std::string sensor = "[[sensor]]\ntype = \"SFBool\"\nname = \"";
+    const std::string matrix = "[[sensor]]\ntype = \"SFMatrix4d\"\nname = \"a\"\nlabel = \"A\"\nbuffer = 1000000\n";
+    const auto handlers = [&](std::size_t count) {
+        return numbered(count, "[[handler]]\nkind = \"Trovio\"\nname = \"", "\"\n");
+    };
+    const std::string refused = handlers(8) + matrix;
     const struct {
         std::string _allowed, _refused, _expected;
     } rows[] = {
         {numbered(100'000, sensor, "\"\n"), numbered(100'001, sensor, "\"\n"),
          "s:300001:1: the scene has 100001 [[sensor]]; allowed: up to 100000"},
-        {numbered(10, sensor, buffered), numbered(11, sensor, buffered),
-         "s:44:10: with the buffer of sensor '10' the scene buffers 11000000 values; allowed: up to 10000000"},
+        {handlers(7) + matrix, refused, "s:29:10: the slots and buffers of the sensors take 1.01 GiB (10880"},
+        {refused + "[host]\nmemory = \"1100 MiB\"\n", refused + "[host]\nmemory = \"512 MiB\"\n",
+         "s:29:10: the slots and buffers of the sensors take 1.01 GiB (10880"},
         {nodes(1'000), nodes(1'001), "s:4:9: 'nodes' of [[handler]] holds a list of 1001; allowed: a "},
     };
     for (const auto& row : rows) {
