@@ -4,8 +4,11 @@
 #include "host/RouteCheck.h"
 #include "host/SceneMemory.h"
 #include "host/SceneParts.h"
+#include "host/TreeWalk.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
 
 namespace Host {
 namespace {
@@ -58,6 +61,39 @@ void SceneNotes::checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInf
         RouteCheck ofHandler(graph, child._label, child);
         for (const LocatedPair& route : handler->_entry->_routes)
             ofHandler.check(route, say);
+        checkRivals(graph, root, child);
+    }
+}
+
+// Several that write into a sensor without a buffer overwrite each other within a frame.
+void SceneNotes::checkRivals(const SceneGraph& graph, const Trovio::NamespaceInfo& root,
+                             const Trovio::NamespaceInfo& space)
+{
+    std::map<std::string, std::set<std::string>> writers; // labels in the root, by the sensor's label in the handler
+    const auto collect = [&](const std::string& path, const Trovio::NamespaceInfo& info) {
+        const std::string before = path.empty() ? space._label + "/" : std::string();
+        for (const Trovio::RouteInfo& route : info._routes)
+            for (const Trovio::RoutePair& pair : route._pairs)
+                if (pair._reason.empty() && pair._to.starts_with(before))
+                    writers[pair._to.substr(before.size())].insert(pathBelow(path, pair._from));
+    };
+    collect({}, root);
+    collect(space._label, space);
+    for (const auto& [label, names] : writers) {
+        const GraphSensor* const sensor = graph.sensorAt(space._label, label);
+        if (names.size() < 2 || !sensor)
+            continue;
+        const auto entry = std::ranges::find(_scene._sensors, sensor->_name,
+                                             [](const SensorEntry& known) { return known._name._value; });
+        if (entry == _scene._sensors.end() || entry->_buffer._value > 1)
+            continue;
+        std::string all;
+        for (const std::string& name : names)
+            all += (all.empty() ? "" : ", ") + inQuotes(name);
+        note(entry->_name._position, "sensor " + inQuotes(sensor->_name) + " keeps the newest value only, and " +
+                                         std::to_string(names.size()) +
+                                         " write into it, one over the other: " + escaped(all, longestReason) +
+                                         "; route only one of them to it, or give it a `buffer`");
     }
 }
 

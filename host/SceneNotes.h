@@ -25,6 +25,7 @@ public:
     bool finish(std::FILE* out, bool strict) const;
 
 private:
+    void checkRivals(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Trovio::NamespaceInfo& space);
     void note(Position position, const std::string& text);
     void printSum(std::FILE* out) const;
 

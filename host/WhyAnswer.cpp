@@ -1,6 +1,7 @@
 #include "host/WhyAnswer.h"
 
 #include "host/Escape.h"
+#include "host/SceneCause.h"
 #include "host/SlotTypes.h"
 #include "trovio/NodeType.h"
 #include "trovio/Root.h"
@@ -95,16 +96,39 @@ Explanation explainLabels(const std::string& from, const std::string& to, double
 std::string whatFits(const Explanation& explanation, const Session& session)
 {
     if (explanation._verdict != Verdict::TypesDiffer)
-        return {};
+        return missingRoute(explanation, session);
     const std::string in = fitAt(*explanation.findText("in-slot"), *explanation.findText("out type"), session);
     return !in.empty() ? in : fitAt(*explanation.findText("out-slot"), *explanation.findText("in type"), session);
 }
 
-bool WhyDecision::take(Verdict verdict, double now)
+bool WhyDecision::take(const Explanation& found, double now)
 {
-    if (verdict != _last)
+    if (!_start)
+        _start = now;
+    if (found._verdict != _last._verdict || _since == 0) {
         _since = now;
-    _last = verdict;
-    return verdict == Verdict::Flowing || verdict == Verdict::TypesDiffer || now - _since >= _patience;
+        _writtenBefore = found.findNumber("written").value_or(0);
+    }
+    _last = found;
+    (found._verdict == Verdict::Flowing ? _flowing : _stopping) = found;
+    const double patience = std::max(_patience, found.findNumber("settles").value_or(0));
+    _changesAlways = now - *_start >= 3 * patience;
+    return found._verdict == Verdict::TypesDiffer || now - _since >= patience || _changesAlways;
+}
+
+Explanation WhyDecision::answer() const
+{
+    if (_changesAlways && _flowing && _stopping && _last._verdict != Verdict::Flowing) {
+        Explanation mixed = *_flowing;
+        mixed._text += "; but not at all times: " + _stopping->_text;
+        return mixed;
+    }
+    Explanation answer = _last;
+    if (answer._verdict != Verdict::Stale)
+        return answer;
+    const double newer = answer.findNumber("written").value_or(0) - _writtenBefore;
+    answer._text += newer > 0 ? "; records still come, so set the clock of their source, or this one"
+                              : "; none has come since, so look at the device or the sender";
+    return answer;
 }
 } // namespace Host

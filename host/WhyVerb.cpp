@@ -1,11 +1,13 @@
 #include "host/Verbs.h"
 
+#include "host/Backlog.h"
 #include "host/Escape.h"
 #include "host/ExitCode.h"
 #include "host/Failure.h"
 #include "host/FrameLoop.h"
 #include "host/JsonText.h"
 #include "host/RunLog.h"
+#include "host/SceneCause.h"
 #include "host/SceneMemory.h"
 #include "host/SystemClock.h"
 #include "host/WhyAnswer.h"
@@ -47,18 +49,23 @@ Answer findAnswer(SceneFile file, const Options& options)
     session.build(std::move(files), [](const std::string&) {});
     Answer answer;
     WhyDecision decision(patience);
+    Backlog backlog;
     double nextLook = 0;
     loop.run([&](double now) {
+        backlog.look(session);
         session.frame(now);
         if (clock.steady() < nextLook)
             return true;
         nextLook = clock.steady() + lookInterval;
-        answer._explanation = explainLabels(options._from, options._to, options._staleAfter);
-        answer._decided = decision.take(answer._explanation._verdict, clock.steady());
+        const Explanation found = explainLabels(options._from, options._to, options._staleAfter);
+        answer._decided = decision.take(found, clock.steady());
         return !answer._decided;
     });
+    answer._explanation = inSceneWords(decision.answer(), session);
+    if (answer._explanation._verdict == Verdict::Flowing)
+        answer._explanation._text += backlog.cure(session, options._to);
     answer._fits = whatFits(answer._explanation, session);
-    log.take(); // what the log said is no answer
+    log.take(); // what it said of the cause stands in the answer
     return answer;
 }
 
