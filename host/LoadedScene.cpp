@@ -31,12 +31,18 @@ bool stands(const std::string& space, const std::string& label)
 }
 } // namespace
 
-LoadedScene::LoadedScene(SceneFile file, std::string title) : _file(std::move(file)), _title(std::move(title)) {}
+LoadedScene::LoadedScene(SceneFile file, std::string title, Stopped stopped)
+    : _file(std::move(file)), _title(std::move(title)), _stopped(std::move(stopped))
+{
+}
 
 void LoadedScene::addSensors()
 {
-    for (const SensorEntry& entry : _file._sensors)
+    for (const SensorEntry& entry : _file._sensors) {
+        if (_stopped())
+            return;
         addSensor(entry);
+    }
     addLinks();
 }
 
@@ -84,11 +90,15 @@ void LoadedScene::addHandlers(const Say& say)
 {
     _handlers.reserve(_file._handlers.size());
     for (const HandlerEntry& entry : _file._handlers) {
+        if (_stopped())
+            return;
         _handlers.push_back(madeHandler(entry, say));
         if (_handlers.back()._handler == nullptr)
             continue;
         findSlots(_handlers.back());
         for (const LocatedPair& route : entry._routes) {
+            if (_stopped())
+                return;
             std::string from = route._first._value, to = route._second._value;
             _handlers.back()._handler->addLabel(from, to);
         }
@@ -108,10 +118,15 @@ void LoadedScene::findSlots(LoadedHandler& loaded)
 
 void LoadedScene::addNodes(const Say& say)
 {
-    for (const LoadedHandler& loaded : _handlers)
-        if (loaded._handler != nullptr)
-            for (const LabelledNode& node : labelledNodes(*loaded._entry))
-                addNode(loaded, node, say);
+    for (const LoadedHandler& loaded : _handlers) {
+        if (loaded._handler == nullptr)
+            continue;
+        for (const LabelledNode& node : labelledNodes(*loaded._entry)) {
+            if (_stopped())
+                return;
+            addNode(loaded, node, say);
+        }
+    }
 }
 
 void LoadedScene::addNode(const LoadedHandler& loaded, const LabelledNode& node, const Say& say)

@@ -20,6 +20,9 @@ namespace Host {
 /// Where a line for the person at the terminal goes.
 using Say = std::function<void(const std::string& line)>;
 
+/// Whether to leave off what has begun.
+using Stopped = std::function<bool()>;
+
 /// One handler of a scene; null where none could be made. The sensor manager owns it.
 struct LoadedHandler {
     const HandlerEntry* _entry;
@@ -32,8 +35,9 @@ struct LoadedHandler {
 /// Threads: the scene thread only.
 class LoadedScene {
 public:
-    /// `title` names the scene in messages where several run, else it is empty.
-    LoadedScene(SceneFile file, std::string title);
+    /// `title` names the scene in messages where several run, else it is empty. Where `stopped` says so, it adds no
+    /// more: it is asked before each step that can take long.
+    LoadedScene(SceneFile file, std::string title, Stopped stopped);
 
     /// Makes and registers the sensors with their initial values, and links their fields.
     void addSensors();
@@ -64,6 +68,7 @@ private:
 
     const SceneFile _file;
     const std::string _title;
+    const Stopped _stopped;
     Ostrel::Scene _scene;
     std::vector<LoadedHandler> _handlers;
     std::vector<std::string> _missing;

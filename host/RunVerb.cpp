@@ -1,5 +1,6 @@
 #include "host/Verbs.h"
 
+#include "host/EndWatch.h"
 #include "host/Escape.h"
 #include "host/ExitCode.h"
 #include "host/Failure.h"
@@ -106,17 +107,23 @@ bool anyPasses(const std::vector<SceneFile>& files, const SensorFilter& filter)
     return false;
 }
 
-int runScenes(std::vector<SceneFile> files, const Options& options, const StopSignal& stop, RunOutput& output)
+int runScenes(std::vector<SceneFile> files, const Options& options, const StopSignal& stop, EndWatch& watch,
+              RunOutput& output)
 {
     const Say sayInRun = [&output](const std::string& line) { output.say(line); };
     RunLog log(options._verbose, &output);
     SystemClock clock(stop);
     FrameLoop loop(clock, rateOf(files, options), {options._seconds, options._frames});
     Session session;
-    session.build(std::move(files), sayInRun);
+    session.build(std::move(files), sayInRun, [&stop] { return stop.requested(); });
+    if (stop.requested()) {
+        output.say("ended before the scene was built");
+        return Done;
+    }
     reportStart(session, messageWidth(), sayInRun);
     runFrames(session, loop, clock, *makeView(options, session, log, output, clock.now()),
               SensorFilter(options._filter), output);
+    watch.begin();
     const RunTotals totals{session.stopNodes(), clock.now(), loop.frames(), loop.skipped()};
     reportEnd(session, totals, messageWidth(), sayInRun);
     if (options._format == Format::Json)
@@ -157,7 +164,8 @@ int runVerb(const Options& options)
     const auto failure = failureOf([&] {
         RunOutput output(options._format == Format::Json);
         const StopSignal stop;
-        const auto run = [&] { return runScenes(std::move(*files), options, stop, output); };
+        EndWatch watch(stop, [&output](const std::string& line) { output.say(line); });
+        const auto run = [&] { return runScenes(std::move(*files), options, stop, watch, output); };
         if (const auto inRun = failureOf([&] { code = withMemoryFor(*files, run); }))
             output.say("the run failed: " + escaped(*inRun, 4000));
         code = output.finish(code);

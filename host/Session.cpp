@@ -53,18 +53,19 @@ void Session::tearDown()
     Trovio::Root::shutdown();
 }
 
-void Session::build(std::vector<SceneFile> files, const Say& say)
+void Session::build(std::vector<SceneFile> files, const Say& say, const Stopped& stopped)
 {
     const bool several = files.size() > 1;
     for (SceneFile& file : files) {
         const std::string title = several ? file._path : std::string();
-        _scenes.push_back(std::make_unique<LoadedScene>(std::move(file), title));
+        _scenes.push_back(std::make_unique<LoadedScene>(std::move(file), title, stopped));
         _scenes.back()->addSensors();
         _scenes.back()->addHandlers(say);
     }
     for (const auto& scene : _scenes)
         for (const LocatedPair& route : scene->file()._routes)
-            Trovio::Root::get().addRoute(route._first._value, route._second._value);
+            if (!stopped())
+                Trovio::Root::get().addRoute(route._first._value, route._second._value);
     for (const auto& scene : _scenes)
         scene->addNodes(say);
 }

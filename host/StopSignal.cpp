@@ -10,6 +10,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <poll.h>
+#include <semaphore.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -18,17 +19,22 @@ namespace {
 
 // Reached from the signal handler, which gets no argument of ours.
 std::atomic<bool> stopRequested{false};
+std::atomic<bool> isWatched{false};
+std::atomic<int> secondNumber{0};
 int wakePipe[2] = {-1, -1};
-static_assert(std::atomic<bool>::is_always_lock_free);
+sem_t news;
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
 
 void onSignal(int number)
 {
     const int error = errno;
     // A terminal that closes hangs up twice: its shell, and then the kernel.
-    if (stopRequested.exchange(true) && number != SIGHUP) {
-        Keyboard::restore();
-        _exit(128 + number);
-    }
+    if (stopRequested.exchange(true) && number != SIGHUP)
+        if (secondNumber.exchange(number) != 0 || !isWatched) {
+            Keyboard::restore();
+            _exit(128 + number);
+        }
+    sem_post(&news);
     // The byte is never read: from now on every wait returns at once.
     [[maybe_unused]] const ssize_t ignored = write(wakePipe[1], "", 1);
     errno = error;
@@ -54,7 +60,9 @@ StopSignal::StopSignal()
 {
     if (pipe2(wakePipe, O_CLOEXEC | O_NONBLOCK) != 0)
         throw std::system_error(errno, std::generic_category(), "cannot make the pipe that signals wake");
+    sem_init(&news, 0, 0);
     stopRequested = false;
+    secondNumber = 0;
     install(SIGINT, onSignal);
     install(SIGTERM, onSignal);
     _hearsHangUp = !isIgnored(SIGHUP);
@@ -71,6 +79,32 @@ StopSignal::~StopSignal()
         install(SIGHUP, SIG_DFL);
     close(wakePipe[0]);
     close(wakePipe[1]);
+    sem_destroy(&news);
+}
+
+void StopSignal::tell() const
+{
+    sem_post(&news);
+}
+
+void StopSignal::waitForNews(double seconds) const
+{
+    timespec until = {};
+    clock_gettime(CLOCK_MONOTONIC, &until);
+    const auto nanoseconds = until.tv_nsec + static_cast<long>((seconds - std::floor(seconds)) * 1e9);
+    until.tv_sec += static_cast<time_t>(seconds) + nanoseconds / 1'000'000'000;
+    until.tv_nsec = nanoseconds % 1'000'000'000;
+    sem_clockwait(&news, CLOCK_MONOTONIC, &until);
+}
+
+void StopSignal::setWatched(bool watched) const
+{
+    isWatched = watched;
+}
+
+int StopSignal::second() const
+{
+    return secondNumber;
 }
 
 bool StopSignal::requested() const

@@ -15,6 +15,15 @@ public:
     StopSignal& operator=(const StopSignal&) = delete;
 
     bool requested() const;
+    /// From any thread, when the run ends by itself: whoever waits in waitForNews() hears of it as of a signal.
+    void tell() const;
+
+    /// For the one thread that watches the end: blocks until something has happened, or for up to `seconds`.
+    void waitForNews(double seconds) const;
+    /// Whether there is such a thread. It then ends the process at the second signal; a third one still does at once.
+    void setWatched(bool watched) const;
+    /// The number of the second signal; 0 before.
+    int second() const;
 
     /// Blocks for up to `seconds` or until a stop is requested; any thread.
     void wait(double seconds) const;

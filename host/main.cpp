@@ -1,7 +1,25 @@
 #include "host/Verbs.h"
 
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+// What the program opens would else take their place, and what it says would go there. A run goes on without a reader;
+// an answer that nobody can get is an error, so there the stream stays one that cannot be written to.
+void openClosedStreams(bool runs)
+{
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream)
+        if (fcntl(stream, F_GETFD) < 0 && errno == EBADF)
+            open("/dev/null", stream == STDIN_FILENO || (stream == STDOUT_FILENO && !runs) ? O_RDONLY : O_WRONLY);
+}
+} // namespace
+
 int main(int argc, char** argv)
 {
+    openClosedStreams(argc > 1 && std::strcmp(argv[1], "run") == 0);
     using Takes = Host::Verb::Takes;
     return Host::runCommandLine(
         argc, argv,

@@ -2,6 +2,7 @@
 
 #include "trovio/ExceptionText.h"
 #include "trovio/FrameworkLog.h"
+#include "trovio/NodeMove.h"
 #include "trovio/Scope.h"
 #include "trovio/TimeText.h"
 #include <new>
@@ -118,8 +119,20 @@ void Node::enter()
         const LockGuard state(_stateLock);
         _state = {false, {}, Time::getCurrentTime(), {}};
     }
+    const NodeMove move(getPath(), NodeMove::Kind::Starts);
     callType<InvalidNodeException>(getTypeName(), getLabel(), "start()", [this] { start(); });
     _started = true;
+}
+
+std::string Node::getPath() const noexcept
+try {
+    const LockGuard tree(_treeLock);
+    std::string path = _label;
+    for (const Namespace* level = _parent; level && !level->_label.empty(); level = level->_parent)
+        path = level->_label + "/" + path;
+    return path;
+} catch (const std::bad_alloc&) {
+    return {};
 }
 
 void Node::leave() noexcept
@@ -128,6 +141,7 @@ void Node::leave() noexcept
     if (!_started)
         return;
     _started = false;
+    const NodeMove move(getPath(), NodeMove::Kind::Stops);
     try {
         stop();
     } catch (...) {

@@ -98,6 +98,7 @@ private:
     // getRemarks() and getStateOf(), for those who show them: what these throw becomes their answer.
     std::vector<RemarkInfo> askRemarks() const;
     NodeState askState(const Slot& slot) const;
+    std::string getPath() const noexcept; // the labels from the root down; empty without memory
     void changeState(bool degraded, const std::string& reason);
 
     // Serialises start and stop of this node: a remover waits here until start() is through.

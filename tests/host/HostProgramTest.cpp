@@ -144,6 +144,58 @@ TEST(HostProgram, EndsAtOnceWithTheSecondSignal)
     EXPECT_TRUE(code == 128 + SIGINT || code == 128 + SIGTERM) << code;
 }
 
+// The first handler says when the scene is being built.
+const std::string badHandler = "[[handler]]\nkind = \"Trovia\"\nname = \"bad\"\n";
+
+TEST(HostProgram, NamesTheNodeThatHangsAndEndsWithTheSecondSignal)
+{
+    const struct {
+        const char *_start, *_runs, *_says;
+    } rows[] = {{"false", "node 'Context/Door'", "node 'Context/Door' has not stopped for "},
+                {"true", "could not be made", "node 'Context/Door' has not started for "}};
+    for (const auto& row : rows) {
+        const SceneOnDisk scene(badHandler + "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n" +
+                                "nodes = [[\"Hangs\", \"label=Door start=" + row._start + "\"]]\n");
+        HostProcess running("env", {"TROVIO_NODE_PATH=" TEST_MODULES, host, "run", scene.path()});
+        ASSERT_TRUE(running.waitFor(row._runs)) << running.err();
+        running.signal(SIGTERM);
+        EXPECT_TRUE(running.waitFor(row._says)) << running.err();
+        running.signal(SIGTERM);
+        EXPECT_EQ(running.wait(), 128 + SIGTERM);
+        EXPECT_NE(running.err().find(std::string("ended by a second signal: ") + row._says), std::string::npos)
+            << running.err();
+    }
+}
+
+// Thousands of routes times thousands of sensors take a while.
+TEST(HostProgram, EndsWhileItStarts)
+{
+    std::string text = badHandler + "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\nroutes = [";
+    for (int i = 0; i < 20'000; ++i)
+        text += "[\"*\", \"" + std::to_string(i) + "-*\"],\n";
+    text += "]\n";
+    for (int i = 0; i < 5'000; ++i)
+        text += "[[sensor]]\nname = \"s" + std::to_string(i) + "\"\nlabel = \"l" + std::to_string(i) +
+                "\"\ntype = \"SFFloat\"\noutput = true\n";
+    const SceneOnDisk scene(text);
+    HostProcess running(host, {"run", scene.path()});
+    ASSERT_TRUE(running.waitFor("could not be made"));
+    running.signal(SIGTERM);
+    EXPECT_EQ(running.wait(), 0);
+    EXPECT_NE(running.err().find("ended before the scene was built\n"), std::string::npos) << running.err();
+}
+
+// What was opened instead of them would get what the program says.
+TEST(HostProgram, RunsWithoutStandardStreams)
+{
+    const SceneOnDisk scene("[[sensor]]\nname = \"s\"\ntype = \"SFBool\"\n");
+    for (const char* closed : {"<&- >&- 2>&-", "2>&-"}) {
+        HostProcess running("sh",
+                            {"-c", "exec \"$0\" run \"$1\" --frames 3 " + std::string(closed), host, scene.path()});
+        EXPECT_EQ(running.wait(), 0) << closed;
+    }
+}
+
 // The values are more than a pipe holds.
 TEST(HostProgram, NeverWaitsForWhoReadsAlong)
 {
