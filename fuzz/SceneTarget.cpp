@@ -50,7 +50,7 @@ void checkScene(Host::SceneFile scene)
         require(sensor._name._position._line > 0, "what was read knows its line");
     }
     const std::size_t count = scene._sensors.size();
-    Host::LoadedScene loaded(std::move(scene), "");
+    Host::LoadedScene loaded(std::move(scene), "", [] { return false; });
     loaded.addSensors();
     require(loaded.watches().size() == count, "each sensor of the text is one of the scene");
     loaded.frame(1.0);
