@@ -38,7 +38,7 @@ FieldPtr read(const Ostrel::FieldClass& fieldClass, std::string_view text)
 
 std::string jsonOf(Ostrel::Field& field)
 {
-    std::string line = Host::jsonLine(0.0, {"", "", "", ""}, field);
+    std::string line = Host::jsonLine({0.0, std::nullopt}, {"", "", "", ""}, field);
     const std::string before = "\"value\":";
     line.erase(0, line.find(before) + before.size());
     return line.substr(0, line.size() - 2);
@@ -61,7 +61,7 @@ void runOnce(std::string_view input)
     if (!field)
         return;
     constexpr std::size_t shown = 60;
-    const std::string forPeople = Host::valueText(*field, 6, shown);
+    const std::string forPeople = Host::valueText(*field, Host::Digits::Few, shown);
     require(forPeople.empty() || isPrintable(forPeople), "a value can be shown as it is");
     const std::string json = jsonOf(*field);
     if (isOnlyJson(json))
