@@ -55,7 +55,7 @@ void runOnce(std::string_view input)
     } catch (const Exception& refusal) {
         require(!refusal.getMessage().empty(), "a refusal says why");
     }
-    const bool means = Nodes::matchesOscPattern(pattern, label);
+    const bool means = Nodes::matchesOscPattern(pattern, Nodes::OscAddressMap(label));
     if (!Nodes::isOscPattern(pattern) && pattern.size() <= Nodes::MaxOscAddress)
         require(means == (pattern == label), "an OSC address without a pattern means itself");
     if (pattern.find_first_of("?[]{}") == std::string::npos && label.find('/') == std::string_view::npos &&
