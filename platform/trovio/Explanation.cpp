@@ -12,7 +12,8 @@ const char* toString(Verdict verdict)
         "wrong direction", "types differ",  "no external route",
         "no route",        "loop",          "node degraded",
         "never written",   "stale",         "filtered",
-        "overwritten",     "unread",        "interrupted reader", "not made",
+        "overwritten",     "unread",        "interrupted reader",
+        "not made",
     };
     static_assert(std::size(names) == static_cast<std::size_t>(Verdict::NotMade) + 1);
     return names[static_cast<std::size_t>(verdict)];

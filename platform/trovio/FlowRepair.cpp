@@ -116,8 +116,9 @@ Explanation FlowQuery::misnamed(const Repair& repair) const
     const std::string route = repair._route->quoted();
     Explanation cause;
     if (repair._givenFrom == repair._to && repair._givenTo == repair._from) {
-        cause = {
-            Verdict::WrongDirection, route + " leads the other way; swap its two ends", {{"label", repair._givenFrom}, {"cure", "swap the two ends"}}};
+        cause = {Verdict::WrongDirection,
+                 route + " leads the other way; swap its two ends",
+                 {{"label", repair._givenFrom}, {"cure", "swap the two ends"}}};
     } else if (repair._givenFrom != repair._from) {
         cause = whyNoEnd(repair._givenFrom, Slot::Direction::Out);
         cause._text = route + ": " + cause._text;
