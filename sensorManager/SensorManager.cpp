@@ -22,6 +22,10 @@ std::string nameOf(const DirectSensor& sensor)
     return sensor.getName().empty() ? sensor.getIDStr() : sensor.getName();
 }
 
+// How often a sensor came or went, in any manager: while that stands still, a walk need not look whether its sensor is
+// still there.
+unsigned long changes = 0;
+
 /// The element behind that one, be it still there or not, so that a walk from null on stands whoever comes and goes
 /// meanwhile. Null at the end, and never an element that is null.
 template <class T>
@@ -79,9 +83,9 @@ void SensorManager::registerSensor(DirectSensor& sensor)
                    nameOf(sensor).c_str());
         return;
     }
-    const unsigned long change = ++_changes;
+    const unsigned long change = ++changes;
     SensorHandler* handler = nullptr;
-    while ((change == _changes || _sensors.contains(&sensor)) && (handler = nextAfter(_handlers, handler)))
+    while ((change == changes || _sensors.contains(&sensor)) && (handler = nextAfter(_handlers, handler)))
         handler->regDISensor(&sensor);
 }
 
@@ -92,9 +96,9 @@ void SensorManager::unregisterSensor(DirectSensor& sensor)
                    nameOf(sensor).c_str());
         return;
     }
-    const unsigned long change = ++_changes;
+    const unsigned long change = ++changes;
     SensorHandler* handler = nullptr;
-    while ((change == _changes || !_sensors.contains(&sensor)) && (handler = nextAfter(_handlers, handler)))
+    while ((change == changes || !_sensors.contains(&sensor)) && (handler = nextAfter(_handlers, handler)))
         handler->unregDISensor(&sensor);
 }
 

@@ -56,7 +56,6 @@ private:
     // Handlers are code of others: sensors and handlers may come and go in each call of one.
     std::set<DirectSensor*> _sensors;
     std::set<SensorHandler*> _handlers;
-    unsigned long _changes = 0; // of the sensors, so that a walk need not look for its own after every step
 
     static int _contextAttachmentID;
     static RegisterObserver _regObserver;
