@@ -3,7 +3,6 @@
 #include "ostrel/DirectSensor.h"
 #include "ostrel/DirectSensorProc.h"
 #include "sensorManager/FieldTypes.h"
-#include "sensorManager/ImageSlots.h"
 #include "sensorManager/LogMessage.h"
 #include "sensorManager/SensorHandlerType.h"
 #include "sensorManager/TrovioUpdateObserver.h"
@@ -20,24 +19,16 @@ namespace {
 constexpr char logFile[] = "sensorManager/TrovioSensorHandler";
 constexpr char unhandledType[] = "Can not handle Trovio Slot of DirectSensor type %s\n";
 
-template <class Row, class Slot, class... Arguments>
-std::unique_ptr<Trovio::BasicInSlot> makeSlot(const DirectSensor& sensor, Arguments... arguments)
-{
-    if constexpr (isImage<Row>)
-        return std::make_unique<ImageSlot<Slot>>(sensor.getLabel(), sensor.getDescription(), arguments...);
-    else
-        return std::make_unique<Slot>(sensor.getDescription(), arguments...);
-}
-
 /// Null for a type without slot.
-std::unique_ptr<Trovio::BasicInSlot> makeInSlot(int typeCode, const DirectSensor& sensor)
+std::unique_ptr<Trovio::BasicInSlot> makeInSlot(int typeCode, const std::string& name, unsigned int bufferSize)
 {
     std::unique_ptr<Trovio::BasicInSlot> slot;
-    const unsigned int size = sensor.getBufferSize();
     withFieldType(typeCode, [&]<class Row>(Row) {
         using Value = typename Row::SlotValue;
-        slot = size <= 1 ? makeSlot<Row, Trovio::InSlot<Value>>(sensor)
-                         : makeSlot<Row, Trovio::BufferedInSlot<Value>>(sensor, size);
+        if (bufferSize <= 1)
+            slot = std::make_unique<Trovio::InSlot<Value>>(name);
+        else
+            slot = std::make_unique<Trovio::BufferedInSlot<Value>>(name, bufferSize);
     });
     return slot;
 }
@@ -123,7 +114,7 @@ SensorHandler::UpdateObserver* TrovioSensorHandler::createUpdateObserver(DirectS
     const Place place = findPlace(sensor);
     if (!place._namespace)
         return nullptr;
-    auto slot = makeInSlot(place._field->getTypeCode(), *sensor);
+    auto slot = makeInSlot(place._field->getTypeCode(), sensor->getDescription(), sensor->getBufferSize());
     if (!slot) {
         OSTREL_LOG(LogLevel::Fatal, logFile, unhandledType, place._field->getTypeName().c_str());
         return nullptr;

@@ -2,7 +2,6 @@
 
 #include "sensorManager/Conversions.h"
 #include "sensorManager/FieldTypes.h"
-#include "sensorManager/ImageSlots.h"
 #include "sensorManager/LogMessage.h"
 #include "trovio/InSlot.h"
 #include "trovio/Namespace.h"
@@ -16,31 +15,37 @@ namespace {
 constexpr char logFile[] = "sensorManager/TrovioSensorHandler";
 constexpr char unhandledType[] = "Can not handle Trovio Slot of DirectSensor type %s\n";
 
+/// What one update moves values between. Messages carry the signature of the update.
+struct Road {
+    Trovio::BasicInSlot& _slot;
+    const std::string& _slotLabel;
+    Field& _field;
+    const char* _caller;
+};
+
 /// Said once for each slot: who sends such images goes on with it.
-void tellRefused(const Trovio::Image& image, Trovio::BasicInSlot& slot)
+void tellRefused(const Trovio::Image& image, const Road& road)
 {
-    auto* const told = dynamic_cast<RefusedImages*>(&slot);
-    const char* const label = told ? told->admit() : nullptr;
-    if (label)
-        OSTREL_LOG(LogLevel::Warning, logFile,
-                   "Can not convert an image of Trovio Slot %s: format %d, %u x %u pixels; the field's image is empty "
-                   "now. Allowed are formats 4 to 10, 16 and 17, up to %zu bytes as RGB\n",
-                   label, static_cast<int>(image.getFormat()), image.getWidth(), image.getHeight(),
-                   Trovio::Image::MaxBytes);
+    if (road._slot.saysOnce())
+        OSTREL_LOG_FROM(LogLevel::Warning, (LogOrigin{logFile, __LINE__, road._caller}),
+                        "Can not convert an image of Trovio Slot %s: format %d, %u x %u pixels; the field's image is "
+                        "empty now. Allowed are formats 4 to 10, 16 and 17, up to %zu bytes as RGB\n",
+                        road._slotLabel.c_str(), static_cast<int>(image.getFormat()), image.getWidth(),
+                        image.getHeight(), Trovio::Image::MaxBytes);
 }
 
 /// False if slot or field are not what the row says; nothing was taken then.
 template <class Row>
-bool takeOne(Trovio::BasicInSlot& basicSlot, Field& basicField)
+bool takeOne(const Road& road)
 {
-    auto* const slot = dynamic_cast<Trovio::InSlot<typename Row::SlotValue>*>(&basicSlot);
-    auto* const field = dynamic_cast<typename Row::FieldType*>(&basicField);
+    auto* const slot = dynamic_cast<Trovio::InSlot<typename Row::SlotValue>*>(&road._slot);
+    auto* const field = dynamic_cast<typename Row::FieldType*>(&road._field);
     if (!slot || !field)
         return false;
     auto record = slot->pop();
     if constexpr (isImage<Row>) {
         if (const Trovio::Image* refused = Conversions::toField(record.getValue(), *field))
-            tellRefused(*refused, basicSlot);
+            tellRefused(*refused, road);
     } else {
         Conversions::toField(record.getValue(), *field);
     }
@@ -64,9 +69,10 @@ std::uint64_t roundsOf(const Trovio::BasicInSlot& slot)
 }
 
 /// The part of an update that has something to do: the slot holds a record. Not inlined: what it saves on the stack
-/// would cost each update in which nothing came. Messages carry the signature of the caller.
-[[gnu::noinline]] bool drain(Trovio::BasicInSlot& slot, Field& field, const TimeStamp& now, const char* caller)
+/// would cost each update in which nothing came.
+[[gnu::noinline]] bool drain(const Road& road, const TimeStamp& now)
 {
+    const auto& [slot, label, field, caller] = road;
     const std::uint64_t rounds = roundsOf(slot);
     std::uint64_t count = 0;
     do {
@@ -75,8 +81,7 @@ std::uint64_t roundsOf(const Trovio::BasicInSlot& slot)
             break;
         }
         bool fits = true;
-        const bool handled =
-            withFieldType(field.getTypeCode(), [&]<class Row>(Row) { fits = takeOne<Row>(slot, field); });
+        const bool handled = withFieldType(field.getTypeCode(), [&]<class Row>(Row) { fits = takeOne<Row>(road); });
         if (!fits)
             break;
         if (handled)
@@ -113,7 +118,7 @@ bool TrovioSensorHandler::UpdateObserver::update(const TimeStamp& now)
     // Every slot of that direction is one. A dynamic cast says the same, and takes as long as all the rest of a frame
     // in which no value came.
     auto& slot = *static_cast<Trovio::BasicInSlot*>(_slot);
-    return !slot.empty() && drain(slot, *_field, now, __PRETTY_FUNCTION__);
+    return !slot.empty() && drain({slot, _slotLabel, *_field, __PRETTY_FUNCTION__}, now);
 }
 
 void TrovioSensorHandler::UpdateObserver::updateOutput(const TimeStamp&)

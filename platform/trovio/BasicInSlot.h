@@ -4,6 +4,7 @@
 #include "trovio/Slot.h"
 #include "trovio/SlotCounts.h"
 #include "trovio/StampWatch.h"
+#include <utility>
 
 namespace Trovio {
 
@@ -86,6 +87,9 @@ public:
     /// A frame left records to the next one: more came than one may take.
     void countCutShort() OSTREL_EXCLUDES(_dataLock);
 
+    /// True the first time, for what its reader says once of the slot. The reader's thread.
+    bool saysOnce() { return !std::exchange(_hasSaid, true); }
+
 protected:
     explicit BasicInSlot(const std::string& name)
         : Slot(name, Direction::In, Ostrel::LockRank::InSlotListeners, Ostrel::LockRank::InSlotData)
@@ -105,6 +109,7 @@ private:
     // As many tokens as unread records, and at times one for an interrupt.
     mutable Ostrel::Semaphore _available OSTREL_GUARDED_BY(_dataLock);
     unsigned int _capacity = 1;
+    bool _hasSaid = false;
     mutable std::uint64_t _upCount OSTREL_GUARDED_BY(_dataLock) = 0; // records made available, not interrupts
     std::uint64_t _stored OSTREL_GUARDED_BY(_dataLock) = 0;
     std::uint64_t _overwritten OSTREL_GUARDED_BY(_dataLock) = 0;
