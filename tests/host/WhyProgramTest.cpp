@@ -14,18 +14,17 @@ std::string scene(const std::string& port)
 {
     return "[[handler]]\nkind = \"Trovio\"\nname = \"spare\"\nnodes = [[\"Generator\"]]\n"
            "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n"
-           "nodes = [[\"Generator\", \"rate=200\"], [\"Scale\", \"gain=2\"], [\"Clamp\", \"type=Vec3f\"],\n"
+           "nodes = [[\"Generator\", \"rate=200\"], [\"Scale\", \"gain=2\"],\n"
            "  [\"OSC\", \"listen=127.0.0.1:" +
            port +
            " in='/wand Vec3f'\"]]\n"
-           "routes = [[\"Generator/value\", \"Scale/in\"], [\"Scale/out\", \"Wave\"], [\"OSC/wand\", \"Wand\"],\n"
-           "  [\"OSC/wand\", \"Wave\"], [\"Generator/value\", \"Clamp/in\"]]\n"
+           "routes = [[\"Generator/value\", \"Scale/in\"], [\"Scale/out\", \"Wave\"], [\"OSC/wand\", \"Wand\"]]\n"
            "[[sensor]]\nname = \"wave\"\ntype = \"SFFloat\"\nlabel = \"Wave\"\n"
-           "[[sensor]]\nname = \"wand\"\ntype = \"SFVec3f\"\nlabel = \"Wand\"\n"
-           "[[sensor]]\nname = \"lonely\"\ntype = \"SFFloat\"\nlabel = \"in\"\n";
+           "[[sensor]]\nname = \"wand\"\ntype = \"SFVec3f\"\nlabel = \"Wand\"\n";
 }
 
-TEST(Why, AnswersWithItsExitCodeToo)
+// What the wrong set-ups do not show: namespaces, patterns, options and forms.
+TEST(Why, AnswersAsItIsAsked)
 {
     const SceneOnDisk file(scene("0"));
     const struct {
@@ -33,22 +32,13 @@ TEST(Why, AnswersWithItsExitCodeToo)
         int _code;
         const char* _says;
     } rows[] = {
-        {{"Generator/value", "Wave"}, 0, "records flow from 'Generator/value' to 'Wave': "},
-        {{"Context2/Scale/out", "Context2/Wave"}, 0, "records flow"},
-        {{"Generator/value", "Scale/in", "--format", "json"}, 0, "\"overwritten\":0,"},
-        {{"Scale/*", "Wave", "--format", "json"}, 0, "\"verdict\":\"flowing\",\"text\":\"records flow"},
-        {{"OSC/wand", "Wave"},
-         4,
-         "carries Vec3f, 'Wave' takes Float; give both ends the same type; a sensor of type "
-         "SFVec3f at 'Wave' would fit\n"},
-        {{"Generator/value", "Clamp/in"}, 4, "node 'Clamp' (Clamp) with type=Float would fit\n"},
-        {{"OSC/wnd", "Wand"}, 3, "no such label: no slot 'OSC/wnd' is in scope; nearest: 'OSC/wand'\n"},
-        {{"OSCC/*", "Wand"}, 3, "pattern matches nothing: "},
-        {{"Wand", "OSC/wand"}, 3, "wrong direction: "},
-        {{"Generator/value", "in"}, 3, "no route: no route leads on from "},
-        {{"OSC/wand", "Wand", "--patience", "0.1"},
-         3,
-         "never written: nobody has written into 'OSC/wand' yet; listens on "},
+        {{"Context2/Scale/out", "Context2/Wave", "--patience", "0.2"}, 0, "records flow"},
+        {{"Generator/value", "Scale/in", "--patience", "0.2", "--format", "json"}, 0, "\"overwritten\":0,"},
+        {{"Scale/*", "Wave", "--patience", "0.2", "--format", "json"},
+         0,
+         "\"verdict\":\"flowing\",\"text\":\"records flow"},
+        {{"OSCC/*", "Wand", "--patience", "0.2"}, 3, "pattern matches nothing: "},
+        {{"Wand", "OSC/wand", "--patience", "0.2"}, 3, "wrong direction: "},
         {{"OSC/wand", "Wand", "--seconds", "0.5"}, 3, "never written: "},
         {{"OSC/wand", "Wand", "--seconds", "0.001"}, 124, "no answer in the time given; so far: nothing flows"},
         {{"OSC/wand", "*"}, 2, "has 1 '*', but its pattern 'OSC/wand' only 0"},
