@@ -35,8 +35,9 @@ void SensorHandler::regDISensor(DirectSensor* sensor)
     observer->_sensor = sensor;
     observer->_field = proc->getField();
     proc->getUpdateSubject().attach(*observer);
-    // No hint from before: what makes observers may unregister others.
-    if (_observers.emplace(sensor, observer.get()).second)
+    // Sensors come mostly in the order of their addresses. No hint from before the factory, which may unregister
+    // others.
+    if (_observers.emplace_hint(_observers.end(), sensor, observer.get())->second == observer.get())
         observer.release();
 }
 
