@@ -7,6 +7,7 @@
 #include <dds/ddsrt/log.h>
 #include <sys/uio.h>
 #include <unistd.h>
+#include <utility>
 
 namespace Trovio::Nodes {
 
@@ -77,24 +78,30 @@ void reportTrouble(const std::string& text)
     report(osg::LogInfo, "DDS: the library says: " + text);
 }
 
-/// The library is about to abort: no log may hold this back, and memory may be what is missing.
-void writeLastWords(std::string_view text)
+/// The program is about to end: no log may hold this back, and memory may be what is missing.
+void writeLastWords(std::string_view before, std::string_view text)
 {
-    static constexpr std::string_view before = "ERROR Trovio: DDS: the library ends this program: ";
     const auto part = [](std::string_view words) { return iovec{const_cast<char*>(words.data()), words.size()}; };
     const iovec parts[] = {part(before), part(text), part(text.ends_with('\n') ? "" : "\n")};
     [[maybe_unused]] const auto written = ::writev(STDERR_FILENO, parts, std::size(parts));
 }
 
-void onAbort(int)
+struct sigaction beforeAbort;
+
+// Whoever aborts: only the library does so without a word. What was to be done then is done next.
+void onAbort(int number)
 {
-    writeLastWords("it aborts; unless a line above says why, memory has run out (ulimit -v)");
+    writeLastWords("",
+                   "ERROR Trovio: DDS: this program aborts; unless a line above says why, the DDS library ran out of "
+                   "memory (ulimit -v)");
+    ::sigaction(number, &beforeAbort, nullptr);
+    ::raise(number);
 }
 
 void write(void*, const dds_log_data_t* data)
 try {
     if ((data->priority & DDS_LC_FATAL) != 0)
-        return writeLastWords({data->message, data->size});
+        return writeLastWords("ERROR Trovio: DDS: the library ends this program: ", {data->message, data->size});
     if (!listening && (data->priority & (DDS_LC_ERROR | DDS_LC_WARNING)) == 0)
         return report(osg::LogInfo, "DDS: the library says: " + textOf(*data));
     if (!listening)
@@ -112,10 +119,10 @@ void DdsLog::takeOver()
     dds_set_log_sink(write, nullptr);
     // Where memory runs out, the library aborts without a word.
     struct sigaction action {};
-    if (::sigaction(SIGABRT, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)
+    if (::sigaction(SIGABRT, nullptr, &action) != 0 || action.sa_handler == onAbort)
         return;
+    beforeAbort = std::exchange(action, {});
     action.sa_handler = onAbort;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
     ::sigaction(SIGABRT, &action, nullptr);
 }
 
