@@ -1,6 +1,5 @@
 #include "host/Verbs.h"
 
-#include "host/EndWatch.h"
 #include "host/Escape.h"
 #include "host/ExitCode.h"
 #include "host/Failure.h"
@@ -10,13 +9,13 @@
 #include "host/Report.h"
 #include "host/RunCounts.h"
 #include "host/RunLog.h"
-#include "host/RunOutput.h"
 #include "host/SceneMemory.h"
 #include "host/SceneReader.h"
 #include "host/SystemClock.h"
 #include "host/Terminal.h"
 #include "host/View.h"
 #include "host/WallSteps.h"
+#include "host/WatchedRun.h"
 #include "osg/LogMessage.h"
 
 #include <algorithm>
@@ -107,23 +106,22 @@ bool anyPasses(const std::vector<SceneFile>& files, const SensorFilter& filter)
     return false;
 }
 
-int runScenes(std::vector<SceneFile> files, const Options& options, const StopSignal& stop, EndWatch& watch,
-              RunOutput& output)
+int runScenes(std::vector<SceneFile> files, const Options& options, const WatchedRun& around)
 {
+    RunOutput& output = around._output;
     const Say sayInRun = [&output](const std::string& line) { output.say(line); };
     RunLog log(options._verbose, &output);
-    SystemClock clock(stop);
+    SystemClock clock(around._stop);
     FrameLoop loop(clock, rateOf(files, options), {options._seconds, options._frames});
     Session session;
-    session.build(std::move(files), sayInRun, [&stop] { return stop.requested(); });
-    if (stop.requested()) {
+    if (!session.build(std::move(files), sayInRun, [&around] { return around._stop.requested(); })) {
         output.say("ended before the scene was built");
         return Done;
     }
     reportStart(session, messageWidth(), sayInRun);
     runFrames(session, loop, clock, *makeView(options, session, log, output, clock.now()),
               SensorFilter(options._filter), output);
-    watch.begin();
+    around._watch.begin();
     const RunTotals totals{session.stopNodes(), clock.now(), loop.frames(), loop.skipped()};
     reportEnd(session, totals, messageWidth(), sayInRun);
     if (options._format == Format::Json)
@@ -160,18 +158,9 @@ int runVerb(const Options& options)
         say("nothing was run, as --strict asks");
         return BadUsage;
     }
-    int code = Failed;
-    const auto failure = failureOf([&] {
-        RunOutput output(options._format == Format::Json);
-        const StopSignal stop;
-        EndWatch watch(stop, [&output](const std::string& line) { output.say(line); });
-        const auto run = [&] { return runScenes(std::move(*files), options, stop, watch, output); };
-        if (const auto inRun = failureOf([&] { code = withMemoryFor(*files, run); }))
-            output.say("the run failed: " + escaped(*inRun, 4000));
-        code = output.finish(code);
-    });
-    if (failure)
-        say("the run cannot start: " + escaped(*failure));
-    return code;
+    return runWatched(std::move(*files), options._format == Format::Json,
+                      [&options](std::vector<SceneFile> scenes, const WatchedRun& around) {
+                          return runScenes(std::move(scenes), options, around);
+                      });
 }
 } // namespace Host

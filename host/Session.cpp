@@ -53,7 +53,7 @@ void Session::tearDown()
     Trovio::Root::shutdown();
 }
 
-void Session::build(std::vector<SceneFile> files, const Say& say, const Stopped& stopped)
+bool Session::build(std::vector<SceneFile> files, const Say& say, const Stopped& stopped)
 {
     const bool several = files.size() > 1;
     for (SceneFile& file : files) {
@@ -68,6 +68,7 @@ void Session::build(std::vector<SceneFile> files, const Say& say, const Stopped&
                 Trovio::Root::get().addRoute(route._first._value, route._second._value);
     for (const auto& scene : _scenes)
         scene->addNodes(say);
+    return !stopped();
 }
 
 // A namespace stops all its nodes before it lets go of any connection.

@@ -19,8 +19,8 @@ public:
     Session& operator=(const Session&) = delete;
 
     /// Builds the scenes. First all sensors and handlers, last the nodes, so that nothing that a device sends is lost.
-    /// Ends early where `stopped` says so: it is asked before each step that can take long.
-    void build(
+    /// Ends early, and returns false, where `stopped` says so: it is asked before each step that can take long.
+    bool build(
         std::vector<SceneFile> files, const Say& say, const Stopped& stopped = [] { return false; });
 
     /// Services every sensor of every scene; `now` in wall-clock seconds.

@@ -8,8 +8,8 @@
 #include "host/JsonText.h"
 #include "host/RunLog.h"
 #include "host/SceneCause.h"
-#include "host/SceneMemory.h"
 #include "host/SystemClock.h"
+#include "host/WatchedRun.h"
 #include "host/WhyAnswer.h"
 #include "trovio/Namespace.h"
 
@@ -29,43 +29,41 @@ constexpr double shortestInterval = 0.001, longestInterval = 0.05;
 
 struct Answer {
     Explanation _explanation;
-    bool _decided = false;
+    bool _decided = false, _interrupted = false;
     std::string _fits;
 };
 
-Answer findAnswer(SceneFile file, const Options& options)
+// Looks again and again, until there is an answer, the time is over, or a signal comes.
+Answer findAnswer(Session& session, double rate, const Options& options, const StopSignal& stop)
 {
-    RunLog log(false);
-    log.hold(true);
-    const StopSignal stop;
     SystemClock clock(stop);
     // A cause that lasts for all the time given is an answer, too.
     const double patience = std::min(options._patience, options._seconds / 2);
     const double lookInterval = std::clamp(patience / 2, shortestInterval, longestInterval);
-    FrameLoop loop(clock, std::max(file._host._rate._value, 1 / lookInterval), {options._seconds, options._frames});
-    Session session;
-    std::vector<SceneFile> files;
-    files.push_back(std::move(file));
-    session.build(std::move(files), [](const std::string&) {});
+    FrameLoop loop(clock, std::max(rate, 1 / lookInterval), {options._seconds, options._frames});
     Answer answer;
     WhyDecision decision(patience);
     Backlog backlog;
-    double nextLook = 0;
+    const auto look = [&] {
+        const Explanation found = explainLabels(options._from, options._to, options._staleAfter);
+        answer._decided = decision.take(found, clock.steady());
+    };
+    look(); // so that there is something to say, should a signal come
+    double nextLook = clock.steady();
     loop.run([&](double now) {
         backlog.look(session);
         session.frame(now);
         if (clock.steady() < nextLook)
             return true;
         nextLook = clock.steady() + lookInterval;
-        const Explanation found = explainLabels(options._from, options._to, options._staleAfter);
-        answer._decided = decision.take(found, clock.steady());
+        look();
         return !answer._decided;
     });
+    answer._interrupted = stop.requested();
     answer._explanation = inSceneWords(decision.answer(), session);
     if (answer._explanation._verdict == Verdict::Flowing)
         answer._explanation._text += backlog.cure(session, options._to);
     answer._fits = whatFits(answer._explanation, session);
-    log.take(); // what it said of the cause stands in the answer
     return answer;
 }
 
@@ -81,7 +79,7 @@ void printText(const Answer& answer)
 {
     std::string text = answer._explanation._text;
     if (!answer._decided)
-        text = "no answer in the time given; so far: " + text;
+        text = std::string(answer._interrupted ? "interrupted" : "no answer in the time given") + "; so far: " + text;
     if (!answer._fits.empty())
         text += "; " + answer._fits;
     std::printf("%s\n", escaped(text, 4000).c_str());
@@ -115,6 +113,26 @@ void printJson(const Answer& answer, const Options& options)
         object["fits"] = answer._fits;
     std::printf("%s\n", jsonText(object).c_str());
 }
+
+// The answer is given before the nodes stop, which may take for ever, and waits for its reader.
+int answerWhy(std::vector<SceneFile> files, const Options& options, const WatchedRun& around)
+{
+    RunLog log(false);
+    log.hold(true);
+    const double rate = files.front()._host._rate._value;
+    Session session;
+    if (!session.build(
+            std::move(files), [](const std::string&) {}, [&around] { return around._stop.requested(); })) {
+        around._output.say("no answer: ended before the scene was built");
+        return NoAnswer;
+    }
+    const Answer answer = findAnswer(session, rate, options, around._stop);
+    log.take(); // what it said of the cause stands in the answer
+    options._format == Format::Json ? printJson(answer, options) : printText(answer);
+    std::fflush(stdout);
+    around._watch.begin();
+    return exitCode(answer);
+}
 } // namespace
 
 int whyVerb(const Options& options)
@@ -126,17 +144,9 @@ int whyVerb(const Options& options)
     auto files = readScenes(options);
     if (!files)
         return BadUsage;
-    int code = Failed;
-    const auto failure = failureOf([&] {
-        const Answer answer = withMemoryFor(*files, [&] { return findAnswer(std::move(files->front()), options); });
-        code = exitCode(answer);
-        if (options._format == Format::Json)
-            printJson(answer, options);
-        else
-            printText(answer);
-    });
-    if (failure)
-        std::fprintf(stderr, "%s\n", escaped(*failure, 4000).c_str());
-    return code;
+    return runWatched(std::move(*files), options._format == Format::Json,
+                      [&options](std::vector<SceneFile> scenes, const WatchedRun& around) {
+                          return answerWhy(std::move(scenes), options, around);
+                      });
 }
 } // namespace Host

@@ -144,19 +144,22 @@ TEST(HostProgram, EndsAtOnceWithTheSecondSignal)
     EXPECT_TRUE(code == 128 + SIGINT || code == 128 + SIGTERM) << code;
 }
 
-// The first handler says when the scene is being built.
-const std::string badHandler = "[[handler]]\nkind = \"Trovia\"\nname = \"bad\"\n";
-
 TEST(HostProgram, NamesTheNodeThatHangsAndEndsWithTheSecondSignal)
 {
     const struct {
-        const char *_start, *_runs, *_says;
-    } rows[] = {{"false", "node 'Context/Door'", "node 'Context/Door' has not stopped for "},
-                {"true", "could not be made", "node 'Context/Door' has not started for "}};
+        const char *_verb, *_start, *_runs, *_says;
+    } rows[] = {{"run", "false", "node 'Context/Door'", "node 'Context/Door' has not stopped for "},
+                {"run", "true", "hangs in start", "node 'Context/Door' has not started for "},
+                {"why", "false", "no such label", "node 'Context/Door' has not stopped for "},
+                {"why", "true", "hangs in start", "node 'Context/Door' has not started for "}};
     for (const auto& row : rows) {
-        const SceneOnDisk scene(badHandler + "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n" +
-                                "nodes = [[\"Hangs\", \"label=Door start=" + row._start + "\"]]\n");
-        HostProcess running("env", {"TROVIO_NODE_PATH=" TEST_MODULES, host, "run", scene.path()});
+        const SceneOnDisk scene(std::string("[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n"
+                                            "nodes = [[\"Hangs\", \"label=Door start=") +
+                                row._start + "\"]]\n");
+        std::vector<std::string> arguments{"TROVIO_NODE_PATH=" TEST_MODULES, host, row._verb, scene.path()};
+        if (row._verb == std::string("why"))
+            arguments.insert(arguments.end(), {"Door/out", "Door/in", "--patience", "0.1"});
+        HostProcess running("env", arguments);
         ASSERT_TRUE(running.waitFor(row._runs)) << running.err();
         running.signal(SIGTERM);
         EXPECT_TRUE(running.waitFor(row._says)) << running.err();
@@ -167,10 +170,11 @@ TEST(HostProgram, NamesTheNodeThatHangsAndEndsWithTheSecondSignal)
     }
 }
 
-// Thousands of routes times thousands of sensors take a while.
+// Thousands of routes times thousands of sensors take a while. The first handler says when the scene is being built.
 TEST(HostProgram, EndsWhileItStarts)
 {
-    std::string text = badHandler + "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\nroutes = [";
+    std::string text = "[[handler]]\nkind = \"Trovia\"\nname = \"bad\"\n"
+                       "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\nroutes = [";
     for (int i = 0; i < 20'000; ++i)
         text += "[\"*\", \"" + std::to_string(i) + "-*\"],\n";
     text += "]\n";

@@ -2,6 +2,7 @@
 #include "tests/host/SceneOnDisk.h"
 #include "tests/nodes/UdpPeer.h"
 
+#include <csignal>
 #include <gtest/gtest.h>
 
 namespace {
@@ -52,6 +53,20 @@ TEST(Why, AnswersAsItIsAsked)
         EXPECT_NE((process.out() + process.err()).find(row._says), std::string::npos) << row._says << "\n"
                                                                                       << process.out() << process.err();
     }
+}
+
+TEST(Why, SaysWhatItKnowsWhereASignalEndsIt)
+{
+    const Trovio::Nodes::UdpPeer peer;
+    const SceneOnDisk file("[[handler]]\nkind = \"Trovio\"\nname = \"h\"\nnodes = [[\"Generator\"],\n"
+                           "[\"OSC\", \"send=127.0.0.1:" +
+                           std::to_string(peer.getPort()) +
+                           " out='/w Float'\"]]\nroutes = [[\"Generator/value\", \"OSC/w\"]]\n");
+    HostProcess process(host, {"why", file.path(), "Generator/value", "OSC/w", "--patience", "600"});
+    peer.receive(); // so it runs
+    process.signal(SIGTERM);
+    EXPECT_EQ(process.wait(), 124);
+    EXPECT_NE(process.out().find("interrupted; so far: "), std::string::npos) << process.out() << process.err();
 }
 
 TEST(Why, NamesTheDeviceThatIsMissing)

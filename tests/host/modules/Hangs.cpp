@@ -1,4 +1,5 @@
 #include "trovio/Node.h"
+#include <cstdio>
 #include <unistd.h>
 
 namespace {
@@ -8,8 +9,10 @@ class HangingNode final : public Trovio::Node {
     void configure(const Trovio::Settings& settings) override { _inStart = settings.flag("start"); }
     void start() override
     {
-        if (_inStart)
-            hang();
+        if (!_inStart)
+            return;
+        std::fputs("hangs in start\n", stderr);
+        hang();
     }
     void stop() override { hang(); }
 
