@@ -69,8 +69,10 @@ public:
 
 private:
     Counter _packets{"packets"}, _messages{"messages"}, _values{"values"}, _mismatched{"mismatched"},
-        _unknown{"unknown"}, _malformed{"malformed"}, _dropped{"dropped"}, _unread{"unread"};
-    OscInCounters _counters{_packets, _messages, _values, _mismatched, _unknown, _malformed, _dropped, _unread};
+        _unknown{"unknown"}, _malformed{"malformed"}, _dropped{"dropped"}, _unread{"unread"},
+        _withoutMemory{"without memory"};
+    OscInCounters _counters{_packets,   _messages, _values, _mismatched,   _unknown,
+                            _malformed, _dropped,  _unread, _withoutMemory};
     OscDispatcher _dispatcher;
     std::vector<std::unique_ptr<OscOutLane>> _out;
     OscWriter _writer;

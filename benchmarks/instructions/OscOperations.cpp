@@ -11,7 +11,7 @@ namespace {
 
 using namespace Trovio::Nodes;
 
-constexpr std::size_t countersInAll = 8;
+constexpr std::size_t countersInAll = 9;
 
 /// What stands behind the socket of an OSC node.
 class Listener {
@@ -20,12 +20,12 @@ public:
     void receive(Bytes packet) { readOscPacket(packet, Trovio::Time(1e9), _dispatcher); }
 
 private:
-    std::array<Trovio::Counter, countersInAll> _counters{Trovio::Counter("packets"), Trovio::Counter("messages"),
-                                                         Trovio::Counter("values"),  Trovio::Counter("mismatched"),
-                                                         Trovio::Counter("unknown"), Trovio::Counter("malformed"),
-                                                         Trovio::Counter("dropped"), Trovio::Counter("unread")};
-    OscInCounters _in{_counters[0], _counters[1], _counters[2], _counters[3],
-                      _counters[4], _counters[5], _counters[6], _counters[7]};
+    std::array<Trovio::Counter, countersInAll> _counters{
+        Trovio::Counter("packets"),    Trovio::Counter("messages"), Trovio::Counter("values"),
+        Trovio::Counter("mismatched"), Trovio::Counter("unknown"),  Trovio::Counter("malformed"),
+        Trovio::Counter("dropped"),    Trovio::Counter("unread"),   Trovio::Counter("without memory")};
+    OscInCounters _in{_counters[0], _counters[1], _counters[2], _counters[3], _counters[4],
+                      _counters[5], _counters[6], _counters[7], _counters[8]};
     OscDispatcher _dispatcher;
 };
 

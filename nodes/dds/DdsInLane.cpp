@@ -100,7 +100,8 @@ DdsInLane::DdsInLane(const ListedSlot& topic, const DdsFormat& format, const dds
       _clock(clock),
       _aliveSlot(topic._name + "/alive"),
       _timingSlot(topic._name + "/timing"),
-      _reports(clock, reportPeriod)
+      _reports(clock, reportPeriod),
+      _shortage(clock, counters._withoutMemory, "DDS: topic " + topic._name)
 {
     _aliveSlot.setWrittenOnChange();
 }
@@ -189,10 +190,12 @@ void DdsInLane::takeAll(dds_entity_t reader)
         const auto use = [&](DdsSerialised serialised, const dds_sample_info_t& info) OSTREL_NO_THREAD_SAFETY_ANALYSIS {
             // Under the lock: this runs before takeSerialised() returns.
             DdsNewcomers::Sample sample{std::move(serialised), info, _clock.wallTime().getSeconds()};
-            if (!_getsLast || _numbers.knows(info.publication_handle))
-                return take(sample);
-            _newcomers.hold(std::move(sample), _clock.now());
-            isHeld = true;
+            _shortage.survives([&]() OSTREL_NO_THREAD_SAFETY_ANALYSIS {
+                if (!_getsLast || _numbers.knows(info.publication_handle))
+                    return take(sample);
+                _newcomers.hold(std::move(sample), _clock.now());
+                isHeld = true;
+            });
         };
         takeSerialised(reader, use);
     }
@@ -215,7 +218,7 @@ std::optional<double> DdsInLane::takeNewcomers()
     for (const auto& [writer, guid] : due) {
         _numbers.introduce(writer, guid);
         for (const auto& sample : _newcomers.release(writer, _clock.now()))
-            take(sample);
+            _shortage.survives([&]() OSTREL_NO_THREAD_SAFETY_ANALYSIS { take(sample); });
     }
     return _newcomers.nextDue();
 }

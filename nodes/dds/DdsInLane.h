@@ -6,6 +6,7 @@
 #include "nodes/dds/TopicTypes.h"
 #include "nodes/dds/ValueTiming.h"
 #include "nodes/dds/WriterNumbers.h"
+#include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/Report.h"
 #include "nodes/shared/SlotList.h"
 #include "trovio/Node.h"
@@ -20,6 +21,7 @@ struct DdsInCounters {
     Counter& _missed;   // lost on the way, or overwritten before they could be sent or taken
     Counter& _repeated; // came once before
     Counter& _refused;  // whose content makes no value
+    Counter& _withoutMemory;
 };
 
 /// One topic that is subscribed to, and the out-slot that its samples go to. A second slot, TOPIC/alive, says whether
@@ -94,6 +96,7 @@ private:
     WriterNumbers _numbers OSTREL_GUARDED_BY(_takeLock);
     DdsNewcomers _newcomers OSTREL_GUARDED_BY(_takeLock);
     Seldom _reports OSTREL_GUARDED_BY(_takeLock);
+    MemoryShortage _shortage OSTREL_GUARDED_BY(_takeLock);
 
     DdsClocks* _clocks = nullptr;                                        // those of the ends, while open
     mutable Ostrel::Mutex _newestLock;                                   // leaf

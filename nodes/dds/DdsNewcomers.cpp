@@ -46,6 +46,8 @@ std::vector<DdsNewcomers::Sample> DdsNewcomers::release(dds_instance_handle_t wr
     const double since = found->second._since;
     std::vector<Sample> samples = std::move(found->second._samples);
     _writers.erase(found);
+    if (samples.empty())
+        return {}; // there was no memory to hold the first
     // By the writer's clock: what it wrote while this waited is as new as the newest, give or take the wait.
     const auto written = [](const Sample& sample) { return sample._info.source_timestamp; };
     const dds_time_t newest = written(*std::ranges::max_element(samples, {}, written));

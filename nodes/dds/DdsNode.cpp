@@ -35,7 +35,8 @@ DdsNode::DdsNode(Clock& clock)
     : _clock(clock),
       _outCounters{addCounter("out samples"), addCounter("out failed")},
       _inCounters{addCounter("in samples"), addCounter("in missed"), addCounter("in repeated"),
-                  addCounter("in refused")},
+                  addCounter("in refused"), addCounter("in without memory")},
+      _shortage(clock, addCounter("without memory"), "DDS"),
       _worker(clock)
 {
 }
@@ -116,13 +117,19 @@ double DdsNode::getSettlingTime() const noexcept
 void DdsNode::run()
 {
     std::optional<double> next;
-    do {
+    const auto goOn = [&] {
         if (_session->isOpen())
             closeIfStale();
         if (!_session->isOpen())
             next = tryOpen();
         if (_session->isOpen())
             next = work();
+    };
+    do {
+        if (!_shortage.survives(goOn)) {
+            _lookNeeded = true; // it may not have come to its end
+            next = _clock.now() + MemoryShortage::Pause;
+        }
     } while (_worker.wait(next));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nodes/dds/DdsSession.h"
+#include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/Worker.h"
 #include "trovio/Settling.h"
 
@@ -45,6 +46,7 @@ private:
     Clock& _clock;
     DdsOutCounters _outCounters;
     DdsInCounters _inCounters;
+    MemoryShortage _shortage; // of the node's thread
 
     std::vector<std::string> _labels;     // of all slots; unchanged while the node runs
     std::unique_ptr<DdsSession> _session; // the worker's while the node runs

@@ -10,7 +10,12 @@ RelayTable::RelayTable(std::string types, const char* initialType, std::initiali
     _rows.insert(_rows.end(), rows);
 }
 
-RelayNode::RelayNode(Clock& clock) : _received(addCounter("received")), _sent(addCounter("sent")), _worker(clock)
+RelayNode::RelayNode(Clock& clock)
+    : _clock(clock),
+      _received(addCounter("received")),
+      _sent(addCounter("sent")),
+      _shortage(clock, addCounter("without memory"), "filter or guard"),
+      _worker(clock)
 {
     declareRelay();
 }
@@ -48,9 +53,13 @@ void RelayNode::stop()
 void RelayNode::run()
 {
     std::optional<double> until;
-    do {
+    const auto work = [&] {
         relayWaiting();
         until = look();
+    };
+    do {
+        if (!_shortage.survives(work))
+            until = _clock.now() + MemoryShortage::Pause;
     } while (_worker.wait(until));
 }
 

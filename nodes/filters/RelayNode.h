@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nodes/filters/Lane.h"
+#include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/Worker.h"
 #include "trovio/Node.h"
 #include <memory>
@@ -24,7 +25,7 @@ private:
 };
 
 /// Takes records from an in-slot, in order, and sends what becomes of them through an out-slot of the same type.
-/// Invariant: received = sent + rejected whenever nothing waits.
+/// Invariant: received = sent + rejected whenever nothing waits; a record that there was no memory for may be none.
 /// Ownership: owns its slots; routes refer to them only while the node stands in a namespace.
 /// Threads:   a record that arrives is queued and wakes the node's own thread, which does all the rest.
 class RelayNode : public Node, private SlotListener {
@@ -57,8 +58,10 @@ private:
     void run();
     void relayWaiting();
 
+    Clock& _clock;
     Counter& _received;
     Counter& _sent;
+    MemoryShortage _shortage;
     std::unique_ptr<Lane> _lane; // unchanged while the node runs
     Worker _worker;
 };

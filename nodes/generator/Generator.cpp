@@ -42,7 +42,11 @@ const NodeTypeEntry& Generator::getEntry()
 }
 
 Generator::Generator(Clock& clock)
-    : _clock(clock), _records(addCounter("records")), _skipped(addCounter("skipped")), _worker(clock)
+    : _clock(clock),
+      _records(addCounter("records")),
+      _skipped(addCounter("skipped")),
+      _shortage(clock, addCounter("without memory"), "Generator"),
+      _worker(clock)
 {
 }
 
@@ -93,8 +97,9 @@ void Generator::produceDue()
     }
     while (!isDone() && dueTime() <= now && !_worker.isStopping()) {
         const Tick tick{_next, static_cast<double>(_next) / _rate};
-        _signal->produce(tick, Time(wallTime.getSeconds() - (now - dueTime())));
-        _records.add();
+        const Time stamp(wallTime.getSeconds() - (now - dueTime()));
+        if (_shortage.survives([&] { _signal->produce(tick, stamp); }))
+            _records.add();
         ++_next;
     }
 }

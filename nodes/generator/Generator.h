@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nodes/generator/Signal.h"
+#include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/Worker.h"
 #include "trovio/Node.h"
 
@@ -31,6 +32,7 @@ private:
     Clock& _clock;
     Counter& _records;
     Counter& _skipped;
+    MemoryShortage _shortage;
 
     // Unchanged while the node runs.
     std::unique_ptr<Signal> _signal;

@@ -84,8 +84,9 @@ void Guard::recordCame()
     _lastCame = _clock.now();
     if (_source == Source::Alive)
         return;
-    setAlive(true);
+    pushAlive(true); // before the record that it speaks of
     setRunning();
+    _source = Source::Alive;
 }
 
 std::optional<double> Guard::look()
@@ -100,19 +101,19 @@ std::optional<double> Guard::look()
 
 void Guard::declareLoss()
 {
-    _losses.add();
-    setAlive(false);
+    // What there is no memory for is tried again, all of it: the loss is noted last.
+    pushAlive(false);
     setDegraded(_complaint);
-    if (!_substitute)
-        return;
-    _substitute(_clock.wallTime());
-    _substituted.add();
+    if (_substitute) {
+        _substitute(_clock.wallTime());
+        _substituted.add();
+    }
+    _source = Source::Lost;
+    _losses.add();
 }
 
-void Guard::setAlive(bool alive)
+void Guard::pushAlive(bool alive)
 {
-    // Before the record that it speaks of.
-    _source = alive ? Source::Alive : Source::Lost;
     _alive.push(Data<bool>(alive, _clock.wallTime()));
 }
 

@@ -25,7 +25,7 @@ private:
     std::unique_ptr<Lane> createTypedLane(const Settings& settings);
     void recordCame();
     void declareLoss();
-    void setAlive(bool alive);
+    void pushAlive(bool alive);
 
     Clock& _clock;
     Counter& _losses;

@@ -19,6 +19,7 @@ struct OscInCounters {
     Counter& _malformed;  // packets
     Counter& _dropped;    // packets that the kernel had no place for
     Counter& _unread;     // packets that still waited when the node stopped
+    Counter& _withoutMemory;
 };
 
 /// Takes messages to the lanes whose address they name, or whose address their pattern matches.

@@ -41,6 +41,7 @@ OscInput::OscInput(Clock& clock, OscInSettings settings, OscInCounters& counters
       _health(std::move(health)),
       _dispatcher(_settings._addresses, counters),
       _malformedReports(clock, malformedPeriod),
+      _shortage(clock, counters._withoutMemory, "OSC: receiving"),
       _worker(clock)
 {
 }
@@ -69,8 +70,9 @@ void OscInput::run()
         if (!_worker.wait(retry, _receiver.getDescriptors()))
             return;
         if (retry && _clock.now() >= *retry) {
-            open();
             retry.reset();
+            if (!_shortage.survives([this] { open(); }))
+                _receiver.close();
         }
         _receiver.receive(*this);
         _counters._dropped.add(_receiver.takeDropped());
@@ -117,11 +119,16 @@ std::vector<RemarkInfo> OscInput::getRemarks() const
 bool OscInput::receive(Bytes packet, const SocketAddress& sender, const Time& arrival)
 {
     _counters._packets.add();
-    const auto problem = readOscPacket(packet, arrival, _dispatcher);
+    _shortage.survives([&] { read(packet, sender, arrival); });
     // One packet may take long where its messages have many patterns: a flood of them must not hold up the stop.
-    const bool goesOn = !_worker.isStopping();
+    return !_worker.isStopping();
+}
+
+void OscInput::read(Bytes packet, const SocketAddress& sender, const Time& arrival)
+{
+    const auto problem = readOscPacket(packet, arrival, _dispatcher);
     if (!problem)
-        return goesOn;
+        return;
     _counters._malformed.add();
     {
         const Ostrel::LockGuard guard(_factsLock);
@@ -131,7 +138,6 @@ bool OscInput::receive(Bytes packet, const SocketAddress& sender, const Time& ar
         report(osg::LogWarning, "OSC: malformed packet of " + std::to_string(packet.size()) + " bytes from " +
                                     sender.str() + ": " + *problem +
                                     (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : ""));
-    return goesOn;
 }
 
 } // namespace Trovio::Nodes

@@ -2,6 +2,7 @@
 
 #include "nodes/osc/OscDispatcher.h"
 #include "nodes/osc/UdpReceiver.h"
+#include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/Report.h"
 #include "nodes/shared/Worker.h"
 
@@ -43,6 +44,7 @@ private:
     void run();
     void open();
     bool receive(Bytes packet, const SocketAddress& sender, const Time& arrival) override;
+    void read(Bytes packet, const SocketAddress& sender, const Time& arrival);
 
     Clock& _clock;
     const OscInSettings _settings;
@@ -51,6 +53,7 @@ private:
     OscDispatcher _dispatcher;
     UdpReceiver _receiver;
     Seldom _malformedReports;
+    MemoryShortage _shortage;
 
     mutable Ostrel::Mutex _factsLock; // leaf
     std::string _listens OSTREL_GUARDED_BY(_factsLock) = "does not listen";

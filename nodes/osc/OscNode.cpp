@@ -94,9 +94,10 @@ OscNode::OscNode(Clock& clock, std::unique_ptr<NameLookup> lookup)
                   addCounter("in unknown"),
                   addCounter("in malformed"),
                   addCounter("in dropped by the kernel"),
-                  addCounter("in left unread")},
+                  addCounter("in left unread"),
+                  addCounter("in without memory")},
       _outCounters{addCounter("out messages"), addCounter("out packets"), addCounter("out failed"),
-                   addCounter("out refused")}
+                   addCounter("out refused"), addCounter("out without memory")}
 {
 }
 

@@ -28,6 +28,7 @@ OscOutput::OscOutput(Clock& clock, std::shared_ptr<NameLookup> lookup, OscOutSet
       _health(std::move(health)),
       _packer(_settings._bundling, [this](Bytes packet, std::size_t messages) { send(packet, messages); }),
       _tooLargeReports(clock, tooLargePeriod),
+      _shortage(clock, counters._withoutMemory, "OSC: sending"),
       _worker(clock)
 {
     for (const OscAddress& address : _settings._addresses)
@@ -60,17 +61,23 @@ void OscOutput::forEachSlot(const std::function<void(const std::string&, BasicIn
 void OscOutput::run()
 {
     for (;;) {
-        if (_socket.isOpen() && isOutdated())
-            _socket = FileDescriptor();
-        if (!_socket.isOpen())
-            seekTarget();
-        if (_socket.isOpen()) {
-            listen();
-            drain();
-        }
+        const bool isDone = _shortage.survives([this] { goOn(); });
         const int descriptor = _socket.get();
-        if (!_worker.wait(_socket.isOpen() ? _wellFrom : _searchTime, {&descriptor, _socket.isOpen() ? 1U : 0U}))
+        const auto next = isDone ? (_socket.isOpen() ? _wellFrom : _searchTime) : _clock.now() + MemoryShortage::Pause;
+        if (!_worker.wait(next, {&descriptor, _socket.isOpen() ? 1U : 0U}))
             return;
+    }
+}
+
+void OscOutput::goOn()
+{
+    if (_socket.isOpen() && isOutdated())
+        _socket = FileDescriptor();
+    if (!_socket.isOpen())
+        seekTarget();
+    if (_socket.isOpen()) {
+        listen();
+        drain();
     }
 }
 

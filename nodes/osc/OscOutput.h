@@ -2,6 +2,7 @@
 
 #include "nodes/osc/OscOutLane.h"
 #include "nodes/osc/OscPacker.h"
+#include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/NameLookup.h"
 #include "nodes/shared/Report.h"
 #include "nodes/shared/Worker.h"
@@ -23,6 +24,7 @@ struct OscOutCounters {
     Counter& _packets;
     Counter& _failed;  // messages in packets that the system did not take
     Counter& _refused; // answers that nobody listens there
+    Counter& _withoutMemory;
 };
 
 /// The sending half of an OSC node: in-slots, a thread that writes, packs and sends, and a socket.
@@ -44,6 +46,7 @@ public:
 
 private:
     void run();
+    void goOn();
     /// A troubled host may have moved to another address.
     bool isOutdated() const;
     void seekTarget();
@@ -72,6 +75,7 @@ private:
     bool _troubled = false;                                         // the last that was heard is bad
     std::optional<double> _wellFrom; // if nothing bad is heard until then, it is well again
     Seldom _tooLargeReports;
+    MemoryShortage _shortage;
 
     Worker _worker;
 };

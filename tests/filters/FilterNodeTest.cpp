@@ -16,6 +16,37 @@ SharedVector<E> shared(std::vector<E> elements)
     return handle;
 }
 
+/// Has no memory for a negative value.
+class ShortOfMemory final : public RelayNode {
+public:
+    explicit ShortOfMemory(Clock& clock) : RelayNode(clock) {}
+    static const NodeTypeEntry& getEntry()
+    {
+        static const RelayTable table("Float", "Float", {});
+        static const NodeTypeEntry entry{"Short", "", table.rows(), createOnSystemClock<ShortOfMemory>};
+        return entry;
+    }
+
+private:
+    std::unique_ptr<Lane> createLane(const Settings& settings) override
+    {
+        const auto pass = [](Data<float>& record) {
+            return record.getValue() < 0 ? throw std::bad_alloc() : Outcome::Sent;
+        };
+        return std::make_unique<TypedLane<float, decltype(pass)>>(readQueue(settings), pass);
+    }
+};
+
+TEST(Filter, GoesOnAfterAMomentWithoutMemory)
+{
+    RelayBench<ShortOfMemory, float> bench("");
+    bench.send(-1.0F);
+    EXPECT_EQ(bench.pass(2.0F), 2.0F);
+    bench.node().stop();
+    EXPECT_EQ(bench.node().count("without memory"), 1U);
+    EXPECT_FALSE(bench.node()->getState()._degraded);
+}
+
 TEST(Filter, RejectsByCauseAndTheSumsAreExact)
 {
     RelayBench<Scale, float> bench("gain=10");

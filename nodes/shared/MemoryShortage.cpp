@@ -1,0 +1,18 @@
+#include "nodes/shared/MemoryShortage.h"
+
+namespace Trovio::Nodes {
+
+void MemoryShortage::note() noexcept
+{
+    _counter.add();
+    try {
+        if (const auto withheld = _reports.admit())
+            report(osg::LogWarning, _what + ": there was no memory for a value" +
+                                        (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : "") +
+                                        "; it goes on, and counts them as '" + _counter.getName() + "'");
+    } catch (const std::bad_alloc&) {
+        // Not even for saying so; the counter tells.
+    }
+}
+
+} // namespace Trovio::Nodes
