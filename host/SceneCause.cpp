@@ -44,6 +44,15 @@ std::string whyNoNode(const LoadedScene& scene, const LoadedHandler& handler, co
     return {};
 }
 
+std::string whyNoBridge(const LoadedScene& scene, const LoadedHandler& handler)
+{
+    const LocatedText& kind = handler._entry->_kind;
+    const std::string why = whyMissing(scene, kind._position);
+    return !why.empty() ? why
+                        : place(scene.file(), kind._position) + ": handler " + inQuotes(handler._entry->_name._value) +
+                              " is of kind " + inQuotes(kind._value);
+}
+
 /// Why nothing stands under the label: the node that should, or all handlers.
 std::string whyNotMade(const Session& session, const std::string& label)
 {
@@ -52,14 +61,13 @@ std::string whyNotMade(const Session& session, const std::string& label)
     for (const auto& scene : session.scenes())
         for (const LoadedHandler& handler : scene->handlers()) {
             hasBridge = hasBridge || !handler._namespace.empty();
-            handlers += (handlers.empty() ? "" : "; ") + whyMissing(*scene, handler._entry->_kind._position);
+            handlers += "; " + whyNoBridge(*scene, handler);
             if (const std::string why = whyNoNode(*scene, handler, within(handler, label)); !why.empty())
                 return why;
         }
     if (hasBridge)
         return {};
-    return "the scene has no handler of kind 'Trovio', without which no sensor has a slot" +
-           (handlers.empty() ? "" : "; " + handlers);
+    return "the scene has no handler of kind 'Trovio', without which no sensor has a slot" + handlers;
 }
 
 const SensorEntry* findSensor(const Session& session, const std::string& text, LocatedText SensorEntry::*key,

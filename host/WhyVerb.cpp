@@ -27,6 +27,8 @@ using Trovio::Verdict;
 // Seconds from look to look, each of which walks through the whole tree.
 constexpr double shortestInterval = 0.001, longestInterval = 0.05;
 
+constexpr double longestWaitForFrames = 10; // seconds
+
 struct Answer {
     Explanation _explanation;
     bool _decided = false, _interrupted = false;
@@ -37,10 +39,13 @@ struct Answer {
 Answer findAnswer(Session& session, double rate, const Options& options, const StopSignal& stop)
 {
     SystemClock clock(stop);
-    // A cause that lasts for all the time given is an answer, too.
-    const double patience = std::min(options._patience, options._seconds / 2);
+    // Whether records are read in time shows after some frames. A cause that lasts for all the time given is an answer,
+    // too.
+    const double frames = std::min(2 / rate, longestWaitForFrames);
+    const double patience = std::min(std::max(options._patience, frames), options._seconds / 2);
     const double lookInterval = std::clamp(patience / 2, shortestInterval, longestInterval);
-    FrameLoop loop(clock, std::max(rate, 1 / lookInterval), {options._seconds, options._frames});
+    const double looksAFrame = std::ceil(1 / (lookInterval * rate));
+    FrameLoop loop(clock, rate * looksAFrame, {options._seconds, options._frames});
     Answer answer;
     WhyDecision decision(patience);
     Backlog backlog;
@@ -48,17 +53,21 @@ Answer findAnswer(Session& session, double rate, const Options& options, const S
         const Explanation found = explainLabels(options._from, options._to, options._staleAfter);
         answer._decided = decision.take(found, clock.steady());
     };
-    look(); // so that there is something to say, should a signal come
-    double nextLook = clock.steady();
+    double nextLook = 0, nextFrame = 0;
     loop.run([&](double now) {
-        backlog.look(session);
-        session.frame(now);
+        if (clock.steady() >= nextFrame) {
+            backlog.look(session);
+            session.frame(now);
+            nextFrame = clock.steady() + (looksAFrame - 0.5) / (rate * looksAFrame);
+        }
         if (clock.steady() < nextLook)
             return true;
         nextLook = clock.steady() + lookInterval;
         look();
         return !answer._decided;
     });
+    if (nextLook == 0) // a signal came first
+        look();
     answer._interrupted = stop.requested();
     answer._explanation = inSceneWords(decision.answer(), session);
     if (answer._explanation._verdict == Verdict::Flowing)

@@ -21,14 +21,19 @@ std::string nearestOf(const std::string& label, const std::vector<std::string>& 
 } // namespace
 
 /// Labels of that direction that are right but for one thing: a node's slot without the slot's label or without those
-/// of the namespaces before it, with one label too many in front, by the node's type instead of its label, misspelt.
+/// of the namespaces before it or between, with one label too many in front, by the node's type instead of its label,
+/// misspelt.
 std::vector<std::string> FlowQuery::meant(const std::string& label, const std::vector<std::string>& known) const
 {
     std::vector<std::string> names;
     const std::size_t slash = label.find('/');
     const std::string rest = slash == std::string::npos ? std::string() : label.substr(slash + 1);
+    const auto leavesPartOut = [&, node = label.substr(0, slash)](const std::string& name) {
+        return name == rest || name.starts_with(label + "/") || name.ends_with("/" + label) ||
+               (!rest.empty() && name.starts_with(node + "/") && name.ends_with("/" + rest));
+    };
     for (const std::string& name : known)
-        if (names.size() < mostNames && (name == rest || name.starts_with(label + "/") || name.ends_with("/" + label)))
+        if (names.size() < mostNames && leavesPartOut(name))
             names.push_back(name);
     for (const std::string& node : nodesOfType(label.substr(0, slash)))
         for (const std::string& name : known)
@@ -119,12 +124,10 @@ Explanation FlowQuery::misnamed(const Repair& repair) const
         cause = {Verdict::WrongDirection,
                  route + " leads the other way; swap its two ends",
                  {{"label", repair._givenFrom}, {"cure", "swap the two ends"}}};
-    } else if (repair._givenFrom != repair._from) {
-        cause = whyNoEnd(repair._givenFrom, Slot::Direction::Out);
-        cause._text = route + ": " + cause._text;
     } else {
-        cause = whyNoEnd(repair._givenTo, Slot::Direction::In);
-        cause._text = route + " leads to '" + repair._givenTo + "', but " + cause._text;
+        cause = repair._givenFrom != repair._from ? whyNoEnd(repair._givenFrom, Slot::Direction::Out)
+                                                  : whyNoEnd(repair._givenTo, Slot::Direction::In);
+        cause._text = route + ": " + cause._text;
     }
     cause._details.push_back({"route", route});
     return withCure(std::move(cause), repair._from, repair._to);

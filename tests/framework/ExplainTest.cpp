@@ -155,7 +155,7 @@ INSTANTIATE_TEST_SUITE_P(
     Explain, OneFault,
     ::testing::Values(
         Fault{"NoSuchLabel", [](OneFault& way) { way.replaceRoute("filter/out", "senzor"); }, Verdict::NoSuchLabel,
-              "leads to 'senzor', but no slot 'senzor' is in scope; nearest: 'sensor'"},
+              "'senzor': no slot 'senzor' is in scope; nearest: 'sensor'"},
         Fault{"NoMatch", [](OneFault& way) { way.replaceRoute("filtr/*", "sensor"); }, Verdict::NoMatch,
               "pattern 'filtr/*' matches none of 2 out-slots in scope, such as 'device/out'"},
         Fault{"WrongDirection", [](OneFault& way) { way.replaceRoute("sensor", "filter/out"); },

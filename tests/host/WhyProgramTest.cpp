@@ -41,7 +41,7 @@ TEST(Why, AnswersAsItIsAsked)
         {{"OSCC/*", "Wand", "--patience", "0.2"}, 3, "pattern matches nothing: "},
         {{"Wand", "OSC/wand", "--patience", "0.2"}, 3, "wrong direction: "},
         {{"OSC/wand", "Wand", "--seconds", "0.5"}, 3, "never written: "},
-        {{"OSC/wand", "Wand", "--seconds", "0.001"}, 124, "no answer in the time given; so far: nothing flows"},
+        {{"OSC/wand", "Wand", "--seconds", "0.0005"}, 124, "no answer in the time given; so far: nothing flows"},
         {{"OSC/wand", "*"}, 2, "has 1 '*', but its pattern 'OSC/wand' only 0"},
         {{"OSC/wand"}, 2, "TO is required"},
     };
@@ -58,12 +58,16 @@ TEST(Why, AnswersAsItIsAsked)
 TEST(Why, SaysWhatItKnowsWhereASignalEndsIt)
 {
     const Trovio::Nodes::UdpPeer peer;
+    // What comes from a link went through a frame: the scene is built.
     const SceneOnDisk file("[[handler]]\nkind = \"Trovio\"\nname = \"h\"\nnodes = [[\"Generator\"],\n"
                            "[\"OSC\", \"send=127.0.0.1:" +
                            std::to_string(peer.getPort()) +
-                           " out='/w Float'\"]]\nroutes = [[\"Generator/value\", \"OSC/w\"]]\n");
-    HostProcess process(host, {"why", file.path(), "Generator/value", "OSC/w", "--patience", "600"});
-    peer.receive(); // so it runs
+                           " out='/w Float'\"]]\nroutes = [[\"Generator/value\", \"Wave\"], [\"Out\", \"OSC/w\"]]\n"
+                           "[[sensor]]\nname = \"wave\"\ntype = \"SFFloat\"\nlabel = \"Wave\"\n"
+                           "[[sensor]]\nname = \"out\"\ntype = \"SFFloat\"\nlabel = \"Out\"\noutput = true\n"
+                           "[[link]]\nfrom = \"wave.value\"\nto = \"out.value\"\n");
+    HostProcess process(host, {"why", file.path(), "Generator/value", "Wave", "--patience", "600"});
+    peer.receive();
     process.signal(SIGTERM);
     EXPECT_EQ(process.wait(), 124);
     EXPECT_NE(process.out().find("interrupted; so far: "), std::string::npos) << process.out() << process.err();
