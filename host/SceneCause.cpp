@@ -114,6 +114,18 @@ std::string whyWrongWay(const Session& session, const std::string& label)
            place(*file, sensor->_output._position);
 }
 
+/// Where to read which way the slots of a node can face.
+std::string slotsOfNode(const Session& session, const std::string& label)
+{
+    for (const auto& scene : session.scenes())
+        for (const LoadedHandler& handler : scene->handlers())
+            for (const LabelledNode& node : labelledNodes(*handler._entry))
+                if (within(handler, label).starts_with(node._label + "/"))
+                    return "; ostrel-host nodes " + escaped(node._entry->_first._value) +
+                           " says which slots such a node can have";
+    return {};
+}
+
 Explanation replaced(Explanation found, Verdict verdict, const std::string& cause)
 {
     const std::string before = std::string(toString(found._verdict)) + ": ";
@@ -149,9 +161,12 @@ Explanation inSceneWords(Explanation found, const Session& session)
     if (label && found._verdict == Verdict::NoSuchLabel)
         if (const std::string why = whyOnlyName(session, *label); !why.empty())
             return replaced(std::move(found), found._verdict, "no slot " + inQuotes(*label) + " is in scope; " + why);
-    if (label && found._verdict == Verdict::WrongDirection && !found.findText("cure"))
+    if (label && found._verdict == Verdict::WrongDirection && !found.findText("cure")) {
         if (const std::string why = whyWrongWay(session, *label); !why.empty())
             return replaced(std::move(found), found._verdict, why);
+        if (!found.findText("cure in"))
+            found._text += slotsOfNode(session, *label);
+    }
     return found;
 }
 

@@ -377,6 +377,13 @@ const WrongSetup setups[] = {
      {"never written", "none for /wand", " for /wond (fff)"},
      {"no packets"},
      [] { return packetOf(messageTo("/wond")); }},
+    {"sends, and was to receive",
+     handler(osc("send=127.0.0.1:PORT out='/wand Vec3f'"), oscRoute) + wand,
+     "OSC/wand",
+     "Wand",
+     3,
+     {"'OSC/wand' is an in-slot", "ostrel-host nodes OSC says which slots"},
+     {"swap"}},
     {"arguments of another type",
      handler(osc("listen=127.0.0.1:PORT in='/wand Rotation'"), oscRoute) +
          sensor("name = \"wand\"\nlabel = \"Wand\"", "SFRotation"),
