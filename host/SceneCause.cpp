@@ -13,8 +13,6 @@ namespace {
 using Trovio::Explanation;
 using Trovio::Verdict;
 
-constexpr std::size_t longestCause = 2000;
-
 std::string place(const SceneFile& file, Position position)
 {
     return escaped(file._path) + ":" + std::to_string(position._line) + ":" + std::to_string(position._column);
