@@ -13,9 +13,9 @@ const char* toString(Verdict verdict)
         "no route",        "loop",          "node degraded",
         "never written",   "stale",         "filtered",
         "overwritten",     "unread",        "interrupted reader",
-        "not made",
+        "not made",        "not stored",
     };
-    static_assert(std::size(names) == static_cast<std::size_t>(Verdict::NotMade) + 1);
+    static_assert(std::size(names) == static_cast<std::size_t>(Verdict::NotStored) + 1);
     return names[static_cast<std::size_t>(verdict)];
 }
 

@@ -25,6 +25,7 @@ enum class Verdict {
     Unread,      // a record waits, and nobody has taken one
     Interrupted, // the reader was, and has taken nothing since
     NotMade,     // what the label belongs to; said by programs that make it, such as from a scene file
+    NotStored,   // there was no memory for what came
 };
 
 /// "flowing", "no such label", …; never null.

@@ -175,6 +175,12 @@ bool FlowQuery::stopsAtReader(const Entry& home, Explanation& cause) const
     const InSlotActivity in = home._ends.in()->getActivity();
     const InSlotCounts& counts = in._counts;
     const double behind = in._stamps._last.getSeconds() - in._lastTaken.getSeconds();
+    if (counts.stored == 0 && in._notStored != 0) {
+        cause = {Verdict::NotStored,
+                 "nothing has been stored in '" + labelOf(home) + "'" + shortfallsAt(home),
+                 {{"in-slot", labelOf(home)}, {"not stored", number(in._notStored)}}};
+        return true;
+    }
     const bool isBehind = behind > 0 ? behind > _staleAfter : lostTooMuch(in); // a stamp may stand still, or be none
     if (counts.waiting == 0 || (counts.taken != 0 && !isBehind && !in._readerInterrupted))
         return false;
@@ -202,6 +208,7 @@ bool FlowQuery::stopsAtReader(const Entry& home, Explanation& cause) const
                  reader + ": " + std::to_string(in._lostSinceTake) + " overwritten before they were read", details};
     else
         cause = {Verdict::Unread, reader + ": " + std::to_string(counts.waiting) + " waiting", details};
+    cause._text += shortfallsAt(home);
     return true;
 }
 
@@ -234,14 +241,29 @@ Explanation FlowQuery::flowing(const std::vector<Step>& path) const
     return answer;
 }
 
-/// What was lost before it was read, and what would have held it; nothing if nothing was.
+/// What was lost before it was read; nothing if nothing was.
 std::string FlowQuery::lossesAt(const Entry& home) const
 {
     const InSlotActivity in = home._ends.in()->getActivity();
-    if (in._counts.overwritten == 0)
-        return {};
-    return "; of " + std::to_string(in._counts.stored) + " that came to '" + labelOf(home) + "' " +
-           std::to_string(in._counts.overwritten) + " were overwritten before they were read";
+    std::string text;
+    if (in._counts.overwritten != 0)
+        text = "; of " + std::to_string(in._counts.stored) + " that came to '" + labelOf(home) + "' " +
+               std::to_string(in._counts.overwritten) + " were overwritten before they were read";
+    return text + shortfallsAt(home);
+}
+
+/// What there was no memory or no time for, and what helps; nothing if there was.
+std::string FlowQuery::shortfallsAt(const Entry& home) const
+{
+    const InSlotActivity in = home._ends.in()->getActivity();
+    std::string text;
+    if (in._notStored != 0)
+        text += "; records not stored in '" + labelOf(home) + "' for want of memory: " + std::to_string(in._notStored) +
+                "; shorter values or more memory help";
+    if (in._cutShort != 0)
+        text += "; frames that left records of '" + labelOf(home) + "' to the next: " + std::to_string(in._cutShort) +
+                "; a larger buffer or a slower source helps";
+    return text;
 }
 
 /// Where several write into one slot: who, and how much each of them.

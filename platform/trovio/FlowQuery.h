@@ -78,6 +78,7 @@ private:
     static std::string remarksOn(const Entry& home);
     std::string recovery(const Entry& home) const;
     std::string lossesAt(const Entry& home) const;
+    std::string shortfallsAt(const Entry& home) const;
     std::string rivalsAt(const Entry& home) const;
     Entries producersOf(const Entry& home) const;
     Explanation degraded(const Entry& home) const;

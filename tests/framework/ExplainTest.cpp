@@ -225,6 +225,8 @@ INSTANTIATE_TEST_SUITE_P(
                   }
               },
               Verdict::Overwritten, "the reader of 'sensor' takes nothing more: 29 overwritten"},
+        Fault{"CutShort", [](OneFault& way) { way._sensor.countCutShort(); }, Verdict::Flowing,
+              "; frames that left records of 'sensor' to the next: 1; a larger buffer or a slower source helps"},
         Fault{"Interrupted",
               [](OneFault& way) {
                   way._sensor.interrupt();
