@@ -5,9 +5,9 @@
 #include <csignal>
 #include <dds/dds.h>
 #include <dds/ddsrt/log.h>
+#include <mutex>
 #include <sys/uio.h>
 #include <unistd.h>
-#include <utility>
 
 namespace Trovio::Nodes {
 
@@ -118,12 +118,13 @@ void DdsLog::takeOver()
 {
     dds_set_log_sink(write, nullptr);
     // Where memory runs out, the library aborts without a word.
-    struct sigaction action {};
-    if (::sigaction(SIGABRT, nullptr, &action) != 0 || action.sa_handler == onAbort)
-        return;
-    beforeAbort = std::exchange(action, {});
-    action.sa_handler = onAbort;
-    ::sigaction(SIGABRT, &action, nullptr);
+    // Once: who has put a handler of its own before ours may call ours from there.
+    static std::once_flag installed;
+    std::call_once(installed, [] {
+        struct sigaction action {};
+        action.sa_handler = onAbort;
+        ::sigaction(SIGABRT, &action, &beforeAbort);
+    });
 }
 
 DdsLog::Listening::Listening() : _outer(listening)

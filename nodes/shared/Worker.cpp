@@ -1,6 +1,8 @@
 #include "nodes/shared/Worker.h"
 
-#include "trovio/Exception.h"
+#include "osg/LogMessage.h"
+#include "osg/LogRecord.h"
+#include "trovio/ExceptionText.h"
 #include <array>
 #include <csignal>
 #include <cstdint>
@@ -33,14 +35,18 @@ private:
     sigset_t _before{};
 };
 
-void runGuarded(const std::function<void()>& body, const std::function<void(const std::string&)>& failed)
+/// Nothing may leave a thread: it would end the program.
+void runGuarded(const std::function<void()>& body, const std::function<void(const std::string&)>& failed) noexcept
 {
     try {
-        body();
-    } catch (const std::exception& problem) {
-        failed(problem.what());
-    } catch (const Exception& problem) {
-        failed(problem.getMessage());
+        try {
+            body();
+        } catch (...) {
+            failed(describeCurrentException());
+        }
+    } catch (...) {
+        osg::logMessage(osg::LogFatal, {"Trovio", "nodes/Worker", __LINE__, __FUNCTION__},
+                        "the thread of a node ended, and there was no memory to say why\n");
     }
 }
 
