@@ -109,7 +109,8 @@ std::string DdsMatchWatch::explainMissing(const std::string& topic) const
                                   "seen from here";
     if (others == 0)
         return "; no other program is seen there; " + elsewhere;
-    return "; of " + std::to_string(others) + (others == 1 ? " other node" : " other nodes") + " there " +
+    const std::string count = (others < mostOnLoan ? "" : "at least ") + std::to_string(others);
+    return "; of " + count + (others == 1 ? " other node" : " other nodes") + " there " +
            (seen.empty() ? "none publishes anything else" : "these are published: " + seen) + "; " + elsewhere;
 }
 
