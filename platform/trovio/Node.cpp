@@ -194,25 +194,28 @@ void Node::setDegraded(const std::string& reason)
 
 void Node::changeState(bool degraded, const std::string& reason)
 {
-    std::string label;
-    bool wasDegraded = false;
+    // What needs memory comes first: a state that is changed has to be said.
+    std::string line;
+    LogLevel level = LogLevel::Warning; // also for the end of a trouble, so that who has seen the one sees the other
     {
         const LockGuard guard(_stateLock);
         if (_state._degraded == degraded && _state._reason == reason)
             return;
-        wasDegraded = _state._degraded;
+        const bool wasDegraded = _state._degraded;
         const Time since = wasDegraded == degraded ? _state._since : Time::getCurrentTime();
         const std::string overcome = degraded ? std::string() : wasDegraded ? _state._reason : _state._overcome;
-        _state = {degraded, reason, since, overcome};
-        label = _shownLabel.empty() ? _type._name : _shownLabel;
+        NodeState next{degraded, reason, since, overcome};
+        line = "node '" + (_shownLabel.empty() ? std::string(_type._name) : _shownLabel) + "' ";
+        if (degraded)
+            line += "is degraded: " + reason;
+        else if (wasDegraded)
+            line += "runs again" + (reason.empty() ? "" : ", " + reason);
+        else
+            level = LogLevel::Always, line = reason.empty() ? "" : line + reason;
+        std::swap(_state, next);
     }
-    const std::string name = "node '" + label + "' ";
-    if (degraded)
-        logMessage(LogLevel::Warning, name + "is degraded: " + reason);
-    else if (wasDegraded) // of the level of its counterpart, so that who has seen the one sees the other
-        logMessage(LogLevel::Warning, name + "runs again" + (reason.empty() ? "" : ", " + reason));
-    else if (!reason.empty())
-        logMessage(LogLevel::Always, name + reason);
+    if (!line.empty())
+        logMessage(level, line);
 }
 
 std::string NodeState::describe(const Time& now) const
