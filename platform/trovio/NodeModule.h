@@ -19,7 +19,7 @@ struct NodeTypeEntry {
 /// What a module offers. A module is the library trovio-node-NAME.so, found by the name of a type in it, and exports
 /// one function, trovioNodeModule(). Nothing in it registers itself or throws while it is loaded.
 struct NodeModule {
-    static constexpr unsigned Version = 1; // raised whenever something here, or in what nodes are built on, changes
+    static constexpr unsigned Version = 2; // raised whenever something here, or in what nodes are built on, changes
 
     unsigned _version; // first: the only thing that is read before it is known to fit
     std::span<const NodeTypeEntry> _types;

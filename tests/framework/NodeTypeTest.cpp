@@ -85,7 +85,7 @@ TEST_F(Modules, RefusalsSayWhatToDo)
                 {"../Good", {"'../Good'", "letters"}},
                 {"Good.so", {"letters"}},
                 {"Nobody", {"'Nobody'", "trovio-node-Nobody.so", TEST_MODULES, "TROVIO_NODE_PATH"}},
-                {"OldVersion", {"version 0", "needs 1", "rebuild"}},
+                {"OldVersion", {"version 1", "needs 2", "rebuild"}},
                 {"NoEntry", {"trovioNodeModule()", "trovio-node-NoEntry.so"}},
                 {"EntryThrows", {"failed in its trovioNodeModule()", "no licence found"}},
                 {"LacksLibrary", {"libabsent.so.7", "package libabsent7"}}};
