@@ -51,7 +51,7 @@ public:
     void acquire() OSTREL_NO_THREAD_SAFETY_ANALYSIS;
 
     /// Drops the handle's reference; the last one gives the object back to its pool, untouched. The handle keeps its
-    /// pointers: only for whoever acquires anew with it, or lets go of it, right afterwards.
+    /// pointers: only for whoever acquires anew with it right afterwards.
     void decrementReferenceCounter() noexcept OSTREL_NO_THREAD_SAFETY_ANALYSIS;
 
     /// Null if the handle is.

@@ -44,6 +44,16 @@ public:
         return count;
     }
 
+    /// Null if there is none of which the predicate is true.
+    template <class Predicate>
+    T* findLast(Predicate predicate) const
+    {
+        T* thing = _last;
+        while (thing && !predicate(*thing))
+            thing = links(*thing)._before;
+        return thing;
+    }
+
     void append(T& thing)
     {
         links(thing) = {_last, nullptr};

@@ -98,12 +98,7 @@ void RouteRules<Rule>::erase(Rule& rule)
 template <class Rule>
 Rule* RouteRules<Rule>::find(const std::string& from, const std::string& to) const
 {
-    Rule* latest = nullptr;
-    for (Rule* rule : _byText.under(from)) {
-        if (rule->_to.getText() == to)
-            latest = rule;
-    }
-    return latest;
+    return _byText.under(from).findLast([&to](const Rule& rule) { return rule._to.getText() == to; });
 }
 
 template <class Rule>
