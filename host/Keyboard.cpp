@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -57,12 +58,17 @@ void onStop(int number)
 }
 
 // False where they were taken already.
+// Again where another program at this terminal has set it back.
 bool takeKeys()
 {
-    if (isChanged || (!isKnown && tcgetattr(STDIN_FILENO, &before) != 0))
+    termios keys{};
+    if (tcgetattr(STDIN_FILENO, &keys) != 0 || (isChanged && (keys.c_lflag & ICANON) == 0))
         return false;
-    isKnown = true;
-    termios keys = before;
+    if (!isKnown) {
+        before = keys;
+        before.c_lflag |= ICANON | ECHO; // where another one has taken the keys before, a shell still wants them
+        isKnown = true;
+    }
     keys.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
     keys.c_cc[VMIN] = keys.c_cc[VTIME] = 0; // reading returns at once
     isChanged = true;
@@ -101,6 +107,10 @@ std::string Keyboard::read()
     if (!_isThere || !isInFront(STDIN_FILENO))
         return {};
     _isBack = takeKeys();
+    // Looked at first: another program may make the terminal wait for whole lines at any time.
+    pollfd keys{STDIN_FILENO, POLLIN, 0};
+    if (::poll(&keys, 1, 0) <= 0)
+        return {};
     std::array<char, 256> bytes;
     const ssize_t count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
     return {bytes.data(), count > 0 ? static_cast<std::size_t>(count) : 0};
