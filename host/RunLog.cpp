@@ -4,8 +4,11 @@
 #include "osg/LogMessage.h"
 #include "osg/LogText.h"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <poll.h>
+#include <unistd.h>
 #include <utility>
 
 namespace Host {
@@ -13,6 +16,8 @@ namespace {
 
 constexpr std::size_t mostHeld = 1u << 16; // bytes; a flood of messages fills no memory
 constexpr std::string_view nodeModule = "Trovio";
+
+std::atomic<RunLog*> current;
 
 /// Empty where the environment does not say.
 std::string valueOf(const char* variable)
@@ -33,10 +38,12 @@ RunLog::RunLog(bool verbose, RunOutput* output)
         _header.select(header, ignored);
     osg::osgLogP->setInfoShown(verbose);
     _previous = osg::osgLogP->setHook([this](const osg::LogRecord& record) { return hear(record); });
+    current = this;
 }
 
 RunLog::~RunLog()
 {
+    current = nullptr;
     osg::logHeldBack(true);
     osg::osgLogP->setHook(std::move(_previous));
     osg::osgLogP->setInfoShown(true);
@@ -95,6 +102,16 @@ std::string RunLog::take()
 {
     const std::lock_guard guard(_lock);
     return takeLocked();
+}
+
+void RunLog::writeHeld() noexcept
+{
+    RunLog* const log = current;
+    pollfd ready{STDERR_FILENO, POLLOUT, 0}; // a reader that stopped must not hold up the end
+    if (!log || ::poll(&ready, 1, 0) <= 0 || !log->_lock.try_lock())
+        return;
+    [[maybe_unused]] const auto written = ::write(STDERR_FILENO, log->_lines.data(), log->_lines.size());
+    log->_lock.unlock();
 }
 
 std::string RunLog::takeLocked()

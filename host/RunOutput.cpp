@@ -1,6 +1,7 @@
 #include "host/RunOutput.h"
 
 #include "host/ExitCode.h"
+#include "host/RunLog.h"
 
 #include <algorithm>
 #include <array>
@@ -58,6 +59,7 @@ void restore(std::size_t i)
 void onCrash(int number)
 {
     QueuedOutput::waitForAll();
+    RunLog::writeHeld();
     restore(static_cast<std::size_t>(std::ranges::find(crashes, number) - crashes.begin()));
     raise(number);
 }
