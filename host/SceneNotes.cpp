@@ -38,6 +38,15 @@ void SceneNotes::checkParts(const SceneGraph& graph)
     }
     const auto bridges = std::ranges::count_if(
         _scene._handlers, [](const HandlerEntry& handler) { return handler._kind._value == bridgeKind; });
+    const bool hasLabels =
+        std::ranges::any_of(_scene._sensors, [](const SensorEntry& sensor) { return !sensor._label._value.empty(); });
+    if (bridges == 0 && hasLabels)
+        note({}, "the scene has no handler of kind " + inQuotes(std::string(bridgeKind)) +
+                     ", without which no sensor has a slot");
+    for (const HandlerEntry& handler : _scene._handlers)
+        if (handler._kind._value != bridgeKind && handler._nodes.size() + handler._routes.size() > 0)
+            note(handler._kind._position, "a handler of kind " + inQuotes(handler._kind._value) +
+                                              " feeds nothing; its nodes and routes are not used");
     if (bridges > 1)
         note({}, "the scene has " + std::to_string(bridges) + " Trovio handlers; each of them serves every sensor");
     for (const SensorEntry& sensor : _scene._sensors)
