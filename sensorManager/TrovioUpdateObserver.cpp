@@ -69,10 +69,11 @@ std::uint64_t roundsOf(const Trovio::BasicInSlot& slot)
 }
 
 /// The part of an update that has something to do: the slot holds a record. Not inlined: what it saves on the stack
-/// would cost each update in which nothing came.
-[[gnu::noinline]] bool drain(const Road& road, const TimeStamp& now)
+/// would cost each update in which nothing came, and so would the road.
+[[gnu::noinline]] bool drain(Trovio::BasicInSlot& slot, const std::string& label, Field& field, const char* caller,
+                             const TimeStamp& now)
 {
-    const auto& [slot, label, field, caller] = road;
+    const Road road{slot, label, field, caller};
     const std::uint64_t rounds = roundsOf(slot);
     std::uint64_t count = 0;
     do {
@@ -118,7 +119,7 @@ bool TrovioSensorHandler::UpdateObserver::update(const TimeStamp& now)
     // Every slot of that direction is one. A dynamic cast says the same, and takes as long as all the rest of a frame
     // in which no value came.
     auto& slot = *static_cast<Trovio::BasicInSlot*>(_slot);
-    return !slot.empty() && drain({slot, _slotLabel, *_field, __PRETTY_FUNCTION__}, now);
+    return !slot.empty() && drain(slot, _slotLabel, *_field, __PRETTY_FUNCTION__, now);
 }
 
 void TrovioSensorHandler::UpdateObserver::updateOutput(const TimeStamp&)
