@@ -37,11 +37,12 @@ RouteCheck::End RouteCheck::endAt(const LocatedText& text, Slot::Direction direc
 {
     End end{text, direction};
     end._isPattern = text._value.find('*') != std::string::npos;
-    for (const SlotInfo& slot : std::ranges::equal_range(_info._slots, text._value, {}, &SlotInfo::_label))
-        if (slot._direction == direction)
+    auto slot = std::ranges::lower_bound(_info._slots, text._value, {}, &SlotInfo::_label);
+    for (; slot != _info._slots.end() && slot->_label == text._value; ++slot)
+        if (slot->_direction == direction)
             end._isMet = true;
         else
-            end._opposed = &slot;
+            end._opposed = &*slot;
     if (end._isMet)
         end._opposed = nullptr;
     return end;
