@@ -1,6 +1,10 @@
 #include "ostrel/Scene.h"
 
+#include "osg/LogMessage.h"
+#include "osg/LogRecord.h"
+#include "ostrel/LogModuleName.h"
 #include <cassert>
+#include <new>
 #include <utility>
 
 namespace Ostrel {
@@ -19,14 +23,18 @@ const NodeType& sceneType()
 class Scene::Walk {
 public:
     // Not inlined: the compiler would warn of the scene's pointer to a local object, which the destructor takes back.
-    [[gnu::noinline]] explicit Walk(Scene& scene)
-        : _scene(scene), _outer(scene._walk), _next(scene._sensors.begin()), _last(scene._number)
+    [[gnu::noinline]] Walk(Scene& scene, Sensors::iterator first)
+        : _scene(scene), _outer(scene._walk), _next(first), _last(scene._number)
     {
         scene._walk = this;
     }
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
-    ~Walk() { _scene._walk = _outer; }
+    ~Walk()
+    {
+        _scene._walk = _outer;
+        _scene._left = _next;
+    }
 
     /// Null at the end.
     DirectSensor* next()
@@ -116,14 +124,38 @@ void Scene::frame(const TimeStamp& now)
     // where the first one met no output and no sensor came or turned round meanwhile.
     const std::uint64_t number = _number;
     const std::uint64_t turns = DirectSensor::turns();
-    if (service(false, now) || number != _number || turns != DirectSensor::turns())
-        service(true, now);
+    bool outputs = false;
+    try {
+        if (service(outputs, _sensors.begin(), now) || number != _number || turns != DirectSensor::turns()) {
+            outputs = true;
+            service(outputs, _sensors.begin(), now);
+        }
+    } catch (const std::bad_alloc&) {
+        serviceLeft(outputs, now);
+    }
 }
 
-bool Scene::service(bool outputs, const TimeStamp& now)
+void Scene::serviceLeft(bool outputs, const TimeStamp& now)
+{
+    tellOfMemory();
+    Sensors::iterator next = _left;
+    for (;;) {
+        try {
+            service(outputs, next, now);
+            if (outputs)
+                return;
+            outputs = true;
+            next = _sensors.begin();
+        } catch (const std::bad_alloc&) {
+            next = _left;
+        }
+    }
+}
+
+bool Scene::service(bool outputs, Sensors::iterator first, const TimeStamp& now)
 {
     bool others = false;
-    Walk walk(*this);
+    Walk walk(*this, first);
     while (DirectSensor* const sensor = walk.next()) {
         DirectSensorProc* const proc = sensor->getDirectSensorProc();
         if (sensor->isOutput() != outputs)
@@ -132,6 +164,21 @@ bool Scene::service(bool outputs, const TimeStamp& now)
             proc->getUpdateSubject().notify(now, sensor);
     }
     return others;
+}
+
+void Scene::tellOfMemory() noexcept
+{
+    if (_toldOfMemory)
+        return;
+    try {
+        osg::logMessage(
+            osg::LogWarning, {LogModuleName, "Ostrel/Scene", __LINE__, __PRETTY_FUNCTION__},
+            "There was no memory for a value of a sensor. Frames go on with the other sensors; this is said "
+            "once\n");
+        _toldOfMemory = true;
+    } catch (const std::bad_alloc&) {
+        // Next time.
+    }
 }
 
 std::vector<DirectSensor*> Scene::takeChanged()

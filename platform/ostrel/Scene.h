@@ -37,6 +37,7 @@ public:
 
     /// Services every sensor once: first all inputs, then all outputs, each in scene order, so that a value that came
     /// in goes out in the same frame. Sensors may be added and removed meanwhile. `now` is wall-clock seconds.
+    /// One that there is no memory for waits for the next frame; the log is told once. Other exceptions end the frame.
     void frame(const TimeStamp& now);
 
     /// The sensors whose values changed since the last call, in scene order. Quick when there are none.
@@ -46,7 +47,10 @@ private:
     using Sensors = std::map<std::uint64_t, std::unique_ptr<DirectSensor>>;
     class Walk;
     /// True if there was a sensor of the other direction.
-    bool service(bool outputs, const TimeStamp& now);
+    bool service(bool outputs, Sensors::iterator first, const TimeStamp& now);
+    /// What a walk that threw for want of memory left.
+    void serviceLeft(bool outputs, const TimeStamp& now);
+    void tellOfMemory() noexcept;
     std::unique_ptr<DirectSensor> take(Sensors::iterator place);
 
     std::unique_ptr<Context> _context;
@@ -54,7 +58,9 @@ private:
     std::uint64_t _number = 0;
     Sensors _sensors; // by the number of the addition
     std::unordered_map<const DirectSensor*, std::uint64_t> _numbers;
-    Walk* _walk = nullptr; // the innermost one that runs
+    Walk* _walk = nullptr;   // the innermost one that runs
+    Sensors::iterator _left; // where the last walk ended, also when it threw
+    bool _toldOfMemory = false;
 };
 
 } // namespace Ostrel

@@ -69,7 +69,7 @@ protected:
             addLabel(*_handler, from, to);
         _text = &add("SFString", "out/text", true);
         add("SFFloat", "out/plain", true);
-        add("SFString", "in/text", false);
+        _received = &add("SFString", "in/text", false);
         add("SFFloat", "in/plain", false);
         addParameter(*_handler, "Pass", "");
     }
@@ -129,6 +129,7 @@ protected:
     Scene _scene;
     SensorHandler* _handler = nullptr;
     DirectSensor* _text = nullptr;
+    DirectSensor* _received = nullptr;
 };
 
 TEST_F(MemoryOut, HandlersComeWholeOrNotAtAll)
@@ -188,6 +189,53 @@ TEST_F(MemoryOut, RoutesComeWholeOrNotAtAllAndGoWithoutMemory)
         failEach(go, come);
         go();
     }
+}
+
+TEST_F(MemoryOut, ThatNothingCouldBeStoredIsWhyNothingArrives)
+{
+    Trovio::OutSlot<std::string> out("out");
+    Trovio::InSlot<std::string> in("in");
+    Root::get().addOutSlot("from", &out);
+    Root::get().addInSlot("to", &in);
+    Root::get().addRoute("from", "to");
+    const Trovio::Data<std::string> record(longText);
+    {
+        const AllocationFailure failure(2); // the first is the copy of the out-slot
+        out.push(record);
+    }
+    const auto answer = Root::get().explain("from", "to");
+    EXPECT_EQ(answer._verdict, Trovio::Verdict::NotStored);
+    EXPECT_NE(answer._text.find("records not stored in 'to' for want of memory: 1;"), std::string::npos)
+        << answer._text;
+    Root::get().removeSlot("from");
+    Root::get().removeSlot("to");
+}
+
+TEST_F(MemoryOut, FrameLosesAtMostTheValuesOnTheirWay)
+{
+    const auto textOf = [](DirectSensor* sensor) -> std::string& {
+        return dynamic_cast<SFString&>(*sensor->getField()).value();
+    };
+    const auto& slot =
+        dynamic_cast<Trovio::BasicInSlot&>(*static_cast<TrovioSensorHandler*>(_handler)->getSlot(_received));
+    const std::string before = picture();
+    bool happened = true;
+    for (std::uint64_t n = 1; happened && n < 1'000; ++n) {
+        textOf(_text) = longText + std::to_string(n);
+        {
+            const AllocationFailure failure(n);
+            _scene.frame(1.0);
+            _scene.frame(2.0); // what went out comes in
+            happened = failure.happened();
+        }
+        const auto counts = slot.getCounts();
+        EXPECT_EQ(counts.stored, counts.overwritten + counts.taken + counts.waiting) << n;
+        _scene.frame(3.0);
+        _scene.frame(4.0);
+        EXPECT_EQ(textOf(_received), textOf(_text)) << n;
+        ASSERT_EQ(picture(), before) << n;
+    }
+    EXPECT_FALSE(happened);
 }
 
 } // namespace
