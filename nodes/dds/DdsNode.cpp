@@ -82,7 +82,11 @@ void DdsNode::start()
 void DdsNode::stop()
 {
     _worker.stop();
-    keepRemarks(getRemarks()); // closing takes time, in which nothing becomes older
+    try {
+        keepRemarks(getRemarks()); // closing takes time, in which nothing becomes older
+    } catch (const std::bad_alloc&) {
+        // Closing matters more.
+    }
     _session->close();
 }
 
