@@ -48,7 +48,7 @@ private:
     Explanation noWay(const std::string& to, const Entries& ends, const Entries& reached) const;
     FlowQuery at(const Scope& scope) const;
     Explanation badRoute(const std::string& to, const Entries& ends, const Entries& reached) const;
-    Explanation deadStart(const Scope::Route& route) const;
+    std::string strayRoute(const std::string& to) const;
 
     /// A route that leads nowhere, and the two labels that it was probably meant to join.
     struct Repair {

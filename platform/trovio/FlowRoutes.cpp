@@ -36,10 +36,13 @@ Explanation FlowQuery::blocked(const Step& step) const
 Explanation FlowQuery::noWay(const std::string& to, const Entries& ends, const Entries& reached) const
 {
     Explanation cause;
+    std::string stray;
     for (const Entry* end : ends) {
         FlowSearch::forEachView(*FlowSearch::home(end), [&](const Entry& seen) {
             if (cause._verdict == Verdict::Flowing)
                 cause = at(*seen._scope).badRoute(seen._label, ends, reached);
+            if (stray.empty())
+                stray = at(*seen._scope).strayRoute(seen._label);
         });
     }
     if (cause._verdict != Verdict::Flowing)
@@ -49,7 +52,7 @@ Explanation FlowQuery::noWay(const std::string& to, const Entries& ends, const E
     const Slot& in = *ends.front()->_ends._slot;
     cause = {Verdict::NoRoute,
              "no route leads on from '" + last + "' (" + out.getTypeName() + ") to '" + to + "' (" + in.getTypeName() +
-                 ")",
+                 ")" + stray,
              {{"out-slot", last}, {"in-slot", to}}};
     if (out.getTypeID() == in.getTypeID())
         return withCure(std::move(cause), last, to);
@@ -76,28 +79,27 @@ Explanation FlowQuery::badRoute(const std::string& to, const Entries& ends, cons
     if (const Repair* const repair = firstOf(possible, reached, ends))
         return misnamed(*repair);
     for (const Scope::Route* route : _here._routes.all()) {
-        if (!aimsAt(*route, to) || !route->_aims.empty())
+        if (!aimsAt(*route, to) || !route->_aims.empty() || route->_from.isLiteral() || _here.findMatch(route->_from))
             continue;
-        Explanation cause = deadStart(*route);
-        if (cause._verdict == Verdict::Flowing)
-            continue;
+        Explanation cause = noMatch(route->_from);
+        cause._text = route->quoted() + ": " + cause._text;
         cause._details.push_back({"route", route->quoted()});
         return cause;
     }
     return {};
 }
 
-/// A route that starts at a label that nobody has, matches nothing, or starts at an in-slot.
-Explanation FlowQuery::deadStart(const Scope::Route& route) const
+/// Of a route that leads here from a label that nobody has, or from an in-slot: nothing says that it was meant for what
+/// was asked. Empty if there is none.
+std::string FlowQuery::strayRoute(const std::string& to) const
 {
-    const std::string& start = route._from.getText();
-    if (!route._from.isLiteral() && _here.findMatch(route._from))
-        return {};
-    if (route._from.isLiteral() && !findEnds(start, Slot::Direction::Out).empty())
-        return {};
-    Explanation cause = route._from.isLiteral() ? whyNoEnd(start, Slot::Direction::Out) : noMatch(route._from);
-    cause._text = route.quoted() + ": " + cause._text;
-    return cause;
+    for (const Scope::Route* route : _here._routes.all()) {
+        const std::string& start = route->_from.getText();
+        if (aimsAt(*route, to) && route->_aims.empty() && route->_from.isLiteral() &&
+            findEnds(start, Slot::Direction::Out).empty())
+            return "; " + route->quoted() + " leads there from nothing: " + whyNoEnd(start, Slot::Direction::Out)._text;
+    }
+    return {};
 }
 
 } // namespace Trovio
