@@ -206,9 +206,9 @@ INSTANTIATE_TEST_SUITE_P(
                   for (int i = 0; i < 3; ++i)
                       way.sendLater(true);
               },
-              Verdict::Overwritten, "the reader of 'sensor' is 5 s behind: 2 overwritten before they were read"},
+              Verdict::Overwritten, " s behind: 2 overwritten before they were read"},
         Fault{"Unread", [](OneFault& way) { way.sendLater(true); }, Verdict::Unread,
-              "the reader of 'sensor' is 5 s behind: 1 waiting"},
+              " s behind: 1 waiting"},
         Fault{"DegradedReader",
               [](OneFault& way) {
                   way.replaceFilter();
