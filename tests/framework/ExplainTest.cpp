@@ -207,8 +207,7 @@ INSTANTIATE_TEST_SUITE_P(
                       way.sendLater(true);
               },
               Verdict::Overwritten, " s behind: 2 overwritten before they were read"},
-        Fault{"Unread", [](OneFault& way) { way.sendLater(true); }, Verdict::Unread,
-              " s behind: 1 waiting"},
+        Fault{"Unread", [](OneFault& way) { way.sendLater(true); }, Verdict::Unread, " s behind: 1 waiting"},
         Fault{"DegradedReader",
               [](OneFault& way) {
                   way.replaceFilter();
