@@ -3,7 +3,7 @@
 #include "fuzz/Fuzz.h"
 #include "nodes/osc/OscDispatcher.h"
 #include "nodes/osc/OscOutLane.h"
-#include "nodes/osc/OscPacker.h"
+#include "nodes/osc/packet/OscPacker.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
 #include "trovio/SlotTypes.h"

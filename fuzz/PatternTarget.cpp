@@ -1,6 +1,6 @@
 // Four lines: a route's pattern, its target, a label, and the label of a namespace.
 #include "fuzz/Fuzz.h"
-#include "nodes/osc/OscPattern.h"
+#include "nodes/osc/address/OscPattern.h"
 #include "trovio/Exception.h"
 #include "trovio/Pattern.h"
 #include <algorithm>

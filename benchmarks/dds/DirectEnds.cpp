@@ -1,8 +1,8 @@
 #include "benchmarks/dds/DirectEnds.h"
 
 #include "SlotSamples.h" // generated
-#include "nodes/dds/DdsDomain.h"
-#include "nodes/dds/DdsQos.h"
+#include "nodes/dds/net/DdsDomain.h"
+#include "nodes/dds/net/DdsQos.h"
 #include <functional>
 #include <semaphore>
 #include <thread>

@@ -1,6 +1,6 @@
 #include "benchmarks/instructions/Operation.h"
 #include "nodes/osc/OscDispatcher.h"
-#include "nodes/osc/OscPacket.h"
+#include "nodes/osc/packet/OscPacket.h"
 
 #include <array>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "nodes/dds/DdsInLane.h"
 
-#include "nodes/dds/DdsTaking.h"
-#include "nodes/dds/RosValue.h"
+#include "nodes/dds/net/DdsTaking.h"
+#include "nodes/dds/wire/RosValue.h"
 #include "trovio/SlotTypes.h"
 
 namespace Trovio::Nodes {

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "base/Mutex.h"
-#include "nodes/dds/DdsClocks.h"
 #include "nodes/dds/DdsNewcomers.h"
-#include "nodes/dds/TopicTypes.h"
-#include "nodes/dds/ValueTiming.h"
 #include "nodes/dds/WriterNumbers.h"
+#include "nodes/dds/clocks/DdsClocks.h"
+#include "nodes/dds/clocks/ValueTiming.h"
+#include "nodes/dds/wire/TopicTypes.h"
 #include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/Report.h"
 #include "nodes/shared/SlotList.h"

@@ -1,6 +1,6 @@
 #include "nodes/dds/DdsNewcomers.h"
 
-#include "nodes/dds/DdsQos.h"
+#include "nodes/dds/net/DdsQos.h"
 #include <algorithm>
 
 namespace Trovio::Nodes {

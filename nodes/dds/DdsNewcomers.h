@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nodes/dds/DdsSerialised.h"
+#include "nodes/dds/wire/DdsSerialised.h"
 #include <map>
 #include <optional>
 #include <vector>

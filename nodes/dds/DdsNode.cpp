@@ -1,7 +1,7 @@
 #include "nodes/dds/DdsNode.h"
 
-#include "nodes/dds/DdsLog.h"
 #include "nodes/dds/DdsSettings.h"
+#include "nodes/dds/net/DdsLog.h"
 #include "trovio/BasicInSlot.h"
 #include <algorithm>
 

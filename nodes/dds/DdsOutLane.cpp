@@ -1,8 +1,8 @@
 #include "nodes/dds/DdsOutLane.h"
 
-#include "nodes/dds/DdsLog.h"
-#include "nodes/dds/DdsTaking.h"
-#include "nodes/dds/RosValue.h"
+#include "nodes/dds/net/DdsLog.h"
+#include "nodes/dds/net/DdsTaking.h"
+#include "nodes/dds/wire/RosValue.h"
 #include "trovio/BufferedInSlot.h"
 #include "trovio/SlotTypes.h"
 #include <atomic>

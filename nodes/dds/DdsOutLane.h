@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Mutex.h"
-#include "nodes/dds/DdsEnds.h"
-#include "nodes/dds/TopicTypes.h"
+#include "nodes/dds/net/DdsEnds.h"
+#include "nodes/dds/wire/TopicTypes.h"
 #include "nodes/shared/Report.h"
 #include "nodes/shared/SlotList.h"
 #include "trovio/Node.h"

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "nodes/dds/DdsClocks.h"
-#include "nodes/dds/DdsDomain.h"
 #include "nodes/dds/DdsInLane.h"
-#include "nodes/dds/DdsMatchWatch.h"
 #include "nodes/dds/DdsOutLane.h"
-#include "nodes/dds/HostNames.h"
+#include "nodes/dds/clocks/DdsClocks.h"
+#include "nodes/dds/net/DdsDomain.h"
+#include "nodes/dds/net/HostNames.h"
+#include "nodes/dds/watch/DdsMatchWatch.h"
 
 namespace Trovio::Nodes {
 

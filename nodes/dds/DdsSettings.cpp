@@ -1,7 +1,7 @@
 #include "nodes/dds/DdsSettings.h"
 
 #include "nodes/dds/DdsTopicNames.h"
-#include "nodes/dds/HostNames.h"
+#include "nodes/dds/net/HostNames.h"
 #include "nodes/shared/NumberList.h"
 #include "nodes/shared/SocketAddress.h"
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "nodes/osc/OscDispatcher.h"
 
-#include "nodes/osc/OscPattern.h"
-#include "nodes/osc/OscTags.h"
+#include "nodes/osc/address/OscPattern.h"
+#include "nodes/osc/packet/OscTags.h"
 #include "nodes/shared/Report.h"
 #include "trovio/BasicOutSlot.h"
 

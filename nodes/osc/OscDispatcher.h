@@ -1,8 +1,8 @@
 #pragma once
 
-#include "nodes/osc/OscAddressMap.h"
 #include "nodes/osc/OscInLane.h"
 #include "nodes/osc/OscStrangers.h"
+#include "nodes/osc/address/OscAddressMap.h"
 #include "trovio/Node.h"
 #include <functional>
 #include <unordered_map>

@@ -1,6 +1,6 @@
 #include "nodes/osc/OscInLane.h"
 
-#include "nodes/osc/OscValue.h"
+#include "nodes/osc/packet/OscValue.h"
 #include "trovio/OutSlot.h"
 #include "trovio/SlotTypes.h"
 

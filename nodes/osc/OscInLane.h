@@ -1,7 +1,7 @@
 #pragma once
 
-#include "nodes/osc/OscAddressList.h"
-#include "nodes/osc/OscPacket.h"
+#include "nodes/osc/address/OscAddressList.h"
+#include "nodes/osc/packet/OscPacket.h"
 #include <memory>
 
 namespace Trovio {

@@ -1,6 +1,6 @@
 #include "nodes/osc/OscOutLane.h"
 
-#include "nodes/osc/OscValue.h"
+#include "nodes/osc/packet/OscValue.h"
 #include "trovio/BufferedInSlot.h"
 #include "trovio/SlotTypes.h"
 #include <atomic>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "nodes/osc/OscAddressList.h"
-#include "nodes/osc/OscWriter.h"
+#include "nodes/osc/address/OscAddressList.h"
+#include "nodes/osc/packet/OscWriter.h"
 #include "trovio/Time.h"
 #include <functional>
 #include <memory>

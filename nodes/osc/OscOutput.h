@@ -1,7 +1,7 @@
 #pragma once
 
 #include "nodes/osc/OscOutLane.h"
-#include "nodes/osc/OscPacker.h"
+#include "nodes/osc/packet/OscPacker.h"
 #include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/NameLookup.h"
 #include "nodes/shared/Report.h"

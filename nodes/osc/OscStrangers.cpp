@@ -1,8 +1,8 @@
 #include "nodes/osc/OscStrangers.h"
 
-#include "nodes/osc/OscAddressList.h"
-#include "nodes/osc/OscPattern.h"
-#include "nodes/osc/OscTags.h"
+#include "nodes/osc/address/OscAddressList.h"
+#include "nodes/osc/address/OscPattern.h"
+#include "nodes/osc/packet/OscTags.h"
 #include "nodes/shared/Report.h"
 #include "trovio/NearestName.h"
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Mutex.h"
-#include "nodes/osc/OscPacket.h"
+#include "nodes/osc/packet/OscPacket.h"
 #include <map>
 #include <string>
 #include <vector>

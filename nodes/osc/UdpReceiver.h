@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nodes/osc/OscArguments.h"
+#include "nodes/osc/packet/OscArguments.h"
 #include "nodes/shared/FileDescriptor.h"
 #include "nodes/shared/SocketAddress.h"
 #include "trovio/Time.h"

@@ -1,6 +1,6 @@
-#include "nodes/dds/ClockOffset.h"
-#include "nodes/dds/HostNames.h"
 #include "nodes/dds/WriterNumbers.h"
+#include "nodes/dds/clocks/ClockOffset.h"
+#include "nodes/dds/net/HostNames.h"
 #include "tests/dds/DdsFixture.h"
 #include <cmath>
 #include <limits>

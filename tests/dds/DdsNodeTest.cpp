@@ -1,5 +1,5 @@
-#include "nodes/dds/DdsLog.h"
-#include "nodes/dds/LoopbackOnly.h"
+#include "nodes/dds/net/DdsLog.h"
+#include "nodes/dds/net/LoopbackOnly.h"
 #include "nodes/shared/FileDescriptor.h"
 #include "nodes/shared/SocketAddress.h"
 #include "tests/dds/DdsFixture.h"

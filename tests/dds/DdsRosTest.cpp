@@ -1,4 +1,4 @@
-#include "nodes/dds/RosTypes.h"
+#include "nodes/dds/wire/RosTypes.h"
 #include "tests/dds/DdsFixture.h"
 #include "tests/host/HostProcess.h"
 #include "tests/nodes/SampleValues.h"

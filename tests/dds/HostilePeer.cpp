@@ -1,6 +1,6 @@
-#include "nodes/dds/DdsDomain.h"
-#include "nodes/dds/DdsQos.h"
-#include "nodes/dds/WireItem.h"
+#include "nodes/dds/net/DdsDomain.h"
+#include "nodes/dds/net/DdsQos.h"
+#include "nodes/dds/wire/WireItem.h"
 #include <cmath>
 #include <cstdio>
 #include <limits>

@@ -1,5 +1,5 @@
-#include "nodes/dds/PeerClocks.h"
-#include "nodes/dds/ValueTiming.h"
+#include "nodes/dds/clocks/PeerClocks.h"
+#include "nodes/dds/clocks/ValueTiming.h"
 #include <gtest/gtest.h>
 
 namespace Trovio::Nodes {

@@ -1,5 +1,5 @@
-#include "nodes/osc/OscPattern.h"
 #include "nodes/osc/OscStrangers.h"
+#include "nodes/osc/address/OscPattern.h"
 #include "tests/nodes/OscFixture.h"
 #include "tests/support/LogCapture.h"
 #include <algorithm>

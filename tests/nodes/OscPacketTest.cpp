@@ -1,7 +1,7 @@
-#include "nodes/osc/OscPacket.h"
+#include "nodes/osc/packet/OscPacket.h"
 
-#include "nodes/osc/OscPacker.h"
-#include "nodes/osc/OscPattern.h"
+#include "nodes/osc/address/OscPattern.h"
+#include "nodes/osc/packet/OscPacker.h"
 #include "tests/nodes/OscMessages.h"
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "nodes/dds/net/DdsDomain.h"
+#include "nodes/dds/net/DdsQos.h"
+#include <cstdint>
+#include <functional>
+
+namespace Trovio::Nodes {
+
+class DdsClocks;
+
+/// What topics are opened with: made by a session, which outlives everything that is opened with it.
+struct DdsEnds {
+    DdsDomain* _domain;
+    dds_entity_t _participant;
+    dds_entity_t _publisher;
+    dds_entity_t _subscriber;
+    const DdsQuality& _quality;
+    std::uint64_t _writerID; // what the node writes under
+    // Both from any thread, under any lock.
+    std::function<void()> _wake;         // the node's thread
+    std::function<void()> _peersChanged; // wakes it, too: somebody came or went
+    DdsClocks* _clocks;                  // null where clocks are not compared
+};
+
+} // namespace Trovio::Nodes

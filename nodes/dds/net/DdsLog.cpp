@@ -1,0 +1,140 @@
+#include "nodes/dds/net/DdsLog.h"
+
+#include "base/Mutex.h"
+#include "nodes/shared/Report.h"
+#include <csignal>
+#include <dds/dds.h>
+#include <dds/ddsrt/log.h>
+#include <mutex>
+#include <sys/uio.h>
+#include <unistd.h>
+
+namespace Trovio::Nodes {
+
+namespace {
+
+thread_local DdsLog::Listening* listening = nullptr;
+constexpr double reportPeriod = 1.0; // seconds; peers can cause messages at will
+
+struct Reports {
+    Ostrel::Mutex _lock;
+    Seldom _seldom OSTREL_GUARDED_BY(_lock){Clock::system(), reportPeriod};
+
+    static std::optional<std::uint64_t> admit()
+    {
+        static Reports& reports = *new Reports; // for the library's threads outlive static objects
+        const Ostrel::LockGuard guard(reports._lock);
+        return reports._seldom.admit();
+    }
+};
+
+std::string textOf(const dds_log_data_t& data)
+{
+    std::string text(data.message, data.size);
+    while (!text.empty() && (text.back() == '\n' || text.back() == ' '))
+        text.pop_back();
+    return text;
+}
+
+struct Known {
+    std::string_view _part; // of the library's words
+    const char* _ours;
+};
+constexpr Known known[] = {
+    {"deserialization", "a sample that came in is no sample of its type and is left out"},
+    {"malformed packet", "a packet that came in is malformed and is left out"},
+    {"invalid parameter list", "what another program tells of itself is malformed and is left out"},
+    {"invalid qos", "what another program tells of itself is malformed and is left out"},
+    {"conn_write", "a packet cannot be sent: its interface may be down, or a firewall forbids it"},
+    {"dropping oversize", "a sample is larger than 'largest' allows and is left out"},
+    {"could not deliver data", "a reader in this program does not keep up"},
+    {"free participant index", "all places for programs are taken"},
+    {"match an available interface", "there is no such network interface"},
+    {"match a local interface", "there is no such network interface"},
+    {"failed to create socket", "no socket can be opened"},
+    {"failed to bind", "its ports are taken, or forbidden"},
+    {"multicast join failed", "multicast does not work on some of its interfaces"},
+    {"failed to increase socket", "the system grants less receive buffer than is needed (sysctl net.core.rmem_max)"},
+};
+
+/// Empty where there are none.
+std::string ourWordsFor(const std::string& text)
+{
+    for (const auto& [part, ours] : known)
+        if (text.find(part) != std::string::npos)
+            return ours;
+    return {};
+}
+
+void reportTrouble(const std::string& text)
+{
+    const std::string ours = ourWordsFor(text);
+    if (const auto withheld = Reports::admit())
+        report(osg::LogWarning,
+               "DDS: " +
+                   (ours.empty() ? "the library met a problem of its own; its words are in the log at level 'info'"
+                                 : ours) +
+                   (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : ""));
+    report(osg::LogInfo, "DDS: the library says: " + text);
+}
+
+/// The program is about to end: no log may hold this back, and memory may be what is missing.
+void writeLastWords(std::string_view before, std::string_view text)
+{
+    const auto part = [](std::string_view words) { return iovec{const_cast<char*>(words.data()), words.size()}; };
+    const iovec parts[] = {part(before), part(text), part(text.ends_with('\n') ? "" : "\n")};
+    [[maybe_unused]] const auto written = ::writev(STDERR_FILENO, parts, std::size(parts));
+}
+
+struct sigaction beforeAbort;
+
+// Whoever aborts: only the library does so without a word. What was to be done then is done next.
+void onAbort(int number)
+{
+    writeLastWords("",
+                   "ERROR Trovio: DDS: this program aborts; unless a line above says why, the DDS library ran out of "
+                   "memory (ulimit -v)");
+    ::sigaction(number, &beforeAbort, nullptr);
+    ::raise(number);
+}
+
+void write(void*, const dds_log_data_t* data)
+try {
+    if ((data->priority & DDS_LC_FATAL) != 0)
+        return writeLastWords("ERROR Trovio: DDS: the library ends this program: ", {data->message, data->size});
+    if (!listening && (data->priority & (DDS_LC_ERROR | DDS_LC_WARNING)) == 0)
+        return report(osg::LogInfo, "DDS: the library says: " + textOf(*data));
+    if (!listening)
+        return reportTrouble(textOf(*data));
+    const std::string ours = ourWordsFor(textOf(*data));
+    listening->add(ours.empty() ? "the library says: " + textOf(*data) : ours);
+} catch (const std::bad_alloc&) {
+    // The library is in C: nothing may come out. It goes on without a line.
+}
+
+} // namespace
+
+void DdsLog::takeOver()
+{
+    dds_set_log_sink(write, nullptr);
+    // Where memory runs out, the library aborts without a word.
+    // Once: who has put a handler of its own before ours may call ours from there.
+    static std::once_flag installed;
+    std::call_once(installed, [] {
+        struct sigaction action {};
+        action.sa_handler = onAbort;
+        ::sigaction(SIGABRT, &action, &beforeAbort);
+    });
+}
+
+DdsLog::Listening::Listening() : _outer(listening)
+{
+    listening = this;
+}
+
+DdsLog::Listening::~Listening()
+{
+    listening = _outer;
+}
+
+} // namespace Trovio::Nodes

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "nodes/dds/net/DdsEnds.h"
+#include "nodes/dds/watch/DdsOtherEnds.h"
+#include "nodes/dds/watch/DdsTroubles.h"
+#include "nodes/dds/wire/TopicTypes.h"
+#include "nodes/shared/SlotList.h"
+#include <map>
+#include <string>
+
+namespace Trovio::Nodes {
+
+/// Looks at what other programs publish and subscribe to, and finds those that mean one of our topics but do not meet
+/// it: the library would leave the two ends apart without a word.
+/// Threads: one.
+class DdsMatchWatch {
+public:
+    DdsMatchWatch(const DdsQuality& quality, const DdsFormat& format, const std::vector<ListedSlot>& published,
+                  const std::vector<ListedSlot>& subscribed);
+    ~DdsMatchWatch();
+
+    /// Throws DdsProblem.
+    void open(const DdsEnds& ends);
+    void close();
+
+    /// Takes in what came and went since the last look.
+    void look();
+
+    /// Adds what does not meet: topic, both types, and the peer.
+    void tell(DdsTroubles& troubles) const;
+
+    /// Why nobody publishes a topic that is subscribed to, as far as that can be seen.
+    std::string explainMissing(const std::string& topic) const;
+    /// Who may want a topic that is published, though nobody subscribes to it; empty if nobody does.
+    std::string findWanting(const std::string& topic) const;
+
+private:
+    struct Topic {
+        std::string _label;
+        std::string _type; // as the library knows it
+    };
+    using Topics = std::map<std::string, Topic, std::less<>>; // by their names in the domain
+    void lookAt(dds_entity_t reader, const Topics& ours, bool isWriter);
+    bool isOurs(const dds_builtintopic_endpoint_t& end) const { return end.participant_instance_handle == _own; }
+    /// What is wrong; empty if nothing is.
+    std::string compare(const dds_builtintopic_endpoint_t& other, const Topic& ours, bool isWriter) const;
+    bool isInPartition(const dds_qos_t* qos) const;
+    std::string describePeer(dds_instance_handle_t participant) const;
+    /// Nodes that take part in the domain beside this one, up to as many as can be read at once.
+    std::size_t countOthers() const;
+
+    const DdsQuality _quality;
+    const DdsFormat _format;
+    Topics _published, _subscribed;
+    struct Mismatch {
+        std::string _topic, _problem;
+    };
+    std::map<dds_instance_handle_t, Mismatch> _found; // by the end of another program
+    DdsOtherEnds _otherWriters, _otherReaders;
+    dds_instance_handle_t _own = 0;              // our participant
+    DdsEntity _participants, _writers, _readers; // what the library tells of
+};
+
+} // namespace Trovio::Nodes
