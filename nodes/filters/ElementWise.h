@@ -1,8 +1,8 @@
 #pragma once
 
 #include "nodes/filters/Elements.h"
-#include "nodes/filters/Lane.h"
-#include "nodes/filters/Quaternion.h"
+#include "nodes/relay/Lane.h"
+#include "nodes/relay/Quaternion.h"
 #include "trovio/Settings.h"
 #include <algorithm>
 

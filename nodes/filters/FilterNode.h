@@ -1,7 +1,7 @@
 #pragma once
 
 #include "nodes/filters/ElementWise.h"
-#include "nodes/filters/RelayNode.h"
+#include "nodes/relay/RelayNode.h"
 #include "trovio/SlotTypes.h"
 #include <array>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nodes/filters/RelayNode.h"
+#include "nodes/relay/RelayNode.h"
 #include <functional>
 
 namespace Trovio::Nodes {

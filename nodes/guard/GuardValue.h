@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nodes/filters/Quaternion.h"
+#include "nodes/relay/Quaternion.h"
 #include "nodes/shared/NumberList.h"
 #include "trovio/Components.h"
 #include <span>

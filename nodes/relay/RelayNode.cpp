@@ -1,4 +1,4 @@
-#include "nodes/filters/RelayNode.h"
+#include "nodes/relay/RelayNode.h"
 
 namespace Trovio::Nodes {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nodes/filters/Lane.h"
+#include "nodes/relay/Lane.h"
 #include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/Worker.h"
 #include "trovio/Node.h"

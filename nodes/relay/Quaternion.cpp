@@ -1,4 +1,4 @@
-#include "nodes/filters/Quaternion.h"
+#include "nodes/relay/Quaternion.h"
 
 namespace Trovio::Nodes {
 
