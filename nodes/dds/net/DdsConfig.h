@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nodes/dds/net/DdsDomain.h"
+#include "nodes/dds/net/DdsDomainSettings.h"
 
 namespace Trovio::Nodes {
 

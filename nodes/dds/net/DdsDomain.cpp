@@ -66,18 +66,6 @@ DdsEntity createDomain(const DdsDomainSettings& settings)
 
 } // namespace
 
-std::string DdsDomainSettings::describe(const std::string& ownAddress) const
-{
-    std::string text = "domain " + std::to_string(_number);
-    if (!_interface.empty())
-        text += " on interface " + _interface;
-    else
-        text += ownAddress.empty() ? " towards " + _hosts.front() : " at address " + ownAddress;
-    if (isLoopback())
-        return text + ", this machine only";
-    return text + (isMulticast() ? ", peers found by multicast" : ", without multicast");
-}
-
 std::shared_ptr<DdsDomain> DdsDomain::open(const DdsDomainSettings& settings)
 {
     OpenDomains& open = OpenDomains::get();

@@ -1,5 +1,6 @@
 #include "nodes/dds/net/LoopbackOnly.h"
 
+#include "nodes/dds/net/DdsEntity.h"
 #include "nodes/shared/SocketAddress.h"
 #include <cerrno>
 #include <charconv>

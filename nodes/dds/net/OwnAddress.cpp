@@ -1,5 +1,6 @@
 #include "nodes/dds/net/OwnAddress.h"
 
+#include "nodes/dds/net/DdsEntity.h"
 #include "nodes/shared/FileDescriptor.h"
 #include "nodes/shared/SocketAddress.h"
 #include <cerrno>
