@@ -4,8 +4,11 @@ set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 tree=$(mktemp -d)
 trap 'rm -rf "$tree"' EXIT
-mkdir -p "$tree"/{platform/{base,trovio},trovio,host,docs}
-touch "$tree"/platform/base/A.h "$tree"/trovio/B.h "$tree"/host/Main.h "$tree"/README.md
+mkdir -p "$tree"/{platform/{base,trovio},trovio,nodes/{shared,relay,guard,dds/net},host,docs}
+touch "$tree"/platform/base/A.h "$tree"/trovio/B.h "$tree"/nodes/guard/C.h "$tree"/nodes/dds/D.h "$tree"/host/Main.h
+touch "$tree"/README.md
+printf '#include "nodes/relay/E.h"\n' >"$tree"/nodes/guard/C.cpp
+printf '#include "nodes/relay/F.h"\n' >"$tree"/nodes/relay/E.h
 
 # expect_fault CHECK FILE LINE: the line alone in the file makes the check fail.
 expect_fault() {
@@ -17,6 +20,10 @@ expect_fault() {
 expect_fault layers.sh platform/base/Up.h '#include "trovio/B.h"\n'
 expect_fault layers.sh platform/base/Beside.h '#  include <../../trovio/B.h>\n'
 expect_fault layers.sh trovio/Aside.cpp '#include "base/A.h"\n#include "host/Main.h"\n'
+expect_fault layers.sh nodes/dds/Sibling.h '#include "nodes/guard/C.h"\n'
+expect_fault layers.sh nodes/shared/Family.h '#include "nodes/guard/C.h"\n'
+expect_fault layers.sh nodes/dds/net/Above.h '#include "nodes/dds/D.h"\n'
+expect_fault layers.sh nodes/relay/F.h '#include "nodes/relay/E.h"\n'
 expect_fault layers.sh platform/trovio/B.h '\n'
 expect_fault links.sh docs/Page.md 'see [this](../host/Gone.h)\n'
 expect_fault words.sh host/path.cpp 'open("/r''oot/x");\n'

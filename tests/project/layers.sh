@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
-# layers.sh [ROOT]: each folder includes only what its line below allows, and no header of trovio/ has the name of one
-# in platform/trovio/, for both are included as "trovio/…". Prints each fault and fails when there is one.
+# layers.sh [ROOT]: each folder includes only what its line below allows, no family of nodes includes another one, no
+# headers include each other in a circle, and no header of trovio/ has the name of one in platform/trovio/, for both are
+# included as "trovio/…". Prints each fault and fails when there is one.
 set -euo pipefail
 cd "${1:-$(dirname "${BASH_SOURCE[0]}")/../..}"
 
 platform="platform/base platform/osg platform/merid platform/ostrel platform/trovio"
 product="$platform trovio sensorManager"
+# A folder that is allowed admits those below it, too.
 declare -A allowed=(
     [platform/base]=""
     [platform/osg]="platform/base"
@@ -14,19 +16,44 @@ declare -A allowed=(
     [platform/trovio]="platform/base platform/osg platform/merid"
     [trovio]="$platform"
     [sensorManager]="$platform trovio"
-    [nodes]="$product"
+    [nodes/shared]="$product"
+    [nodes/relay]="$product nodes/shared"
+    [nodes/dds/wire]="$product nodes/shared"
+    [nodes/dds/net]="$product nodes/shared"
+    [nodes/dds/clocks]="$product nodes/shared nodes/dds/net nodes/dds/wire"
+    [nodes/dds/watch]="$product nodes/shared nodes/dds/net nodes/dds/wire"
+    [nodes/osc/address]="$product nodes/shared"
+    [nodes/osc/packet]="$product nodes/shared nodes/osc/address"
     [host]="$product"
     [examples]="$product"
     [benchmarks]="$product nodes host"
     [fuzz]="$product nodes host"
     [tests]="$product nodes host examples benchmarks fuzz"
 )
+# Any other folder of nodes/ is a family: it has its own rooms, and what all families share.
+family="$product nodes/shared nodes/relay"
+includes=$(mktemp)
+trap 'rm -f "$includes"' EXIT
+body=""
 faults=0
 
-# The layer that a file belongs to: its first folder, or the first two below platform/.
+# The layer that a file belongs to: the innermost of its folders that has a line, else its family of nodes or its first
+# folder.
 layer_of() {
-    local first=${1%%/*} rest=${1#*/}
-    [[ $first == platform ]] && layer=platform/${rest%%/*} || layer=$first
+    layer=${1%/*}
+    until [[ -v allowed[$layer] || $layer != */* || $layer =~ ^nodes/[^/]+$ ]]; do layer=${layer%/*}; done
+}
+
+# What a layer may include beside itself.
+allowed_of() {
+    [[ -v allowed[$1] || $1 != nodes/* ]] && list=${allowed[$1]-} || list="$family $1"
+}
+
+is_allowed() {
+    local to=$1 one
+    shift
+    for one; do [[ $to/ == "$one"/* ]] && return; done
+    return 1
 }
 
 # Where an included file stands: beside the one that includes it, below the root, or below platform/.
@@ -38,16 +65,26 @@ find_included() {
 }
 
 while IFS=: read -r file number line; do
+    [[ $line != namespace* ]] || body=$file
     [[ $line =~ \#[[:space:]]*include[[:space:]]*[\"\<]([^\">]+) ]] || continue
     find_included "$file" "${BASH_REMATCH[1]}" || continue
-    found=$(realpath --relative-to=. "$found")
+    [[ $found != *./* ]] || found=$(realpath --relative-to=. "$found")
+    # What stands below a header's own text are bodies of templates, which need both sides.
+    [[ $file == *.c* || $file == "$body" ]] || echo "$file $found" >>"$includes"
     layer_of "$file" && from=$layer
     layer_of "$found" && to=$layer
-    [[ $from == "$to" || " ${allowed[$from]-} " == *" $to "* ]] && continue
-    echo "$file:$number: $from includes $to ($found); it may include: ${allowed[$from]-nothing that is known}" >&2
+    allowed_of "$from"
+    [[ $from == "$to" ]] || is_allowed "$to" $list && continue
+    echo "$file:$number: $from includes $to ($found); it may include: ${list:-nothing that is known}" >&2
     faults=1
-done < <(grep -rnE --include='*.h' --include='*.inl' --include='*.cpp' --include='*.c' '^[[:space:]]*#[[:space:]]*include' \
-    $(for folder in "${!allowed[@]}"; do [[ -d $folder ]] && echo "$folder"; done))
+done < <(grep -rnE --include='*.h' --include='*.inl' --include='*.cpp' --include='*.c' \
+    '^[[:space:]]*#[[:space:]]*include|^namespace' \
+    $(for folder in "${!allowed[@]}"; do [[ -d ${folder%%/*} ]] && echo "${folder%%/*}"; done | sort -u))
+
+if ! circle=$(tsort "$includes" 2>&1 >/dev/null); then
+    echo "these headers include each other in a circle:" $(sed -n 's/^tsort: \([^ ]*\)$/\1/p' <<<"$circle") >&2
+    faults=1
+fi
 
 for header in trovio/*.h; do
     [[ -e platform/$header ]] || continue
