@@ -2,7 +2,7 @@
 #include "fuzz/Fuzz.h"
 #include "nodes/osc/address/OscPattern.h"
 #include "trovio/Exception.h"
-#include "trovio/Pattern.h"
+#include "trovio/routing/Pattern.h"
 #include <algorithm>
 
 namespace Fuzz {

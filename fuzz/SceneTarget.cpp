@@ -5,7 +5,7 @@
 #include "host/Problems.h"
 #include "host/SceneReader.h"
 #include "host/SceneText.h"
-#include "trovio/Pattern.h"
+#include "trovio/routing/Pattern.h"
 #include <algorithm>
 #include <cmath>
 #include <sys/mman.h>

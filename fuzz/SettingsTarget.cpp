@@ -3,8 +3,8 @@
 #include "fuzz/Fuzz.h"
 #include "fuzz/NodeTypes.h"
 #include "trovio/Node.h"
-#include "trovio/SettingsParser.h"
 #include "trovio/Time.h"
+#include "trovio/settings/SettingsParser.h"
 
 namespace Fuzz {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "trovio/NearestName.h"
+#include "trovio/messages/NearestName.h"
 
 #include <span>
 #include <string>

@@ -3,7 +3,7 @@
 #include "host/NearestName.h"
 #include "trovio/Exception.h"
 #include "trovio/NodeType.h"
-#include "trovio/SettingsParser.h"
+#include "trovio/settings/SettingsParser.h"
 
 #include <algorithm>
 #include <set>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "trovio/Pattern.h"
+#include "trovio/routing/Pattern.h"
 
 #include <optional>
 #include <string>

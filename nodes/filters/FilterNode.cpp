@@ -1,6 +1,6 @@
 #include "nodes/filters/FilterNode.h"
 
-#include "trovio/TimeText.h"
+#include "trovio/messages/TimeText.h"
 
 namespace Trovio::Nodes {
 

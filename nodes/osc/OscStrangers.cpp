@@ -4,7 +4,7 @@
 #include "nodes/osc/address/OscPattern.h"
 #include "nodes/osc/packet/OscTags.h"
 #include "nodes/shared/Report.h"
-#include "trovio/NearestName.h"
+#include "trovio/messages/NearestName.h"
 #include <algorithm>
 
 namespace Trovio::Nodes {

@@ -2,7 +2,7 @@
 
 #include "osg/LogMessage.h"
 #include "osg/LogRecord.h"
-#include "trovio/ExceptionText.h"
+#include "trovio/messages/ExceptionText.h"
 #include <array>
 #include <csignal>
 #include <cstdint>

@@ -2,8 +2,8 @@
 #include "tests/support/LogCapture.h"
 #include "trovio/Exception.h"
 #include "trovio/Node.h"
-#include "trovio/NodeModuleFile.h"
 #include "trovio/Root.h"
+#include "trovio/modules/NodeModuleFile.h"
 #include <algorithm>
 #include <cstdlib>
 #include <dlfcn.h>

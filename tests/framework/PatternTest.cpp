@@ -1,4 +1,4 @@
-#include "trovio/Pattern.h"
+#include "trovio/routing/Pattern.h"
 #include "trovio/Exception.h"
 #include <gtest/gtest.h>
 

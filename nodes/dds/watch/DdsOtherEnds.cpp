@@ -1,7 +1,7 @@
 #include "nodes/dds/watch/DdsOtherEnds.h"
 
 #include "nodes/dds/wire/TopicTypes.h"
-#include "trovio/NearestName.h"
+#include "trovio/messages/NearestName.h"
 #include <algorithm>
 #include <set>
 

@@ -1,7 +1,0 @@
-#include "sensorManager/SlotInstances.h"
-
-namespace Trovio {
-
-TROVIO_PLAIN_TYPES(TROVIO_COMPILE_SLOTS)
-
-} // namespace Trovio
