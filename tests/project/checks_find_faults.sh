@@ -4,9 +4,9 @@ set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 tree=$(mktemp -d)
 trap 'rm -rf "$tree"' EXIT
-mkdir -p "$tree"/{platform/{base,trovio},trovio,nodes/{shared,relay,guard,dds/net},host,docs}
+mkdir -p "$tree"/{platform/{base,trovio/{routing,tree}},trovio,nodes/{shared,relay,guard,dds/net},host,docs}
 touch "$tree"/platform/base/A.h "$tree"/trovio/B.h "$tree"/nodes/guard/C.h "$tree"/nodes/dds/D.h "$tree"/host/Main.h
-touch "$tree"/README.md
+touch "$tree"/README.md "$tree"/platform/trovio/tree/T.h
 printf '#include "nodes/relay/E.h"\n' >"$tree"/nodes/guard/C.cpp
 printf '#include "nodes/relay/F.h"\n' >"$tree"/nodes/relay/E.h
 
@@ -24,6 +24,8 @@ expect_fault layers.sh nodes/dds/Sibling.h '#include "nodes/guard/C.h"\n'
 expect_fault layers.sh nodes/shared/Family.h '#include "nodes/guard/C.h"\n'
 expect_fault layers.sh nodes/dds/net/Above.h '#include "nodes/dds/D.h"\n'
 expect_fault layers.sh nodes/relay/F.h '#include "nodes/relay/E.h"\n'
+expect_fault layers.sh platform/trovio/Top.h '#include "trovio/tree/T.h"\n'
+expect_fault layers.sh platform/trovio/routing/Early.h '#include "trovio/tree/T.h"\n'
 expect_fault layers.sh platform/trovio/B.h '\n'
 expect_fault links.sh docs/Page.md 'see [this](../host/Gone.h)\n'
 expect_fault words.sh host/path.cpp 'open("/r''oot/x");\n'

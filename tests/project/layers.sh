@@ -6,14 +6,24 @@ set -euo pipefail
 cd "${1:-$(dirname "${BASH_SOURCE[0]}")/../..}"
 
 platform="platform/base platform/osg platform/merid platform/ostrel platform/trovio"
+runtime="platform/base platform/osg platform/merid"
 product="$platform trovio sensorManager"
-# A folder that is allowed admits those below it, too.
+# A folder that is allowed admits those below it, too; one with /. behind it only what stands at its top. What is
+# installed stands at the top, and includes nothing below.
 declare -A allowed=(
     [platform/base]=""
     [platform/osg]="platform/base"
     [platform/merid]="platform/base platform/osg"
-    [platform/ostrel]="platform/base platform/osg platform/merid"
-    [platform/trovio]="platform/base platform/osg platform/merid"
+    [platform/ostrel]="$runtime"
+    [platform/trovio]="$runtime"
+    [platform/trovio/messages]="$runtime platform/trovio/."
+    [platform/trovio/values]="$runtime platform/trovio/."
+    [platform/trovio/slots]="$runtime platform/trovio/."
+    [platform/trovio/settings]="$runtime platform/trovio/. platform/trovio/messages"
+    [platform/trovio/routing]="$runtime platform/trovio/. platform/trovio/messages"
+    [platform/trovio/explain]="$runtime platform/trovio/. platform/trovio/messages platform/trovio/routing"
+    [platform/trovio/modules]="$runtime platform/trovio/. platform/trovio/messages"
+    [platform/trovio/tree]="$runtime platform/trovio/. platform/trovio/messages platform/trovio/routing platform/trovio/explain"
     [trovio]="$platform"
     [sensorManager]="$platform trovio"
     [nodes/shared]="$product"
@@ -52,7 +62,7 @@ allowed_of() {
 is_allowed() {
     local to=$1 one
     shift
-    for one; do [[ $to/ == "$one"/* ]] && return; done
+    for one; do [[ $to/ == "$one"/* || $to/. == "$one" ]] && return; done
     return 1
 }
 
