@@ -1,15 +1,11 @@
 #include "Rig.h"
+#include "base/FutexLock.h"
+#include "base/Semaphore.h"
 #include "tests/storms/PoolCheck.h"
-
-#include "RealSemaphore.h" // last
 
 namespace Explorer {
 
-namespace {
-
 using Handle = Trovio::SmartPtr<Halves>;
-
-} // namespace
 
 } // namespace Explorer
 
@@ -76,7 +72,7 @@ void releaseAgainstAcquire(Scheduler& scheduler)
 void semaphore(Scheduler& scheduler)
 {
     Ostrel::FutexLock lock;
-    Ostrel::RealSemaphore semaphore;
+    Ostrel::Semaphore semaphore;
     int inside = 0;
     int posted = 0;
     int passed = 0;
@@ -112,7 +108,7 @@ void semaphore(Scheduler& scheduler)
 constexpr Scenario scenarios[] = {
     {"pool_release_against_acquire", "shared objects travel and come back while others are taken",
      releaseAgainstAcquire},
-    {"semaphore", "the semaphore and the lock themselves, each use of a counter a step", semaphore},
+    {"semaphore", "the semaphore and the lock themselves, each use of a word a step", semaphore},
 };
 
 } // namespace

@@ -164,13 +164,6 @@ std::vector<Scheduler::Fibre*> Scheduler::sleepersOn(const void* object) const
     return result;
 }
 
-void Scheduler::wakeAll(const void* object)
-{
-    if (current)
-        for (Fibre* const fibre : current->sleepersOn(object))
-            fibre->_sleepsOn = nullptr;
-}
-
 void Scheduler::wakeOne(const void* object)
 {
     if (!current)

@@ -6,6 +6,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Explorer {
@@ -44,7 +45,6 @@ public:
     static void step(const char* what, const void* object);
     /// Until wake() names the object; the caller looks again then.
     static void sleepOn(const void* object);
-    static void wakeAll(const void* object);
     static void wakeOne(const void* object);
     static bool anybodySleepsOn(const void* object);
 
