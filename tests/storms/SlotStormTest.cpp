@@ -1,7 +1,6 @@
 #include "Numbered.h"
 #include "PoolCheck.h"
 #include "StormLength.h"
-#include "Watchdog.h"
 #include "trovio/BufferedInSlot.h"
 #include "trovio/OutSlot.h"
 #include <array>
@@ -21,7 +20,7 @@ class Storm {
 public:
     static constexpr std::size_t Pairs = 2;
 
-    Storm(Watchdog& watchdog, const StormLength& length) : _watchdog(watchdog), _length(length)
+    explicit Storm(const StormLength& length) : _length(length)
     {
         for (auto& out : _outs)
             out.connect(&_ring);
@@ -71,8 +70,6 @@ private:
     void produce(std::size_t source)
     {
         while (!_done || _outs[source].getWritten() * Pairs < StormLength::records()) {
-            if (_done)
-                _watchdog.alive();
             _outs[source].push(next(source));
             std::this_thread::yield();
         }
@@ -97,7 +94,6 @@ private:
         Slots slots;
         int changes = 0;
         while (!_length.isOver(changes)) {
-            _watchdog.alive();
             if (slots.empty() || (slots.size() < 4 && random() % 8 == 0))
                 makeSlot(slots, random());
             changes += act(*slots[random() % slots.size()], visitor, random());
@@ -210,7 +206,6 @@ private:
 
     static constexpr long Sources = 2 * Pairs; // producers and visitors
 
-    Watchdog& _watchdog;
     const StormLength& _length;
     std::array<OutSlot<T>, Pairs> _outs{OutSlot<T>("a"), OutSlot<T>("b")};
     BufferedInSlot<T> _ring{"ring", 16};
@@ -228,13 +223,12 @@ private:
 
 TEST(SlotStorm, SlotsOfFourKindsComeAndGoUnderTraffic)
 {
-    Watchdog watchdog;
     {
         const StormLength length(4 * Storm<long>::Pairs);
-        Storm<long> numbers(watchdog, length);
-        Storm<std::string> texts(watchdog, length);
-        Storm<SharedVector<long>> vectors(watchdog, length);
-        Storm<SharedImage> images(watchdog, length);
+        Storm<long> numbers(length);
+        Storm<std::string> texts(length);
+        Storm<SharedVector<long>> vectors(length);
+        Storm<SharedImage> images(length);
         numbers.finish();
         texts.finish();
         vectors.finish();

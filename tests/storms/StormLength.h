@@ -9,7 +9,7 @@ class StormLength {
 public:
     /// The operations are shared out evenly among so many threads.
     explicit StormLength(int threads)
-        : _end(std::chrono::steady_clock::now() + std::chrono::seconds(setting("OSTREL_STORM_SECONDS", 5))),
+        : _end(std::chrono::steady_clock::now() + std::chrono::seconds(setting("OSTREL_STORM_SECONDS", 2))),
           _operations(setting("OSTREL_STORM_OPERATIONS", 100'000) / threads)
     {
     }
