@@ -5,6 +5,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
+#include <pty.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <system_error>
@@ -27,27 +28,31 @@ std::array<int, 2> newPipe()
 }
 } // namespace
 
-HostProcess::HostProcess(const std::string& program, const std::vector<std::string>& arguments)
+HostProcess::HostProcess(const std::string& program, const std::vector<std::string>& arguments, const winsize* terminal)
 {
     const auto out = newPipe(), err = newPipe();
     std::vector<char*> argv{const_cast<char*>(program.c_str())};
     for (const std::string& argument : arguments)
         argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
-    _child = fork();
+    _child = terminal ? forkpty(&_terminal, nullptr, nullptr, terminal) : fork();
     if (_child < 0)
         fail("no process");
     if (_child == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL); // a test that is ended leaves nothing behind
-        dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
-        dup2(out[1], STDOUT_FILENO);
-        dup2(err[1], STDERR_FILENO);
+        if (!terminal) {
+            dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+            dup2(out[1], STDOUT_FILENO);
+            dup2(err[1], STDERR_FILENO);
+        }
         execvp(argv[0], argv.data());
         _exit(127);
     }
     close(out[1]);
     close(err[1]);
     _out._end = out[0];
+    if (terminal)
+        dup3(_terminal, _out._end, O_CLOEXEC);
     _err._end = err[0];
 }
 
@@ -57,9 +62,9 @@ HostProcess::~HostProcess()
         kill(_child, SIGKILL);
         waitpid(_child, nullptr, 0);
     }
-    for (const Stream* stream : {&_out, &_err})
-        if (stream->_end >= 0)
-            close(stream->_end);
+    for (const int end : {_out._end, _err._end, _terminal})
+        if (end >= 0)
+            close(end);
 }
 
 bool HostProcess::waitFor(const std::string& text)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <sys/ioctl.h>
 #include <sys/types.h>
 #include <vector>
 
@@ -8,8 +9,10 @@
 /// Ownership: the destructor kills the child if it still runs, and reaps it. Threads: one.
 class HostProcess {
 public:
-    /// Starts `program`, with its standard input at its end. Throws std::system_error when it cannot.
-    HostProcess(const std::string& program, const std::vector<std::string>& arguments);
+    /// Starts `program`, with its standard input at its end.
+    /// With a size on a terminal of its own, to which both outputs go. Throws std::system_error when it cannot.
+    HostProcess(const std::string& program, const std::vector<std::string>& arguments,
+                const winsize* terminal = nullptr);
     ~HostProcess();
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
@@ -24,6 +27,8 @@ public:
     void stopReading();
     /// Leaves the child's standard output unread, or reads it again.
     void pauseReading(bool paused) { _paused = paused; }
+    /// The terminal's other end; -1 without one.
+    int terminal() const { return _terminal; }
     /// Reads to the end and returns the exit code, or 1000 + the number of the signal that ended it.
     int wait();
 
@@ -40,4 +45,5 @@ private:
     pid_t _child = -1;
     Stream _out, _err;
     bool _paused = false;
+    int _terminal = -1;
 };

@@ -1,16 +1,9 @@
-#include "nodes/shared/SocketAddress.h"
 #include "tests/host/HostProcess.h"
 #include "tests/host/SceneOnDisk.h"
-#include "tests/nodes/UdpPeer.h"
 
 #include <algorithm>
 #include <csignal>
 #include <gtest/gtest.h>
-#include <optional>
-#include <thread>
-
-using Trovio::Nodes::SocketAddress;
-using Trovio::Nodes::UdpPeer;
 
 namespace {
 
@@ -21,72 +14,6 @@ long numberBehind(const std::string& said, const std::string& text)
 {
     const std::size_t at = said.find(text);
     return at == std::string::npos ? -1 : std::atol(said.c_str() + at + text.size());
-}
-
-/// A host that runs and receives numbers by OSC.
-class ListeningHost {
-public:
-    ListeningHost() : _process(host, {"run", _scene.path(), "--format", "json"})
-    {
-        _process.waitFor(" with a receive buffer");
-        _process.waitFor("node 'Context/OSC'");
-        const long port = numberBehind(_process.err(), "listening on 127.0.0.1:");
-        _address = SocketAddress::parse("127.0.0.1", static_cast<std::uint16_t>(port));
-    }
-    HostProcess* operator->() { return &_process; }
-
-    void send(std::uint32_t number)
-    {
-        std::vector<std::uint8_t> packet = {'/', 'c', 'o', 'u', 'n', 't', 0, 0, ',', 'i', 0, 0};
-        for (int shift = 24; shift >= 0; shift -= 8)
-            packet.push_back(static_cast<std::uint8_t>(number >> shift));
-        _peer.send(packet, *_address);
-    }
-
-private:
-    const SceneOnDisk _scene{"[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n"
-                             "nodes = [[\"OSC\", \"listen=127.0.0.1:0 in='/count Long'\"]]\n"
-                             "routes = [[\"OSC/count\", \"Count\"]]\n"
-                             "[[sensor]]\nname = \"count\"\ntype = \"SFInt32\"\nlabel = \"Count\"\nbuffer = 4096\n"};
-    HostProcess _process;
-    const UdpPeer _peer;
-    std::optional<SocketAddress> _address;
-};
-
-// What the kernel dropped, it says; behind the socket nothing is lost that is not counted.
-TEST(HostProgram, AccountsForEveryMessage)
-{
-    constexpr std::uint32_t burst = 20'000;
-    constexpr int patience = 1000; // milliseconds until a lost last message is sent once more
-    ListeningHost running;
-    std::thread sending([&running] {
-        for (std::uint32_t i = 1; i <= burst; ++i)
-            running.send(i);
-    });
-    std::uint32_t last = burst;
-    bool arrived = running->waitFor("\"value\":" + std::to_string(last) + "}", patience);
-    sending.join();
-    while (!arrived && last < burst + 60) {
-        running.send(++last);
-        arrived = running->waitFor("\"value\":" + std::to_string(last) + "}", patience);
-    }
-    ASSERT_TRUE(arrived);
-    running->signal(SIGTERM);
-    ASSERT_EQ(running->wait(), 0) << running->err();
-
-    const std::string& said = running->err();
-    const std::string count = said.substr(said.find("sensor 'count' (label 'Count') SFInt32: "));
-    const long received = numberBehind(said, "in packets ");
-    EXPECT_EQ(received + numberBehind(said, "in dropped by the kernel "), static_cast<long>(last)) << said;
-    EXPECT_EQ(numberBehind(count, "in-slot: "), received);
-    EXPECT_EQ(numberBehind(count, " stored, ") + numberBehind(count, " overwritten, "), received) << count;
-    EXPECT_EQ(std::ranges::count(running->out(), '\n'), numberBehind(count, " overwritten, ") + 1) << "and the counts";
-    const std::string counts = running->out().substr(running->out().find("{\"counts\":"));
-    EXPECT_EQ(numberBehind(counts, "\"slot\":\"Context/Count\",\"direction\":\"in\",\"type\":\"Long\",\"stored\":"),
-              received);
-    EXPECT_EQ(
-        numberBehind(counts, "\"slot\":\"Context/OSC/count\",\"direction\":\"out\",\"type\":\"Long\",\"written\":"),
-        received);
 }
 
 // Records go fast, through a filter and to another handler; still what one end has given, the other has got. Sources
@@ -126,22 +53,19 @@ TEST(HostProgram, EndsWithNumbersThatFitTogether)
     EXPECT_EQ(numberBehind(wave, "in-slot: "), pairs[4]._got) << "as text";
 }
 
-TEST(HostProgram, EndsInOrderWhenItsTerminalCloses)
+// Two signals are both pending when it goes on, so neither can come after the end.
+TEST(HostProgram, EndsInOrderWithTheFirstSignalAndAtOnceWithTheSecond)
 {
-    ListeningHost running;
-    running->signal(SIGHUP);
-    EXPECT_EQ(running->wait(), 0);
-    EXPECT_NE(running->err().find("frames: "), std::string::npos) << running->err();
-}
-
-TEST(HostProgram, EndsAtOnceWithTheSecondSignal)
-{
-    ListeningHost running;
-    // Both are pending when it goes on, so neither can come after the end.
-    for (const int number : {SIGSTOP, SIGINT, SIGTERM, SIGCONT})
-        running->signal(number);
-    const int code = running->wait();
-    EXPECT_TRUE(code == 128 + SIGINT || code == 128 + SIGTERM) << code;
+    const SceneOnDisk scene("[[sensor]]\nname = \"s\"\ntype = \"SFBool\"\n");
+    for (const std::vector<int>& signals : {std::vector<int>{SIGHUP}, {SIGSTOP, SIGINT, SIGTERM, SIGCONT}}) {
+        HostProcess running(host, {"run", scene.path()});
+        ASSERT_TRUE(running.waitFor("is bound to nothing")) << running.err();
+        for (const int number : signals)
+            running.signal(number);
+        const int code = running.wait();
+        EXPECT_TRUE(signals.size() == 1 ? code == 0 : code == 128 + SIGINT || code == 128 + SIGTERM) << code;
+        EXPECT_EQ(running.err().find("frames: ") != std::string::npos, signals.size() == 1) << running.err();
+    }
 }
 
 TEST(HostProgram, NamesTheNodeThatHangsAndEndsWithTheSecondSignal)
@@ -277,7 +201,6 @@ TEST(HostProgram, ChecksWhetherAllOfASceneCanWork)
     };
     const Row rows[] = {
         {nodes("[\"Genrator\"]"), 2, ":4:11: node type 'Genrator' is not known; allowed: "},
-        {nodes("[\"Genrator\"]"), 2, "; nearest: 'Generator'"},
         {nodes("[\"Generator\", \"rat=5\"]"), 2, ":4:24: setting 'rat' (value '5') is not known; allowed: ampl"},
         {nodes("[\"Generator\", \"shape=sinus\"]"), 2, "one of sine, ramp, square, steps, noise; nearest: 'sine'"},
         {nodes("[\"Broken\"]"), 0, ":4:11: note: module '"},
@@ -287,17 +210,12 @@ TEST(HostProgram, ChecksWhetherAllOfASceneCanWork)
         {route("Generator/valu", "In"), 0,
          ":5:12: note: the route from 'Generator/valu' to 'In' meets nobody: there is no slot 'Generator/valu'; "
          "nearest: 'Generator/value'\n"},
-        {route("Generator/value", "Scale"), 0,
-         ":5:31: note: the route from 'Generator/value' to 'Scale' meets nobody: "
-         "there is no slot 'Scale'; nearest: 'Scale/in'\n"},
         {route("Generatr/*", "*"), 0, " meets nobody: no slot 'Generatr/*' is in scope\n"},
         {route("In", "Generator/value"), 0, "'In' is an in-slot, and 'Generator/value' an out-slot; swap the two ends"},
         {route("Generator/value", "Out"), 0, "sensor 't' at 'Out' has `output = true`, so it gives values"},
-        {route("In", "Scale/in"), 0, "sensor 's' at 'In' takes values; with `output = true` it gives them"},
         {route("Scale/out", "Scale/in"), 0, ": note: 'Scale/out' and 'Scale/in' stay apart: "},
         {route("Out", "Scale/in") + "[[route]]\nfrom = \"Generator/value\"\nto = \"Context/In\"\n", 0,
          "there is no slot 'Generator/value'; nearest: 'Context/Generator/value'\n"},
-        {route("Out", "In") + handler, 2, "the handler name 'a' is already used"},
         {"[[sensor]]\nname = \"s\"\ntype = \"SFBool\"\n", 0, ":2:8: note: sensor 's' has no label"},
     };
     const std::string folder = "TROVIO_NODE_PATH=" + broken.path().substr(0, broken.path().rfind('/'));

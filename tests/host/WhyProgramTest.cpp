@@ -11,23 +11,18 @@ const std::string host = HOST_PROGRAM;
 
 /// A wave goes through a filter into a sensor, and a device that nothing sends to waits beside it. The first handler
 /// has some of the labels, too.
-std::string scene(const std::string& port)
-{
-    return "[[handler]]\nkind = \"Trovio\"\nname = \"spare\"\nnodes = [[\"Generator\"]]\n"
-           "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n"
-           "nodes = [[\"Generator\", \"rate=200\"], [\"Scale\", \"gain=2\"],\n"
-           "  [\"OSC\", \"listen=127.0.0.1:" +
-           port +
-           " in='/wand Vec3f'\"]]\n"
-           "routes = [[\"Generator/value\", \"Scale/in\"], [\"Scale/out\", \"Wave\"], [\"OSC/wand\", \"Wand\"]]\n"
-           "[[sensor]]\nname = \"wave\"\ntype = \"SFFloat\"\nlabel = \"Wave\"\n"
-           "[[sensor]]\nname = \"wand\"\ntype = \"SFVec3f\"\nlabel = \"Wand\"\n";
-}
+constexpr char scene[] =
+    "[[handler]]\nkind = \"Trovio\"\nname = \"spare\"\nnodes = [[\"Generator\"]]\n"
+    "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\nnodes = [[\"Generator\", \"rate=200\"], [\"Scale\", \"gain=2\"],\n"
+    "  [\"OSC\", \"listen=127.0.0.1:0 in='/wand Vec3f'\"]]\n"
+    "routes = [[\"Generator/value\", \"Scale/in\"], [\"Scale/out\", \"Wave\"], [\"OSC/wand\", \"Wand\"]]\n"
+    "[[sensor]]\nname = \"wave\"\ntype = \"SFFloat\"\nlabel = \"Wave\"\n"
+    "[[sensor]]\nname = \"wand\"\ntype = \"SFVec3f\"\nlabel = \"Wand\"\n";
 
 // What the wrong set-ups do not show: namespaces, patterns, options and forms.
 TEST(Why, AnswersAsItIsAsked)
 {
-    const SceneOnDisk file(scene("0"));
+    const SceneOnDisk file(scene);
     const struct {
         std::vector<std::string> _arguments; // behind the scene
         int _code;
@@ -38,8 +33,6 @@ TEST(Why, AnswersAsItIsAsked)
         {{"Scale/*", "Wave", "--patience", "0.2", "--format", "json"},
          0,
          "\"verdict\":\"flowing\",\"text\":\"records flow"},
-        {{"OSCC/*", "Wand", "--patience", "0.2"}, 3, "pattern matches nothing: "},
-        {{"Wand", "OSC/wand", "--patience", "0.2"}, 3, "wrong direction: "},
         {{"OSC/wand", "Wand", "--seconds", "0.5"}, 3, "never written: "},
         {{"OSC/wand", "Wand", "--seconds", "0.0005"}, 124, "no answer in the time given; so far: nothing flows"},
         {{"OSC/wand", "*"}, 2, "has 1 '*', but its pattern 'OSC/wand' only 0"},
@@ -73,14 +66,4 @@ TEST(Why, SaysWhatItKnowsWhereASignalEndsIt)
     EXPECT_NE(process.out().find("interrupted; so far: "), std::string::npos) << process.out() << process.err();
 }
 
-TEST(Why, NamesTheDeviceThatIsMissing)
-{
-    const Trovio::Nodes::UdpPeer taken;
-    const SceneOnDisk file(scene(std::to_string(taken.getPort())));
-    HostProcess process(host, {"why", file.path(), "OSC/wand", "Wand", "--format", "json"});
-    EXPECT_EQ(process.wait(), 3);
-    EXPECT_NE(process.out().find("\"verdict\":\"node degraded\""), std::string::npos) << process.out();
-    EXPECT_NE(process.out().find("\"reason\":\"cannot listen on 127.0.0.1:"), std::string::npos) << process.out();
-    EXPECT_EQ(process.err(), "");
-}
 } // namespace
