@@ -1,13 +1,13 @@
 // First line: a field class. Below: a value as scenes write it. A value that is taken, shown as JSON and taken again
 // is the same value; nearly all JSON can be read as a scene's value.
 #include "fuzz/Fuzz.h"
-#include "host/InitialValue.h"
-#include "host/Json.h"
-#include "host/Problems.h"
-#include "host/SceneText.h"
-#include "host/TomlText.h"
-#include "host/ValueForm.h"
+#include "host/show/Json.h"
 #include "ostrel/FieldClass.h"
+#include "scene/file/InitialValue.h"
+#include "scene/file/Problems.h"
+#include "scene/file/SceneText.h"
+#include "scene/file/TomlText.h"
+#include "scene/file/ValueForm.h"
 
 namespace Fuzz {
 

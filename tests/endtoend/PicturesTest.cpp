@@ -1,6 +1,6 @@
-#include "host/SceneReader.h"
-#include "host/Session.h"
 #include "ostrel/FieldTypes.h"
+#include "scene/file/SceneReader.h"
+#include "scene/run/Session.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

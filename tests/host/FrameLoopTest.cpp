@@ -1,4 +1,4 @@
-#include "host/FrameLoop.h"
+#include "scene/run/FrameLoop.h"
 
 #include <gtest/gtest.h>
 #include <vector>

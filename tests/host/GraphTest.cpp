@@ -1,5 +1,5 @@
-#include "host/GraphForms.h"
-#include "host/SceneReader.h"
+#include "host/graph/GraphForms.h"
+#include "scene/file/SceneReader.h"
 #include "trovio/InSlot.h"
 #include "trovio/Node.h"
 #include "trovio/NodeType.h"

@@ -1,7 +1,7 @@
-#include "host/LiveTable.h"
-#include "host/Escape.h"
-#include "host/TableControl.h"
-#include "host/TextWrap.h"
+#include "host/show/LiveTable.h"
+#include "explain/text/Escape.h"
+#include "explain/text/TextWrap.h"
+#include "host/show/TableControl.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

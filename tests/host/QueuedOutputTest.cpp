@@ -1,5 +1,5 @@
-#include "host/QueuedOutput.h"
-#include "host/RunOutput.h"
+#include "host/output/QueuedOutput.h"
+#include "host/output/RunOutput.h"
 
 #include <array>
 #include <csignal>

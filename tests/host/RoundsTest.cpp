@@ -1,5 +1,5 @@
-#include "host/SceneReader.h"
-#include "host/Session.h"
+#include "scene/file/SceneReader.h"
+#include "scene/run/Session.h"
 #include "tests/support/Pace.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-#include "host/RunLog.h"
-#include "host/View.h"
+#include "host/output/RunLog.h"
+#include "host/show/View.h"
 #include "osg/LogMessage.h"
 #include "ostrel/FieldTypes.h"
 

@@ -1,6 +1,6 @@
-#include "host/SceneReader.h"
+#include "scene/file/SceneReader.h"
 
-#include "host/SceneText.h"
+#include "scene/file/SceneText.h"
 
 #include <cstring>
 #include <gtest/gtest.h>

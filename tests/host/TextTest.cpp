@@ -1,6 +1,6 @@
-#include "host/Escape.h"
-#include "host/NearestName.h"
-#include "host/SceneURL.h"
+#include "explain/text/Escape.h"
+#include "explain/text/NearestName.h"
+#include "scene/file/SceneURL.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>

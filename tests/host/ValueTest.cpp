@@ -1,9 +1,9 @@
-#include "host/InitialValue.h"
-#include "host/Json.h"
-#include "host/Problems.h"
-#include "host/TomlText.h"
+#include "host/show/Json.h"
 #include "ostrel/FieldClass.h"
 #include "ostrel/FieldTypes.h"
+#include "scene/file/InitialValue.h"
+#include "scene/file/Problems.h"
+#include "scene/file/TomlText.h"
 
 #include <gtest/gtest.h>
 

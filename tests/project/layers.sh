@@ -34,11 +34,13 @@ declare -A allowed=(
     [nodes/dds/watch]="$product nodes/shared nodes/dds/net nodes/dds/wire"
     [nodes/osc/address]="$product nodes/shared"
     [nodes/osc/packet]="$product nodes/shared nodes/osc/address"
-    [host]="$product"
+    [explain]="$product"
+    [scene]="$product explain"
+    [host]="$product explain scene"
     [examples]="$product"
-    [benchmarks]="$product nodes host"
-    [fuzz]="$product nodes host"
-    [tests]="$product nodes host examples benchmarks fuzz"
+    [benchmarks]="$product nodes explain scene host"
+    [fuzz]="$product nodes explain scene host"
+    [tests]="$product nodes explain scene host examples benchmarks fuzz"
 )
 # Any other folder of nodes/ is a family: it has its own rooms, and what all families share.
 family="$product nodes/shared nodes/relay"

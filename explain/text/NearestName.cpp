@@ -1,0 +1,20 @@
+#include "explain/text/NearestName.h"
+
+#include "explain/text/Escape.h"
+
+namespace Host {
+
+std::string nearestHint(std::string_view found, std::span<const std::string_view> known)
+{
+    const std::string_view nearest = nearestName(found, known);
+    return nearest.empty() ? std::string() : "; nearest: " + inQuotes(nearest);
+}
+
+std::string listed(std::span<const std::string_view> names)
+{
+    std::string text;
+    for (const std::string_view name : names)
+        text.append(text.empty() ? "" : ", ").append(name);
+    return text;
+}
+} // namespace Host

@@ -1,0 +1,196 @@
+#include "host/cli/CommandLine.h"
+
+#include "explain/text/Escape.h"
+#include "explain/text/NearestName.h"
+#include "host/cli/ExitCode.h"
+#include "host/show/SensorFilter.h"
+#include "scene/file/SceneFile.h"
+#include "scene/file/SceneMemory.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+
+namespace Host {
+namespace {
+
+// CLI11's own range lets NaN through.
+CLI::Validator between(double above, double upTo, const std::string& what)
+{
+    return CLI::Validator(
+        [=](std::string& text) -> std::string {
+            double number = 0;
+            if (CLI::detail::lexical_cast(text, number) && number > above && number <= upTo)
+                return {};
+            return inQuotes(text) + " is not " + what;
+        },
+        std::string());
+}
+
+CLI::Validator filterText()
+{
+    return CLI::Validator(
+        [](std::string& text) -> std::string {
+            if (!text.empty() && text.size() <= SensorFilter::MaxLength)
+                return {};
+            return inQuotes(text) + " is not a text of 1 to " + std::to_string(SensorFilter::MaxLength) + " bytes";
+        },
+        std::string());
+}
+
+// An option that takes one of several names of formats.
+void addFormat(CLI::App& app, const std::string& option, const char* help, Format& format,
+               std::initializer_list<std::pair<const char*, Format>> table)
+{
+    const auto read = [option, &format, rows = std::vector(table)](const std::string& name) {
+        std::vector<std::string_view> names;
+        for (const auto& [known, value] : rows) {
+            names.push_back(known);
+            if (name == known)
+                format = value;
+        }
+        if (std::ranges::find(names, name) == names.end())
+            throw CLI::ValidationError(option, inQuotes(name) + " is no format; allowed: " + listed(names) +
+                                                   nearestHint(name, names));
+    };
+    app.add_option_function<std::string>(option, read, help)->type_name("FORMAT");
+}
+
+void addSeconds(CLI::App& app, const char* option, const char* help, double& seconds)
+{
+    app.add_option(option, seconds, help)->type_name("S")->check(between(0, 1e9, "a number of seconds above 0"));
+}
+
+void addRunOptions(CLI::App& app, Options& options)
+{
+    addSeconds(app, "--seconds", "stop after this many seconds", options._seconds);
+    app.add_option("--frames", options._frames, "stop after this many frames")
+        ->type_name("N")
+        ->check(between(0, 1e15, "a number of frames above 0"));
+    app.add_option("--rate", options._rate, "frames per second, instead of the scene's")
+        ->type_name("HZ")
+        ->check(between(0, highestRate, "a rate above 0 and up to 10000 frames per second"));
+    addFormat(app, "--format", "how values are shown: table, lines or json", options._format,
+              {{"table", Format::Table}, {"lines", Format::Lines}, {"json", Format::Json}});
+    app.add_option("--filter", options._filter,
+                   "show only sensors with this text in their name or label; '*' stands for any text")
+        ->type_name("PATTERN")
+        ->check(filterText());
+    app.add_flag("--strict", options._strict, "refuse scenes of which a handler or a node cannot be made");
+    app.add_flag("--quiet", options._quiet, "show no values, only messages");
+    app.add_flag("--verbose", options._verbose, "show the library's informational lines");
+}
+
+void addScenes(CLI::App& app, Options& options)
+{
+    app.add_option("SCENE", options._names, "scene files, one context each")->required();
+}
+
+void addLabels(CLI::App& app, Options& options)
+{
+    const auto addScene = [&options](const std::string& scene) { options._names.push_back(scene); };
+    app.add_option_function<std::string>("SCENE", addScene, "scene file")->required();
+    app.add_option("FROM", options._from, "label that records come from; '*' stands for any text")->required();
+    app.add_option("TO", options._to, "label that they shall get to")->required();
+    addSeconds(app, "--seconds", "give up after this many seconds", options._seconds);
+    addSeconds(app, "--stale", "age from which a record is stale; 1 if not given", options._staleAfter);
+    addSeconds(app, "--patience",
+               "how long a cause must last that may pass; 1 if not given, never above half of --seconds",
+               options._patience);
+    addFormat(app, "--format", "text or json", options._format, {{"text", Format::Text}, {"json", Format::Json}});
+}
+
+void addVerb(CLI::App& app, const Verb& verb, Options& options)
+{
+    CLI::App& sub = *app.add_subcommand(verb._name, verb._help);
+    switch (verb._takes) {
+    case Verb::Takes::Nothing:
+        break;
+    case Verb::Takes::Names:
+        sub.add_option("NAME", options._names, "only these");
+        break;
+    case Verb::Takes::NamesAndFormat:
+        sub.add_option("NAME", options._names, "only these");
+        addFormat(sub, "--format", "text or json, one object per line", options._format,
+                  {{"text", Format::Text}, {"json", Format::Json}});
+        break;
+    case Verb::Takes::SceneAndLabels:
+        addLabels(sub, options);
+        break;
+    case Verb::Takes::ScenesAndRunOptions:
+        addRunOptions(sub, options);
+        addScenes(sub, options);
+        break;
+    case Verb::Takes::ScenesAndGraph:
+        sub.add_flag("--strict", options._strict, "refuse scenes with notes, too");
+        addFormat(sub, "--graph", "print the graph of what runs: text, json or dot", options._graph,
+                  {{"text", Format::Text}, {"json", Format::Json}, {"dot", Format::Dot}});
+        addScenes(sub, options);
+        break;
+    }
+}
+
+// CLI11 would only say that a verb is missing.
+bool knownVerb(const char* argument, const std::vector<Verb>& verbs)
+{
+    std::vector<std::string_view> names;
+    names.reserve(verbs.size());
+    for (const Verb& verb : verbs)
+        names.push_back(verb._name);
+    if (argument[0] == '-' || std::ranges::find(names, argument) != names.end())
+        return true;
+    std::fprintf(stderr, "unknown verb %s; allowed: %s%s\n", inQuotes(argument).c_str(), listed(names).c_str(),
+                 nearestHint(argument, names).c_str());
+    return false;
+}
+
+int runVerb(const Verb& verb, const Options& options)
+{
+    try {
+        return verb._run(options);
+    } catch (const OutOfMemory& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "memory ran out\n");
+    }
+    return Failed;
+}
+
+// What was printed and still waits in a buffer fails only here.
+int codeWithOutput(int code)
+{
+    if (std::cout.good() && !std::ferror(stdout) && std::fflush(stdout) == 0)
+        return code;
+    std::fprintf(stderr, "standard output cannot be written to\n");
+    return Failed;
+}
+} // namespace
+
+int runCommandLine(int argc, char** argv, const std::vector<Verb>& verbs)
+{
+    if (argc > 1 && !knownVerb(argv[1], verbs))
+        return BadUsage;
+    Options options;
+    CLI::App app("Runs scenes whose sensors are fed by devices, networks and other processes.", "ostrel-host");
+    app.require_subcommand(1);
+    app.set_version_flag("--version", "ostrel-host " HOST_VERSION, "print the version");
+    for (const Verb& verb : verbs)
+        addVerb(app, verb, options);
+    if (argc < 2) {
+        std::fputs(app.help().c_str(), stderr);
+        return BadUsage;
+    }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return codeWithOutput(app.exit(error) == 0 ? Done : BadUsage);
+    }
+    for (const Verb& verb : verbs)
+        if (app.got_subcommand(verb._name))
+            return codeWithOutput(runVerb(verb, options));
+    return BadUsage; // not reached: a verb is required
+}
+} // namespace Host

@@ -1,0 +1,166 @@
+#include "host/cli/Verbs.h"
+
+#include "explain/text/Escape.h"
+#include "explain/text/Failure.h"
+#include "explain/text/NearestName.h"
+#include "host/cli/ExitCode.h"
+#include "host/output/RunLog.h"
+#include "host/report/Report.h"
+#include "host/report/RunCounts.h"
+#include "host/run/SystemClock.h"
+#include "host/run/WallSteps.h"
+#include "host/run/WatchedRun.h"
+#include "host/show/Terminal.h"
+#include "host/show/View.h"
+#include "osg/LogMessage.h"
+#include "scene/file/Problems.h"
+#include "scene/file/SceneMemory.h"
+#include "scene/file/SceneReader.h"
+#include "scene/run/FrameLoop.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <unistd.h>
+
+namespace Host {
+namespace {
+
+void say(const std::string& line)
+{
+    std::fprintf(stderr, "%s\n", line.c_str());
+}
+
+// Columns that a message may take; as many as it likes where no terminal shows it.
+std::size_t messageWidth()
+{
+    const auto size = terminalSize(STDERR_FILENO);
+    return size ? size->_width : std::numeric_limits<std::size_t>::max();
+}
+
+// Each context gets the rate that its scene asks for, or more.
+double rateOf(const std::vector<SceneFile>& files, const Options& options)
+{
+    double rate = 0;
+    for (const SceneFile& file : files)
+        rate = std::max(rate, file._host._rate._value);
+    return options._rate.value_or(rate);
+}
+
+std::unique_ptr<View> makeView(const Options& options, const Session& session, RunLog& log, RunOutput& output,
+                               double start)
+{
+    const bool inPlace = hasCursor(STDOUT_FILENO);
+    if (options._quiet)
+        return std::make_unique<View>();
+    if (options._format == Format::Json)
+        return makeJsonView(output.values());
+    if (options._format == Format::Table || (options._format == Format::Automatic && inPlace))
+        return makeTableView(output.values(),
+                             {inPlace, inPlace && isatty(STDERR_FILENO) ? &log : nullptr,
+                              inPlace ? std::make_unique<Keyboard>() : nullptr, [&output] { return output.isTaken(); }},
+                             session.watches(), SensorFilter(options._filter));
+    return makeLinesView(output.values(), start);
+}
+
+void tellOfStep(double step, const Session& session, View& view)
+{
+    for (SensorWatch* watch : session.watches())
+        watch->clockStepped(step);
+    view.clockStepped(step);
+}
+
+// Runs frames until the end of the run, which also comes when nobody can read the values any more.
+void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view, const SensorFilter& filter,
+               const RunOutput& output)
+{
+    WallSteps steps;
+    for (SensorWatch* watch : session.watches())
+        if (filter.passes(watch->title(), watch->sensor().getLabel()))
+            watch->setListener(&view);
+    loop.run([&](double now) {
+        if (const double step = steps.look(now, clock.steady()); step != 0)
+            tellOfStep(step, session, view);
+        session.frame(now);
+        view.frame(now);
+        osg::logHeldBack();
+        return output.canWrite();
+    });
+    for (SensorWatch* watch : session.watches())
+        watch->setListener(nullptr);
+}
+
+// Else a mistake in the pattern would look like a scene in which nothing happens.
+bool anyPasses(const std::vector<SceneFile>& files, const SensorFilter& filter)
+{
+    std::vector<std::string_view> names;
+    for (const SceneFile& file : files)
+        for (const SensorEntry& sensor : file._sensors) {
+            const std::string scene = files.size() > 1 ? file._path + ": " : "";
+            if (filter.passes(scene + sensor._name._value, sensor._label._value))
+                return true;
+            names.push_back(sensor._name._value);
+        }
+    if (filter.text().empty())
+        return true;
+    say("no sensor has " + inQuotes(filter.text()) + " in its name or label" + nearestHint(filter.text(), names));
+    return false;
+}
+
+int runScenes(std::vector<SceneFile> files, const Options& options, const WatchedRun& around)
+{
+    RunOutput& output = around._output;
+    const Say sayInRun = [&output](const std::string& line) { output.say(line); };
+    RunLog log(options._verbose, &output);
+    SystemClock clock(around._stop);
+    FrameLoop loop(clock, rateOf(files, options), {options._seconds, options._frames});
+    Session session;
+    if (!session.build(std::move(files), sayInRun, [&around] { return around._stop.requested(); })) {
+        output.say("ended before the scene was built");
+        return Done;
+    }
+    reportStart(session, messageWidth(), sayInRun);
+    runFrames(session, loop, clock, *makeView(options, session, log, output, clock.now()),
+              SensorFilter(options._filter), output);
+    around._watch.begin();
+    const RunTotals totals{session.stopNodes(), clock.now(), loop.frames(), loop.skipped()};
+    reportEnd(session, totals, messageWidth(), sayInRun);
+    if (options._format == Format::Json)
+        output.putLast(countsLine(session, totals));
+    return Done;
+}
+} // namespace
+
+std::optional<std::vector<SceneFile>> readScenes(const Options& options)
+{
+    std::vector<SceneFile> files;
+    bool good = true;
+    for (const std::string& path : options._names) {
+        try {
+            files.push_back(readScene(path));
+        } catch (const std::bad_alloc&) {
+            throw OutOfMemory(escaped(path) + ": memory ran out while the scene was read");
+        } catch (const SceneError& error) {
+            say(error.what());
+            good = false;
+        }
+    }
+    return good ? std::optional(std::move(files)) : std::nullopt;
+}
+
+int runVerb(const Options& options)
+{
+    auto files = readScenes(options);
+    if (!files)
+        return BadUsage;
+    if (!anyPasses(*files, SensorFilter(options._filter)))
+        return NothingFound;
+    if (options._strict && !withMemoryFor(*files, [&] { return canBeMade(*files); })) {
+        say("nothing was run, as --strict asks");
+        return BadUsage;
+    }
+    return runWatched(std::move(*files), options._format == Format::Json,
+                      [&options](std::vector<SceneFile> scenes, const WatchedRun& around) {
+                          return runScenes(std::move(scenes), options, around);
+                      });
+}
+} // namespace Host

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "host/cli/CommandLine.h"
+#include "scene/file/SceneFile.h"
+
+#include <optional>
+#include <vector>
+
+namespace Host {
+
+/// Runs the scenes until a limit, a signal or the end of standard output.
+int runVerb(const Options& options);
+/// Reads the scenes and says what is wrong or odd with them; runs nothing.
+int checkVerb(const Options& options);
+/// Runs a scene without a word and says whether records flow between two labels.
+int whyVerb(const Options& options);
+/// Lists the node types with their settings.
+int nodesVerb(const Options& options);
+/// Lists the field types and how their values are written.
+int typesVerb(const Options& options);
+int versionVerb(const Options& options);
+
+/// Whether every handler and node of the scenes can be made, without starting any; says which cannot, and why.
+bool canBeMade(const std::vector<SceneFile>& files);
+
+/// The scene files that the caller named; says what is wrong with each, and is empty if anything is.
+std::optional<std::vector<SceneFile>> readScenes(const Options& options);
+} // namespace Host

@@ -1,0 +1,161 @@
+#include "host/cli/Verbs.h"
+
+#include "explain/text/Escape.h"
+#include "explain/text/Failure.h"
+#include "explain/text/JsonText.h"
+#include "host/cli/ExitCode.h"
+#include "host/output/RunLog.h"
+#include "host/run/SystemClock.h"
+#include "host/run/WatchedRun.h"
+#include "host/why/Backlog.h"
+#include "host/why/SceneCause.h"
+#include "host/why/WhyAnswer.h"
+#include "scene/run/FrameLoop.h"
+#include "trovio/Namespace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+namespace Host {
+namespace {
+
+using Trovio::Explanation;
+using Trovio::Verdict;
+
+// Seconds from look to look, each of which walks through the whole tree.
+constexpr double shortestInterval = 0.001, longestInterval = 0.05;
+
+constexpr double longestWaitForFrames = 10; // seconds
+
+struct Answer {
+    Explanation _explanation;
+    bool _decided = false, _interrupted = false;
+    std::string _fits;
+};
+
+// Looks again and again, until there is an answer, the time is over, or a signal comes.
+Answer findAnswer(Session& session, double rate, const Options& options, const StopSignal& stop)
+{
+    SystemClock clock(stop);
+    // Whether records are read in time shows after some frames. A cause that lasts for all the time given is an answer,
+    // too.
+    const double frames = std::min(2 / rate, longestWaitForFrames);
+    const double patience = std::min(std::max(options._patience, frames), options._seconds / 2);
+    const double lookInterval = std::clamp(patience / 2, shortestInterval, longestInterval);
+    const double looksAFrame = std::ceil(1 / (lookInterval * rate));
+    FrameLoop loop(clock, rate * looksAFrame, {options._seconds, options._frames});
+    Answer answer;
+    WhyDecision decision(patience);
+    Backlog backlog;
+    const auto look = [&] {
+        const Explanation found = explainLabels(options._from, options._to, options._staleAfter);
+        answer._decided = decision.take(found, clock.steady());
+    };
+    double nextLook = 0, nextFrame = 0;
+    loop.run([&](double now) {
+        if (clock.steady() >= nextFrame) {
+            backlog.look(session);
+            session.frame(now);
+            nextFrame = clock.steady() + (looksAFrame - 0.5) / (rate * looksAFrame);
+        }
+        if (clock.steady() < nextLook)
+            return true;
+        nextLook = clock.steady() + lookInterval;
+        look();
+        return !answer._decided;
+    });
+    if (nextLook == 0) // a signal came first
+        look();
+    answer._interrupted = stop.requested();
+    answer._explanation = inSceneWords(decision.answer(), session);
+    if (answer._explanation._verdict == Verdict::Flowing)
+        answer._explanation._text += backlog.cure(session, options._to);
+    answer._fits = whatFits(answer._explanation, session);
+    return answer;
+}
+
+int exitCode(const Answer& answer)
+{
+    if (!answer._decided)
+        return NoAnswer;
+    const Verdict verdict = answer._explanation._verdict;
+    return verdict == Verdict::Flowing ? Done : verdict == Verdict::TypesDiffer ? TypeMismatch : NothingFound;
+}
+
+void printText(const Answer& answer)
+{
+    std::string text = answer._explanation._text;
+    if (!answer._decided)
+        text = std::string(answer._interrupted ? "interrupted" : "no answer in the time given") + "; so far: " + text;
+    if (!answer._fits.empty())
+        text += "; " + answer._fits;
+    std::printf("%s\n", escaped(text, 4000).c_str());
+}
+
+nlohmann::ordered_json toJson(const std::string& text)
+{
+    return text;
+}
+
+// A count has nothing behind the point.
+nlohmann::ordered_json toJson(double number)
+{
+    constexpr double mostExact = 9007199254740992; // 2 to the power of 53
+    if (number != std::trunc(number) || std::abs(number) > mostExact)
+        return number;
+    return static_cast<std::int64_t>(number);
+}
+
+void printJson(const Answer& answer, const Options& options)
+{
+    nlohmann::ordered_json object{{"from", options._from},
+                                  {"to", options._to},
+                                  {"decided", answer._decided},
+                                  {"verdict", toString(answer._explanation._verdict)},
+                                  {"text", answer._explanation._text},
+                                  {"details", nlohmann::ordered_json::object()}};
+    for (const Explanation::Detail& detail : answer._explanation._details)
+        std::visit([&](const auto& value) { object["details"][detail._name] = toJson(value); }, detail._value);
+    if (!answer._fits.empty())
+        object["fits"] = answer._fits;
+    std::printf("%s\n", jsonText(object).c_str());
+}
+
+// The answer is given before the nodes stop, which may take for ever, and waits for its reader.
+int answerWhy(std::vector<SceneFile> files, const Options& options, const WatchedRun& around)
+{
+    RunLog log(false);
+    log.hold(true);
+    const double rate = files.front()._host._rate._value;
+    Session session;
+    if (!session.build(
+            std::move(files), [](const std::string&) {}, [&around] { return around._stop.requested(); })) {
+        around._output.say("no answer: ended before the scene was built");
+        return NoAnswer;
+    }
+    const Answer answer = findAnswer(session, rate, options, around._stop);
+    log.take(); // what it said of the cause stands in the answer
+    options._format == Format::Json ? printJson(answer, options) : printText(answer);
+    std::fflush(stdout);
+    around._watch.begin();
+    return exitCode(answer);
+}
+} // namespace
+
+int whyVerb(const Options& options)
+{
+    if (const auto failure = failureOf([&] { Trovio::Namespace().explain(options._from, options._to); })) {
+        std::fprintf(stderr, "%s\n", escaped(*failure, 4000).c_str());
+        return BadUsage;
+    }
+    auto files = readScenes(options);
+    if (!files)
+        return BadUsage;
+    return runWatched(std::move(*files), options._format == Format::Json,
+                      [&options](std::vector<SceneFile> scenes, const WatchedRun& around) {
+                          return answerWhy(std::move(scenes), options, around);
+                      });
+}
+} // namespace Host

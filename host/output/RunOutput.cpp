@@ -1,0 +1,124 @@
+#include "host/output/RunOutput.h"
+
+#include "host/cli/ExitCode.h"
+#include "host/output/RunLog.h"
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Host {
+namespace {
+
+using namespace std::chrono_literals;
+
+// At the end of a run. The messages come last: they tell what came of the others.
+constexpr auto patienceForOthers = 900ms, patience = 1000ms;
+constexpr auto leastForMessages = 100ms; // on a machine so busy that all of that has passed meanwhile
+
+std::string gapAsJson(std::uint64_t dropped, std::uint64_t inAll)
+{
+    return "{\"dropped\":" + std::to_string(dropped) + ",\"total\":" + std::to_string(inAll) + "}\n";
+}
+
+std::string gapAsText(std::uint64_t dropped, std::uint64_t inAll)
+{
+    const std::string cause = ", because they were not read in time\n";
+    return dropped == 0 ? "dropped " + std::to_string(inAll) + " lines in all" + cause
+                        : "dropped " + std::to_string(dropped) + " lines here" + cause;
+}
+
+bool areOne(int a, int b)
+{
+    struct stat first = {}, second = {};
+    return fstat(a, &first) == 0 && fstat(b, &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
+
+// Left open to the end of the process: a thread may be stuck in a write. -1 where there is none; of one that cannot be
+// opened the log has complained.
+int openLogFile()
+{
+    const char* const path = std::getenv("OSG_LOG_FILE");
+    return path == nullptr || *path == '\0' ? -1 : open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+}
+
+constexpr std::array crashes = {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL};
+std::array<struct sigaction, crashes.size()> actionsBefore;
+
+void restore(std::size_t i)
+{
+    sigaction(crashes[i], &actionsBefore[i], nullptr);
+}
+
+// The threads of the queues go on meanwhile.
+void onCrash(int number)
+{
+    QueuedOutput::waitForAll();
+    RunLog::writeHeld();
+    restore(static_cast<std::size_t>(std::ranges::find(crashes, number) - crashes.begin()));
+    raise(number);
+}
+} // namespace
+
+RunOutput::RunOutput(bool json) : _values(STDOUT_FILENO, json ? gapAsJson : gapAsText)
+{
+    if (!areOne(STDOUT_FILENO, STDERR_FILENO))
+        _messages.emplace(STDERR_FILENO, gapAsText);
+    if (const int file = openLogFile(); file >= 0)
+        _logFile.emplace(file, gapAsText);
+    for (std::size_t i = 0; i < crashes.size(); ++i) {
+        struct sigaction action = {};
+        action.sa_handler = onCrash;
+        sigaction(crashes[i], &action, &actionsBefore[i]);
+    }
+}
+
+RunOutput::~RunOutput()
+{
+    for (std::size_t i = 0; i < crashes.size(); ++i)
+        restore(i);
+}
+
+std::string RunOutput::logFileFailure()
+{
+    if (!_logFile || _logFile->state() == QueuedOutput::State::Open)
+        return {};
+    return std::string("WARNING: the log file cannot be written (") + std::strerror(_logFile->error()) +
+           "); the log goes on here\n" + _logFile->takeUnwritten();
+}
+
+// What came of the values, on standard error; of what nobody wanted to read any more, nothing.
+void RunOutput::sayOfValues(const std::string& left)
+{
+    if (_values.state() == QueuedOutput::State::Failed)
+        return say("standard output cannot be written to");
+    const auto lines = _values.dropped() + static_cast<std::uint64_t>(std::ranges::count(left, '\n'));
+    if (lines > 0 && canWrite())
+        say("standard output: " + std::to_string(lines) + " lines are missing, because they were not read in time");
+}
+
+int RunOutput::finish(int code)
+{
+    const auto now = std::chrono::steady_clock::now();
+    _stream.flush();
+    _values.tellTotal();
+    if (_logFile) {
+        _logFile->tellTotal();
+        _logFile->finish(now + patienceForOthers);
+        messages().putLast(logFileFailure());
+    }
+    const std::string left = _values.finish(now + (_messages ? patienceForOthers : patience));
+    if (_messages) {
+        sayOfValues(left);
+        _messages->tellTotal();
+        _messages->finish(std::max(now + patience, std::chrono::steady_clock::now() + leastForMessages));
+    }
+    return _values.state() == QueuedOutput::State::Failed ? Failed : code;
+}
+} // namespace Host

@@ -1,0 +1,65 @@
+#include "host/report/Report.h"
+
+#include "explain/text/TextWrap.h"
+#include "host/report/RunCounts.h"
+#include "host/report/SensorReport.h"
+#include "host/report/TreeReport.h"
+#include "trovio/Root.h"
+
+namespace Host {
+namespace {
+
+// Lines of one kind; a large scene says the rest as a number.
+constexpr std::size_t mostAtStart = 20, mostAtEnd = 200;
+
+// Runs a report and lets through its first lines only.
+template <class Report>
+void limited(const Say& say, std::size_t most, const char* what, const Report& report)
+{
+    std::size_t lines = 0;
+    report([&](const std::string& line) {
+        if (++lines <= most)
+            say(line);
+    });
+    if (lines > most)
+        say("and " + std::to_string(lines - most) + " more " + what);
+}
+
+Say broken(std::size_t width, const Say& say)
+{
+    constexpr std::size_t indent = 4;
+    return [width, &say](const std::string& text) {
+        for (const std::string& line : wrapped(text, width, indent))
+            say(line);
+    };
+}
+} // namespace
+
+void reportStart(const Session& session, std::size_t width, const Say& sayLine)
+{
+    const Say say = broken(width, sayLine);
+    const Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
+    const std::set<std::string> apart = endsApart(root);
+    for (const auto& scene : session.scenes())
+        limited(say, mostAtStart, "sensors without connection",
+                [&](const Say& line) { reportUnbound(*scene, apart, line); });
+    limited(say, mostAtStart, "routes", [&](const Say& line) { reportRoutes(root, line); });
+    limited(say, mostAtStart, "nodes", [&](const Say& line) { reportNodes(root, line); });
+}
+
+void reportEnd(const Session& session, const RunTotals& totals, std::size_t width, const Say& sayLine)
+{
+    const Say say = broken(width, sayLine);
+    for (const auto& scene : session.scenes())
+        limited(say, mostAtEnd, "sensors", [&](const Say& line) { reportValues(*scene, totals._now, line); });
+    limited(say, mostAtEnd, "slots", [&](const Say& line) { reportSlots(totals._root, width, line); });
+    limited(say, mostAtEnd, "nodes", [&](const Say& line) { reportCounters(totals._root, line); });
+    limited(say, mostAtEnd, "remarks", [&](const Say& line) { reportRemarks(totals._root, line); });
+    for (const auto& scene : session.scenes())
+        limited(say, mostAtEnd, "handlers and nodes", [&](const Say& line) {
+            for (const std::string& missing : scene->missing())
+                line(missing + "; the run went without it");
+        });
+    say("frames: " + std::to_string(totals._frames) + " run, " + std::to_string(totals._leftOut) + " left out");
+}
+} // namespace Host

@@ -1,0 +1,102 @@
+#include "host/report/SensorReport.h"
+
+#include "explain/TreeWalk.h"
+#include "explain/text/Escape.h"
+#include "host/show/Json.h"
+#include "trovio/BasicInSlot.h"
+#include "trovio/BasicOutSlot.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace Host {
+namespace {
+
+std::string named(const SensorWatch& watch)
+{
+    const std::string& label = watch.sensor().getLabel();
+    return "sensor " + inQuotes(watch.title()) + (label.empty() ? "" : " (label " + inQuotes(label) + ")");
+}
+
+std::string stampFaults(const Trovio::StampCounts& stamps)
+{
+    std::string text;
+    if (stamps._future != 0)
+        text += ", " + std::to_string(stamps._future) + " stamped in the future";
+    if (stamps._backwards != 0)
+        text += ", " + std::to_string(stamps._backwards) + " stamped before the one before";
+    return text;
+}
+
+std::string lossesOf(const Trovio::InSlotActivity& activity)
+{
+    std::string text;
+    if (activity._notStored != 0)
+        text += ", " + std::to_string(activity._notStored) + " not stored for want of memory";
+    if (activity._cutShort != 0)
+        text += ", " + std::to_string(activity._cutShort) + " frames left values to the next";
+    return text;
+}
+
+// How often the sensor changed, and how old its value is.
+std::string paceOf(const SensorWatch& watch, double now)
+{
+    if (watch.changes() == 0)
+        return {};
+    char text[80];
+    std::snprintf(text, sizeof text, "; %.3g per second, the last %.3g s old", watch.rate(), watch.age(now));
+    return text;
+}
+
+std::string slotCounts(const Trovio::Slot& slot)
+{
+    if (const auto* out = dynamic_cast<const Trovio::BasicOutSlot*>(&slot))
+        return "; out-slot: " + std::to_string(out->getWritten()) + " written";
+    const auto* in = dynamic_cast<const Trovio::BasicInSlot*>(&slot);
+    if (in == nullptr)
+        return {};
+    const Trovio::InSlotActivity activity = in->getActivity();
+    const Trovio::InSlotCounts& counts = activity._counts;
+    return "; in-slot: " + std::to_string(counts.stored) + " stored, " + std::to_string(counts.overwritten) +
+           " overwritten, " + std::to_string(counts.taken) + " taken, " + std::to_string(counts.waiting) + " waiting" +
+           lossesOf(activity) + stampFaults(activity._stamps);
+}
+
+std::string whyUnbound(const SensorWatch& watch, bool isApart)
+{
+    if (watch.sensor().getLabel().empty())
+        return " is bound to nothing: it has no label";
+    if (watch.slots().empty())
+        return " is bound to nothing: no handler has a slot for it (" + watch.field().getTypeName() + ")";
+    if (std::ranges::any_of(watch.slots(), &Trovio::Slot::isActive))
+        return {};
+    const bool isOutput = watch.sensor().isOutput();
+    const std::string end = isOutput ? "from its label" : "to its label";
+    return (isOutput ? " gives its values to nobody: " : " gets no values: ") +
+           (isApart ? "the route " + end + " does not connect" : "no route leads " + end);
+}
+} // namespace
+
+void reportUnbound(LoadedScene& scene, const std::set<std::string>& apart, const Say& say)
+{
+    for (const SensorWatch& watch : scene.watches()) {
+        const bool isApart = std::ranges::any_of(scene.handlers(), [&](const LoadedHandler& handler) {
+            return apart.contains(pathBelow(handler._namespace, watch.sensor().getLabel()));
+        });
+        if (const std::string why = whyUnbound(watch, isApart); !why.empty())
+            say(named(watch) + why);
+    }
+}
+
+void reportValues(LoadedScene& scene, double now, const Say& say)
+{
+    constexpr std::size_t longestValue = 80;
+    for (const SensorWatch& watch : scene.watches()) {
+        std::string line = named(watch) + " " + watch.field().getTypeName() + ": " + std::to_string(watch.changes()) +
+                           " values, last " + valueText(watch.field(), Digits::Few, longestValue);
+        for (const Trovio::Slot* slot : watch.slots())
+            line += slotCounts(*slot);
+        say(line + paceOf(watch, now));
+    }
+}
+} // namespace Host

@@ -1,0 +1,89 @@
+#include "host/run/EndWatch.h"
+
+#include "explain/text/Escape.h"
+#include "host/output/QueuedOutput.h"
+#include "host/show/Keyboard.h"
+#include "trovio/NodeMove.h"
+
+#include <algorithm>
+#include <csignal>
+#include <unistd.h>
+
+namespace Host {
+namespace {
+
+constexpr double first = 1, every = 5, interval = 0.1, forever = 3600; // seconds
+
+double secondsOf(const Trovio::NodeMove::Info& move)
+{
+    return std::chrono::duration<double>(Trovio::NodeMove::Clock::now() - move._since).count();
+}
+
+std::string described(const Trovio::NodeMove::Info& move)
+{
+    const bool stops = move._kind == Trovio::NodeMove::Kind::Stops;
+    return "node " + inQuotes(move._label) + " has not " + (stops ? "stopped" : "started") + " for " +
+           std::to_string(static_cast<long>(secondsOf(move))) + " s";
+}
+} // namespace
+
+EndWatch::EndWatch(const StopSignal& stop, Say say) : _stop(stop), _say(std::move(say)), _thread([this] { watch(); })
+{
+    _stop.setWatched(true);
+}
+
+EndWatch::~EndWatch()
+{
+    _stop.setWatched(false);
+    _over = true;
+    _stop.tell();
+    _thread.join();
+}
+
+void EndWatch::begin()
+{
+    _begun = true;
+    _stop.tell();
+}
+
+void EndWatch::watch()
+{
+    sigset_t all; // signals are for the other threads
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, nullptr);
+    for (;;) {
+        const bool ends = _begun || _stop.requested();
+        _stop.waitForNews(ends ? interval : forever);
+        if (_stop.second() != 0)
+            endAtOnce();
+        if (_over)
+            return;
+        if (_begun || _stop.requested())
+            look();
+    }
+}
+
+void EndWatch::look()
+{
+    const auto move = Trovio::NodeMove::longest();
+    if (!move)
+        return;
+    if (move->_label != _told)
+        _next = first;
+    _told = move->_label;
+    const double seconds = secondsOf(*move);
+    if (seconds < _next)
+        return;
+    _next = std::max(_next, seconds - every) + every;
+    _say(described(*move) + "; a second signal (Ctrl-C, SIGTERM) ends the program without it");
+}
+
+void EndWatch::endAtOnce() const
+{
+    if (const auto move = Trovio::NodeMove::longest())
+        _say("ended by a second signal: " + described(*move));
+    QueuedOutput::waitForAll();
+    Keyboard::restore();
+    _exit(128 + _stop.second());
+}
+} // namespace Host

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "host/run/StopSignal.h"
+#include "scene/run/LoadedScene.h"
+
+#include <atomic>
+#include <thread>
+
+namespace Host {
+
+/// Sees to it that the end comes: from the first signal on, or once the run ends by itself, it names a node that has
+/// not stopped (or not started) for a second, again every five; with the second signal it says which one it was and
+/// ends the process with 128 + the signal's number.
+/// Threads: one of its own, which only looks, says and ends; `say` must not block.
+class EndWatch {
+public:
+    /// Throws std::system_error when there can be no more threads.
+    EndWatch(const StopSignal& stop, Say say);
+    ~EndWatch();
+    EndWatch(const EndWatch&) = delete;
+    EndWatch& operator=(const EndWatch&) = delete;
+
+    /// The run ends by itself.
+    void begin();
+
+private:
+    void watch();
+    void look();
+    void endAtOnce() const;
+
+    const StopSignal& _stop;
+    const Say _say;
+    std::atomic<bool> _begun{false}, _over{false};
+    std::string _told; // the node that was named last; the thread's, as the next one
+    double _next = 0;  // seconds that it takes until it is named again
+    std::thread _thread;
+};
+} // namespace Host

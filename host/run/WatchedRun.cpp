@@ -1,0 +1,29 @@
+#include "host/run/WatchedRun.h"
+
+#include "explain/text/Escape.h"
+#include "explain/text/Failure.h"
+#include "host/cli/ExitCode.h"
+#include "scene/file/SceneMemory.h"
+
+#include <cstdio>
+
+namespace Host {
+
+int runWatched(std::vector<SceneFile> files, bool json,
+               const std::function<int(std::vector<SceneFile>, const WatchedRun&)>& run)
+{
+    int code = Failed;
+    const auto failure = failureOf([&] {
+        RunOutput output(json);
+        const StopSignal stop;
+        EndWatch watch(stop, [&output](const std::string& line) { output.say(line); });
+        const auto runAll = [&] { return run(std::move(files), {stop, watch, output}); };
+        if (const auto inRun = failureOf([&] { code = withMemoryFor(files, runAll); }))
+            output.say("the run failed: " + escaped(*inRun, 4000));
+        code = output.finish(code);
+    });
+    if (failure)
+        std::fprintf(stderr, "the run cannot start: %s\n", escaped(*failure).c_str());
+    return code;
+}
+} // namespace Host

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "host/output/RunOutput.h"
+#include "host/run/EndWatch.h"
+#include "scene/file/SceneFile.h"
+
+#include <functional>
+#include <vector>
+
+namespace Host {
+
+/// What is around everything that runs scenes: signals end it, a node that hangs is named, memory that runs out is
+/// said.
+struct WatchedRun {
+    const StopSignal& _stop;
+    EndWatch& _watch;
+    RunOutput& _output;
+};
+
+/// Runs the scenes by `run`, which returns the exit code, and returns that, or Failed where it threw, which is said.
+/// `json` is for the output.
+int runWatched(std::vector<SceneFile> files, bool json,
+               const std::function<int(std::vector<SceneFile>, const WatchedRun&)>& run);
+} // namespace Host

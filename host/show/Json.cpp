@@ -1,0 +1,247 @@
+#include "host/show/Json.h"
+
+#include "explain/text/Escape.h"
+#include "explain/text/JsonText.h"
+#include "scene/file/FieldVisit.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+#include <nlohmann/json.hpp>
+
+namespace Host {
+namespace {
+
+using Json = nlohmann::json;
+
+Json json(bool value)
+{
+    return value;
+}
+
+Json json(std::int32_t value)
+{
+    return value;
+}
+
+Json json(double value)
+{
+    return value;
+}
+
+// The shortest decimal that is this float, 1.6 and not 1.600000023841858.
+Json json(float value)
+{
+    std::array<char, 32> text{};
+    const auto end = std::to_chars(text.begin(), text.end(), value).ptr;
+    double shortest = value;
+    std::from_chars(text.begin(), end, shortest);
+    return shortest;
+}
+
+Json json(const std::string& value)
+{
+    return value;
+}
+
+template <class Number, std::size_t count>
+Json json(const Ostrel::Vector<Number, count>& value)
+{
+    Json list = Json::array();
+    for (const Number number : value._elements)
+        list.push_back(json(number));
+    return list;
+}
+
+template <class Number, std::size_t order>
+Json json(const Ostrel::Matrix<Number, order>& value)
+{
+    Json list = Json::array();
+    for (std::size_t i = 0; i < order * order; ++i)
+        list.push_back(json(value.data()[i % order * order + i / order]));
+    return list;
+}
+
+Json json(const Ostrel::Rotation& value)
+{
+    Json list = Json::array();
+    for (const float number : value.quaternion())
+        list.push_back(json(number));
+    return list;
+}
+
+const char* formatName(std::uint32_t format)
+{
+    switch (format) {
+    case osg::Image::Alpha:
+        return "alpha";
+    case osg::Image::Rgb:
+        return "RGB";
+    case osg::Image::Rgba:
+        return "RGBA";
+    case osg::Image::Luminance:
+        return "luminance";
+    case osg::Image::LuminanceAlpha:
+        return "luminance alpha";
+    case osg::Image::Bgr:
+        return "BGR";
+    case osg::Image::Bgra:
+        return "BGRA";
+    }
+    return "other";
+}
+
+Json json(const osg::ImagePtr& value)
+{
+    return {{"width", value->width()},
+            {"height", value->height()},
+            {"format", formatName(value->pixelFormat())},
+            {"bytes", value->size()}};
+}
+
+Json json(const Ostrel::Node* value)
+{
+    return value == nullptr ? Json() : Json(value->getDisplayName());
+}
+
+// Up to `most` elements of a sequence; a single value as it is.
+Json valueJson(Ostrel::Field& field, std::size_t most)
+{
+    return visitField(field, [most]<class FieldClass>(FieldClass& concrete) {
+        if constexpr (Multiple<FieldClass>) {
+            Json list = Json::array();
+            const std::size_t count = std::min(most, concrete.values().size());
+            for (std::size_t i = 0; i < count; ++i)
+                list.push_back(json(typename FieldClass::Element(concrete.values()[i])));
+            return list;
+        } else {
+            return json(concrete.value());
+        }
+    });
+}
+
+// How the elements of a field are written for people.
+struct TextForm {
+    Digits _digits;
+    bool _isTime;
+    std::size_t _rowLength; // of a matrix in rows, else 0
+    std::size_t _limit;     // of a text, in bytes
+};
+
+template <class Element>
+struct RowLength : std::integral_constant<std::size_t, 0> {
+};
+template <class Number, std::size_t order>
+struct RowLength<Ostrel::Matrix<Number, order>> : std::integral_constant<std::size_t, order> {
+};
+
+template <class FieldClass>
+constexpr std::size_t rowLength()
+{
+    if constexpr (Multiple<FieldClass>)
+        return RowLength<typename FieldClass::Element>::value;
+    else
+        return RowLength<std::remove_cvref_t<decltype(std::declval<FieldClass&>().value())>>::value;
+}
+
+std::string allDigits(double number)
+{
+    const double size = std::abs(number);
+    const bool isPlain = size == 0 || (size >= 1e-5 && size < 1e17);
+    std::array<char, 32> text{};
+    const auto format = isPlain ? std::chars_format::fixed : std::chars_format::scientific;
+    return {text.data(), std::to_chars(text.begin(), text.end(), number, format).ptr};
+}
+
+std::string fewDigits(double number)
+{
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.6g", number + 0.0); // of two zeros the one without a sign
+    return text.data();
+}
+
+// Small numbers of seconds are no points in time but lengths.
+std::string dateText(double seconds)
+{
+    constexpr double firstDate = 1e8, lastDate = 253402300799; // in the years 1973 and 9999
+    if (!(seconds >= firstDate && seconds <= lastDate))
+        return allDigits(seconds + 0.0);
+    const auto milliseconds = static_cast<std::int64_t>(seconds * 1000);
+    const std::time_t whole = milliseconds / 1000;
+    std::tm date{};
+    gmtime_r(&whole, &date);
+    std::array<char, 32> text{}, fraction{};
+    std::strftime(text.data(), text.size(), "%FT%T", &date);
+    std::snprintf(fraction.data(), fraction.size(), ".%03dZ", static_cast<int>(milliseconds % 1000));
+    return std::string(text.data()) + fraction.data();
+}
+
+std::string numberText(double number, const TextForm& form)
+{
+    if (form._digits == Digits::All)
+        return allDigits(number);
+    return form._isTime ? dateText(number) : fewDigits(number);
+}
+
+std::string shortText(const Json& value, const TextForm& form)
+{
+    if (value.is_string())
+        return "'" + escaped(value.get_ref<const std::string&>(), form._limit) + "'";
+    if (value.is_number_float())
+        return numberText(value.get<double>(), form);
+    if (value.is_object())
+        return std::to_string(value["width"].get<int>()) + "x" + std::to_string(value["height"].get<int>()) + " " +
+               value["format"].get<std::string>();
+    if (!value.is_array())
+        return jsonText(value);
+    std::string text;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        const bool startsRow = form._rowLength != 0 && i % form._rowLength == 0;
+        text += (i == 0 ? "" : startsRow ? "; " : " ") + shortText(value[i], form);
+    }
+    return text;
+}
+
+std::string sequenceText(const Json& elements, std::size_t size, const TextForm& form)
+{
+    std::string text = "[" + std::to_string(size) + "]";
+    std::size_t shown = 0;
+    for (; shown < elements.size() && text.size() < form._limit; ++shown)
+        text += (shown == 0 ? " " : ", ") + shortText(elements[shown], form);
+    return shown < size ? text + ", …" : text;
+}
+} // namespace
+
+std::string jsonLine(const JsonTimes& times, const JsonSensor& sensor, Ostrel::Field& field)
+{
+    nlohmann::ordered_json line;
+    line["time"] = times._frame;
+    if (times._stamp)
+        line["stamp"] = *times._stamp;
+    if (!sensor._scene.empty())
+        line["scene"] = sensor._scene;
+    line["sensor"] = sensor._name;
+    line["label"] = sensor._label;
+    line["type"] = sensor._type;
+    const std::string head = jsonText(line);
+    return head.substr(0, head.size() - 1) +
+           ",\"value\":" + jsonText(valueJson(field, std::numeric_limits<std::size_t>::max())) + "}\n";
+}
+
+std::string valueText(Ostrel::Field& field, Digits digits, std::size_t limit)
+{
+    // Each element takes two bytes at least.
+    const Json value = valueJson(field, limit / 2 + 1);
+    return visitField(field, [&]<class FieldClass>(FieldClass& concrete) {
+        constexpr bool isTime =
+            std::is_same_v<FieldClass, Ostrel::SFTime> || std::is_same_v<FieldClass, Ostrel::MFTime>;
+        const TextForm form{digits, isTime, digits == Digits::Few ? rowLength<FieldClass>() : 0, limit};
+        if constexpr (Multiple<FieldClass>)
+            return sequenceText(value, concrete.values().size(), form);
+        else
+            return shortText(value, form);
+    });
+}
+} // namespace Host

@@ -1,0 +1,238 @@
+#include "explain/text/Escape.h"
+#include "explain/text/TextWrap.h"
+#include "host/output/RunLog.h"
+#include "host/show/Json.h"
+#include "host/show/LiveTable.h"
+#include "host/show/TableControl.h"
+#include "host/show/Terminal.h"
+#include "host/show/View.h"
+
+#include <algorithm>
+#include <numeric>
+#include <ostream>
+#include <unistd.h>
+
+namespace Host {
+namespace {
+
+constexpr double drawInterval = 0.25, writeInterval = 1, rateInterval = 1, keyInterval = 0.05; // seconds
+constexpr std::size_t longestValue = 1000, widthElsewhere = 120;
+
+// Whether the time has come that `interval` puts behind `last`, which is now then.
+bool isDue(double& last, double now, double interval)
+{
+    if (now >= last && now - last < interval)
+        return false;
+    last = now;
+    return true;
+}
+
+void trimRight(std::string& line)
+{
+    line.resize(line.find_last_not_of(' ') + 1);
+}
+
+class TableView final : public View {
+public:
+    TableView(std::ostream& out, TableScreen screen, std::vector<SensorWatch*> watches, SensorFilter filter);
+    ~TableView() override
+    {
+        if (_screen._log != nullptr)
+            _screen._log->hold(false);
+    }
+    TableView(const TableView&) = delete;
+    TableView& operator=(const TableView&) = delete;
+
+    void frame(double now) override;
+
+    void clockStepped(double seconds) override
+    {
+        for (double* last : {&_lastDraw, &_lastRate, &_lastKeys})
+            *last += seconds;
+    }
+
+private:
+    struct Counted {
+        std::uint64_t _changes = 0;
+        double _perSecond = 0;
+    };
+
+    bool readKeys();
+    void countRates(double now);
+    void select(double now);
+    void draw(double now);
+    std::string table(const TerminalSize& size, double now);
+    TablePage page(std::size_t first, std::size_t room, double now);
+    std::string eraseDrawn(std::size_t width) const;
+
+    std::ostream& _out;
+    const TableScreen _screen;
+    const std::vector<SensorWatch*> _watches;
+    std::vector<std::string> _titles; // one per watch
+    TableControl _control;
+    KeyPresses _keys;
+    std::size_t _nameWidth = 0, _typeWidth = 0;
+    TableLayout _layout{0, 0, 0};
+    std::size_t _width = 0;                             // of _layout
+    std::vector<Counted> _counted;                      // one per watch, as of _lastRate
+    std::vector<bool> _below;                           // per watch, whether its value has lines of its own
+    std::vector<std::size_t> _selected;                 // watches, in the order of the table
+    double _lastDraw = 0, _lastRate = 0, _lastKeys = 0; // wall-clock seconds, 0 before the first
+    std::vector<std::size_t> _drawn;                    // widths of the lines of the table on the screen
+};
+
+TableView::TableView(std::ostream& out, TableScreen screen, std::vector<SensorWatch*> watches, SensorFilter filter)
+    : _out(out),
+      _screen(std::move(screen)),
+      _watches(std::move(watches)),
+      _control(std::move(filter)),
+      _counted(_watches.size()),
+      _below(_watches.size())
+{
+    _nameWidth = displayWidth("sensor");
+    _typeWidth = displayWidth("type");
+    for (const SensorWatch* watch : _watches) {
+        _titles.push_back(escaped(watch->title()));
+        _nameWidth = std::max(_nameWidth, displayWidth(_titles.back()));
+        _typeWidth = std::max(_typeWidth, displayWidth(watch->field().getTypeName()));
+    }
+    if (_screen._log != nullptr)
+        _screen._log->hold(true);
+}
+
+void TableView::frame(double now)
+{
+    if (isDue(_lastKeys, now, keyInterval) && readKeys())
+        _lastDraw = 0;
+    if (_screen._isTaken && !_screen._isTaken())
+        return;
+    if (!isDue(_lastDraw, now, _screen._inPlace ? drawInterval : writeInterval))
+        return;
+    countRates(now);
+    if (!_screen._inPlace || isInFront(STDOUT_FILENO))
+        draw(now);
+}
+
+bool TableView::readKeys()
+{
+    if (_screen._keyboard == nullptr)
+        return false;
+    const std::vector<KeyPress> presses = _keys.read(_screen._keyboard->read());
+    if (_screen._keyboard->isBack())
+        _drawn.clear(); // others have written below it meanwhile
+    for (const KeyPress& press : presses)
+        _control.press(press);
+    return !presses.empty();
+}
+
+void TableView::countRates(double now)
+{
+    const double passed = now - _lastRate;
+    const bool isFirst = _lastRate == 0;
+    if (!isDue(_lastRate, now, rateInterval))
+        return;
+    for (std::size_t i = 0; i < _watches.size(); ++i) {
+        const auto newer = static_cast<double>(_watches[i]->changes() - _counted[i]._changes);
+        _counted[i] = {_watches[i]->changes(), isFirst || passed < 0 ? 0 : newer / passed};
+    }
+}
+
+// The rows, from the scene's order and the filter; what has no value yet comes last.
+void TableView::select(double now)
+{
+    _selected.clear();
+    for (std::size_t i = 0; i < _watches.size(); ++i)
+        if (_control.filter().passes(_titles[i], _watches[i]->sensor().getLabel()))
+            _selected.push_back(i);
+    const auto newness = [&](std::size_t i) {
+        const double age = _watches[i]->age(now);
+        return age < 0 ? std::numeric_limits<double>::infinity() : age;
+    };
+    switch (_control.order()) {
+    case TableControl::Order::Scene:
+        return;
+    case TableControl::Order::Name:
+        std::ranges::stable_sort(_selected, {}, [&](std::size_t i) -> const std::string& { return _titles[i]; });
+        return;
+    case TableControl::Order::Rate:
+        std::ranges::stable_sort(_selected, std::greater(), [&](std::size_t i) { return _counted[i]._perSecond; });
+        return;
+    case TableControl::Order::Age:
+        std::ranges::stable_sort(_selected, {}, newness);
+    }
+}
+
+TablePage TableView::page(std::size_t first, std::size_t room, double now)
+{
+    return tablePage(_selected.size(), first, room, [&](std::size_t row) {
+        const std::size_t i = _selected[row];
+        const SensorWatch& watch = *_watches[i];
+        const TableRow text{_titles[i], watch.field().getTypeName(),
+                            valueText(watch.field(), Digits::Few, longestValue), _counted[i]._perSecond,
+                            watch.age(now)};
+        // It stays there, so that the rows below do not jump with each value.
+        _below[i] = _below[i] || !_layout.fits(text);
+        return _layout.lines(text, _below[i]);
+    });
+}
+
+std::string TableView::table(const TerminalSize& size, double now)
+{
+    if (size._width != _width) {
+        _width = size._width;
+        _layout = TableLayout(_width, _nameWidth, _typeWidth);
+        _below.assign(_watches.size(), false);
+    }
+    select(now);
+    const std::size_t room = size._height > 0 ? size._height - 1 : 0; // below the heading
+    const std::size_t first = _control.first();
+    TablePage rows = page(first, room, now);
+    _control.shown(rows._first, rows._count);
+    if (_screen._inPlace && room > 1 && _control.hasStatus(_selected.size())) {
+        rows = page(first, room - 1, now);
+        _control.shown(rows._first, rows._count);
+        rows._lines.push_back(fitted(_control.status(_selected.size(), _screen._keyboard != nullptr), _width));
+    }
+    std::string text;
+    _drawn.clear();
+    rows._lines.insert(rows._lines.begin(), _layout.heading());
+    for (std::string& line : rows._lines) {
+        trimRight(line);
+        text += line + "\n";
+        _drawn.push_back(displayWidth(line));
+    }
+    return text;
+}
+
+// Moves up over what was drawn last. Many terminals break lines anew where they have become narrower.
+std::string TableView::eraseDrawn(std::size_t width) const
+{
+    const std::size_t lines =
+        std::accumulate(_drawn.begin(), _drawn.end(), std::size_t{0}, [&](std::size_t sum, std::size_t drawn) {
+            return sum + std::max<std::size_t>((drawn + width - 1) / width, 1);
+        });
+    return lines == 0 ? "" : "\x1b[" + std::to_string(lines) + "A\r\x1b[J";
+}
+
+void TableView::draw(double now)
+{
+    TerminalSize size = terminalSize(STDOUT_FILENO).value_or(TerminalSize{widthElsewhere, 24});
+    std::string text;
+    if (_screen._inPlace) {
+        text = eraseDrawn(size._width);
+        --size._height; // one line is left free for the cursor
+    } else {
+        size._height = std::numeric_limits<std::size_t>::max();
+    }
+    if (_screen._log != nullptr)
+        text += _screen._log->take();
+    _out << text + table(size, now) << std::flush; // at once, so that nothing comes in between
+}
+} // namespace
+
+std::unique_ptr<View> makeTableView(std::ostream& out, TableScreen screen, std::vector<SensorWatch*> watches,
+                                    SensorFilter filter)
+{
+    return std::make_unique<TableView>(out, std::move(screen), std::move(watches), std::move(filter));
+}
+} // namespace Host

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "host/show/Keyboard.h"
+#include "host/show/SensorFilter.h"
+#include "scene/run/SensorWatch.h"
+
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <vector>
+
+namespace Host {
+
+class RunLog;
+
+/// Shows the values of a run as they change. Scene thread only.
+class View : public ChangeListener {
+public:
+    virtual ~View() = default;
+    void changed(const SensorWatch&, double) override {}
+
+    /// A frame is over; `now` is its wall-clock time in seconds.
+    virtual void frame(double now) { (void)now; }
+
+    /// The wall clock was set by so many seconds since the last frame.
+    virtual void clockStepped(double seconds) { (void)seconds; }
+};
+
+/// One line per change: seconds since `start`, name, type, value.
+std::unique_ptr<View> makeLinesView(std::ostream& out, double start);
+
+/// One JSON object per change and line.
+std::unique_ptr<View> makeJsonView(std::ostream& out);
+
+/// How a table is shown.
+struct TableScreen {
+    bool _inPlace = false;               // else it is written again and again
+    RunLog* _log = nullptr;              // what it holds back is shown above the table; null where it goes elsewhere
+    std::unique_ptr<Keyboard> _keyboard; // may be null
+    std::function<bool()> _isTaken;      // whether what was drawn last has been read; empty where it always is
+};
+
+/// A table of the sensors that pass a filter. In place it is drawn anew four times a second and after each key; it
+/// takes the size of the terminal at standard output, and waits while the program is in the background. Otherwise it is
+/// written once a second, whole. While the last one has not been read yet none is drawn: the next one that is tells the
+/// same and more.
+std::unique_ptr<View> makeTableView(std::ostream& out, TableScreen screen, std::vector<SensorWatch*> watches,
+                                    SensorFilter filter = SensorFilter());
+} // namespace Host

@@ -1,0 +1,187 @@
+#include "host/why/SceneCause.h"
+
+#include "explain/text/Escape.h"
+#include "scene/run/NodeLabels.h"
+#include "scene/run/SceneParts.h"
+#include "trovio/Root.h"
+
+#include <algorithm>
+
+namespace Host {
+namespace {
+
+using Trovio::Explanation;
+using Trovio::Verdict;
+
+std::string place(const SceneFile& file, Position position)
+{
+    return escaped(file._path) + ":" + std::to_string(position._line) + ":" + std::to_string(position._column);
+}
+
+/// The label as the handler sees it: without that of its namespace before it.
+std::string within(const LoadedHandler& handler, const std::string& label)
+{
+    const bool isFull = !handler._namespace.empty() && label.starts_with(handler._namespace + "/");
+    return isFull ? label.substr(handler._namespace.size() + 1) : label;
+}
+
+/// What the start said of the part of the scene at that place; empty if it was made.
+std::string whyMissing(const LoadedScene& scene, Position position)
+{
+    const std::string before = place(scene.file(), position) + ": ";
+    const auto found =
+        std::ranges::find_if(scene.missing(), [&](const std::string& line) { return line.starts_with(before); });
+    return found == scene.missing().end() ? std::string() : *found;
+}
+
+std::string whyNoNode(const LoadedScene& scene, const LoadedHandler& handler, const std::string& label)
+{
+    for (const LabelledNode& node : labelledNodes(*handler._entry))
+        if (label == node._label || label.starts_with(node._label + "/"))
+            return whyMissing(scene, node._entry->_first._position) + whyMissing(scene, node._entry->_second._position);
+    return {};
+}
+
+std::string whyNoBridge(const LoadedScene& scene, const LoadedHandler& handler)
+{
+    const LocatedText& kind = handler._entry->_kind;
+    const std::string why = whyMissing(scene, kind._position);
+    return !why.empty() ? why
+                        : place(scene.file(), kind._position) + ": handler " + inQuotes(handler._entry->_name._value) +
+                              " is of kind " + inQuotes(kind._value);
+}
+
+/// Why nothing stands under the label: the node that should, or all handlers.
+std::string whyNotMade(const Session& session, const std::string& label)
+{
+    bool hasBridge = false;
+    std::string handlers;
+    for (const auto& scene : session.scenes())
+        for (const LoadedHandler& handler : scene->handlers()) {
+            hasBridge = hasBridge || !handler._namespace.empty();
+            handlers += "; " + whyNoBridge(*scene, handler);
+            if (const std::string why = whyNoNode(*scene, handler, within(handler, label)); !why.empty())
+                return why;
+        }
+    if (hasBridge)
+        return {};
+    return "the scene has no handler of kind 'Trovio', without which no sensor has a slot" + handlers;
+}
+
+const SensorEntry* findSensor(const Session& session, const std::string& text, LocatedText SensorEntry::*key,
+                              const SceneFile*& file)
+{
+    for (const auto& scene : session.scenes()) {
+        file = &scene->file();
+        for (const SensorEntry& sensor : file->_sensors)
+            if ((sensor.*key)._value == text)
+                return &sensor;
+        for (const LoadedHandler& handler : scene->handlers())
+            if (const std::string inside = within(handler, text); inside != text)
+                if (const SensorEntry* const sensor = findSensor(session, inside, key, file))
+                    return sensor;
+    }
+    return nullptr;
+}
+
+/// That a label is but the name of a sensor.
+std::string whyOnlyName(const Session& session, const std::string& label)
+{
+    const SceneFile* file = nullptr;
+    const SensorEntry* const sensor = findSensor(session, label, &SensorEntry::_name, file);
+    if (!sensor)
+        return {};
+    const std::string where = inQuotes(label) + " is the name of a sensor (" + place(*file, sensor->_name._position);
+    if (sensor->_label._value.empty())
+        return where + ") that has no label, so nothing can reach it; give it one: label = \"" + escaped(label) + "\"";
+    return where + "), and routes go by its label: " + inQuotes(sensor->_label._value);
+}
+
+/// That the sensor's own key makes it face the wrong way.
+std::string whyWrongWay(const Session& session, const std::string& label)
+{
+    const SceneFile* file = nullptr;
+    const SensorEntry* const sensor = findSensor(session, label, &SensorEntry::_label, file);
+    if (!sensor)
+        return {};
+    const std::string who = "sensor " + inQuotes(sensor->_name._value) + " (label " + inQuotes(label) + ") is an ";
+    if (!sensor->_output._value)
+        return who + "input, but records come from an output; set output = true at " +
+               place(*file, sensor->_name._position);
+    return who + "output, but records go to an input; take output = true away at " +
+           place(*file, sensor->_output._position);
+}
+
+/// Where to read which way the slots of a node can face.
+std::string slotsOfNode(const Session& session, const std::string& label)
+{
+    for (const auto& scene : session.scenes())
+        for (const LoadedHandler& handler : scene->handlers())
+            for (const LabelledNode& node : labelledNodes(*handler._entry))
+                if (within(handler, label).starts_with(node._label + "/"))
+                    return "; ostrel-host nodes " + escaped(node._entry->_first._value) +
+                           " says which slots such a node can have";
+    return {};
+}
+
+Explanation replaced(Explanation found, Verdict verdict, const std::string& cause)
+{
+    const std::string before = std::string(toString(found._verdict)) + ": ";
+    const std::size_t head = found._text.find(before);
+    const std::string* const label = found.findText("label");
+    found._text = found._text.substr(0, head) + toString(verdict) + ": " + cause;
+    found._verdict = verdict;
+    found._details = {{"label", label ? *label : std::string()}, {"reason", cause}};
+    return found;
+}
+
+/// The handler that has the very route, but not the slot where it starts or ends.
+std::string otherHandler(const Explanation& found, const Session& session)
+{
+    const std::string *from = found.findText("cure from"), *to = found.findText("cure to");
+    const std::string* const here = found.findText("cure in");
+    for (const auto& scene : session.scenes())
+        for (const LoadedHandler& handler : scene->handlers())
+            for (const LocatedPair& route : handler._entry->_routes)
+                if (handler._namespace != *here && route._first._value == *from && route._second._value == *to)
+                    return "; handler " + inQuotes(handler._entry->_name._value) + " has this route, but " +
+                           inQuotes(*from) + " does not stand there";
+    return {};
+}
+} // namespace
+
+Explanation inSceneWords(Explanation found, const Session& session)
+{
+    const std::string* const label = found.findText("label");
+    if (label && found._verdict != Verdict::Flowing)
+        if (const std::string why = whyNotMade(session, *label); !why.empty())
+            return replaced(std::move(found), Verdict::NotMade, why);
+    if (label && found._verdict == Verdict::NoSuchLabel)
+        if (const std::string why = whyOnlyName(session, *label); !why.empty())
+            return replaced(std::move(found), found._verdict, "no slot " + inQuotes(*label) + " is in scope; " + why);
+    if (label && found._verdict == Verdict::WrongDirection && !found.findText("cure")) {
+        if (const std::string why = whyWrongWay(session, *label); !why.empty())
+            return replaced(std::move(found), found._verdict, why);
+        if (!found.findText("cure in"))
+            found._text += slotsOfNode(session, *label);
+    }
+    return found;
+}
+
+std::string missingRoute(const Explanation& explanation, const Session& session)
+{
+    const std::string* const space = explanation.findText("cure in");
+    if (!space)
+        return {};
+    const std::string from = "\"" + escaped(*explanation.findText("cure from")) + "\"";
+    const std::string to = "\"" + escaped(*explanation.findText("cure to")) + "\"";
+    if (space->empty())
+        return "write [[route]] from = " + from + " to = " + to;
+    for (const auto& scene : session.scenes())
+        for (const LoadedHandler& handler : scene->handlers())
+            if (handler._namespace == *space)
+                return "write [" + from + ", " + to + "] into the routes of handler " +
+                       inQuotes(handler._entry->_name._value) + otherHandler(explanation, session);
+    return {};
+}
+} // namespace Host

@@ -1,0 +1,131 @@
+#include "scene/check/SceneNotes.h"
+
+#include "explain/TreeWalk.h"
+#include "explain/text/Escape.h"
+#include "scene/check/RouteCheck.h"
+#include "scene/file/SceneMemory.h"
+#include "scene/run/SceneParts.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace Host {
+namespace {
+constexpr std::size_t longestReason = 1000;
+constexpr std::size_t mostNotes = 200; // printed; the rest is counted
+} // namespace
+
+void SceneNotes::note(Position position, const std::string& text)
+{
+    if (++_notes > mostNotes)
+        return;
+    std::string place = escaped(_scene._path);
+    if (position._line != 0)
+        place += ":" + std::to_string(position._line) + ":" + std::to_string(position._column);
+    std::fprintf(stderr, "%s: note: %s\n", place.c_str(), text.c_str());
+}
+
+void SceneNotes::checkParts(const SceneGraph& graph)
+{
+    for (const GraphFault& fault : graph.faults()) {
+        if (fault._scene != &_scene)
+            continue;
+        if (fault._fromOutside)
+            note(fault._position, escaped(fault._text, longestReason));
+        else
+            _problems.add(fault._position, escaped(fault._text, longestReason));
+    }
+    const auto bridges = std::ranges::count_if(
+        _scene._handlers, [](const HandlerEntry& handler) { return handler._kind._value == bridgeKind; });
+    const bool hasLabels =
+        std::ranges::any_of(_scene._sensors, [](const SensorEntry& sensor) { return !sensor._label._value.empty(); });
+    if (bridges == 0 && hasLabels)
+        note({}, "the scene has no handler of kind " + inQuotes(std::string(bridgeKind)) +
+                     ", without which no sensor has a slot");
+    for (const HandlerEntry& handler : _scene._handlers)
+        if (handler._kind._value != bridgeKind && handler._nodes.size() + handler._routes.size() > 0)
+            note(handler._kind._position, "a handler of kind " + inQuotes(handler._kind._value) +
+                                              " feeds nothing; its nodes and routes are not used");
+    if (bridges > 1)
+        note({}, "the scene has " + std::to_string(bridges) + " Trovio handlers; each of them serves every sensor");
+    for (const SensorEntry& sensor : _scene._sensors)
+        if (sensor._label._value.empty())
+            note(sensor._name._position,
+                 "sensor " + inQuotes(sensor._name._value) + " has no label, so nothing can reach it");
+    for (const PinnedNote& pinned : pinnedBy(_scene))
+        note(pinned._sensor->_buffer._position, pinned._text);
+}
+
+void SceneNotes::checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInfo& root)
+{
+    const auto say = [this](Position position, const std::string& text) { note(position, text); };
+    RouteCheck ofRoot(graph, {}, root);
+    for (const LocatedPair& route : _scene._routes)
+        ofRoot.check(route, say);
+    for (const Trovio::NamespaceInfo& child : root._children) {
+        const GraphHandler* const handler = graph.handlerAt(child._label);
+        if (!handler || handler->_scene != &_scene)
+            continue;
+        RouteCheck ofHandler(graph, child._label, child);
+        for (const LocatedPair& route : handler->_entry->_routes)
+            ofHandler.check(route, say);
+        checkRivals(graph, root, child);
+    }
+}
+
+// Several that write into a sensor without a buffer overwrite each other within a frame.
+void SceneNotes::checkRivals(const SceneGraph& graph, const Trovio::NamespaceInfo& root,
+                             const Trovio::NamespaceInfo& space)
+{
+    std::map<std::string, std::set<std::string>> writers; // labels in the root, by the sensor's label in the handler
+    const auto collect = [&](const std::string& path, const Trovio::NamespaceInfo& info) {
+        const std::string before = path.empty() ? space._label + "/" : std::string();
+        for (const Trovio::RouteInfo& route : info._routes)
+            for (const Trovio::RoutePair& pair : route._pairs)
+                if (pair._reason.empty() && pair._to.starts_with(before))
+                    writers[pair._to.substr(before.size())].insert(pathBelow(path, pair._from));
+    };
+    collect({}, root);
+    collect(space._label, space);
+    for (const auto& [label, names] : writers) {
+        const GraphSensor* const sensor = graph.sensorAt(space._label, label);
+        if (names.size() < 2 || !sensor)
+            continue;
+        const auto entry = std::ranges::find(_scene._sensors, sensor->_name,
+                                             [](const SensorEntry& known) { return known._name._value; });
+        if (entry == _scene._sensors.end() || entry->_buffer._value > 1)
+            continue;
+        std::string all;
+        for (const std::string& name : names)
+            all += (all.empty() ? "" : ", ") + inQuotes(name);
+        note(entry->_name._position, "sensor " + inQuotes(sensor->_name) + " keeps the newest value only, and " +
+                                         std::to_string(names.size()) +
+                                         " write into it, one over the other: " + escaped(all, longestReason) +
+                                         "; route only one of them to it, or give it a `buffer`");
+    }
+}
+
+bool SceneNotes::finish(std::FILE* out, bool strict) const
+{
+    const std::string path = escaped(_scene._path);
+    if (_notes > mostNotes)
+        std::fprintf(stderr, "%s: and %zu more notes\n", path.c_str(), _notes - mostNotes);
+    if (const std::string text = _problems.text(); !text.empty())
+        return std::fprintf(stderr, "%s\n", text.c_str()), false;
+    if (strict && _notes > 0)
+        return std::fprintf(stderr, "%s: refused, as --strict asks: notes %zu\n", path.c_str(), _notes), false;
+    printSum(out);
+    return true;
+}
+
+void SceneNotes::printSum(std::FILE* out) const
+{
+    std::size_t routes = _scene._routes.size();
+    for (const HandlerEntry& handler : _scene._handlers)
+        routes += handler._routes.size();
+    std::fprintf(out, "%s: good: sensors %zu, handlers %zu, routes %zu, links %zu, notes %zu\n",
+                 escaped(_scene._path).c_str(), _scene._sensors.size(), _scene._handlers.size(), routes,
+                 _scene._links.size(), _notes);
+}
+} // namespace Host

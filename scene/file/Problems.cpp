@@ -1,0 +1,54 @@
+#include "scene/file/Problems.h"
+
+#include "explain/text/Escape.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace Host {
+namespace {
+constexpr std::size_t mostKept = 20;
+}
+
+void Problems::add(Position position, std::string_view text)
+{
+    if (!full())
+        _problems.push_back({position, std::string(text)});
+    else
+        ++_left;
+}
+
+bool Problems::full() const
+{
+    return _problems.size() >= mostKept;
+}
+
+std::string Problems::line(const Problem& problem) const
+{
+    const std::string file = escaped(_file, 1000);
+    if (problem._position._line == 0)
+        return file + ": " + problem._text;
+    return file + ":" + std::to_string(problem._position._line) + ":" + std::to_string(problem._position._column) +
+           ": " + problem._text;
+}
+
+std::string Problems::text() const
+{
+    std::vector<Problem> inOrder = _problems;
+    std::stable_sort(inOrder.begin(), inOrder.end(), [](const Problem& a, const Problem& b) {
+        return std::tie(a._position._line, a._position._column) < std::tie(b._position._line, b._position._column);
+    });
+    std::string text;
+    for (const Problem& problem : inOrder)
+        text += (text.empty() ? "" : "\n") + line(problem);
+    if (_left != 0)
+        text += "\n" + escaped(_file, 1000) + ": and " + std::to_string(_left) + " more";
+    return text;
+}
+
+void Problems::throwIfAny() const
+{
+    if (!_problems.empty())
+        throw SceneError(text());
+}
+} // namespace Host

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "scene/file/TomlValue.h"
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Host {
+
+/// A scene file that cannot be used; what() holds one line per problem, each "file:line:column: …".
+class SceneError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Gathers what is wrong with one scene file, so that its author sees everything at once.
+class Problems {
+public:
+    explicit Problems(std::string_view file) : _file(file) {}
+
+    void add(Position position, std::string_view text);
+
+    /// Whether further problems are only counted, so that their texts need no work.
+    bool full() const;
+
+    /// A line for each problem, in the order of the file; empty if there are none.
+    std::string text() const;
+
+    /// Throws SceneError with that text, if there are any.
+    void throwIfAny() const;
+
+private:
+    struct Problem {
+        Position _position;
+        std::string _text;
+    };
+    std::string line(const Problem& problem) const;
+
+    const std::string _file;
+    std::vector<Problem> _problems;
+    std::size_t _left = 0; // not kept: nobody reads more than a page
+};
+} // namespace Host

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "scene/file/TomlValue.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Host {
+
+/// Something that a scene file says, and where.
+template <class T>
+struct Located {
+    T _value{};
+    Position _position;
+};
+using LocatedText = Located<std::string>;
+
+/// Two texts in a list or two keys: node type and settings, or the ends of a route or link.
+struct LocatedPair {
+    LocatedText _first;
+    LocatedText _second;
+};
+
+constexpr double defaultRate = 60;                // frames per second
+constexpr double highestRate = 10'000;            // frames per second
+constexpr std::int64_t largestBuffer = 1'000'000; // values of one sensor
+constexpr std::uint64_t defaultMemory = 1u << 30; // bytes of the slots and buffers of all sensors
+constexpr std::size_t mostEntries = 100'000;      // of one kind: sensors, links, routes in one place
+constexpr std::size_t mostNodes = 1'000;          // of one handler, each with a thread or two; and handlers
+
+struct HostEntry {
+    Located<double> _rate{defaultRate, {}};
+    Located<std::uint64_t> _memory{defaultMemory, {}};
+};
+
+/// One [[handler]]; nodes become its parameters, routes its labels.
+struct HandlerEntry {
+    LocatedText _kind;
+    LocatedText _name;
+    LocatedText _url{"file:.", {}};
+    std::vector<LocatedPair> _nodes;
+    std::vector<LocatedPair> _routes;
+};
+
+/// One [[sensor]]. Without a label nothing can reach it, which is allowed and said at start.
+struct SensorEntry {
+    LocatedText _name;
+    LocatedText _type;
+    LocatedText _label;
+    LocatedText _description;
+    Located<unsigned> _buffer;
+    Located<bool> _output;
+    std::optional<TomlValue> _value;
+};
+
+/// What one scene file says, in its order. Names and texts are checked where the file alone can tell.
+struct SceneFile {
+    std::string _path;
+    HostEntry _host;
+    std::vector<HandlerEntry> _handlers;
+    std::vector<SensorEntry> _sensors;
+    std::vector<LocatedPair> _routes; // between labels of the root
+    std::vector<LocatedPair> _links;  // "sensor.value" to "sensor.value"
+};
+} // namespace Host

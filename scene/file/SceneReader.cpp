@@ -1,0 +1,185 @@
+#include "scene/file/SceneReader.h"
+
+#include "scene/file/SceneMemory.h"
+#include "scene/file/SceneRules.h"
+#include "scene/file/SceneText.h"
+#include "scene/file/TableReader.h"
+#include "scene/file/TomlText.h"
+
+#include <cmath>
+
+namespace Host {
+namespace {
+
+template <class T, class Entry>
+using Member = Located<T> Entry::*;
+
+// A key whose value is taken as it is.
+template <class Entry, class T, Member<T, Entry> member>
+const TomlValue* takePlain(const TomlValue& value, Entry& entry)
+{
+    const auto* plain = std::get_if<T>(&value._data);
+    if (plain == nullptr)
+        return &value;
+    entry.*member = {*plain, value._position};
+    return nullptr;
+}
+
+template <class Entry, LocatedText Entry::*member>
+const TomlValue* takeName(const TomlValue& value, Entry& entry)
+{
+    const auto* text = std::get_if<std::string>(&value._data);
+    return text == nullptr || text->empty() ? &value : takePlain<Entry, std::string, member>(value, entry);
+}
+
+const TomlValue* takeRate(const TomlValue& value, HostEntry& entry)
+{
+    const auto* whole = std::get_if<std::int64_t>(&value._data);
+    const auto* number = std::get_if<double>(&value._data);
+    const double rate = whole != nullptr ? static_cast<double>(*whole) : number != nullptr ? *number : 0;
+    if (!(rate > 0 && rate <= highestRate))
+        return &value;
+    entry._rate = {rate, value._position};
+    return nullptr;
+}
+
+const TomlValue* takeMemory(const TomlValue& value, HostEntry& entry)
+{
+    const auto* text = std::get_if<std::string>(&value._data);
+    const std::uint64_t bytes = text != nullptr ? bytesIn(*text) : 0;
+    if (bytes == 0)
+        return &value;
+    entry._memory = {bytes, value._position};
+    return nullptr;
+}
+
+const TomlValue* takeBuffer(const TomlValue& value, SensorEntry& entry)
+{
+    const auto* size = std::get_if<std::int64_t>(&value._data);
+    if (size == nullptr || *size < 0 || *size > largestBuffer)
+        return &value;
+    entry._buffer = {static_cast<unsigned>(*size), value._position};
+    return nullptr;
+}
+
+const TomlValue* takeValue(const TomlValue& value, SensorEntry& entry)
+{
+    entry._value = value;
+    return nullptr;
+}
+
+// A list of one or two texts; `least` is how many there must be.
+const TomlValue* takePair(const TomlValue& value, std::size_t least, LocatedPair& pair)
+{
+    const auto* list = std::get_if<TomlValue::List>(&value._data);
+    if (list == nullptr || list->size() < least || list->size() > 2)
+        return &value;
+    for (std::size_t i = 0; i < list->size(); ++i) {
+        const auto* text = std::get_if<std::string>(&(*list)[i]._data);
+        if (text == nullptr)
+            return &(*list)[i];
+        (i == 0 ? pair._first : pair._second) = {*text, (*list)[i]._position};
+    }
+    return nullptr;
+}
+
+template <std::vector<LocatedPair> HandlerEntry::*member, std::size_t least, std::size_t most>
+const TomlValue* takePairs(const TomlValue& value, HandlerEntry& entry)
+{
+    const auto* list = std::get_if<TomlValue::List>(&value._data);
+    if (list == nullptr || list->size() > most)
+        return &value;
+    for (const TomlValue& element : *list) {
+        LocatedPair pair;
+        if (const TomlValue* wrong = takePair(element, least, pair))
+            return wrong;
+        (entry.*member).push_back(pair);
+    }
+    return nullptr;
+}
+
+constexpr KeyRule<HostEntry> hostRules[] = {
+    {"rate", "frames per second, a number above 0 and up to 10000", false, takeRate},
+    {"memory", "a text such as \"2 GiB\" or \"512 MiB\", up to \"1024 GiB\"", false, takeMemory}};
+
+constexpr KeyRule<HandlerEntry> handlerRules[] = {
+    {"kind", "a text, the handler kind, e.g. \"Trovio\"", true, takeName<HandlerEntry, &HandlerEntry::_kind>},
+    {"name", "a text that is not empty", true, takeName<HandlerEntry, &HandlerEntry::_name>},
+    {"url", "a text, a URL such as \"file:.\"", false, takePlain<HandlerEntry, std::string, &HandlerEntry::_url>},
+    {"nodes", "a list of up to 1000 [\"node type\", \"settings\"], the settings may be left out", false,
+     takePairs<&HandlerEntry::_nodes, 1, mostNodes>},
+    {"routes", "a list of up to 100000 [\"from\", \"to\"]", false, takePairs<&HandlerEntry::_routes, 2, mostEntries>}};
+
+constexpr KeyRule<SensorEntry> sensorRules[] = {
+    {"name", "a text that is not empty", true, takeName<SensorEntry, &SensorEntry::_name>},
+    {"type", "a text, a field type such as \"SFVec3f\"", true, takeName<SensorEntry, &SensorEntry::_type>},
+    {"label", "a text", false, takePlain<SensorEntry, std::string, &SensorEntry::_label>},
+    {"description", "a text", false, takePlain<SensorEntry, std::string, &SensorEntry::_description>},
+    {"value", "a value of the sensor's type", false, takeValue},
+    {"buffer", "a whole number of values from 0 to 1000000", false, takeBuffer},
+    {"output", "true or false", false, takePlain<SensorEntry, bool, &SensorEntry::_output>}};
+
+constexpr KeyRule<LocatedPair> pairRules[] = {
+    {"from", "a text that is not empty", true, takeName<LocatedPair, &LocatedPair::_first>},
+    {"to", "a text that is not empty", true, takeName<LocatedPair, &LocatedPair::_second>}};
+
+constexpr std::string_view rootNames[] = {"host", "handler", "sensor", "route", "link"};
+
+// Reads every table of [[title]] into `entries`; none of them if there are more than `most`.
+template <class Entry>
+void readAll(const TomlEntry& found, std::span<const KeyRule<Entry>> rules, Problems& problems,
+             std::vector<Entry>& entries, std::size_t most = mostEntries)
+{
+    const std::string title = "[[" + found._key + "]]";
+    const auto* list = std::get_if<TomlValue::List>(&found._value._data);
+    if (list == nullptr)
+        return problems.add(found._position, "'" + found._key + "' is " + described(found._value) +
+                                                 "; allowed: tables, each under " + title);
+    if (list->size() > most)
+        return problems.add((*list)[most]._position, "the scene has " + std::to_string(list->size()) + " " + title +
+                                                         "; allowed: up to " + std::to_string(most));
+    TableReader<Entry> reader(title, rules, problems);
+    entries.reserve(list->size());
+    for (const TomlValue& table : *list)
+        entries.push_back(reader.read(table));
+}
+
+void readEntry(const TomlEntry& found, Problems& problems, SceneFile& scene)
+{
+    if (found._key == "host")
+        scene._host = TableReader<HostEntry>("[host]", hostRules, problems).read(found._value);
+    else if (found._key == "handler")
+        readAll<HandlerEntry>(found, handlerRules, problems, scene._handlers, mostNodes);
+    else if (found._key == "sensor")
+        readAll<SensorEntry>(found, sensorRules, problems, scene._sensors);
+    else if (found._key == "route")
+        readAll<LocatedPair>(found, pairRules, problems, scene._routes);
+    else if (found._key == "link")
+        readAll<LocatedPair>(found, pairRules, problems, scene._links);
+    else
+        problems.add(found._position, "unknown key " + inQuotes(found._key) + "; allowed: " + listed(rootNames) +
+                                          nearestHint(found._key, rootNames));
+}
+} // namespace
+
+SceneFile parseScene(std::string_view text, const std::string& path)
+{
+    Problems problems(path);
+    checkNesting(text, problems);
+    problems.throwIfAny();
+    const TomlValue root = parseToml(text, problems);
+    problems.throwIfAny();
+    SceneFile scene;
+    scene._path = path;
+    for (const TomlEntry& found : std::get<TomlValue::Table>(root._data))
+        readEntry(found, problems, scene);
+    checkScene(scene, problems);
+    problems.throwIfAny();
+    return scene;
+}
+
+SceneFile readScene(const std::string& path)
+{
+    return parseScene(readSceneText(path), path);
+}
+} // namespace Host

@@ -1,0 +1,64 @@
+#include "scene/file/TomlText.h"
+
+#include "explain/text/Escape.h"
+
+#define TOML_SHARED_LIB 1
+#include <toml++/toml.h>
+
+namespace Host {
+namespace {
+
+Position positionOf(const toml::source_region& source)
+{
+    return {source.begin.line, source.begin.column};
+}
+
+TomlValue converted(const toml::node& node);
+
+TomlValue::List convertedList(const toml::array& array)
+{
+    TomlValue::List list;
+    list.reserve(array.size());
+    for (const toml::node& element : array)
+        list.push_back(converted(element));
+    return list;
+}
+
+TomlValue::Table convertedTable(const toml::table& table)
+{
+    TomlValue::Table entries;
+    entries.reserve(table.size());
+    for (const auto& [key, value] : table)
+        entries.push_back({std::string(key.str()), positionOf(key.source()), converted(value)});
+    return entries;
+}
+
+TomlValue converted(const toml::node& node)
+{
+    TomlValue value{positionOf(node.source()), TomlValue::Date()};
+    if (const auto* flag = node.as_boolean())
+        value._data = flag->get();
+    else if (const auto* whole = node.as_integer())
+        value._data = whole->get();
+    else if (const auto* number = node.as_floating_point())
+        value._data = number->get();
+    else if (const auto* text = node.as_string())
+        value._data = text->get();
+    else if (const auto* array = node.as_array())
+        value._data = convertedList(*array);
+    else if (const auto* table = node.as_table())
+        value._data = convertedTable(*table);
+    return value;
+}
+} // namespace
+
+TomlValue parseToml(std::string_view text, Problems& problems)
+{
+    try {
+        return converted(toml::parse(text));
+    } catch (const toml::parse_error& error) {
+        problems.add(positionOf(error.source()), escaped(error.description(), 300));
+        return {{}, TomlValue::Table()};
+    }
+}
+} // namespace Host

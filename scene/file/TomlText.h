@@ -1,0 +1,11 @@
+#pragma once
+
+#include "scene/file/Problems.h"
+
+#include <string_view>
+
+namespace Host {
+
+/// The root table of TOML text that checkNesting has passed. A syntax error becomes a problem and an empty table.
+TomlValue parseToml(std::string_view text, Problems& problems);
+} // namespace Host

@@ -1,0 +1,175 @@
+#include "scene/run/LoadedScene.h"
+
+#include "explain/text/Escape.h"
+#include "explain/text/Failure.h"
+#include "ostrel/FieldClass.h"
+#include "scene/file/InitialValue.h"
+#include "scene/file/SceneURL.h"
+#include "scene/run/SceneParts.h"
+#include "sensorManager/SensorHandler.h"
+#include "sensorManager/SensorManager.h"
+#include "sensorManager/TrovioSensorHandler.h"
+#include "trovio/Root.h"
+
+#include <unordered_map>
+
+namespace Host {
+namespace {
+
+constexpr std::string_view fieldSuffix = ".value";
+constexpr std::size_t longestReason = 1000;
+
+std::string place(const SceneFile& file, Position at)
+{
+    return escaped(file._path) + ":" + std::to_string(at._line) + ":" + std::to_string(at._column) + ": ";
+}
+
+bool stands(const std::string& space, const std::string& label)
+{
+    const Trovio::Namespace* const found = Trovio::Root::get().getNamespace(space);
+    return found != nullptr && found->getNamespace(label) != nullptr;
+}
+} // namespace
+
+LoadedScene::LoadedScene(SceneFile file, std::string title, Stopped stopped)
+    : _file(std::move(file)), _title(std::move(title)), _stopped(std::move(stopped))
+{
+}
+
+void LoadedScene::addSensors()
+{
+    for (const SensorEntry& entry : _file._sensors) {
+        if (_stopped())
+            return;
+        addSensor(entry);
+    }
+    addLinks();
+}
+
+void LoadedScene::addSensor(const SensorEntry& entry)
+{
+    auto field = Ostrel::FieldClass::find(std::string_view(entry._type._value))->create();
+    if (entry._value)
+        setInitialValue(*field, *entry._value);
+    auto sensor = std::make_unique<Ostrel::DirectSensor>(std::move(field));
+    sensor->setName(entry._name._value);
+    sensor->setLabel(entry._label._value);
+    sensor->setDescription(entry._description._value);
+    sensor->setBufferSize(entry._buffer._value);
+    sensor->setOutput(entry._output._value);
+    _watches.emplace_back(_scene.add(std::move(sensor)), _title);
+}
+
+void LoadedScene::addLinks()
+{
+    std::unordered_map<std::string_view, Ostrel::Field*> fields;
+    for (const SensorWatch& watch : _watches)
+        fields.emplace(watch.sensor().getName(), &watch.field());
+    const auto fieldOf = [&fields](std::string_view end) {
+        return fields.at(end.substr(0, end.size() - fieldSuffix.size()));
+    };
+    for (const LocatedPair& link : _file._links)
+        fieldOf(link._first._value)->linkTo(*fieldOf(link._second._value));
+}
+
+LoadedHandler LoadedScene::madeHandler(const HandlerEntry& entry, const Say& say)
+{
+    Ostrel::SensorHandler* handler = nullptr;
+    auto& manager = *Ostrel::SensorManager::requestManager(_scene.context());
+    const auto failure = failureOf([&] {
+        handler = manager.addHandler(entry._kind._value, entry._name._value, sceneURL(entry._url._value, _file._path));
+    });
+    if (handler == nullptr)
+        miss(entry._kind._position,
+             "handler " + inQuotes(entry._name._value) + " of kind " + inQuotes(entry._kind._value),
+             failure ? escaped(*failure, longestReason) : handlerFault(entry._kind._value), say);
+    return {&entry, handler, {}};
+}
+
+void LoadedScene::addHandlers(const Say& say)
+{
+    _handlers.reserve(_file._handlers.size());
+    for (const HandlerEntry& entry : _file._handlers) {
+        if (_stopped())
+            return;
+        _handlers.push_back(madeHandler(entry, say));
+        if (_handlers.back()._handler == nullptr)
+            continue;
+        findSlots(_handlers.back());
+        for (const LocatedPair& route : entry._routes) {
+            if (_stopped())
+                return;
+            std::string from = route._first._value, to = route._second._value;
+            _handlers.back()._handler->addLabel(from, to);
+        }
+    }
+}
+
+void LoadedScene::findSlots(LoadedHandler& loaded)
+{
+    const auto* const bridge = dynamic_cast<const Ostrel::TrovioSensorHandler*>(loaded._handler);
+    if (bridge == nullptr)
+        return;
+    loaded._namespace = bridge->getNamespaceLabel();
+    for (SensorWatch& watch : _watches)
+        if (Trovio::Slot* slot = bridge->getSlot(const_cast<Ostrel::DirectSensor*>(&watch.sensor()))) // only looked up
+            watch.addSlot(*slot);
+}
+
+void LoadedScene::addNodes(const Say& say)
+{
+    for (const LoadedHandler& loaded : _handlers) {
+        if (loaded._handler == nullptr)
+            continue;
+        for (const LabelledNode& node : labelledNodes(*loaded._entry)) {
+            if (_stopped())
+                return;
+            addNode(loaded, node, say);
+        }
+    }
+}
+
+void LoadedScene::addNode(const LoadedHandler& loaded, const LabelledNode& node, const Say& say)
+{
+    const bool hasLabels = !loaded._namespace.empty();
+    std::string type = node._entry->_first._value;
+    std::string settings = hasLabels ? node._settings : node._entry->_second._value;
+    Position at = node._entry->_first._position;
+    auto failure = failureOf([&] { loaded._handler->addParameter(type, settings); });
+    if (!failure && (!hasLabels || stands(loaded._namespace, node._label)))
+        return;
+    if (!failure) { // only the log was told why
+        const MadeNode again = madeNode(node, sceneURL(loaded._entry->_url._value, _file._path));
+        failure = again._fault;
+        at = again._fault.empty() ? at : again._position;
+    }
+    miss(at, "node " + inQuotes(type), escaped(*failure, longestReason), say);
+}
+
+void LoadedScene::miss(Position at, const std::string& part, const std::string& reason, const Say& say)
+{
+    const std::string line = place(_file, at) + part + " could not be made" + (reason.empty() ? "" : ": " + reason);
+    say(line + "; the run goes on without it");
+    _missing.push_back(line);
+}
+
+void LoadedScene::frame(double now)
+{
+    _scene.frame(now);
+    _scene.takeChanged(); // ends the round, so that the next change marks its sensor anew
+}
+
+void LoadedScene::unregisterSensors()
+{
+    _watches.clear();
+    _scene.clear();
+}
+
+void LoadedScene::deleteHandlers()
+{
+    for (const LoadedHandler& loaded : _handlers)
+        if (loaded._handler != nullptr)
+            Ostrel::SensorManager::requestManager(_scene.context())->delHandler(loaded._handler);
+    _handlers.clear();
+}
+} // namespace Host

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "ostrel/Scene.h"
+#include "scene/file/SceneFile.h"
+#include "scene/run/NodeLabels.h"
+#include "scene/run/SensorWatch.h"
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Ostrel {
+class SensorHandler;
+}
+
+namespace Host {
+
+/// Where a line for the person at the terminal goes.
+using Say = std::function<void(const std::string& line)>;
+
+/// Whether to leave off what has begun.
+using Stopped = std::function<bool()>;
+
+/// One handler of a scene; null where none could be made. The sensor manager owns it.
+struct LoadedHandler {
+    const HandlerEntry* _entry;
+    Ostrel::SensorHandler* _handler;
+    std::string _namespace; // label in the framework's root; empty where the kind has none
+};
+
+/// A scene file made into a context with sensors and handlers.
+/// Order:   addSensors, addHandlers, addNodes; then frames; then unregisterSensors, deleteHandlers, destructor.
+/// Threads: the scene thread only.
+class LoadedScene {
+public:
+    /// `title` names the scene in messages where several run, else it is empty. Where `stopped` says so, it adds no
+    /// more: it is asked before each step that can take long.
+    LoadedScene(SceneFile file, std::string title, Stopped stopped);
+
+    /// Makes and registers the sensors with their initial values, and links their fields.
+    void addSensors();
+    /// Makes the handlers and their routes; says which could not be made, and goes on.
+    void addHandlers(const Say& say);
+    /// Gives the handlers their nodes, which start at once; says which could not be added, and goes on.
+    void addNodes(const Say& say);
+
+    void frame(double now);
+
+    void unregisterSensors();
+    void deleteHandlers();
+
+    const SceneFile& file() const { return _file; }
+    const std::vector<LoadedHandler>& handlers() const { return _handlers; }
+    /// In scene order; they end when the sensors are unregistered.
+    std::deque<SensorWatch>& watches() { return _watches; }
+    /// What the scene names and the run goes without, a line each: handlers and nodes that could not be made.
+    const std::vector<std::string>& missing() const { return _missing; }
+
+private:
+    void addSensor(const SensorEntry& entry);
+    void addLinks();
+    LoadedHandler madeHandler(const HandlerEntry& entry, const Say& say);
+    void findSlots(LoadedHandler& loaded);
+    void addNode(const LoadedHandler& loaded, const LabelledNode& node, const Say& say);
+    void miss(Position at, const std::string& part, const std::string& reason, const Say& say);
+
+    const SceneFile _file;
+    const std::string _title;
+    const Stopped _stopped;
+    Ostrel::Scene _scene;
+    std::vector<LoadedHandler> _handlers;
+    std::vector<std::string> _missing;
+    std::deque<SensorWatch> _watches; // never moves: fields refer to them
+};
+} // namespace Host
