@@ -2,7 +2,7 @@
 
 #include "explain/TreeWalk.h"
 
-namespace Host {
+namespace Explain {
 namespace {
 
 using Trovio::NamespaceInfo;
@@ -47,4 +47,4 @@ void writeDotRoutes(DotText& dot, const std::string& path, const NamespaceInfo& 
             writePair(dot, path, info, {route._from, route._to, route._reason});
     }
 }
-} // namespace Host
+} // namespace Explain

@@ -3,7 +3,7 @@
 #include "explain/DotText.h"
 #include "trovio/Inspection.h"
 
-namespace Host {
+namespace Explain {
 
 /// The name of a slot in the picture, as it stands in the text; the slot may be seen from the namespace with that path.
 std::string dotName(const std::string& path, const Trovio::SlotInfo& slot);
@@ -11,4 +11,4 @@ std::string dotName(const std::string& path, const Trovio::SlotInfo& slot);
 /// Writes an arrow for each pair of slots that a route of the namespace leads between, and a box for each end that is
 /// missing.
 void writeDotRoutes(DotText& dot, const std::string& path, const Trovio::NamespaceInfo& info);
-} // namespace Host
+} // namespace Explain

@@ -2,7 +2,7 @@
 
 #include "explain/text/Escape.h"
 
-namespace Host {
+namespace Explain {
 
 void DotText::open(const std::string& head)
 {
@@ -31,4 +31,4 @@ std::string DotText::quoted(const std::string& text)
     }
     return quoted + "\"";
 }
-} // namespace Host
+} // namespace Explain

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace Host {
+namespace Explain {
 
 /// Text in the language of graphviz, indented as it is nested.
 class DotText {
@@ -20,4 +20,4 @@ private:
     std::size_t _depth = 0;
     std::string _text;
 };
-} // namespace Host
+} // namespace Explain

@@ -4,7 +4,7 @@
 #include "sensorManager/FieldTypes.h"
 #include "trovio/TypeName.h"
 
-namespace Host {
+namespace Explain {
 
 std::string slotTypeName(int code)
 {
@@ -21,4 +21,4 @@ std::string fieldTypeFor(const std::string& slotType)
             return fieldClass.name();
     return {};
 }
-} // namespace Host
+} // namespace Explain

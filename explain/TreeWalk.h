@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace Host {
+namespace Explain {
 
 /// "a/b", or "b" at the top.
 inline std::string pathBelow(const std::string& path, const std::string& label)
@@ -20,4 +20,4 @@ void walkTree(const Trovio::NamespaceInfo& info, const Visit& visit, const std::
     for (const Trovio::NamespaceInfo& child : info._children)
         walkTree(child, visit, pathBelow(path, child._label));
 }
-} // namespace Host
+} // namespace Explain

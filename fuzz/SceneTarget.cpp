@@ -41,16 +41,17 @@ void checkRefusal(std::string_view text, const std::string& path)
         require(takeLine(text).starts_with(path), "every line of problems names the file");
 }
 
-void checkScene(Host::SceneFile scene)
+void checkScene(Scenes::SceneFile scene)
 {
-    require(scene._host._rate._value > 0 && scene._host._rate._value <= Host::highestRate, "the rate is in its range");
-    for (const Host::SensorEntry& sensor : scene._sensors) {
+    require(scene._host._rate._value > 0 && scene._host._rate._value <= Scenes::highestRate,
+            "the rate is in its range");
+    for (const Scenes::SensorEntry& sensor : scene._sensors) {
         require(sensor._label._value.size() <= Trovio::MaxLabelLength, "labels end at their limit");
-        require(sensor._buffer._value <= Host::largestBuffer, "buffers end at their limit");
+        require(sensor._buffer._value <= Scenes::largestBuffer, "buffers end at their limit");
         require(sensor._name._position._line > 0, "what was read knows its line");
     }
     const std::size_t count = scene._sensors.size();
-    Host::LoadedScene loaded(std::move(scene), "", [] { return false; });
+    Scenes::LoadedScene loaded(std::move(scene), "", [] { return false; });
     loaded.addSensors();
     require(loaded.watches().size() == count, "each sensor of the text is one of the scene");
     loaded.frame(1.0);
@@ -63,8 +64,8 @@ void runOnce(std::string_view input)
 {
     const MemoryFile file(input);
     try {
-        checkScene(Host::readScene(file.path()));
-    } catch (const Host::SceneError& refusal) {
+        checkScene(Scenes::readScene(file.path()));
+    } catch (const Scenes::SceneError& refusal) {
         checkRefusal(refusal.what(), file.path());
     }
 }

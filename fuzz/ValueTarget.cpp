@@ -18,19 +18,19 @@ using FieldPtr = std::unique_ptr<Ostrel::Field>;
 /// The field with the value that the text stands for; null where the text is none or does not fit the field.
 FieldPtr read(const Ostrel::FieldClass& fieldClass, std::string_view text)
 {
-    Host::Problems problems("value");
+    Scenes::Problems problems("value");
     try {
         const std::string line = "value = " + std::string(text);
-        Host::checkNesting(line, problems);
+        Scenes::checkNesting(line, problems);
         problems.throwIfAny();
-        const Host::TomlValue root = Host::parseToml(line, problems);
+        const Scenes::TomlValue root = Scenes::parseToml(line, problems);
         problems.throwIfAny();
         FieldPtr field = fieldClass.create();
-        const Host::TomlValue& value = std::get<Host::TomlValue::Table>(root._data).at(0)._value;
-        const Host::TomlValue* wrong = Host::setInitialValue(*field, value);
-        require(!wrong || isPrintable(Host::described(*wrong)), "what does not fit can be shown");
+        const Scenes::TomlValue& value = std::get<Scenes::TomlValue::Table>(root._data).at(0)._value;
+        const Scenes::TomlValue* wrong = Scenes::setInitialValue(*field, value);
+        require(!wrong || isPrintable(Scenes::described(*wrong)), "what does not fit can be shown");
         return wrong ? nullptr : std::move(field);
-    } catch (const Host::SceneError& refusal) {
+    } catch (const Scenes::SceneError& refusal) {
         require(isPrintable(refusal.what()), "problems of a value can be shown as they are");
         return nullptr;
     }

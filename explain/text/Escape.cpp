@@ -3,7 +3,7 @@
 #include "osg/LogText.h"
 #include <algorithm>
 
-namespace Host {
+namespace Explain {
 namespace {
 constexpr std::size_t messageLimit = 60;
 } // namespace
@@ -23,4 +23,4 @@ std::size_t displayWidth(std::string_view text)
     return static_cast<std::size_t>(
         std::ranges::count_if(text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80; }));
 }
-} // namespace Host
+} // namespace Explain

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace Host {
+namespace Explain {
 
 /// Text from outside as it may be shown on a terminal, see osg::escapeControls(), in about `limit` bytes at most.
 std::string escaped(std::string_view text, std::size_t limit = 200);
@@ -14,4 +14,4 @@ std::string inQuotes(std::string_view text);
 
 /// Columns that `text` takes on a terminal, one per character.
 std::size_t displayWidth(std::string_view text);
-} // namespace Host
+} // namespace Explain

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-namespace Host {
+namespace Explain {
 
 /// Runs `action` and returns the text of what it threw, if it threw. The framework's exceptions are no std::exception.
 /// That memory ran out is no failure of the action, and passes.
@@ -25,4 +25,4 @@ std::optional<std::string> failureOf(Action&& action)
         return error.getMessage();
     }
 }
-} // namespace Host
+} // namespace Explain

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-namespace Host {
+namespace Explain {
 namespace {
 
 // JSON itself writes only the first 32 characters as codes. The others take one code unit each.
@@ -39,4 +39,4 @@ std::string jsonText(const nlohmann::ordered_json& value, int indent)
 {
     return withCodes(value.dump(indent, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
 }
-} // namespace Host
+} // namespace Explain

@@ -2,7 +2,7 @@
 
 #include "explain/text/Escape.h"
 
-namespace Host {
+namespace Explain {
 
 std::string nearestHint(std::string_view found, std::span<const std::string_view> known)
 {
@@ -17,4 +17,4 @@ std::string listed(std::span<const std::string_view> names)
         text.append(text.empty() ? "" : ", ").append(name);
     return text;
 }
-} // namespace Host
+} // namespace Explain

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace Host {
+namespace Explain {
 
 using Trovio::nearestName;
 
@@ -15,4 +15,4 @@ std::string nearestHint(std::string_view found, std::span<const std::string_view
 
 /// "a, b, c"
 std::string listed(std::span<const std::string_view> names);
-} // namespace Host
+} // namespace Explain

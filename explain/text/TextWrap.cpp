@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace Host {
+namespace Explain {
 namespace {
 
 // Bytes of the first `columns` characters.
@@ -51,4 +51,4 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t width, std::
     } while (!text.empty());
     return lines;
 }
-} // namespace Host
+} // namespace Explain

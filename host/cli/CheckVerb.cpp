@@ -13,6 +13,10 @@
 #include <algorithm>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 // What a graph needs around it. Nothing in it starts.

@@ -15,6 +15,10 @@
 #include <iostream>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 // CLI11's own range lets NaN through.

@@ -15,6 +15,10 @@
 #include <cstdio>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 bool wanted(const Options& options, std::string_view name)

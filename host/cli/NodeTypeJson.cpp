@@ -7,6 +7,9 @@
 #include <sstream>
 
 namespace Host {
+
+using namespace Explain;
+
 namespace {
 
 using Json = nlohmann::ordered_json;

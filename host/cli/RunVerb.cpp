@@ -23,6 +23,10 @@
 #include <unistd.h>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 void say(const std::string& line)

@@ -21,8 +21,8 @@ int typesVerb(const Options& options);
 int versionVerb(const Options& options);
 
 /// Whether every handler and node of the scenes can be made, without starting any; says which cannot, and why.
-bool canBeMade(const std::vector<SceneFile>& files);
+bool canBeMade(const std::vector<Scenes::SceneFile>& files);
 
 /// The scene files that the caller named; says what is wrong with each, and is empty if anything is.
-std::optional<std::vector<SceneFile>> readScenes(const Options& options);
+std::optional<std::vector<Scenes::SceneFile>> readScenes(const Options& options);
 } // namespace Host

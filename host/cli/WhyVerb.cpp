@@ -19,6 +19,10 @@
 #include <nlohmann/json.hpp>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 using Trovio::Explanation;

@@ -3,6 +3,10 @@
 #include "host/graph/GraphForms.h"
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 using Trovio::NamespaceInfo;

@@ -5,6 +5,10 @@
 #include <nlohmann/json.hpp>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 using Json = nlohmann::ordered_json;

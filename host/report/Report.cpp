@@ -7,6 +7,10 @@
 #include "trovio/Root.h"
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 // Lines of one kind; a large scene says the rest as a number.

@@ -9,6 +9,10 @@
 #include <optional>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 using Json = nlohmann::ordered_json;

@@ -14,9 +14,9 @@ struct RunTotals {
 
 /// Says what became of the records in every slot that had any: as a table with a head line where `width` columns are
 /// enough for it, else one slot after the other.
-void reportSlots(const Trovio::NamespaceInfo& root, std::size_t width, const Say& say);
+void reportSlots(const Trovio::NamespaceInfo& root, std::size_t width, const Scenes::Say& say);
 
 /// Everything that was counted in a run as one JSON object on a line: {"counts":{"frames":…,"sensors":[…],"slots":[…],
 /// "nodes":[…]}}. While the session still stands.
-std::string countsLine(const Session& session, const RunTotals& totals);
+std::string countsLine(const Scenes::Session& session, const RunTotals& totals);
 } // namespace Host

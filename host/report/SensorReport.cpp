@@ -10,6 +10,10 @@
 #include <cstdio>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 std::string named(const SensorWatch& watch)

@@ -4,6 +4,10 @@
 #include "explain/text/Escape.h"
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 std::string where(const std::string& path)

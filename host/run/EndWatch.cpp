@@ -10,6 +10,10 @@
 #include <unistd.h>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 constexpr double first = 1, every = 5, interval = 0.1, forever = 3600; // seconds

@@ -15,7 +15,7 @@ namespace Host {
 class EndWatch {
 public:
     /// Throws std::system_error when there can be no more threads.
-    EndWatch(const StopSignal& stop, Say say);
+    EndWatch(const StopSignal& stop, Scenes::Say say);
     ~EndWatch();
     EndWatch(const EndWatch&) = delete;
     EndWatch& operator=(const EndWatch&) = delete;
@@ -29,7 +29,7 @@ private:
     void endAtOnce() const;
 
     const StopSignal& _stop;
-    const Say _say;
+    const Scenes::Say _say;
     std::atomic<bool> _begun{false}, _over{false};
     std::string _told; // the node that was named last; the thread's, as the next one
     double _next = 0;  // seconds that it takes until it is named again

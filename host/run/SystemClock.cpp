@@ -4,6 +4,8 @@
 
 namespace Host {
 
+using namespace Scenes;
+
 double SystemClock::now()
 {
     return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();

@@ -6,7 +6,7 @@
 namespace Host {
 
 /// The machine's clocks; a stop signal ends every wait.
-class SystemClock final : public FrameClock {
+class SystemClock final : public Scenes::FrameClock {
 public:
     explicit SystemClock(const StopSignal& stop) : _stop(stop) {}
 

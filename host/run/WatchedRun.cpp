@@ -9,6 +9,9 @@
 
 namespace Host {
 
+using namespace Explain;
+using namespace Scenes;
+
 int runWatched(std::vector<SceneFile> files, bool json,
                const std::function<int(std::vector<SceneFile>, const WatchedRun&)>& run)
 {

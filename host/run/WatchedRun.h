@@ -19,6 +19,6 @@ struct WatchedRun {
 
 /// Runs the scenes by `run`, which returns the exit code, and returns that, or Failed where it threw, which is said.
 /// `json` is for the output.
-int runWatched(std::vector<SceneFile> files, bool json,
-               const std::function<int(std::vector<SceneFile>, const WatchedRun&)>& run);
+int runWatched(std::vector<Scenes::SceneFile> files, bool json,
+               const std::function<int(std::vector<Scenes::SceneFile>, const WatchedRun&)>& run);
 } // namespace Host

@@ -12,6 +12,10 @@
 #include <nlohmann/json.hpp>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 using Json = nlohmann::json;

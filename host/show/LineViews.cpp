@@ -6,6 +6,10 @@
 #include <ostream>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 constexpr std::size_t longestValue = 400;

@@ -7,6 +7,9 @@
 #include <cstdio>
 
 namespace Host {
+
+using namespace Explain;
+
 namespace {
 
 constexpr std::size_t longestName = 28, shortestName = 12, leastValue = 18, numberWidth = 8, gap = 2;

@@ -6,6 +6,9 @@
 #include <limits>
 
 namespace Host {
+
+using namespace Explain;
+
 namespace {
 
 constexpr std::string_view orders[] = {"as in the scene", "by name", "most values first", "newest first"};

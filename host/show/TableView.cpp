@@ -13,6 +13,10 @@
 #include <unistd.h>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 constexpr double drawInterval = 0.25, writeInterval = 1, rateInterval = 1, keyInterval = 0.05; // seconds

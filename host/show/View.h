@@ -14,10 +14,10 @@ namespace Host {
 class RunLog;
 
 /// Shows the values of a run as they change. Scene thread only.
-class View : public ChangeListener {
+class View : public Scenes::ChangeListener {
 public:
     virtual ~View() = default;
-    void changed(const SensorWatch&, double) override {}
+    void changed(const Scenes::SensorWatch&, double) override {}
 
     /// A frame is over; `now` is its wall-clock time in seconds.
     virtual void frame(double now) { (void)now; }
@@ -44,6 +44,6 @@ struct TableScreen {
 /// takes the size of the terminal at standard output, and waits while the program is in the background. Otherwise it is
 /// written once a second, whole. While the last one has not been read yet none is drawn: the next one that is tells the
 /// same and more.
-std::unique_ptr<View> makeTableView(std::ostream& out, TableScreen screen, std::vector<SensorWatch*> watches,
+std::unique_ptr<View> makeTableView(std::ostream& out, TableScreen screen, std::vector<Scenes::SensorWatch*> watches,
                                     SensorFilter filter = SensorFilter());
 } // namespace Host

@@ -6,6 +6,9 @@
 
 namespace Host {
 
+using namespace Explain;
+using namespace Scenes;
+
 void Backlog::look(const Session& session)
 {
     for (const SensorWatch* watch : session.watches())

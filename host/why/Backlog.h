@@ -14,11 +14,11 @@ namespace Host {
 class Backlog {
 public:
     /// Right before a frame, which takes what has come.
-    void look(const Session& session);
+    void look(const Scenes::Session& session);
 
     /// "; buffer = 17 at sensor 'wave' would have held them" for the sensor with that label, alone or behind that of
     /// its handler's namespace; empty if it lost nothing.
-    std::string cure(const Session& session, const std::string& label) const;
+    std::string cure(const Scenes::Session& session, const std::string& label) const;
 
 private:
     struct Seen {

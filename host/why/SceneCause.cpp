@@ -8,6 +8,10 @@
 #include <algorithm>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 using Trovio::Explanation;

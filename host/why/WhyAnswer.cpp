@@ -9,6 +9,10 @@
 #include <algorithm>
 
 namespace Host {
+
+using namespace Explain;
+using namespace Scenes;
+
 namespace {
 
 using Trovio::Explanation;

@@ -13,7 +13,7 @@ Trovio::Explanation explainLabels(const std::string& from, const std::string& to
 
 /// What would help: where types differ the field type, or the setting of a node; where a route is missing its line.
 /// Empty if nobody can say.
-std::string whatFits(const Trovio::Explanation& explanation, const Session& session);
+std::string whatFits(const Trovio::Explanation& explanation, const Scenes::Session& session);
 
 /// Decides when an answer may be given. That types differ is one at once; everything else may pass, while devices come
 /// up and first records travel, or may not have shown yet, such as losses: so it has to last for a while.

@@ -5,7 +5,10 @@
 
 #include <algorithm>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
+
 namespace {
 
 using Trovio::Slot;
@@ -131,4 +134,4 @@ void RouteCheck::checkPairs(const LocatedPair& route, const std::string& quoted,
     if (known.isPending() && !isApart && !_graph.isOpen(_path, from) && !_graph.isOpen(_path, to))
         note(route._first._position, quoted + " meets nobody: " + escaped(known._reason, longestReason));
 }
-} // namespace Host
+} // namespace Scenes

@@ -5,7 +5,7 @@
 #include <functional>
 #include <map>
 
-namespace Host {
+namespace Scenes {
 
 /// Looks at the routes of one namespace in a graph, and says of those that can carry nothing why. Ends at nodes whose
 /// slots nobody knows yet are not judged.
@@ -44,4 +44,4 @@ private:
     std::map<std::pair<std::string_view, std::string_view>, const Trovio::RouteInfo*> _routes;
     std::size_t _hintsLeft; // each looks at all labels
 };
-} // namespace Host
+} // namespace Scenes

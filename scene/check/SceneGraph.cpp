@@ -12,7 +12,9 @@
 
 #include <algorithm>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
 
 // In the order of a run: where nodes come after the routes, one that closes a loop of nodes stays apart and says so.
 SceneGraph::SceneGraph(const std::vector<SceneFile>& files) : _root(std::make_unique<Trovio::Namespace>())
@@ -108,4 +110,4 @@ bool SceneGraph::isOpen(const std::string& path, const std::string& pattern) con
         return start.starts_with(slots) || (star != std::string::npos && slots.starts_with(start));
     });
 }
-} // namespace Host
+} // namespace Scenes

@@ -8,7 +8,7 @@
 #include <memory>
 #include <vector>
 
-namespace Host {
+namespace Scenes {
 
 /// A handler as it stands in the graph; without a label where its kind has no namespace.
 struct GraphHandler {
@@ -73,4 +73,4 @@ private:
     std::vector<std::unique_ptr<Trovio::Slot>> _slots;
     std::unique_ptr<Trovio::Namespace> _root; // goes before the slots that it refers to
 };
-} // namespace Host
+} // namespace Scenes

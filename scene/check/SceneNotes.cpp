@@ -10,7 +10,10 @@
 #include <map>
 #include <set>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
+
 namespace {
 constexpr std::size_t longestReason = 1000;
 constexpr std::size_t mostNotes = 200; // printed; the rest is counted
@@ -128,4 +131,4 @@ void SceneNotes::printSum(std::FILE* out) const
                  escaped(_scene._path).c_str(), _scene._sensors.size(), _scene._handlers.size(), routes,
                  _scene._links.size(), _notes);
 }
-} // namespace Host
+} // namespace Scenes

@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-namespace Host {
+namespace Scenes {
 
 /// Tells the person at the terminal what is wrong with a scene that could be read, and what is odd. A note is printed
 /// on standard error at once; what is wrong is kept for the end.
@@ -33,4 +33,4 @@ private:
     Problems _problems;
     std::size_t _notes = 0;
 };
-} // namespace Host
+} // namespace Scenes

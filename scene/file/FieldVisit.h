@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-namespace Host {
+namespace Scenes {
 
 /// Whether a field class holds a sequence.
 template <class FieldClass>
@@ -28,4 +28,4 @@ decltype(auto) visitField(Ostrel::Field& field, Action&& action)
     }
     throw std::invalid_argument("unknown field class " + field.getTypeName());
 }
-} // namespace Host
+} // namespace Scenes

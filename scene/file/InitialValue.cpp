@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-namespace Host {
+namespace Scenes {
 namespace {
 
 const TomlValue* take(const TomlValue& value, bool& to)
@@ -133,4 +133,4 @@ const TomlValue* setInitialValue(Ostrel::Field& field, const TomlValue& value)
             return take(value, concrete.value());
     });
 }
-} // namespace Host
+} // namespace Scenes

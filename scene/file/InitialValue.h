@@ -6,9 +6,9 @@ namespace Ostrel {
 class Field;
 }
 
-namespace Host {
+namespace Scenes {
 
 /// Writes a scene's value into the field, as ValueForm says, and announces nothing. Returns what does not fit, which
 /// is `value` or a part of it, and then leaves the field half-written; null when all fitted.
 const TomlValue* setInitialValue(Ostrel::Field& field, const TomlValue& value);
-} // namespace Host
+} // namespace Scenes

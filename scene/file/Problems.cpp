@@ -5,7 +5,10 @@
 #include <algorithm>
 #include <tuple>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
+
 namespace {
 constexpr std::size_t mostKept = 20;
 }
@@ -51,4 +54,4 @@ void Problems::throwIfAny() const
     if (!_problems.empty())
         throw SceneError(text());
 }
-} // namespace Host
+} // namespace Scenes

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace Host {
+namespace Scenes {
 
 /// A scene file that cannot be used; what() holds one line per problem, each "file:line:column: …".
 class SceneError : public std::runtime_error {
@@ -42,4 +42,4 @@ private:
     std::vector<Problem> _problems;
     std::size_t _left = 0; // not kept: nobody reads more than a page
 };
-} // namespace Host
+} // namespace Scenes

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace Host {
+namespace Scenes {
 
 /// Something that a scene file says, and where.
 template <class T>
@@ -63,4 +63,4 @@ struct SceneFile {
     std::vector<LocatedPair> _routes; // between labels of the root
     std::vector<LocatedPair> _links;  // "sensor.value" to "sensor.value"
 };
-} // namespace Host
+} // namespace Scenes

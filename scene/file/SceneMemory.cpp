@@ -12,7 +12,10 @@
 #include <cstdio>
 #include <numeric>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
+
 namespace {
 
 constexpr std::uint64_t MiB = 1u << 20, GiB = 1u << 30;
@@ -124,4 +127,4 @@ std::string askedFor(const std::vector<SceneFile>& files)
     }
     return text;
 }
-} // namespace Host
+} // namespace Scenes

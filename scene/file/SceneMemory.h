@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace Host {
+namespace Scenes {
 
 /// "1.5 GiB", "340 bytes"
 std::string bytesText(std::uint64_t bytes);
@@ -72,4 +72,4 @@ auto withMemoryFor(const std::vector<SceneFile>& files, Action&& action)
         throw OutOfMemory("memory ran out: " + asked);
     }
 }
-} // namespace Host
+} // namespace Scenes

@@ -8,7 +8,10 @@
 
 #include <cmath>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
+
 namespace {
 
 template <class T, class Entry>
@@ -182,4 +185,4 @@ SceneFile readScene(const std::string& path)
 {
     return parseScene(readSceneText(path), path);
 }
-} // namespace Host
+} // namespace Scenes

@@ -12,7 +12,10 @@
 
 #include <unordered_map>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
+
 namespace {
 
 constexpr std::size_t longestLabel = 1024; // bytes, as the framework has it
@@ -192,4 +195,4 @@ void checkScene(const SceneFile& scene, Problems& problems)
 {
     SceneCheck(scene, problems).run();
 }
-} // namespace Host
+} // namespace Scenes

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-namespace Host {
+namespace Scenes {
 namespace {
 
 // Walks over the text and keeps line, column and depth. A dot of a key opens a table as a bracket does.
@@ -120,4 +120,4 @@ void checkNesting(std::string_view text, Problems& problems)
         problems.add(scan.position(),
                      "nests deeper than " + std::to_string(deepestNesting) + " levels, the most that a scene may have");
 }
-} // namespace Host
+} // namespace Scenes

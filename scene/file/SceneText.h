@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace Host {
+namespace Scenes {
 
 constexpr std::size_t largestSceneFile = 16u << 20; // bytes
 constexpr std::size_t deepestNesting = 128;
@@ -18,4 +18,4 @@ std::string readSceneText(const std::string& path);
 /// Refuses text whose lists, tables and dotted keys nest deeper than deepestNesting, which a recursive parser (and
 /// the destructor of what it built) would pay for with its stack. Knows of TOML only strings, comments and brackets.
 void checkNesting(std::string_view text, Problems& problems);
-} // namespace Host
+} // namespace Scenes

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string_view>
 
-namespace Host {
+namespace Scenes {
 namespace {
 
 // Everything but letters, digits and what may stand in a path as it is.
@@ -35,4 +35,4 @@ Merid::URL sceneURL(const std::string& text, const std::string& scenePath)
     const auto folder = std::filesystem::absolute(scenePath).parent_path();
     return Merid::URL("file:" + percentEncoded((folder / path).lexically_normal().string()));
 }
-} // namespace Host
+} // namespace Scenes

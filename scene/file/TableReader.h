@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace Host {
+namespace Scenes {
 
 /// One key that a table may have: what its value may be, for messages, and what takes it. `_take` returns the value,
 /// or the part of it, that does not fit; null when all of it does.
@@ -56,8 +56,9 @@ private:
     {
         const auto rule = std::ranges::find(_rules, std::string_view(found._key), &KeyRule<Entry>::_name);
         if (rule == _rules.end())
-            return _problems.add(found._position, "unknown key " + inQuotes(found._key) + " in " + _title +
-                                                      "; allowed: " + listed(_names) + nearestHint(found._key, _names));
+            return _problems.add(found._position, "unknown key " + Explain::inQuotes(found._key) + " in " + _title +
+                                                      "; allowed: " + Explain::listed(_names) +
+                                                      Explain::nearestHint(found._key, _names));
         if (const TomlValue* wrong = rule->_take(found._value, entry))
             _problems.add(wrong->_position, "'" + found._key + "' of " + _title + " holds " + described(*wrong) +
                                                 "; allowed: " + std::string(rule->_allowed));
@@ -68,4 +69,4 @@ private:
     std::vector<std::string_view> _names;
     Problems& _problems;
 };
-} // namespace Host
+} // namespace Scenes

@@ -5,7 +5,10 @@
 #define TOML_SHARED_LIB 1
 #include <toml++/toml.h>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
+
 namespace {
 
 Position positionOf(const toml::source_region& source)
@@ -61,4 +64,4 @@ TomlValue parseToml(std::string_view text, Problems& problems)
         return {{}, TomlValue::Table()};
     }
 }
-} // namespace Host
+} // namespace Scenes

@@ -5,7 +5,10 @@
 #include <array>
 #include <charconv>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
+
 namespace {
 
 struct Describe {
@@ -28,4 +31,4 @@ std::string described(const TomlValue& value)
 {
     return std::visit(Describe(), value._data);
 }
-} // namespace Host
+} // namespace Scenes

@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-namespace Host {
+namespace Scenes {
 
 /// Where something stands in a scene file, both from 1; 0 means the file as a whole.
 struct Position {
@@ -34,4 +34,4 @@ struct TomlEntry {
 
 /// "a text ('abc')", "a whole number (7)", "a list of 3": a value as a message shows it.
 std::string described(const TomlValue& value);
-} // namespace Host
+} // namespace Scenes

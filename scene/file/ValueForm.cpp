@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-namespace Host {
+namespace Scenes {
 namespace {
 
 constexpr char same[] = "as in a scene; null for what is no finite number";
@@ -66,4 +66,4 @@ std::string oscForm(int code)
 {
     return formOf(code)._osc + std::string(isMultiple(code) ? ", for each value" : "");
 }
-} // namespace Host
+} // namespace Scenes

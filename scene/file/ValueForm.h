@@ -3,7 +3,7 @@
 #include <span>
 #include <string>
 
-namespace Host {
+namespace Scenes {
 
 /// How the values of one kind are written in scene files, in JSON and in OSC messages. One row serves the
 /// single-value class and the multiple-value class.
@@ -21,4 +21,4 @@ std::span<const ValueForm> valueForms();
 std::string sceneForm(int code);
 std::string jsonForm(int code);
 std::string oscForm(int code);
-} // namespace Host
+} // namespace Scenes

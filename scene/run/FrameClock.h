@@ -1,6 +1,6 @@
 #pragma once
 
-namespace Host {
+namespace Scenes {
 
 /// The time of a frame loop; tests hand in one that they drive by hand.
 class FrameClock {
@@ -16,4 +16,4 @@ public:
     /// Blocks until `steady` has reached that time or the loop shall stop; returns whether it shall go on.
     virtual bool waitUntil(double time) = 0;
 };
-} // namespace Host
+} // namespace Scenes

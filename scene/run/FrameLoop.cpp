@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace Host {
+namespace Scenes {
 
 void FrameLoop::run(const std::function<bool(double now)>& frame)
 {
@@ -22,4 +22,4 @@ void FrameLoop::run(const std::function<bool(double now)>& frame)
         slot += std::max<std::uint64_t>(late, 1);
     }
 }
-} // namespace Host
+} // namespace Scenes

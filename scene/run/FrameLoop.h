@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <functional>
 
-namespace Host {
+namespace Scenes {
 
 /// When a frame loop ends by itself; whichever comes first.
 struct LoopLimits {
@@ -35,4 +35,4 @@ private:
     std::uint64_t _frames = 0;
     std::uint64_t _skipped = 0;
 };
-} // namespace Host
+} // namespace Scenes

@@ -13,7 +13,10 @@
 
 #include <unordered_map>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
+
 namespace {
 
 constexpr std::string_view fieldSuffix = ".value";
@@ -172,4 +175,4 @@ void LoadedScene::deleteHandlers()
             Ostrel::SensorManager::requestManager(_scene.context())->delHandler(loaded._handler);
     _handlers.clear();
 }
-} // namespace Host
+} // namespace Scenes

@@ -15,7 +15,7 @@ namespace Ostrel {
 class SensorHandler;
 }
 
-namespace Host {
+namespace Scenes {
 
 /// Where a line for the person at the terminal goes.
 using Say = std::function<void(const std::string& line)>;
@@ -74,4 +74,4 @@ private:
     std::vector<std::string> _missing;
     std::deque<SensorWatch> _watches; // never moves: fields refer to them
 };
-} // namespace Host
+} // namespace Scenes

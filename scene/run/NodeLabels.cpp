@@ -8,7 +8,10 @@
 #include <algorithm>
 #include <set>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
+
 namespace {
 
 using Trovio::SettingText;
@@ -97,4 +100,4 @@ std::vector<LabelledNode> labelledNodes(const HandlerEntry& handler)
     }
     return nodes;
 }
-} // namespace Host
+} // namespace Scenes

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace Host {
+namespace Scenes {
 
 /// One node of a handler, and the label under which it is to stand.
 struct LabelledNode {
@@ -19,4 +19,4 @@ struct LabelledNode {
 /// knows keeps the label of the known type whose name is nearest.
 /// Ownership: refers to the entries of the handler.
 std::vector<LabelledNode> labelledNodes(const HandlerEntry& handler);
-} // namespace Host
+} // namespace Scenes

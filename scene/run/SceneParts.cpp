@@ -9,7 +9,10 @@
 
 #include <algorithm>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
+
 namespace {
 
 // The bridge needs a root to stand under; the others are made to see whether they can be.
@@ -49,4 +52,4 @@ MadeNode madeNode(const LabelledNode& node, const Merid::URL& baseURL)
         return {nullptr, *failure, (entry._second._position._line != 0 ? entry._second : entry._first)._position};
     return made;
 }
-} // namespace Host
+} // namespace Scenes

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-namespace Host {
+namespace Scenes {
 
 constexpr std::string_view bridgeKind = "Trovio"; // the kind of handler that has nodes and routes between labels
 
@@ -24,4 +24,4 @@ struct MadeNode {
 
 /// `baseURL` is what relative file names in the settings are resolved against.
 MadeNode madeNode(const LabelledNode& node, const Merid::URL& baseURL);
-} // namespace Host
+} // namespace Scenes

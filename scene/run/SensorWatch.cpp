@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace Host {
+namespace Scenes {
 
 SensorWatch::SensorWatch(Ostrel::DirectSensor& sensor, std::string scene)
     : Observer("watch"), _sensor(sensor), _scene(std::move(scene))
@@ -69,4 +69,4 @@ void SensorWatch::notify(const Ostrel::TimeStamp& time, Ostrel::BaseObject*, Ost
     if (_listener != nullptr)
         _listener->changed(*this, time);
 }
-} // namespace Host
+} // namespace Scenes

@@ -12,7 +12,7 @@ class BasicInSlot;
 class Slot;
 } // namespace Trovio
 
-namespace Host {
+namespace Scenes {
 
 class SensorWatch;
 
@@ -82,4 +82,4 @@ private:
     std::optional<double> _stamp;
     double _stepsSinceChange = 0;
 };
-} // namespace Host
+} // namespace Scenes

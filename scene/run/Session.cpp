@@ -6,7 +6,10 @@
 
 #include <algorithm>
 
-namespace Host {
+namespace Scenes {
+
+using namespace Explain;
+
 namespace {
 
 bool getsFromAnother(const std::string& label, const Trovio::NamespaceInfo& root)
@@ -102,4 +105,4 @@ std::vector<SensorWatch*> Session::watches() const
             all.push_back(&watch);
     return all;
 }
-} // namespace Host
+} // namespace Scenes

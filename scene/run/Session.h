@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-namespace Host {
+namespace Scenes {
 
 /// Everything that runs: the framework's root and one context per scene file.
 /// Ownership: owns the scenes and what they made. The destructor takes everything down, whatever stands by then.
@@ -41,4 +41,4 @@ private:
     std::vector<std::unique_ptr<LoadedScene>> _scenes;
     std::vector<std::unique_ptr<Trovio::Namespace>> _stopped; // of the handlers, out of the root
 };
-} // namespace Host
+} // namespace Scenes

@@ -45,9 +45,9 @@ void expectPicture(const osg::Image& image, const Picture& expected)
 
 TEST(Pictures, ReachImageFieldsInEveryFormat)
 {
-    Host::Session session;
-    std::vector<Host::SceneFile> files;
-    files.push_back(Host::readScene(PROJECT_FOLDER "/examples/pictures.toml"));
+    Scenes::Session session;
+    std::vector<Scenes::SceneFile> files;
+    files.push_back(Scenes::readScene(PROJECT_FOLDER "/examples/pictures.toml"));
     session.build(std::move(files), [](const std::string& line) { ADD_FAILURE() << line; });
     const auto watches = session.watches();
     ASSERT_EQ(watches.size(), 2 * std::size(pictures));
@@ -55,7 +55,7 @@ TEST(Pictures, ReachImageFieldsInEveryFormat)
         session.frame(now);
         std::this_thread::yield();
     }
-    for (const Host::SensorWatch* watch : watches) {
+    for (const Scenes::SensorWatch* watch : watches) {
         std::string name = watch->sensor().getName();
         SCOPED_TRACE(name);
         name.erase(0, name.starts_with("many ") ? 5 : 0);

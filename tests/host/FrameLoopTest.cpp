@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-using namespace Host;
+using namespace Scenes;
 
 namespace {
 

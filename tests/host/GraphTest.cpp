@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 using namespace Host;
+using namespace Scenes;
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
+using namespace Explain;
 using namespace Host;
 
 namespace {

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 
-using namespace Host;
+using namespace Scenes;
 
 namespace {
 

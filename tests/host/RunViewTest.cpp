@@ -7,6 +7,7 @@
 #include <sstream>
 
 using namespace Host;
+using namespace Scenes;
 
 namespace {
 

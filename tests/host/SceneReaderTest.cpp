@@ -5,7 +5,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 
-using namespace Host;
+using namespace Scenes;
 
 namespace {
 

@@ -14,6 +14,7 @@
 #include <sstream>
 
 using namespace Host;
+using namespace Scenes;
 
 namespace {
 

@@ -5,7 +5,8 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 
-using namespace Host;
+using namespace Explain;
+using namespace Scenes;
 
 namespace {
 

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 using namespace Host;
+using namespace Scenes;
 
 namespace {
 
