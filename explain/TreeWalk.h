@@ -20,4 +20,9 @@ void walkTree(const Trovio::NamespaceInfo& info, const Visit& visit, const std::
     for (const Trovio::NamespaceInfo& child : info._children)
         walkTree(child, visit, pathBelow(path, child._label));
 }
+
+inline const char* directionOf(const Trovio::SlotInfo& slot)
+{
+    return slot._direction == Trovio::Slot::Direction::Out ? "out" : "in";
+}
 } // namespace Explain

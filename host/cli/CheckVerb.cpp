@@ -1,9 +1,9 @@
 #include "host/cli/Verbs.h"
 
+#include "explain/Graph.h"
 #include "explain/text/Escape.h"
 #include "explain/text/Failure.h"
 #include "host/cli/ExitCode.h"
-#include "host/graph/GraphForms.h"
 #include "host/output/RunLog.h"
 #include "scene/check/SceneNotes.h"
 #include "scene/file/SceneMemory.h"
@@ -45,9 +45,11 @@ std::unique_ptr<SceneGraph> makeGraph(const std::vector<SceneFile>& files)
     return graph;
 }
 
-std::string graphIn(Format format, const SceneGraph& graph)
+std::string graphIn(Format format, const Trovio::NamespaceInfo& root, const ScenePlaces& places)
 {
-    return format == Format::Text ? graphText(graph) : format == Format::Json ? graphJson(graph) : graphDot(graph);
+    return format == Format::Text   ? graphText(root, places)
+           : format == Format::Json ? graphJson(root, places)
+                                    : graphDot(root, places);
 }
 
 int checkScenes(const std::vector<SceneFile>& files, const Options& options)
@@ -66,7 +68,7 @@ int checkScenes(const std::vector<SceneFile>& files, const Options& options)
             code = BadUsage;
     }
     if (printsGraph)
-        std::fputs(graphIn(options._graph, *graph).c_str(), stdout);
+        std::fputs(graphIn(options._graph, root, graph->places()).c_str(), stdout);
     return code;
 }
 } // namespace

@@ -1,14 +1,11 @@
+#include "explain/Graph.h"
+
 #include "explain/TreeWalk.h"
 #include "explain/text/JsonText.h"
-#include "host/graph/GraphForms.h"
 
 #include <nlohmann/json.hpp>
 
-namespace Host {
-
-using namespace Explain;
-using namespace Scenes;
-
+namespace Explain {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -23,7 +20,7 @@ Json routeJson(const Trovio::RouteInfo& route)
             {"pending", route.isPending()}, {"reason", route._reason}, {"pairs", pairs}};
 }
 
-Json jsonOf(const SceneGraph& graph, const NamespaceInfo& info, const std::string& path)
+Json jsonOf(const ScenePlaces& places, const NamespaceInfo& info, const std::string& path)
 {
     Json object{{"label", info._label}};
     if (info._node)
@@ -33,30 +30,30 @@ Json jsonOf(const SceneGraph& graph, const NamespaceInfo& info, const std::strin
         if (!slot._own)
             continue;
         slots.push_back({{"label", slot._label}, {"direction", directionOf(slot)}, {"type", slot._typeName}});
-        if (const GraphSensor* const sensor = graph.sensorAt(path, slot._label))
+        if (const ScenePlaces::Sensor* const sensor = places.sensorAt(path, slot._label))
             slots.back()["sensor"] = sensor->_name;
     }
     for (const Trovio::RouteInfo& route : info._routes)
         routes.push_back(routeJson(route));
     for (const NamespaceInfo& child : info._children)
-        children.push_back(jsonOf(graph, child, pathBelow(path, child._label)));
+        children.push_back(jsonOf(places, child, pathBelow(path, child._label)));
     object.update({{"slots", slots}, {"routes", routes}, {"namespaces", children}});
     return object;
 }
 } // namespace
 
-std::string graphJson(const SceneGraph& graph)
+std::string graphJson(const NamespaceInfo& root, const ScenePlaces& places)
 {
     Json handlers = Json::array();
-    for (const GraphHandler& handler : graph.handlers())
-        handlers.push_back({{"scene", handler._scene->_path},
-                            {"name", handler._entry->_name._value},
-                            {"kind", handler._entry->_kind._value},
-                            {"namespace", handler._label}});
+    for (const ScenePlaces::Handler& handler : places._handlers)
+        handlers.push_back({{"scene", places._scenes.at(handler._scene)},
+                            {"name", handler._name},
+                            {"kind", handler._kind},
+                            {"namespace", handler._path}});
     Json links = Json::array();
-    for (const SceneGraph::Link& link : graph.links())
-        links.push_back({{"scene", link._scene->_path}, {"from", link._from}, {"to", link._to}});
-    const Json object{{"handlers", handlers}, {"root", jsonOf(graph, graph.inspect(), {})}, {"links", links}};
+    for (const ScenePlaces::Link& link : places._links)
+        links.push_back({{"scene", places._scenes.at(link._scene)}, {"from", link._from}, {"to", link._to}});
+    const Json object{{"handlers", handlers}, {"root", jsonOf(places, root, {})}, {"links", links}};
     return jsonText(object, 2) + "\n";
 }
-} // namespace Host
+} // namespace Explain

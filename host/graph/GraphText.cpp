@@ -1,12 +1,11 @@
+#include "explain/Graph.h"
+
 #include "explain/TreeWalk.h"
 #include "explain/text/Escape.h"
-#include "host/graph/GraphForms.h"
 
-namespace Host {
+#include <algorithm>
 
-using namespace Explain;
-using namespace Scenes;
-
+namespace Explain {
 namespace {
 
 using Trovio::NamespaceInfo;
@@ -15,20 +14,19 @@ using Trovio::SlotInfo;
 
 constexpr std::size_t longestReason = 1000;
 
-// "handler 'devices' (Trovio), in the root as Context", or the node's type.
-std::string titleOf(const SceneGraph& graph, const std::string& path, const NamespaceInfo& info)
+// "handler 'devices' (Trovio), in the root as 'Context'", or the node's type.
+std::string titleOf(const ScenePlaces& places, const std::string& path, const NamespaceInfo& info)
 {
     if (info._node)
         return "node " + inQuotes(path) + " (" + info._node->_typeName + (info._node->_relays ? "), passes on" : ")");
-    const GraphHandler* const handler = graph.handlerAt(path);
-    return handler ? "handler " + inQuotes(handler->_entry->_name._value) + " (" + handler->_entry->_kind._value +
-                         "), in the root as " + inQuotes(path)
-                   : "root";
+    if (const ScenePlaces::Handler* const handler = places.handlerAt(path))
+        return "handler " + inQuotes(handler->_name) + " (" + handler->_kind + "), in the root as " + inQuotes(path);
+    return path.empty() ? "root" : "namespace " + inQuotes(path);
 }
 
-std::string slotText(const SceneGraph& graph, const std::string& path, const SlotInfo& slot)
+std::string slotText(const ScenePlaces& places, const std::string& path, const SlotInfo& slot)
 {
-    const GraphSensor* const sensor = graph.sensorAt(path, slot._label);
+    const ScenePlaces::Sensor* const sensor = places.sensorAt(path, slot._label);
     return "    " + std::string(directionOf(slot)) + "-slot " + inQuotes(slot._label) + " " + slot._typeName +
            (sensor ? ", sensor " + inQuotes(sensor->_name) : "") + "\n";
 }
@@ -47,30 +45,40 @@ std::string routeText(const RouteInfo& route)
     return text;
 }
 
-std::string textOf(const SceneGraph& graph, const std::string& path, const NamespaceInfo& info)
+std::string textOf(const ScenePlaces& places, const std::string& path, const NamespaceInfo& info)
 {
     std::string text;
     for (const SlotInfo& slot : info._slots)
         if (slot._own)
-            text += slotText(graph, path, slot);
+            text += slotText(places, path, slot);
     for (const RouteInfo& route : info._routes)
         text += routeText(route);
     // Of the root only its routes are worth a word.
-    return text.empty() && path.empty() ? text : titleOf(graph, path, info) + "\n" + text;
+    return text.empty() && path.empty() ? text : titleOf(places, path, info) + "\n" + text;
 }
 } // namespace
 
-std::string graphText(const SceneGraph& graph)
+std::string graphText(const NamespaceInfo& root, const ScenePlaces& places)
 {
     std::string text;
-    walkTree(graph.inspect(),
-             [&](const std::string& path, const NamespaceInfo& info) { text += textOf(graph, path, info); });
-    for (const GraphHandler& handler : graph.handlers())
-        if (handler._label.empty())
-            text += "handler " + inQuotes(handler._entry->_name._value) + " (" + handler._entry->_kind._value +
-                    "), without namespace\n";
-    for (const SceneGraph::Link& link : graph.links())
+    walkTree(root, [&](const std::string& path, const NamespaceInfo& info) { text += textOf(places, path, info); });
+    for (const ScenePlaces::Handler& handler : places._handlers)
+        if (handler._path.empty())
+            text += "handler " + inQuotes(handler._name) + " (" + handler._kind + "), without namespace\n";
+    for (const ScenePlaces::Link& link : places._links)
         text += "link " + inQuotes(link._from) + " -> " + inQuotes(link._to) + "\n";
     return text;
 }
-} // namespace Host
+
+const ScenePlaces::Handler* ScenePlaces::handlerAt(const std::string& path) const
+{
+    const auto found = std::ranges::find(_handlers, path, &Handler::_path);
+    return path.empty() || found == _handlers.end() ? nullptr : &*found;
+}
+
+const ScenePlaces::Sensor* ScenePlaces::sensorAt(const std::string& path, const std::string& label) const
+{
+    const auto found = _sensors.find({path, label});
+    return found == _sensors.end() ? nullptr : &found->second;
+}
+} // namespace Explain

@@ -73,7 +73,7 @@ std::string RouteCheck::whyOpposed(const End& end) const
 {
     const std::string label = inQuotes(end._text._value);
     const bool mustGive = end._direction == Slot::Direction::Out;
-    if (const GraphSensor* const sensor = sensorOf(*end._opposed))
+    if (const Explain::ScenePlaces::Sensor* const sensor = sensorOf(*end._opposed))
         return "sensor " + inQuotes(sensor->_name) + " at " + label +
                (mustGive ? " takes values; with `output = true` it gives them"
                          : " has `output = true`, so it gives values; without that it takes them");
@@ -84,13 +84,14 @@ std::string RouteCheck::whyOpposed(const End& end) const
 }
 
 // Own slots of a handler are sensors; in the root they stand behind the label of their handler.
-const GraphSensor* RouteCheck::sensorOf(const SlotInfo& slot) const
+const Explain::ScenePlaces::Sensor* RouteCheck::sensorOf(const SlotInfo& slot) const
 {
     if (!_path.empty())
-        return slot._own ? _graph.sensorAt(_path, slot._label) : nullptr;
+        return slot._own ? _graph.places().sensorAt(_path, slot._label) : nullptr;
     const std::size_t slash = slot._home.find('/');
-    return slash == std::string::npos ? nullptr
-                                      : _graph.sensorAt(slot._home.substr(0, slash), slot._home.substr(slash + 1));
+    return slash == std::string::npos
+               ? nullptr
+               : _graph.places().sensorAt(slot._home.substr(0, slash), slot._home.substr(slash + 1));
 }
 
 bool RouteCheck::checkMissing(const std::string& route, const End& end, const Note& note)

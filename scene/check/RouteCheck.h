@@ -35,7 +35,7 @@ private:
     bool checkMissing(const std::string& route, const End& end, const Note& note);
     void checkPairs(const LocatedPair& route, const std::string& quoted, const Note& note) const;
     std::string whyOpposed(const End& end) const;
-    const GraphSensor* sensorOf(const Trovio::SlotInfo& slot) const;
+    const Explain::ScenePlaces::Sensor* sensorOf(const Trovio::SlotInfo& slot) const;
     std::string nearest(const End& end);
 
     const SceneGraph& _graph;

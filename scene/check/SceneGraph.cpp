@@ -25,12 +25,31 @@ SceneGraph::SceneGraph(const std::vector<SceneFile>& files) : _root(std::make_un
     for (const SceneFile& file : files) {
         for (const LocatedPair& route : file._routes)
             _root->addRoute(route._first._value, route._second._value);
-        for (const LocatedPair& link : file._links)
-            _links.push_back({&file, link._first._value, link._second._value});
     }
     for (const GraphHandler& handler : _handlers)
         if (!handler._label.empty())
             addNodes(handler);
+    addPlaces(files);
+}
+
+void SceneGraph::addPlaces(const std::vector<SceneFile>& files)
+{
+    for (std::size_t scene = 0; scene < files.size(); ++scene) {
+        const SceneFile& file = files[scene];
+        _places._scenes.push_back(file._path);
+        for (const GraphHandler& handler : _handlers) {
+            if (handler._scene != &file)
+                continue;
+            const HandlerEntry& entry = *handler._entry;
+            _places._handlers.push_back({scene, entry._name._value, entry._kind._value, handler._label});
+            if (!handler._label.empty())
+                for (const SensorEntry& sensor : file._sensors)
+                    if (!sensor._label._value.empty())
+                        _places._sensors[{handler._label, sensor._label._value}] = {scene, sensor._name._value};
+        }
+        for (const LocatedPair& link : file._links)
+            _places._links.push_back({scene, link._first._value, link._second._value});
+    }
 }
 
 GraphHandler SceneGraph::madeHandler(const SceneFile& file, const HandlerEntry& entry)
@@ -55,7 +74,6 @@ void SceneGraph::addSensor(const GraphHandler& handler, const SensorEntry& entry
     const std::string& label = entry._label._value;
     if (label.empty())
         return;
-    _sensors.emplace(Place(handler._label, label), GraphSensor{handler._scene, entry._name._value});
     Trovio::Namespace& space = *_root->getNamespace(handler._label);
     const int code = Ostrel::FieldClass::find(std::string_view(entry._type._value))->code();
     Ostrel::withFieldType(code, [&]<class Row>(Row) {
@@ -93,12 +111,6 @@ const GraphHandler* SceneGraph::handlerAt(const std::string& path) const
 {
     const auto found = std::ranges::find(_handlers, path, &GraphHandler::_label);
     return path.empty() || found == _handlers.end() ? nullptr : &*found;
-}
-
-const GraphSensor* SceneGraph::sensorAt(const std::string& path, const std::string& label) const
-{
-    const auto found = _sensors.find({path, label});
-    return found == _sensors.end() ? nullptr : &found->second;
 }
 
 bool SceneGraph::isOpen(const std::string& path, const std::string& pattern) const

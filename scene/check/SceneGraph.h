@@ -1,10 +1,10 @@
 #pragma once
 
+#include "explain/Graph.h"
 #include "scene/file/SceneFile.h"
 #include "trovio/Namespace.h"
 #include "trovio/Slot.h"
 
-#include <map>
 #include <memory>
 #include <vector>
 
@@ -25,13 +25,6 @@ struct GraphFault {
     bool _fromOutside; // the scene may be right: what it names is not usable on this machine
 };
 
-/// A sensor that a slot of a handler serves.
-struct GraphSensor {
-    const SceneFile* _scene;
-    std::string _name;
-    auto operator<=>(const GraphSensor&) const = default;
-};
-
 /// What scenes would connect if they ran: their handlers, nodes, slots and routes, in a tree of their own beside the
 /// root, so that no node starts. Slots that a node makes only while it runs are not there.
 /// Ownership: owns the tree and the slots of the sensors; refers to the files, which must live as long.
@@ -44,17 +37,11 @@ public:
     const std::vector<GraphFault>& faults() const { return _faults; }
     Trovio::NamespaceInfo inspect() const { return _root->inspect(); }
 
-    /// Between fields: "grip.value".
-    struct Link {
-        const SceneFile* _scene;
-        std::string _from, _to;
-    };
-    const std::vector<Link>& links() const { return _links; }
+    /// What the scenes say about the tree.
+    const Explain::ScenePlaces& places() const { return _places; }
 
     /// The handler whose namespace has that path; null if there is none.
     const GraphHandler* handlerAt(const std::string& path) const;
-    /// The sensor that has the label in the namespace with that path; null if none has, such as in a node.
-    const GraphSensor* sensorAt(const std::string& path, const std::string& label) const;
     /// Whether slots may yet appear under labels that match the pattern: those of a node that could not be made, or
     /// that has none before it runs. The labels are those that the namespace with that path sees.
     bool isOpen(const std::string& path, const std::string& pattern) const;
@@ -62,14 +49,13 @@ public:
 private:
     GraphHandler madeHandler(const SceneFile& file, const HandlerEntry& entry);
     void addSensor(const GraphHandler& handler, const SensorEntry& entry);
+    void addPlaces(const std::vector<SceneFile>& files);
     void addNodes(const GraphHandler& handler);
 
-    using Place = std::pair<std::string, std::string>; // label of a namespace, label of a slot in it
     std::vector<GraphHandler> _handlers;
-    std::vector<Link> _links;
     std::vector<GraphFault> _faults;
     std::vector<std::string> _openPlaces; // paths of nodes whose slots nobody knows yet
-    std::map<Place, GraphSensor> _sensors;
+    Explain::ScenePlaces _places;
     std::vector<std::unique_ptr<Trovio::Slot>> _slots;
     std::unique_ptr<Trovio::Namespace> _root; // goes before the slots that it refers to
 };

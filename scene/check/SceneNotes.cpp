@@ -92,7 +92,7 @@ void SceneNotes::checkRivals(const SceneGraph& graph, const Trovio::NamespaceInf
     collect({}, root);
     collect(space._label, space);
     for (const auto& [label, names] : writers) {
-        const GraphSensor* const sensor = graph.sensorAt(space._label, label);
+        const Explain::ScenePlaces::Sensor* const sensor = graph.places().sensorAt(space._label, label);
         if (names.size() < 2 || !sensor)
             continue;
         const auto entry = std::ranges::find(_scene._sensors, sensor->_name,

@@ -1,4 +1,5 @@
-#include "host/graph/GraphForms.h"
+#include "explain/Graph.h"
+#include "scene/check/SceneGraph.h"
 #include "scene/file/SceneReader.h"
 #include "trovio/InSlot.h"
 #include "trovio/Node.h"
@@ -9,7 +10,6 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-using namespace Host;
 using namespace Scenes;
 
 namespace {
@@ -66,14 +66,14 @@ protected:
 
 TEST_F(GraphTest, TellsTheStateOfRoutesToReadersAndToPrograms)
 {
-    const std::string text = graphText(*_graph);
+    const std::string text = graphText(_graph->inspect(), _graph->places());
     for (const char* line :
          {"handler 'h' (Trovio), in the root as 'Context'\n    out-slot 'Echo' Vec3f, sensor 'echo'\n",
           "    route '*' -> 'Doubler/in': connects 1\n        not 'Echo' -> 'Doubler/in': ",
           "node 'Context/Doubler' (Doubler), passes on\n    in-slot 'in' Float\n",
           "handler 'other' (OT), without namespace\n", "link 'tip.value' -> 'echo.value'\n"})
         EXPECT_NE(text.find(line), std::string::npos) << line << text;
-    const auto json = nlohmann::json::parse(graphJson(*_graph));
+    const auto json = nlohmann::json::parse(graphJson(_graph->inspect(), _graph->places()));
     const auto& context = json.at("root").at("namespaces").at(0);
     EXPECT_EQ(context.at("slots").at(2).at("sensor"), "wand");
     EXPECT_EQ(context.at("routes").at(0).at("connections"), 1);
@@ -85,7 +85,7 @@ TEST_F(GraphTest, TellsTheStateOfRoutesToReadersAndToPrograms)
 
 TEST_F(GraphTest, DrawsWhatDoesNotConnectInRed)
 {
-    const std::string dot = graphDot(*_graph);
+    const std::string dot = graphDot(_graph->inspect(), _graph->places());
     for (const char* line : {"  \"Context/Knob\" -> \"Context/Doubler/in\";\n",
                              "  \"Context/Doubler/in\" -> \"Context/Doubler/out\" [style=dotted];\n",
                              "  \"Context/Doubler/out\" -> \"Context/Wand\" [style=dashed, color=red, tooltip=",
