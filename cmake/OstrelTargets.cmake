@@ -84,10 +84,19 @@ function(ostrel_library name)
   _ostrel_common(${name} "$ORIGIN")
 endfunction()
 
-# ostrel_export_only(NAME SCRIPT): the library exports what the version script lists, and nothing else.
-function(ostrel_export_only name script)
-  target_link_options(${name} PRIVATE "LINKER:--version-script=${CMAKE_CURRENT_SOURCE_DIR}/${script}")
-  set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${script})
+# ostrel_export_only(NAME NAMESPACE …): the library exports what is in these namespaces, and nothing else.
+function(ostrel_export_only name)
+  set(patterns "")
+  foreach(prefix "" vtable?for? VTT?for? construction?vtable?for? typeinfo?for? typeinfo?name?for? guard?variable?for?
+      virtual?thunk?to? non-virtual?thunk?to?)
+    foreach(namespace IN LISTS ARGN)
+      string(APPEND patterns "            ${prefix}${namespace}::*;\n")
+    endforeach()
+  endforeach()
+  set(script ${CMAKE_CURRENT_BINARY_DIR}/exports.map)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/exports.map.in ${script} @ONLY)
+  target_link_options(${name} PRIVATE "LINKER:--version-script=${script}")
+  set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${script})
 endfunction()
 
 # ostrel_program(NAME SOURCES …)
