@@ -7,7 +7,7 @@
 #include "host/output/RunLog.h"
 #include "host/report/Report.h"
 #include "host/report/RunCounts.h"
-#include "host/run/SystemClock.h"
+#include "host/run/StoppableClock.h"
 #include "host/run/WallSteps.h"
 #include "host/run/WatchedRun.h"
 #include "host/show/Terminal.h"
@@ -115,7 +115,7 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const Watche
     RunOutput& output = around._output;
     const Say sayInRun = [&output](const std::string& line) { output.say(line); };
     RunLog log(options._verbose, &output);
-    SystemClock clock(around._stop);
+    StoppableClock clock(around._stop);
     FrameLoop loop(clock, rateOf(files, options), {options._seconds, options._frames});
     Session session;
     if (!session.build(std::move(files), sayInRun, [&around] { return around._stop.requested(); })) {

@@ -5,7 +5,7 @@
 #include "explain/text/JsonText.h"
 #include "host/cli/ExitCode.h"
 #include "host/output/RunLog.h"
-#include "host/run/SystemClock.h"
+#include "host/run/StoppableClock.h"
 #include "host/run/WatchedRun.h"
 #include "host/why/Backlog.h"
 #include "host/why/SceneCause.h"
@@ -42,7 +42,7 @@ struct Answer {
 // Looks again and again, until there is an answer, the time is over, or a signal comes.
 Answer findAnswer(Session& session, double rate, const Options& options, const StopSignal& stop)
 {
-    SystemClock clock(stop);
+    StoppableClock clock(stop);
     // Whether records are read in time shows after some frames. A cause that lasts for all the time given is an answer,
     // too.
     const double frames = std::min(2 / rate, longestWaitForFrames);

@@ -1,17 +1,15 @@
 #pragma once
 
 #include "host/run/StopSignal.h"
-#include "scene/run/FrameClock.h"
+#include "scene/run/SystemClock.h"
 
 namespace Host {
 
 /// The machine's clocks; a stop signal ends every wait.
-class SystemClock final : public Scenes::FrameClock {
+class StoppableClock final : public Scenes::SystemClock {
 public:
-    explicit SystemClock(const StopSignal& stop) : _stop(stop) {}
+    explicit StoppableClock(const StopSignal& stop) : _stop(stop) {}
 
-    double now() override;
-    double steady() override;
     bool waitUntil(double time) override;
 
 private:

@@ -1,10 +1,9 @@
-#include "host/run/SystemClock.h"
+#include "scene/run/SystemClock.h"
 
 #include <chrono>
+#include <thread>
 
-namespace Host {
-
-using namespace Scenes;
+namespace Scenes {
 
 double SystemClock::now()
 {
@@ -18,8 +17,8 @@ double SystemClock::steady()
 
 bool SystemClock::waitUntil(double time)
 {
-    for (double left = time - steady(); left > 0 && !_stop.requested(); left = time - steady())
-        _stop.wait(left);
-    return !_stop.requested();
+    if (const double left = time - steady(); left > 0)
+        std::this_thread::sleep_for(std::chrono::duration<double>(left));
+    return true;
 }
-} // namespace Host
+} // namespace Scenes
