@@ -40,14 +40,12 @@ public:
         for (const OscAddress& address : allAddresses())
             _out.push_back(OscOutLane::create(address, capacity, [] {}));
         std::size_t lane = 0;
-        _dispatcher.forEachSlot(
-            [&](const std::string&, BasicOutSlot& slot) { slot.connect(&_out[lane++]->getSlot()); });
+        _dispatcher.forEachSlot([&](BasicOutSlot& slot) { slot.connect(&_out[lane++]->getSlot()); });
     }
     ~Road()
     {
         std::size_t lane = 0;
-        _dispatcher.forEachSlot(
-            [&](const std::string&, BasicOutSlot& slot) { slot.disconnect(&_out[lane++]->getSlot()); });
+        _dispatcher.forEachSlot([&](BasicOutSlot& slot) { slot.disconnect(&_out[lane++]->getSlot()); });
     }
 
     bool read(Bytes packet) { return !readOscPacket(packet, Time(1.0), _dispatcher).has_value(); }

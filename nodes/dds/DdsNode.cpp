@@ -32,12 +32,11 @@ const NodeTypeEntry& DdsNode::getEntry()
 }
 
 DdsNode::DdsNode(Clock& clock)
-    : _clock(clock),
+    : WorkerNode(clock),
       _outCounters{addCounter("out samples"), addCounter("out failed")},
       _inCounters{addCounter("in samples"), addCounter("in missed"), addCounter("in repeated"),
                   addCounter("in refused"), addCounter("in without memory")},
-      _shortage(clock, addCounter("without memory"), "DDS"),
-      _worker(clock)
+      _shortage(clock, addCounter("without memory"), "DDS")
 {
 }
 
@@ -54,34 +53,20 @@ void DdsNode::configure(const Settings& settings)
         std::make_unique<DdsSession>(_clock, readDdsSettings(settings), _outCounters, _inCounters, wake, peersChanged);
     removeSlots();
     _session = std::move(session);
-    _session->forEachInSlot([this](const std::string& label, BasicInSlot& slot) {
-        addInSlot(label, &slot);
-        _labels.push_back(label);
-    });
-    _session->forEachOutSlot([this](const std::string& label, BasicOutSlot& slot) {
-        addOutSlot(label, &slot);
-        _labels.push_back(label);
-    });
-}
-
-void DdsNode::removeSlots()
-{
-    for (const std::string& label : _labels)
-        removeSlot(label);
-    _labels.clear();
+    _session->forEachInSlot([this](BasicInSlot& slot) { addSlot(slot); });
+    _session->forEachOutSlot([this](BasicOutSlot& slot) { addSlot(slot); });
 }
 
 void DdsNode::start()
 {
     DdsLog::takeOver();
     keepRemarks(std::nullopt);
-    _worker.start(
-        "dds", [this] { run(); }, [this](const std::string& problem) { setAllDegraded("ended: " + problem); });
+    WorkerNode::start();
 }
 
 void DdsNode::stop()
 {
-    _worker.stop();
+    WorkerNode::stop();
     try {
         keepRemarks(getRemarks()); // closing takes time, in which nothing becomes older
     } catch (const std::bad_alloc&) {

@@ -2,7 +2,7 @@
 
 #include "nodes/dds/DdsSession.h"
 #include "nodes/shared/MemoryShortage.h"
-#include "nodes/shared/Worker.h"
+#include "nodes/shared/WorkerNode.h"
 #include "trovio/Settling.h"
 
 namespace Trovio::Nodes {
@@ -11,7 +11,7 @@ namespace Trovio::Nodes {
 /// is subscribed to, by the same label everywhere.
 /// Ownership: owns its slots; routes refer to them only while the node stands in a namespace.
 /// Threads:   one thread sends and looks after peers; what comes in is pushed on threads of the DDS library.
-class DdsNode final : public Node, public Settling {
+class DdsNode final : public WorkerNode, public Settling {
 public:
     explicit DdsNode(Clock& clock);
     ~DdsNode() override;
@@ -32,8 +32,8 @@ private:
     void start() override;
     void stop() override;
 
-    void removeSlots();
-    void run();
+    void run() override;
+    void workEnded(const std::string& reason) override { setAllDegraded(reason); }
     /// When to try again, unless it is open now.
     double tryOpen();
     void closeIfStale();
@@ -43,12 +43,10 @@ private:
     void setAllDegraded(const std::string& reason) OSTREL_EXCLUDES(_troublesLock);
     void keepRemarks(std::optional<std::vector<RemarkInfo>> remarks) OSTREL_EXCLUDES(_remarksLock);
 
-    Clock& _clock;
     DdsOutCounters _outCounters;
     DdsInCounters _inCounters;
     MemoryShortage _shortage; // of the node's thread
 
-    std::vector<std::string> _labels;     // of all slots; unchanged while the node runs
     std::unique_ptr<DdsSession> _session; // the worker's while the node runs
     std::atomic<bool> _lookNeeded{true};  // peers came or went
     double _nextAddressLook = 0.0;
@@ -59,7 +57,6 @@ private:
 
     mutable Ostrel::Mutex _remarksLock;                                                  // leaf
     std::optional<std::vector<RemarkInfo>> _lastRemarks OSTREL_GUARDED_BY(_remarksLock); // since the node stopped
-    Worker _worker;
 };
 
 } // namespace Trovio::Nodes

@@ -3,9 +3,8 @@
 #include "nodes/dds/net/DdsLog.h"
 #include "nodes/dds/net/DdsTaking.h"
 #include "nodes/dds/wire/RosValue.h"
-#include "trovio/BufferedInSlot.h"
+#include "nodes/shared/SendQueue.h"
 #include "trovio/SlotTypes.h"
-#include <atomic>
 
 namespace Trovio::Nodes {
 
@@ -18,30 +17,28 @@ constexpr int mostAtOnce = 4;                   // records that other threads ha
 
 /// A slot value type T and how it travels: WireValue<T> or RosValue<T>.
 template <class T, class Value>
-class TypedOutLane final : public DdsOutLane, SlotListener {
+class TypedOutLane final : public DdsOutLane {
 public:
     TypedOutLane(const ListedSlot& topic, const DdsFormat& format, unsigned capacity, DdsOutCounters& counters,
                  Clock& clock, std::function<void()> arrived)
         : DdsOutLane(topic, format, Value::descriptor(), std::is_trivially_copyable_v<T>, counters, clock),
-          _arrived(std::move(arrived)),
-          _slot(topic._name, capacity)
+          _queue(topic._name, capacity, [this, arrived = std::move(arrived)] {
+              if (!sendAtOnce())
+                  arrived();
+          })
     {
-        _slot.setListener(this);
     }
 
-    BasicInSlot& getSlot() override { return _slot; }
+    BasicInSlot& getSlot() override { return _queue.getSlot(); }
 
 private:
     std::optional<Sample> takeSample(const void* kept, std::string& problem) override OSTREL_REQUIRES(_sendLock)
     {
-        if (!_waiting.load())
+        auto record = _queue.take();
+        if (!record)
             return std::nullopt;
-        _waiting = false; // before the look: a record that comes now sets it again
-        if (_slot.empty())
-            return std::nullopt;
-        _waiting = true;
         Prepared& next = _prepared[kept == &_prepared[0]._sample ? 1 : 0];
-        next._record = _slot.pop();
+        next._record = std::move(*record);
         problem = next._value.refer(next._record.getValue(), next._sample);
         const double stamp = next._record.getTimeStamp().getSeconds();
         if constexpr (requires { next._sample.origin; })
@@ -52,22 +49,13 @@ private:
         return Sample{&next._sample, nullptr, stamp};
     }
 
-    void dataArrived(Slot&) override
-    {
-        _waiting = true;
-        if (!sendAtOnce())
-            _arrived();
-    }
-
-    const std::function<void()> _arrived;
-    std::atomic<bool> _waiting{false}; // spares the lock of the many slots that have nothing
-    BufferedInSlot<T> _slot;
     struct Prepared {
         Data<T> _record;
         Value _value; // of the record, which the sample refers to
         typename Value::Sample _sample{};
     };
     std::array<Prepared, 2> _prepared; // the last that was sent, and the next
+    SendQueue<T> _queue;               // last: who pushes may send at once
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "nodes/dds/DdsSession.h"
 
+#include "nodes/shared/RoundRobin.h"
 #include "trovio/BasicInSlot.h"
 #include <algorithm>
 #include <random>
@@ -8,7 +9,6 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr int roundsAtOnce = 256;    // through all topics, before looking at other things
 constexpr double timingPeriod = 1.0; // seconds
 constexpr double signsALease = 3.0;  // of life, so that two may be lost
 constexpr int mostExplained = 16;    // topics that others' names are compared with at one look
@@ -51,19 +51,19 @@ DdsSession::~DdsSession()
     close();
 }
 
-void DdsSession::forEachInSlot(const std::function<void(const std::string&, BasicInSlot&)>& use)
+void DdsSession::forEachInSlot(const std::function<void(BasicInSlot&)>& use)
 {
     for (const auto& lane : _outLanes)
-        use(lane->getTopic()._name, lane->getSlot());
+        use(lane->getSlot());
 }
 
-void DdsSession::forEachOutSlot(const std::function<void(const std::string&, BasicOutSlot&)>& use)
+void DdsSession::forEachOutSlot(const std::function<void(BasicOutSlot&)>& use)
 {
     for (const auto& lane : _inLanes) {
-        use(lane->getTopic()._name, lane->getSlot());
-        use(lane->getAliveSlot().getName(), lane->getAliveSlot());
+        use(lane->getSlot());
+        use(lane->getAliveSlot());
         if (_settings._timing)
-            use(lane->getTimingSlot().getName(), lane->getTimingSlot());
+            use(lane->getTimingSlot());
     }
 }
 
@@ -118,14 +118,8 @@ void DdsSession::close()
 
 bool DdsSession::sendWaiting()
 {
-    bool foundAny = true;
-    for (int round = 0; foundAny && round < roundsAtOnce; ++round) {
-        foundAny = false;
-        // One of each in turn, so that a busy topic does not hold up the others.
-        for (const auto& lane : _outLanes)
-            foundAny = lane->send() || foundAny;
-    }
-    return foundAny;
+    return takeInTurn(
+        _outLanes, [](DdsOutLane& lane) { return lane.send(); }, [] { return true; });
 }
 
 void DdsSession::lookAround()

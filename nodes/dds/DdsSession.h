@@ -30,8 +30,8 @@ public:
     ~DdsSession();
 
     const DdsSettings& getSettings() const { return _settings; }
-    void forEachInSlot(const std::function<void(const std::string&, BasicInSlot&)>& use);
-    void forEachOutSlot(const std::function<void(const std::string&, BasicOutSlot&)>& use);
+    void forEachInSlot(const std::function<void(BasicInSlot&)>& use);
+    void forEachOutSlot(const std::function<void(BasicOutSlot&)>& use);
 
     /// False while hosts are looked up: call it again soon. Throws DdsProblem, and is closed then.
     bool open();

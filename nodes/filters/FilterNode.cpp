@@ -14,7 +14,6 @@ constexpr std::array causes{"with a value that is not finite (NaN, infinite, or 
 
 FilterNode::FilterNode(Clock& clock, CreateLane create)
     : RelayNode(clock),
-      _clock(clock),
       _createLane(create),
       _rejected{&addCounter("rejected value"), &addCounter("rejected result"), &addCounter("rejected time stamp")}
 {

@@ -28,7 +28,6 @@ private:
         Time _first, _last; // when they came
     };
 
-    Clock& _clock;
     const CreateLane _createLane;
     std::array<Counter*, 3> _rejected; // by Outcome, without Sent
     mutable Ostrel::Mutex _runLock;    // leaf

@@ -2,7 +2,6 @@
 
 #include "nodes/generator/TestPicture.h"
 #include "nodes/shared/NumberList.h"
-#include "trovio/BasicOutSlot.h"
 
 namespace Trovio::Nodes {
 
@@ -42,11 +41,10 @@ const NodeTypeEntry& Generator::getEntry()
 }
 
 Generator::Generator(Clock& clock)
-    : _clock(clock),
+    : WorkerNode(clock),
       _records(addCounter("records")),
       _skipped(addCounter("skipped")),
-      _shortage(clock, addCounter("without memory"), "Generator"),
-      _worker(clock)
+      _shortage(clock, addCounter("without memory"), "Generator")
 {
 }
 
@@ -58,11 +56,9 @@ void Generator::configure(const Settings& settings)
     if (label.empty() || label.size() > longestLabel)
         throw settings.refusal("slot", "a text of 1 to " + std::to_string(longestLabel) + " bytes");
     auto signal = Signal::create(settings);
-    if (_signal)
-        removeSlot(_slotLabel);
-    addOutSlot(label, &signal->getSlot());
+    removeSlots();
     _signal = std::move(signal);
-    _slotLabel = label;
+    addSlot(_signal->getSlot());
     _rate = settings.number("rate");
     _count = static_cast<std::uint64_t>(settings.integer("count"));
 }
@@ -71,13 +67,7 @@ void Generator::start()
 {
     _next = 0;
     _startTime = _clock.now();
-    _worker.start(
-        "generator", [this] { run(); }, [this](const std::string& problem) { setDegraded("ended: " + problem); });
-}
-
-void Generator::stop()
-{
-    _worker.stop();
+    WorkerNode::start();
 }
 
 void Generator::run()

@@ -2,8 +2,7 @@
 
 #include "nodes/generator/Signal.h"
 #include "nodes/shared/MemoryShortage.h"
-#include "nodes/shared/Worker.h"
-#include "trovio/Node.h"
+#include "nodes/shared/WorkerNode.h"
 
 namespace Trovio::Nodes {
 
@@ -12,7 +11,7 @@ namespace Trovio::Nodes {
 ///            behind catches up, but leaves out what is more than a second late.
 /// Ownership: owns its slot; routes refer to it only while the node stands in a namespace.
 /// Threads:   values are pushed on the node's own thread.
-class Generator final : public Node {
+class Generator final : public WorkerNode {
 public:
     explicit Generator(Clock& clock);
     ~Generator() override;
@@ -22,29 +21,23 @@ public:
 private:
     void configure(const Settings& settings) override;
     void start() override;
-    void stop() override;
-
-    void run();
+    void run() override;
     void produceDue();
     double dueTime() const { return _startTime + static_cast<double>(_next) / _rate; }
     bool isDone() const { return _count != 0 && _next >= _count; }
 
-    Clock& _clock;
     Counter& _records;
     Counter& _skipped;
     MemoryShortage _shortage;
 
     // Unchanged while the node runs.
     std::unique_ptr<Signal> _signal;
-    std::string _slotLabel;
     double _rate = 1.0;
     std::uint64_t _count = 0; // 0: endless
 
     // Of the node's thread.
     double _startTime = 0.0;
     std::uint64_t _next = 0; // number of the record that comes next
-
-    Worker _worker;
 };
 
 } // namespace Trovio::Nodes

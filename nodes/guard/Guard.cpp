@@ -40,8 +40,7 @@ const NodeTypeEntry& Guard::getEntry()
     return entry;
 }
 
-Guard::Guard(Clock& clock)
-    : RelayNode(clock), _clock(clock), _losses(addCounter("losses")), _substituted(addCounter("substituted"))
+Guard::Guard(Clock& clock) : RelayNode(clock), _losses(addCounter("losses")), _substituted(addCounter("substituted"))
 {
     _alive.setWrittenOnChange();
     addOutSlot("alive", &_alive);

@@ -27,7 +27,6 @@ private:
     void declareLoss();
     void pushAlive(bool alive);
 
-    Clock& _clock;
     Counter& _losses;
     Counter& _substituted;
     OutSlot<bool> _alive{"alive"};

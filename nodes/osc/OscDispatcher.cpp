@@ -122,10 +122,10 @@ std::vector<RemarkInfo> OscDispatcher::getRemarks(const std::string& received, c
     return remarks;
 }
 
-void OscDispatcher::forEachSlot(const std::function<void(const std::string&, BasicOutSlot&)>& use)
+void OscDispatcher::forEachSlot(const std::function<void(BasicOutSlot&)>& use)
 {
     for (const Lane& lane : _lanes)
-        use(lane._address.getLabel(), lane._lane->getSlot());
+        use(lane._lane->getSlot());
 }
 
 } // namespace Trovio::Nodes

@@ -30,8 +30,7 @@ public:
 
     void visit(const OscMessage& message) override;
 
-    /// Calls use(label, slot) for every lane.
-    void forEachSlot(const std::function<void(const std::string&, BasicOutSlot&)>& use);
+    void forEachSlot(const std::function<void(BasicOutSlot&)>& use);
 
     /// Why a slot has no values, or not all. For those that nothing reached it stands between what the whole node
     /// received, and what it did not.

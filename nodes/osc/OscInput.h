@@ -28,10 +28,7 @@ public:
     void start();
     void stop();
 
-    void forEachSlot(const std::function<void(const std::string&, BasicOutSlot&)>& use)
-    {
-        _dispatcher.forEachSlot(use);
-    }
+    void forEachSlot(const std::function<void(BasicOutSlot&)>& use) { _dispatcher.forEachSlot(use); }
 
     /// Why slots have no values, or not all: where it listens, what came, and what that was. Any thread, under any lock
     /// but the log's; also after stop().

@@ -125,22 +125,9 @@ void OscNode::configure(const Settings& settings)
     _input = std::move(input);
     _output = std::move(output);
     if (_input)
-        _input->forEachSlot([this](const std::string& label, BasicOutSlot& slot) {
-            addOutSlot(label, &slot);
-            _labels.push_back(label);
-        });
+        _input->forEachSlot([this](BasicOutSlot& slot) { addSlot(slot); });
     if (_output)
-        _output->forEachSlot([this](const std::string& label, BasicInSlot& slot) {
-            addInSlot(label, &slot);
-            _labels.push_back(label);
-        });
-}
-
-void OscNode::removeSlots()
-{
-    for (const std::string& label : _labels)
-        removeSlot(label);
-    _labels.clear();
+        _output->forEachSlot([this](BasicInSlot& slot) { addSlot(slot); });
 }
 
 void OscNode::start()

@@ -2,13 +2,14 @@
 
 #include "nodes/osc/OscInput.h"
 #include "nodes/osc/OscOutput.h"
+#include "nodes/shared/SlotListNode.h"
 
 namespace Trovio::Nodes {
 
 /// Receives and sends Open Sound Control messages over UDP: each address it knows is a slot.
 /// Ownership: owns its slots; routes refer to them only while the node stands in a namespace.
 /// Threads:   one thread receives and pushes, one sends; a half without settings has none.
-class OscNode final : public Node {
+class OscNode final : public SlotListNode {
 public:
     explicit OscNode(Clock& clock, std::unique_ptr<NameLookup> lookup = NameLookup::system());
     ~OscNode() override;
@@ -34,7 +35,6 @@ private:
     void start() override;
     void stop() override;
 
-    void removeSlots();
     void setProblem(std::string Problems::*half, const std::string& problem) OSTREL_EXCLUDES(_problemLock);
 
     Clock& _clock;
@@ -46,7 +46,6 @@ private:
     Problems _problems OSTREL_GUARDED_BY(_problemLock);
 
     // Unchanged while the node runs.
-    std::vector<std::string> _labels; // of all slots
     std::unique_ptr<OscInput> _input;
     std::unique_ptr<OscOutput> _output;
 };

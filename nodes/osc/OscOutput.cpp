@@ -1,5 +1,6 @@
 #include "nodes/osc/OscOutput.h"
 
+#include "nodes/shared/RoundRobin.h"
 #include "trovio/BasicInSlot.h"
 #include <cerrno>
 #include <cstring>
@@ -13,7 +14,6 @@ constexpr double pausePeriod = 5.0;  // seconds from a failed search to the next
 constexpr double agingPeriod = 10.0; // seconds after which the address of a troubled host is asked for again
 constexpr double probation = 1.0;    // seconds in which a refusal would have come back
 constexpr double tooLargePeriod = 1.0;
-constexpr int roundsAtOnce = 256; // through all lanes, before looking at other things
 constexpr int repliesAtOnce = 64;
 constexpr timeval longestSend = {0, 200000};
 
@@ -52,10 +52,10 @@ void OscOutput::stop()
     _wellFrom.reset();
 }
 
-void OscOutput::forEachSlot(const std::function<void(const std::string&, BasicInSlot&)>& use)
+void OscOutput::forEachSlot(const std::function<void(BasicInSlot&)>& use)
 {
-    for (std::size_t i = 0; i < _lanes.size(); ++i)
-        use(_settings._addresses[i].getLabel(), _lanes[i]->getSlot());
+    for (const auto& lane : _lanes)
+        use(lane->getSlot());
 }
 
 void OscOutput::run()
@@ -128,20 +128,16 @@ void OscOutput::openSocket(const SocketAddress& target)
 
 void OscOutput::drain()
 {
-    bool foundAny = true;
+    const auto takeOne = [this](OscOutLane& lane) {
+        const auto stamp = lane.take(_writer);
+        if (stamp)
+            _packer.add(_writer.finish(), *stamp);
+        return stamp.has_value();
+    };
     // A send may take its time, and there are many: a stop does not wait for all of them.
-    for (int round = 0; foundAny && round < roundsAtOnce && !_worker.isStopping(); ++round) {
-        foundAny = false;
-        // One of each in turn, so that a busy address does not hold up the others.
-        for (const auto& lane : _lanes) {
-            if (const auto stamp = lane->take(_writer)) {
-                _packer.add(_writer.finish(), *stamp);
-                foundAny = true;
-            }
-        }
-    }
+    const bool mayBeMore = takeInTurn(_lanes, takeOne, [this] { return !_worker.isStopping(); });
     _packer.flush();
-    if (foundAny)
+    if (mayBeMore)
         _worker.wake();
 }
 

@@ -41,8 +41,7 @@ public:
     void start();
     void stop();
 
-    /// Calls use(label, slot) for every address.
-    void forEachSlot(const std::function<void(const std::string&, BasicInSlot&)>& use);
+    void forEachSlot(const std::function<void(BasicInSlot&)>& use);
 
 private:
     void run();

@@ -11,11 +11,10 @@ RelayTable::RelayTable(std::string types, const char* initialType, std::initiali
 }
 
 RelayNode::RelayNode(Clock& clock)
-    : _clock(clock),
+    : WorkerNode(clock),
       _received(addCounter("received")),
       _sent(addCounter("sent")),
-      _shortage(clock, addCounter("without memory"), "filter or guard"),
-      _worker(clock)
+      _shortage(clock, addCounter("without memory"), "filter or guard")
 {
     declareRelay();
 }
@@ -30,24 +29,11 @@ unsigned RelayNode::readQueue(const Settings& settings)
 void RelayNode::configure(const Settings& settings)
 {
     auto lane = createLane(settings);
-    removeSlot("in");
-    removeSlot("out");
+    removeSlots();
     _lane = std::move(lane);
     _lane->getInSlot().setListener(this);
-    addInSlot("in", &_lane->getInSlot());
-    addOutSlot("out", &_lane->getOutSlot());
-}
-
-void RelayNode::start()
-{
-    _worker.start(
-        getTypeName().c_str(), [this] { run(); },
-        [this](const std::string& problem) { setDegraded("ended: " + problem); });
-}
-
-void RelayNode::stop()
-{
-    _worker.stop();
+    addSlot(_lane->getInSlot());
+    addSlot(_lane->getOutSlot());
 }
 
 void RelayNode::run()

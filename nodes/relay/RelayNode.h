@@ -2,8 +2,7 @@
 
 #include "nodes/relay/Lane.h"
 #include "nodes/shared/MemoryShortage.h"
-#include "nodes/shared/Worker.h"
-#include "trovio/Node.h"
+#include "nodes/shared/WorkerNode.h"
 #include <memory>
 
 namespace Trovio::Nodes {
@@ -28,7 +27,7 @@ private:
 /// Invariant: received = sent + rejected whenever nothing waits; a record that there was no memory for may be none.
 /// Ownership: owns its slots; routes refer to them only while the node stands in a namespace.
 /// Threads:   a record that arrives is queued and wakes the node's own thread, which does all the rest.
-class RelayNode : public Node, private SlotListener {
+class RelayNode : public WorkerNode, private SlotListener {
 public:
     ~RelayNode() override;
 
@@ -45,8 +44,6 @@ protected:
     virtual void countRejected(Outcome) {}
 
     void configure(const Settings& settings) override;
-    void start() override;
-    void stop() override;
 
     /// Records sent so far. Any thread.
     std::uint64_t countSent() const { return _sent.get(); }
@@ -55,15 +52,13 @@ protected:
 
 private:
     void dataArrived(Slot&) override { _worker.wake(); }
-    void run();
+    void run() override;
     void relayWaiting();
 
-    Clock& _clock;
     Counter& _received;
     Counter& _sent;
     MemoryShortage _shortage;
     std::unique_ptr<Lane> _lane; // unchanged while the node runs
-    Worker _worker;
 };
 
 /// The factory of a node type that needs nothing but the system's clock.
