@@ -169,18 +169,33 @@ std::vector<RemarkInfo> OscNode::getRemarks() const
 
 void OscNode::setProblem(std::string Problems::*half, const std::string& problem)
 {
-    const Ostrel::LockGuard guard(_problemLock);
-    const bool recovers = problem.empty() && !(_problems.*half).empty();
-    _problems.*half = problem;
+    bool recovers = false;
+    Problems shown;
+    {
+        const Ostrel::LockGuard guard(_problemLock);
+        recovers = problem.empty() && !(_problems.*half).empty();
+        _problems.*half = problem;
+        shown = _problems;
+    }
     // Of the whole node the framework says it.
-    if (recovers && (!_problems._input.empty() || !_problems._output.empty()))
+    if (recovers && shown != Problems())
         report(osg::LogWarning, half == &Problems::_input ? "OSC: receives again" : "OSC: sends again");
-    if (_problems._input.empty() && _problems._output.empty())
+    // Without the lock, for the log may be slow. The other half may change meanwhile: whoever shows last shows both.
+    for (bool isCurrent = false; !isCurrent;) {
+        showState(shown);
+        const Ostrel::LockGuard guard(_problemLock);
+        isCurrent = shown == _problems;
+        shown = _problems;
+    }
+}
+
+void OscNode::showState(const Problems& problems)
+{
+    const auto& [input, output] = problems;
+    if (problems == Problems())
         setRunning();
-    else if (_problems._input.empty() || _problems._output.empty())
-        setDegraded(_problems._input + _problems._output);
     else
-        setDegraded(_problems._input + "; " + _problems._output);
+        setDegraded(input + (input.empty() || output.empty() ? "" : "; ") + output);
 }
 
 } // namespace Trovio::Nodes

@@ -29,6 +29,7 @@ private:
     /// What is wrong with a half; empty if nothing is.
     struct Problems {
         std::string _input, _output;
+        bool operator==(const Problems&) const = default;
     };
 
     void configure(const Settings& settings) override;
@@ -36,13 +37,14 @@ private:
     void stop() override;
 
     void setProblem(std::string Problems::*half, const std::string& problem) OSTREL_EXCLUDES(_problemLock);
+    void showState(const Problems& problems) OSTREL_EXCLUDES(_problemLock);
 
     Clock& _clock;
     const std::shared_ptr<NameLookup> _lookup; // of one output after another
     OscInCounters _inCounters;
     OscOutCounters _outCounters;
 
-    mutable Ostrel::Mutex _problemLock; // held while the node's state changes, so that the two halves do not cross
+    mutable Ostrel::Mutex _problemLock; // leaf
     Problems _problems OSTREL_GUARDED_BY(_problemLock);
 
     // Unchanged while the node runs.
