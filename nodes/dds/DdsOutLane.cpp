@@ -134,8 +134,12 @@ bool DdsOutLane::sendAtOnce() noexcept
     bool mayWait = true;
     if (_writer.isOpen())
         _localTopic->writeUnread([this, &mayWait]() OSTREL_NO_THREAD_SAFETY_ANALYSIS {
-            for (int i = 0; i < mostAtOnce && mayWait; ++i)
-                mayWait = sendOne();
+            try {
+                for (int i = 0; i < mostAtOnce && mayWait; ++i)
+                    mayWait = sendOne();
+            } catch (const std::bad_alloc&) {
+                _counters._failed.add(); // a record that was taken, but not even told why it cannot be sent
+            }
         });
     const bool isDone = !mayWait && _complaint.empty();
     _sendLock.unlock();
@@ -182,22 +186,25 @@ bool DdsOutLane::write(const Sample& sample)
     const dds_return_t result = isBeside ? dds_write_ts(_writer.get(), sample._sample, toDdsDuration(sample._stamp))
                                          : dds_write(_writer.get(), sample._sample);
     if (result != DDS_RETCODE_OK)
-        fail(log.text().empty() ? dds_strretcode(result) : log.text());
+        fail(log.text().empty() ? std::string_view(dds_strretcode(result)) : std::string_view(log.text()));
     else if (!log.text().empty())
-        complain(log.text());
+        complain("", log.text());
     return result == DDS_RETCODE_OK;
 }
 
-void DdsOutLane::fail(const std::string& problem)
+void DdsOutLane::fail(std::string_view problem)
 {
     _counters._failed.add();
-    complain("a record cannot be sent: " + problem);
+    complain("a record cannot be sent: ", problem);
 }
 
-void DdsOutLane::complain(const std::string& problem)
-{
+void DdsOutLane::complain(std::string_view before, std::string_view problem) noexcept
+try {
     if (const auto withheld = _reports.admit())
-        _complaint = problem + (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : "");
+        _complaint = std::string(before) + std::string(problem) +
+                     (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : "");
+} catch (const std::bad_alloc&) {
+    // Not even for saying so; the counters tell.
 }
 
 void DdsOutLane::tell(const std::string& complaint) const

@@ -79,9 +79,9 @@ private:
     bool sendOne() OSTREL_REQUIRES(_sendLock);
     /// Whether the library took it.
     bool write(const Sample& sample) OSTREL_REQUIRES(_sendLock);
-    void fail(const std::string& problem) OSTREL_REQUIRES(_sendLock);
-    /// Seldom. It is told by the node's thread: who pushes holds locks, and the log may be slow.
-    void complain(const std::string& problem) OSTREL_REQUIRES(_sendLock);
+    void fail(std::string_view problem) OSTREL_REQUIRES(_sendLock);
+    /// Once a second at most. It is told by the node's thread: who pushes holds locks, and the log may be slow.
+    void complain(std::string_view before, std::string_view problem) noexcept OSTREL_REQUIRES(_sendLock);
     void tell(const std::string& complaint) const OSTREL_EXCLUDES(_sendLock);
 
     const ListedSlot _topic;
