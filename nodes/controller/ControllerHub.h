@@ -17,6 +17,8 @@ public:
     /// That of SDL, which has one state for the whole process.
     static ControllerHub& system();
 
+    Clock& getClock() const { return _clock; }
+
     /// The user is called from now on, on the hub's thread. Throws std::system_error where there can be no more
     /// threads.
     void attach(ControllerUser& user) OSTREL_EXCLUDES(_usersLock, _lock);

@@ -40,7 +40,8 @@ ControllerNode::ControllerNode(ControllerHub& hub)
     : _hub(hub),
       _rumbled(addCounter("rumbled")),
       _rumbleRefused(addCounter("rumble refused")),
-      _slots(addCounter("records"))
+      _slots(addCounter("records")),
+      _shortage(hub.getClock(), addCounter("without memory"), "Controller")
 {
     _slots.forEach([this](const std::string& label, BasicOutSlot& slot) { addOutSlot(label, &slot); });
     for (BasicInSlot* slot : {static_cast<BasicInSlot*>(&_rumble), static_cast<BasicInSlot*>(&_motors)}) {

@@ -2,6 +2,7 @@
 
 #include "nodes/controller/ControllerHub.h"
 #include "nodes/controller/ControllerSlots.h"
+#include "nodes/shared/MemoryShortage.h"
 #include "trovio/InSlot.h"
 #include "trovio/Node.h"
 
@@ -9,8 +10,9 @@ namespace Trovio::Nodes {
 
 /// A game controller: its sticks, triggers, buttons and motion sensors as out-slots, its motors as in-slots.
 /// The slots are the same for every device, and stay when it is unplugged; then everything comes to rest and the node
-/// is degraded, until the device is there again. Ownership: owns its slots; routes refer to them only while the node
-/// stands in a namespace. Threads:   records are pushed on the hub's thread, which all controllers share.
+/// is degraded, until the device is there again.
+/// Ownership: owns its slots; routes refer to them only while the node stands in a namespace.
+/// Threads:   records are pushed on the hub's thread, which all controllers share.
 class ControllerNode final : public Node, private ControllerUser, private SlotListener {
 public:
     explicit ControllerNode(ControllerHub& hub);
@@ -32,6 +34,7 @@ private:
     void deviceMissing(const std::string& reason, const Time& now) override;
     std::optional<Rumble> takeRumble() override;
     void rumbleDone(bool accepted) override;
+    void lookFailed() noexcept override { _shortage.note(); }
 
     ControllerHub& _hub;
     Counter& _rumbled;
@@ -42,6 +45,7 @@ private:
     double _rumbleSeconds = 0.0;
 
     ControllerSlots _slots;
+    MemoryShortage _shortage;
     InSlot<float> _rumble{"rumble"};
     InSlot<Vec2<float>> _motors{"rumble/motors"};
 };

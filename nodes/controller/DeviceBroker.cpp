@@ -1,5 +1,6 @@
 #include "nodes/controller/DeviceBroker.h"
 
+#include "nodes/shared/MemoryShortage.h"
 #include <algorithm>
 #include <stdexcept>
 
@@ -33,6 +34,20 @@ void DeviceBroker::detach(ControllerUser& user)
 }
 
 double DeviceBroker::look(const Time& now)
+try {
+    // What came in then is lost, such as a device that arrived.
+    if (std::exchange(_incomplete, true))
+        close("there was no memory for what controllers sent; they are opened again", now);
+    const double next = lookThrough(now);
+    _incomplete = false;
+    return next;
+} catch (const std::bad_alloc&) {
+    for (const User& user : _users)
+        user._user->lookFailed();
+    return MemoryShortage::Pause;
+}
+
+double DeviceBroker::lookThrough(const Time& now)
 {
     if (!_open && !open(now))
         return untilRetry;
@@ -152,11 +167,15 @@ void DeviceBroker::give(User& user, Devices::value_type& device, const Time& now
     user._user->deviceTaken(given._identity, given._state, now);
 }
 
-void DeviceBroker::release(User& user)
+void DeviceBroker::release(User& user) noexcept
 {
     if (!user._device)
         return;
-    _toSilence.push_back(user._device->first);
+    try {
+        _toSilence.push_back(user._device->first);
+    } catch (const std::bad_alloc&) {
+        // Its motors run for as long as they were told to.
+    }
     user._device->second._owner = nullptr;
     user._device = nullptr;
 }

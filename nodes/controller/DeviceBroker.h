@@ -26,6 +26,9 @@ public:
     virtual std::optional<Rumble> takeRumble() = 0;
     virtual void rumbleDone(bool accepted) = 0;
 
+    /// There was no memory for what controllers sent: the next look opens them anew, and all users get theirs again.
+    virtual void lookFailed() noexcept = 0;
+
 protected:
     ~ControllerUser() = default;
 };
@@ -44,7 +47,8 @@ public:
     void detach(ControllerUser& user);
     bool isUsed() const { return !_users.empty(); }
 
-    /// Tells everybody what happened, as having happened now. Returns after how many seconds to look again.
+    /// Tells everybody what happened, as having happened now. Returns after how many seconds to look again. Without
+    /// memory it does what it can, and begins anew the next time.
     double look(const Time& now);
 
     /// Closes the devices. Everybody misses theirs for that reason.
@@ -64,6 +68,7 @@ private:
         std::optional<DeviceIdentity> _last; // of the device that it has or had
     };
 
+    double lookThrough(const Time& now);
     bool open(const Time& now);
     void take(DeviceNews news, const Time& now);
     void takeChange(const InputChange& change, const Time& now);
@@ -71,7 +76,7 @@ private:
     void assign(const Time& now);
     bool assignBest(const Time& now);
     void give(User& user, Devices::value_type& device, const Time& now);
-    void release(User& user);
+    void release(User& user) noexcept;
     void silence();
     void exchangeRumble();
     std::string explainMissing(const User& user) const;
@@ -84,7 +89,8 @@ private:
     Devices _present;
     std::vector<int> _toSilence; // were given up, maybe with their motors on
     bool _open = false;
-    bool _changed = false; // users or devices came or went since devices were last assigned
+    bool _changed = false;    // users or devices came or went since devices were last assigned
+    bool _incomplete = false; // the last look did not come to its end
 };
 
 } // namespace Trovio::Nodes

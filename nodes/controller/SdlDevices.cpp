@@ -22,6 +22,14 @@ static_assert(std::is_sorted(std::begin(sdlAxes), std::end(sdlAxes)) && sdlAxes[
               sdlAxes[AxisCount - 1] == AxisCount - 1);
 static_assert(SDL_CONTROLLER_BUTTON_MAX >= ButtonCount && SDL_CONTROLLER_BUTTON_TOUCHPAD == ButtonCount - 1);
 
+/// While it lives, the index of each joystick stays what it is.
+struct IndicesStay {
+    IndicesStay() { SDL_LockJoysticks(); }
+    ~IndicesStay() { SDL_UnlockJoysticks(); }
+    IndicesStay(const IndicesStay&) = delete;
+    IndicesStay& operator=(const IndicesStay&) = delete;
+};
+
 std::string textOf(const char* text)
 {
     return text ? text : "";
@@ -184,7 +192,18 @@ void SdlDevices::read(const SDL_Event& event, DeviceNews& news)
 
 void SdlDevices::list(DeviceNews& news)
 {
-    SDL_LockJoysticks(); // so that indices stay what they are
+    listArrived(news);
+    if (news._arrived.empty())
+        return;
+    // There is no event for what is held down already.
+    SDL_JoystickUpdate();
+    for (const Arrival& arrival : news._arrived)
+        readState(_handles.at(arrival._device).get(), arrival._device, news._changes);
+}
+
+void SdlDevices::listArrived(DeviceNews& news)
+{
+    const IndicesStay guard;
     for (int index = 0; index < SDL_NumJoysticks(); ++index) {
         const SDL_JoystickID device = SDL_JoystickGetDeviceInstanceID(index);
         if (device < 0 || _handles.contains(device))
@@ -192,13 +211,6 @@ void SdlDevices::list(DeviceNews& news)
         if (auto arrival = openAt(index, device))
             news._arrived.push_back(std::move(*arrival));
     }
-    SDL_UnlockJoysticks();
-    if (news._arrived.empty())
-        return;
-    // There is no event for what is held down already.
-    SDL_JoystickUpdate();
-    for (const Arrival& arrival : news._arrived)
-        readState(_handles.at(arrival._device).get(), arrival._device, news._changes);
 }
 
 std::optional<Arrival> SdlDevices::openAt(int index, SDL_JoystickID device)

@@ -30,6 +30,7 @@ private:
 
     void read(const SDL_Event& event, DeviceNews& news);
     void list(DeviceNews& news);
+    void listArrived(DeviceNews& news);
     std::optional<Arrival> openAt(int index, SDL_JoystickID device);
 
     std::map<SDL_JoystickID, Handle> _handles; // null for what cannot be used as a controller

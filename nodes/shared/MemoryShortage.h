@@ -33,9 +33,10 @@ public:
         }
     }
 
-private:
+    /// For work whose end was caught elsewhere.
     void note() noexcept;
 
+private:
     Counter& _counter;
     const std::string _what;
     Seldom _reports;

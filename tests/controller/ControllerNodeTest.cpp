@@ -114,6 +114,19 @@ TEST_F(ControllerNodeTest, RumbleReachesTheMotorsInBounds)
     EXPECT_EQ(_fake->takeCalls(), (Calls{"open", "rumble 1 0.5 0 2.5", "rumble 1 1 0 2.5", "rumble 1 0 0 0", "close"}));
 }
 
+TEST_F(ControllerNodeTest, WithoutMemoryItCountsAndOpensTheControllersAgain)
+{
+    Standing node(makeNode(), "label=pad");
+    plugIn();
+    _fake->takeMemory();
+    settle();
+    EXPECT_EQ(node.count("without memory"), 1U);
+    EXPECT_TRUE(node->getState()._degraded);
+    plugIn();
+    EXPECT_FALSE(node->getState()._degraded);
+    EXPECT_EQ(_fake->takeCalls(), (Calls{"open", "rumble 1 0 0 0", "close", "open"}));
+}
+
 TEST_F(ControllerNodeTest, ControllersComeAndGoOnOneHub)
 {
     // Each stop keeps its promise that nothing is pushed afterwards: the slots are gone then.

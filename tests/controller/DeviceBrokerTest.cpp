@@ -28,6 +28,7 @@ struct Holder final : ControllerUser {
     }
     std::optional<Rumble> takeRumble() override { return std::nullopt; }
     void rumbleDone(bool) override {}
+    void lookFailed() noexcept override {}
 
     const DeviceWish _wish;
     std::string _has = "none";

@@ -3,6 +3,7 @@
 #include "base/Mutex.h"
 #include "nodes/controller/ControllerDevices.h"
 #include <condition_variable>
+#include <new>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -25,7 +26,10 @@ public:
         const Ostrel::LockGuard guard(_lock);
         ++_looks;
         _looked.notify_all();
-        return std::exchange(_news, {});
+        const DeviceNews news = std::exchange(_news, {});
+        if (std::exchange(_isWithoutMemory, false))
+            throw std::bad_alloc();
+        return news;
     }
     bool rumble(int device, const Rumble& rumble) override
     {
@@ -36,6 +40,13 @@ public:
     }
 
     std::string _problem; // of opening; set it before there is a thread
+
+    /// The next look loses what it would have shown.
+    void takeMemory()
+    {
+        const Ostrel::LockGuard guard(_lock);
+        _isWithoutMemory = true;
+    }
 
     /// The next look shows it. The number is a new one each time.
     int plugIn(const DeviceIdentity& identity)
@@ -84,6 +95,7 @@ private:
     DeviceNews _news;
     std::vector<std::string> _calls;
     int _lastDevice = 0;
+    bool _isWithoutMemory = false;
     std::size_t _looks = 0;
 };
 
