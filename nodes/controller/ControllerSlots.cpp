@@ -1,5 +1,7 @@
 #include "nodes/controller/ControllerSlots.h"
 
+#include <utility>
+
 namespace Trovio::Nodes {
 
 namespace {

@@ -3,6 +3,7 @@
 #include "nodes/shared/MemoryShortage.h"
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace Trovio::Nodes {
 

@@ -2,13 +2,14 @@
 
 #include "nodes/dds/net/DdsTaking.h"
 #include "nodes/dds/wire/RosValue.h"
+#include "nodes/shared/Report.h"
 #include "trovio/SlotTypes.h"
+#include <utility>
 
 namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double reportPeriod = 1.0;         // seconds
 constexpr double latestStamp = 253402300800; // the year 10000, in seconds since 1970
 
 /// The stamp of a message's header, or else the one that the library brought with it; 0 if there is none.
@@ -100,7 +101,7 @@ DdsInLane::DdsInLane(const ListedSlot& topic, const DdsFormat& format, const dds
       _clock(clock),
       _aliveSlot(topic._name + "/alive"),
       _timingSlot(topic._name + "/timing"),
-      _reports(clock, reportPeriod),
+      _reports(clock),
       _shortage(clock, counters._withoutMemory, "DDS: topic " + topic._name)
 {
     _aliveSlot.setWrittenOnChange();
@@ -269,10 +270,9 @@ WriterNumbers::Guid DdsInLane::guidOf(dds_instance_handle_t writer) const
 void DdsInLane::refuse(const std::string& problem)
 {
     _counters._refused.add();
-    if (const auto withheld = _reports.admit())
-        report(osg::LogWarning, "DDS: a sample of " + _topic._name + " (" + _topic._typeName +
-                                    ") is refused: " + problem +
-                                    (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : ""));
+    if (const auto more = _reports.admit())
+        report(osg::LogWarning,
+               "DDS: a sample of " + _topic._name + " (" + _topic._typeName + ") is refused: " + problem + *more);
 }
 
 } // namespace Trovio::Nodes

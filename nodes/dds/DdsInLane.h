@@ -7,7 +7,7 @@
 #include "nodes/dds/clocks/ValueTiming.h"
 #include "nodes/dds/wire/TopicTypes.h"
 #include "nodes/shared/MemoryShortage.h"
-#include "nodes/shared/Report.h"
+#include "nodes/shared/RateLimiter.h"
 #include "nodes/shared/SlotList.h"
 #include "trovio/Node.h"
 #include "trovio/OutSlot.h"
@@ -95,7 +95,7 @@ private:
     Ostrel::Mutex _takeLock; // held around taking and pushing; no lock of a slot or the tree is held when it is taken
     WriterNumbers _numbers OSTREL_GUARDED_BY(_takeLock);
     DdsNewcomers _newcomers OSTREL_GUARDED_BY(_takeLock);
-    Seldom _reports OSTREL_GUARDED_BY(_takeLock);
+    RateLimiter _reports OSTREL_GUARDED_BY(_takeLock);
     MemoryShortage _shortage OSTREL_GUARDED_BY(_takeLock);
 
     DdsClocks* _clocks = nullptr;                                        // those of the ends, while open

@@ -3,14 +3,15 @@
 #include "nodes/dds/net/DdsLog.h"
 #include "nodes/dds/net/DdsTaking.h"
 #include "nodes/dds/wire/RosValue.h"
+#include "nodes/shared/Report.h"
 #include "nodes/shared/SendQueue.h"
 #include "trovio/SlotTypes.h"
+#include <utility>
 
 namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double reportPeriod = 1.0;            // seconds
 constexpr double latestStamp = 4294967296.0;    // seconds since 1970, which the protocol counts in 32 bits
 constexpr std::uint32_t mostReadersOfQuick = 2; // each may take a packet of its own
 constexpr int mostAtOnce = 4;                   // records that other threads have pushed meanwhile
@@ -78,7 +79,7 @@ DdsOutLane::DdsOutLane(const ListedSlot& topic, const DdsFormat& format, const d
       _descriptor(descriptor),
       _counters(counters),
       _isSmall(isSmall),
-      _reports(clock, reportPeriod)
+      _reports(clock)
 {
 }
 
@@ -200,9 +201,8 @@ void DdsOutLane::fail(std::string_view problem)
 
 void DdsOutLane::complain(std::string_view before, std::string_view problem) noexcept
 try {
-    if (const auto withheld = _reports.admit())
-        _complaint = std::string(before) + std::string(problem) +
-                     (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : "");
+    if (const auto more = _reports.admit())
+        _complaint = std::string(before) + std::string(problem) + *more;
 } catch (const std::bad_alloc&) {
     // Not even for saying so; the counters tell.
 }

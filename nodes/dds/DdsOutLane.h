@@ -3,7 +3,7 @@
 #include "base/Mutex.h"
 #include "nodes/dds/net/DdsEnds.h"
 #include "nodes/dds/wire/TopicTypes.h"
-#include "nodes/shared/Report.h"
+#include "nodes/shared/RateLimiter.h"
 #include "nodes/shared/SlotList.h"
 #include "trovio/Node.h"
 #include <atomic>
@@ -97,7 +97,7 @@ private:
     std::uint64_t _writerID OSTREL_GUARDED_BY(_sendLock) = 0; // the node's
     std::uint64_t _number OSTREL_GUARDED_BY(_sendLock) = 0;
     std::optional<Sample> _last OSTREL_GUARDED_BY(_sendLock); // the one that the library took last
-    Seldom _reports OSTREL_GUARDED_BY(_sendLock);
+    RateLimiter _reports OSTREL_GUARDED_BY(_sendLock);
     std::string _complaint OSTREL_GUARDED_BY(_sendLock); // to be told
     std::shared_ptr<LocalTopic> _localTopic OSTREL_GUARDED_BY(_sendLock);
     DdsEntity _ddsTopic OSTREL_GUARDED_BY(_sendLock), _writer OSTREL_GUARDED_BY(_sendLock);

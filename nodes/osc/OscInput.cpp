@@ -1,13 +1,13 @@
 #include "nodes/osc/OscInput.h"
 
+#include "nodes/shared/Report.h"
 #include <algorithm>
 
 namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double retryPeriod = 2.0;     // seconds between two tries to get the port
-constexpr double malformedPeriod = 1.0; // seconds between two reports
+constexpr double retryPeriod = 2.0; // seconds between two tries to get the port
 
 std::string describe(const std::vector<SocketAddress>& addresses)
 {
@@ -40,7 +40,7 @@ OscInput::OscInput(Clock& clock, OscInSettings settings, OscInCounters& counters
       _counters(counters),
       _health(std::move(health)),
       _dispatcher(_settings._addresses, counters),
-      _malformedReports(clock, malformedPeriod),
+      _malformedReports(clock),
       _shortage(clock, counters._withoutMemory, "OSC: receiving"),
       _worker(clock)
 {
@@ -134,10 +134,9 @@ void OscInput::read(Bytes packet, const SocketAddress& sender, const Time& arriv
         const Ostrel::LockGuard guard(_factsLock);
         _lastMalformed = *problem;
     }
-    if (const auto withheld = _malformedReports.admit())
+    if (const auto more = _malformedReports.admit())
         report(osg::LogWarning, "OSC: malformed packet of " + std::to_string(packet.size()) + " bytes from " +
-                                    sender.str() + ": " + *problem +
-                                    (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : ""));
+                                    sender.str() + ": " + *problem + *more);
 }
 
 } // namespace Trovio::Nodes

@@ -3,7 +3,7 @@
 #include "nodes/osc/OscDispatcher.h"
 #include "nodes/osc/UdpReceiver.h"
 #include "nodes/shared/MemoryShortage.h"
-#include "nodes/shared/Report.h"
+#include "nodes/shared/RateLimiter.h"
 #include "nodes/shared/Worker.h"
 
 namespace Trovio::Nodes {
@@ -49,7 +49,7 @@ private:
     const Health _health;
     OscDispatcher _dispatcher;
     UdpReceiver _receiver;
-    Seldom _malformedReports;
+    RateLimiter _malformedReports;
     MemoryShortage _shortage;
 
     mutable Ostrel::Mutex _factsLock; // leaf

@@ -1,5 +1,6 @@
 #include "nodes/osc/OscOutput.h"
 
+#include "nodes/shared/Report.h"
 #include "nodes/shared/RoundRobin.h"
 #include "trovio/BasicInSlot.h"
 #include <cerrno>
@@ -13,7 +14,6 @@ constexpr double lookPeriod = 0.05;  // seconds between two looks for the answer
 constexpr double pausePeriod = 5.0;  // seconds from a failed search to the next
 constexpr double agingPeriod = 10.0; // seconds after which the address of a troubled host is asked for again
 constexpr double probation = 1.0;    // seconds in which a refusal would have come back
-constexpr double tooLargePeriod = 1.0;
 constexpr int repliesAtOnce = 64;
 constexpr timeval longestSend = {0, 200000};
 
@@ -27,7 +27,7 @@ OscOutput::OscOutput(Clock& clock, std::shared_ptr<NameLookup> lookup, OscOutSet
       _counters(counters),
       _health(std::move(health)),
       _packer(_settings._bundling, [this](Bytes packet, std::size_t messages) { send(packet, messages); }),
-      _tooLargeReports(clock, tooLargePeriod),
+      _tooLargeReports(clock),
       _shortage(clock, counters._withoutMemory, "OSC: sending"),
       _worker(clock)
 {
@@ -163,10 +163,10 @@ void OscOutput::send(Bytes packet, std::size_t messages)
         return; // told already
     if (error != EMSGSIZE) {
         fail("cannot send to " + _target + ": " + std::strerror(error));
-    } else if (const auto withheld = _tooLargeReports.admit()) {
+    } else if (const auto more = _tooLargeReports.admit()) {
         report(osg::LogWarning, "OSC: a message of " + std::to_string(packet.size()) +
                                     " bytes does not fit into one packet to " + _target + ", which holds about 65000" +
-                                    (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : ""));
+                                    *more);
     }
 }
 

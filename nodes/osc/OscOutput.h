@@ -4,7 +4,7 @@
 #include "nodes/osc/packet/OscPacker.h"
 #include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/NameLookup.h"
-#include "nodes/shared/Report.h"
+#include "nodes/shared/RateLimiter.h"
 #include "nodes/shared/Worker.h"
 #include "trovio/Node.h"
 
@@ -73,7 +73,7 @@ private:
     double _searchTime = 0.0;                                       // when to try or to look again
     bool _troubled = false;                                         // the last that was heard is bad
     std::optional<double> _wellFrom; // if nothing bad is heard until then, it is well again
-    Seldom _tooLargeReports;
+    RateLimiter _tooLargeReports;
     MemoryShortage _shortage;
 
     Worker _worker;

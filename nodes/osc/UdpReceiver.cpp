@@ -6,6 +6,7 @@
 #include <linux/sock_diag.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <utility>
 
 namespace Trovio::Nodes {
 

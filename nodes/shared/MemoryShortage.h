@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nodes/shared/Report.h"
+#include "nodes/shared/RateLimiter.h"
 #include "trovio/Node.h"
 #include <new>
 #include <string>
@@ -16,7 +16,7 @@ public:
 
     /// what: how the log calls the node, or the part of it.
     MemoryShortage(Clock& clock, Counter& counter, std::string what)
-        : _counter(counter), _what(std::move(what)), _reports(clock, 1.0)
+        : _counter(counter), _what(std::move(what)), _reports(clock)
     {
     }
 
@@ -39,7 +39,7 @@ public:
 private:
     Counter& _counter;
     const std::string _what;
-    Seldom _reports;
+    RateLimiter _reports;
 };
 
 } // namespace Trovio::Nodes

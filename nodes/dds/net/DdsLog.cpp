@@ -1,6 +1,7 @@
 #include "nodes/dds/net/DdsLog.h"
 
 #include "base/Mutex.h"
+#include "nodes/shared/RateLimiter.h"
 #include "nodes/shared/Report.h"
 #include <csignal>
 #include <dds/dds.h>
@@ -14,17 +15,16 @@ namespace Trovio::Nodes {
 namespace {
 
 thread_local DdsLog::Listening* listening = nullptr;
-constexpr double reportPeriod = 1.0; // seconds; peers can cause messages at will
 
 struct Reports {
     Ostrel::Mutex _lock;
-    Seldom _seldom OSTREL_GUARDED_BY(_lock){Clock::system(), reportPeriod};
+    RateLimiter _limiter OSTREL_GUARDED_BY(_lock){Clock::system()}; // for peers can cause messages at will
 
-    static std::optional<std::uint64_t> admit()
+    static std::optional<std::string> admit()
     {
         static Reports& reports = *new Reports; // for the library's threads outlive static objects
         const Ostrel::LockGuard guard(reports._lock);
-        return reports._seldom.admit();
+        return reports._limiter.admit();
     }
 };
 
@@ -69,12 +69,12 @@ std::string ourWordsFor(const std::string& text)
 void reportTrouble(const std::string& text)
 {
     const std::string ours = ourWordsFor(text);
-    if (const auto withheld = Reports::admit())
+    if (const auto more = Reports::admit())
         report(osg::LogWarning,
                "DDS: " +
                    (ours.empty() ? "the library met a problem of its own; its words are in the log at level 'info'"
                                  : ours) +
-                   (*withheld ? " (and " + std::to_string(*withheld) + " more before it)" : ""));
+                   *more);
     report(osg::LogInfo, "DDS: the library says: " + text);
 }
 

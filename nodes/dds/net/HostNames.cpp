@@ -2,6 +2,7 @@
 
 #include "nodes/dds/net/DdsEntity.h"
 #include <algorithm>
+#include <utility>
 
 namespace Trovio::Nodes {
 
