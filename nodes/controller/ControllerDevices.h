@@ -12,7 +12,7 @@ struct Arrival {
     DeviceIdentity _identity;
 };
 
-/// What happened since the last look. Changes are in order, and of devices that have arrived and not yet left.
+/// What happened since the last poll. Changes are in order, and of devices that have arrived and not yet left.
 struct DeviceNews {
     std::vector<Arrival> _arrived;
     std::vector<InputChange> _changes;
@@ -25,11 +25,11 @@ class ControllerDevices {
 public:
     virtual ~ControllerDevices() = default;
 
-    /// The next look shows what is plugged in as having arrived. Throws std::runtime_error, and may be tried again.
+    /// The next poll() shows what is plugged in as having arrived. Throws std::runtime_error, and may be tried again.
     virtual void open() = 0;
     virtual void close() = 0;
 
-    virtual DeviceNews look() = 0;
+    virtual DeviceNews poll() = 0;
 
     /// Replaces what the motors of the device are doing. False where it has none or did not take it.
     virtual bool rumble(int device, const Rumble& rumble) = 0;

@@ -57,15 +57,15 @@ void ControllerHub::run()
 {
     double next = 0.0;
     do
-        next = _clock.now() + look();
+        next = _clock.now() + poll();
     while (_worker.wait(next));
     close("");
 }
 
-double ControllerHub::look()
+double ControllerHub::poll()
 {
     const Ostrel::LockGuard guard(_lock);
-    return _broker.look(_clock.wallTime());
+    return _broker.poll(_clock.wallTime());
 }
 
 void ControllerHub::close(const std::string& reason)

@@ -6,7 +6,7 @@
 
 namespace Trovio::Nodes {
 
-/// The one thread on which all controllers of this process are looked at, while there is somebody who wants one.
+/// The one thread that polls all controllers of this process, while a node uses one or waits for one.
 /// Threads: any.
 class ControllerHub {
 public:
@@ -22,21 +22,21 @@ public:
     /// The user is called from now on, on the hub's thread. Throws std::system_error where there can be no more
     /// threads.
     void attach(ControllerUser& user) OSTREL_EXCLUDES(_usersLock, _lock);
-    /// Afterwards the user is not called any more. Waits until the look that is under way has ended.
+    /// Afterwards the user is not called any more. Waits for the poll that is under way.
     void detach(ControllerUser& user) OSTREL_EXCLUDES(_usersLock, _lock);
 
-    /// Looks at once, for there is something to rumble. Never blocks; under any lock.
+    /// Polls at once, for there is something to rumble. Never blocks; under any lock.
     void wake() { _worker.wake(); }
 
 private:
     void run();
-    double look() OSTREL_EXCLUDES(_lock);
+    double poll() OSTREL_EXCLUDES(_lock);
     void close(const std::string& reason) OSTREL_EXCLUDES(_lock);
 
     Clock& _clock;
 
     // The users lock is held while the thread starts and ends, so that it does so in step with its users. The other one
-    // is held around a whole look, pushes included, so that detach() can promise what it does: what a push reaches only
+    // is held around a whole poll, pushes included, so that detach() can promise what it does: what a push reaches only
     // queues and wakes, and never comes back here but for wake().
     Ostrel::Mutex _usersLock OSTREL_ACQUIRED_BEFORE(_lock);
     Ostrel::Mutex _lock;

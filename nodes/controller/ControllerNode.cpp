@@ -7,12 +7,12 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr std::size_t wishRows = std::size(DeviceWish::Rows);
+constexpr std::size_t filterRows = std::size(DeviceFilter::Rows);
 
-std::array<Setting, wishRows + 1> makeTable()
+std::array<Setting, filterRows + 1> makeTable()
 {
-    std::array<Setting, wishRows + 1> table{};
-    std::copy_n(DeviceWish::Rows, wishRows, table.begin());
+    std::array<Setting, filterRows + 1> table{};
+    std::copy_n(DeviceFilter::Rows, filterRows, table.begin());
     table.back() = Setting::number("hold", "1", 0.01, 60, "seconds that the motors turn after a record, at most");
     return table;
 }
@@ -54,7 +54,7 @@ ControllerNode::~ControllerNode() = default;
 
 void ControllerNode::configure(const Settings& settings)
 {
-    _wish = DeviceWish(settings);
+    _filter = DeviceFilter(settings);
     _rumbleSeconds = settings.number("hold");
 }
 

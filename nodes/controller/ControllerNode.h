@@ -27,21 +27,21 @@ private:
 
     void dataArrived(Slot&) override { _hub.wake(); }
 
-    const DeviceWish& getWish() const override { return _wish; }
+    const DeviceFilter& getFilter() const override { return _filter; }
     void deviceTaken(const DeviceIdentity& device, const ControllerState& state, const Time& now) override;
     void inputChanged(const InputChange& change, const Time& now) override { _slots.apply(change, now); }
-    void lookEnded(const Time& now) override { _slots.flush(now); }
+    void pollEnded(const Time& now) override { _slots.flush(now); }
     void deviceMissing(const std::string& reason, const Time& now) override;
     std::optional<Rumble> takeRumble() override;
     void rumbleDone(bool accepted) override;
-    void lookFailed() noexcept override { _shortage.note(); }
+    void pollFailed() noexcept override { _shortage.note(); }
 
     ControllerHub& _hub;
     Counter& _rumbled;
     Counter& _rumbleRefused;
 
     // Unchanged while the node runs.
-    DeviceWish _wish;
+    DeviceFilter _filter;
     double _rumbleSeconds = 0.0;
 
     ControllerSlots _slots;

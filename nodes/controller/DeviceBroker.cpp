@@ -9,7 +9,7 @@ namespace Trovio::Nodes {
 
 namespace {
 
-// Seconds from one look to the next. Devices are asked, for they wake nobody: while one is in use about as often as the
+// Seconds from one poll to the next. Devices are asked, for they wake nobody: while one is in use about as often as the
 // fastest report, otherwise to see whether one was plugged in.
 constexpr double inUse = 0.002;
 constexpr double waiting = 0.1;
@@ -34,30 +34,30 @@ void DeviceBroker::detach(ControllerUser& user)
     _changed = true;
 }
 
-double DeviceBroker::look(const Time& now)
+double DeviceBroker::poll(const Time& now)
 try {
     // What came in then is lost, such as a device that arrived.
     if (std::exchange(_incomplete, true))
         close("there was no memory for what controllers sent; they are opened again", now);
-    const double next = lookThrough(now);
+    const double next = pollDevices(now);
     _incomplete = false;
     return next;
 } catch (const std::bad_alloc&) {
     for (const User& user : _users)
-        user._user->lookFailed();
+        user._user->pollFailed();
     return MemoryShortage::Pause;
 }
 
-double DeviceBroker::lookThrough(const Time& now)
+double DeviceBroker::pollDevices(const Time& now)
 {
     if (!_open && !open(now))
         return untilRetry;
-    take(_devices->look(), now);
+    take(_devices->poll(), now);
     if (std::exchange(_changed, false))
         assign(now);
     exchangeRumble();
     for (const User& user : _users)
-        user._user->lookEnded(now);
+        user._user->pollEnded(now);
     const bool idle = std::none_of(_users.begin(), _users.end(), [](const User& user) { return user._device; });
     return idle ? waiting : inUse;
 }
@@ -148,13 +148,13 @@ bool DeviceBroker::assignBest(const Time& now)
 
 std::optional<int> DeviceBroker::claim(const User& user, const Device& device)
 {
-    const DeviceWish& wish = user._user->getWish();
-    if (user._device || !wish.admits(device._identity))
+    const DeviceFilter& filter = user._user->getFilter();
+    if (user._device || !filter.admits(device._identity))
         return std::nullopt;
-    if (device._owner && device._owner->_user->getWish().getPrecision() >= wish.getPrecision())
+    if (device._owner && device._owner->_user->getFilter().getPrecision() >= filter.getPrecision())
         return std::nullopt;
     const bool hadIt = user._last && user._last->isSameAs(device._identity);
-    return wish.getPrecision() * 4 + (hadIt ? 2 : 0) + (user._last ? 0 : 1);
+    return filter.getPrecision() * 4 + (hadIt ? 2 : 0) + (user._last ? 0 : 1);
 }
 
 void DeviceBroker::give(User& user, Devices::value_type& device, const Time& now)
@@ -197,8 +197,8 @@ void DeviceBroker::exchangeRumble()
 
 std::string DeviceBroker::explainMissing(const User& user) const
 {
-    const std::string wish = user._user->getWish().describe();
-    std::string text = "there is no free controller" + (wish.empty() ? "" : " " + wish);
+    const std::string wanted = user._user->getFilter().describe();
+    std::string text = "there is no free controller" + (wanted.empty() ? "" : " " + wanted);
     if (user._last)
         text += ", and the one that was used is " + user._last->describe();
     if (_present.empty())

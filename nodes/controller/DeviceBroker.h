@@ -1,7 +1,7 @@
 #pragma once
 
 #include "nodes/controller/ControllerDevices.h"
-#include "nodes/controller/DeviceWish.h"
+#include "nodes/controller/DeviceFilter.h"
 #include "trovio/Time.h"
 #include <list>
 #include <map>
@@ -13,12 +13,12 @@ namespace Trovio::Nodes {
 class ControllerUser {
 public:
     /// Does not change while it is attached.
-    virtual const DeviceWish& getWish() const = 0;
+    virtual const DeviceFilter& getFilter() const = 0;
 
     virtual void deviceTaken(const DeviceIdentity& device, const ControllerState& state, const Time& now) = 0;
     virtual void inputChanged(const InputChange& change, const Time& now) = 0;
-    /// After the last change of a look.
-    virtual void lookEnded(const Time& now) = 0;
+    /// After the last change of a poll.
+    virtual void pollEnded(const Time& now) = 0;
     /// There is no device, or none any more. Called again when the reason changes.
     virtual void deviceMissing(const std::string& reason, const Time& now) = 0;
 
@@ -26,30 +26,30 @@ public:
     virtual std::optional<Rumble> takeRumble() = 0;
     virtual void rumbleDone(bool accepted) = 0;
 
-    /// There was no memory for what controllers sent: the next look opens them anew, and all users get theirs again.
-    virtual void lookFailed() noexcept = 0;
+    /// There was no memory for what controllers sent: the next poll opens them anew, and all users get theirs again.
+    virtual void pollFailed() noexcept = 0;
 
 protected:
     ~ControllerUser() = default;
 };
 
 /// Gives each user one controller, no controller to two, and passes on what happens between them.
-/// Who gets which: first those whose wish says more, then those who had the same device before, then those who never
-/// had one, then by order of attaching. A user whose wish says less gives a device up again, so that the outcome does
+/// Who gets which: first those whose filter says more, then those who had the same device before, then those who never
+/// had one, then by order of attaching. A user whose filter says less gives a device up again, so that the outcome does
 /// not depend on who came first.
-/// Threads: one at a time. Devices are used in look() and close() only.
+/// Threads: one at a time. Devices are used in poll() and close() only.
 class DeviceBroker {
 public:
     explicit DeviceBroker(std::unique_ptr<ControllerDevices> devices) : _devices(std::move(devices)) {}
 
     void attach(ControllerUser& user);
-    /// Its device is free again; the motors stand still from the next look on.
+    /// Its device is free again; the motors stand still from the next poll on.
     void detach(ControllerUser& user);
     bool isUsed() const { return !_users.empty(); }
 
-    /// Tells everybody what happened, as having happened now. Returns after how many seconds to look again. Without
+    /// Tells everybody what happened, as having happened now. Returns after how many seconds to poll again. Without
     /// memory it does what it can, and begins anew the next time.
-    double look(const Time& now);
+    double poll(const Time& now);
 
     /// Closes the devices. Everybody misses theirs for that reason.
     void close(const std::string& reason, const Time& now);
@@ -68,7 +68,7 @@ private:
         std::optional<DeviceIdentity> _last; // of the device that it has or had
     };
 
-    double lookThrough(const Time& now);
+    double pollDevices(const Time& now);
     bool open(const Time& now);
     void take(DeviceNews news, const Time& now);
     void takeChange(const InputChange& change, const Time& now);
@@ -90,7 +90,7 @@ private:
     std::vector<int> _toSilence; // were given up, maybe with their motors on
     bool _open = false;
     bool _changed = false;    // users or devices came or went since devices were last assigned
-    bool _incomplete = false; // the last look did not come to its end
+    bool _incomplete = false; // the last poll did not come to its end
 };
 
 } // namespace Trovio::Nodes

@@ -163,7 +163,7 @@ void SdlDevices::close()
     SDL_TLSCleanup(); // the thread is none of SDL's, which keeps something for each one that calls it
 }
 
-DeviceNews SdlDevices::look()
+DeviceNews SdlDevices::poll()
 {
     DeviceNews news;
     SDL_JoystickUpdate(); // and not SDL_PumpEvents(), which belongs to the thread that has the windows

@@ -19,7 +19,7 @@ public:
 
     void open() override;
     void close() override;
-    DeviceNews look() override;
+    DeviceNews poll() override;
     bool rumble(int device, const Rumble& rumble) override;
 
 private:

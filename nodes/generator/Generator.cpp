@@ -1,6 +1,6 @@
 #include "nodes/generator/Generator.h"
 
-#include "nodes/generator/TestPicture.h"
+#include "nodes/generator/TestPattern.h"
 #include "nodes/shared/NumberList.h"
 
 namespace Trovio::Nodes {
@@ -25,7 +25,7 @@ const Setting generatorSettings[] = {
     Setting::integer("elements", "4", 0, 1000000, "length of multiple values"),
     Setting::integer("width", "64", 1, 4096, "pixels of a test picture from left to right"),
     Setting::integer("height", "48", 1, 4096, "pixels of a test picture from top to bottom"),
-    Setting::choice("format", "RGB", TestPicture::FormatChoices, "pixel format of a test picture"),
+    Setting::choice("format", "RGB", TestPattern::FormatChoices, "pixel format of a test picture"),
 };
 
 } // namespace

@@ -6,7 +6,7 @@
 
 namespace Trovio::Nodes {
 
-/// Pushes made-up values at a steady rate: waves for any numeric type, test pictures for images.
+/// Pushes made-up values at a steady rate: waves for any numeric type, test patterns for images.
 /// Invariant: record k carries the value for k / rate seconds and the time at which it was due. A generator that fell
 ///            behind catches up, but leaves out what is more than a second late.
 /// Ownership: owns its slot; routes refer to it only while the node stands in a namespace.

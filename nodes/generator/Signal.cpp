@@ -1,6 +1,6 @@
 #include "nodes/generator/Signal.h"
 
-#include "nodes/generator/TestPicture.h"
+#include "nodes/generator/TestPattern.h"
 #include "trovio/OutSlot.h"
 #include "trovio/SlotTypes.h"
 
@@ -8,7 +8,7 @@ namespace Trovio::Nodes {
 
 namespace {
 
-/// Makes single elements: numbers from a wave, or pictures.
+/// Makes single elements: numbers from a wave, or test patterns.
 template <class E>
 class ElementSource {
 public:
@@ -29,17 +29,17 @@ private:
 template <>
 class ElementSource<Image> {
 public:
-    explicit ElementSource(const Settings& settings) : _picture(settings) {}
+    explicit ElementSource(const Settings& settings) : _pattern(settings) {}
 
     void fill(std::vector<Image>& elements, const Tick& tick) const
     {
         for (std::size_t i = 0; i < elements.size(); ++i)
             draw(tick._index + i, elements[i]);
     }
-    void draw(std::uint64_t index, Image& image) const { _picture.draw(index, image); }
+    void draw(std::uint64_t index, Image& image) const { _pattern.draw(index, image); }
 
 private:
-    TestPicture _picture;
+    TestPattern _pattern;
 };
 
 /// Which element a slot value type is made of, and how a value of it is built anew for each record.

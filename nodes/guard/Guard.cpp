@@ -88,7 +88,7 @@ void Guard::recordCame()
     _source = Source::Alive;
 }
 
-std::optional<double> Guard::look()
+std::optional<double> Guard::update()
 {
     if (_source == Source::Lost)
         return std::nullopt;

@@ -19,7 +19,7 @@ private:
 
     std::unique_ptr<Lane> createLane(const Settings& settings) override;
     void start() override;
-    std::optional<double> look() override;
+    std::optional<double> update() override;
 
     template <class T>
     std::unique_ptr<Lane> createTypedLane(const Settings& settings);

@@ -41,7 +41,7 @@ void RelayNode::run()
     std::optional<double> until;
     const auto work = [&] {
         relayWaiting();
-        until = look();
+        until = update();
     };
     do {
         if (!_shortage.survives(work))

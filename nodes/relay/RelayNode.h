@@ -38,7 +38,7 @@ protected:
     virtual std::unique_ptr<Lane> createLane(const Settings& settings) = 0;
 
     /// Runs on the node's thread whenever no record waits. When it wants to run again, if nothing comes before that.
-    virtual std::optional<double> look() { return std::nullopt; }
+    virtual std::optional<double> update() { return std::nullopt; }
 
     /// Runs on the node's thread for each record that was received but not sent.
     virtual void countRejected(Outcome) {}

@@ -18,7 +18,12 @@ protected:
     virtual void workEnded(const std::string& reason) { setDegraded(reason); }
 
     /// Starts the thread, under the name of the node's type.
-    void start() override;
+    void start() override
+    {
+        _worker.start(
+            getTypeName().c_str(), [this] { run(); },
+            [this](const std::string& problem) { workEnded("ended: " + problem); });
+    }
     void stop() override { _worker.stop(); }
 
     Clock& _clock;

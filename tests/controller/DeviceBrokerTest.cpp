@@ -7,30 +7,30 @@
 namespace Trovio::Nodes {
 namespace {
 
-DeviceWish wishOf(const std::string& text)
+DeviceFilter filterOf(const std::string& text)
 {
-    return DeviceWish(Settings({std::begin(DeviceWish::Rows), std::end(DeviceWish::Rows)}, text));
+    return DeviceFilter(Settings({std::begin(DeviceFilter::Rows), std::end(DeviceFilter::Rows)}, text));
 }
 
 /// Remembers which device it has, by its port.
 struct Holder final : ControllerUser {
-    explicit Holder(const std::string& wish) : _wish(wishOf(wish)) {}
-    const DeviceWish& getWish() const override { return _wish; }
+    explicit Holder(const std::string& settings) : _filter(filterOf(settings)) {}
+    const DeviceFilter& getFilter() const override { return _filter; }
     void deviceTaken(const DeviceIdentity& device, const ControllerState&, const Time&) override
     {
         _has = device._port;
     }
     void inputChanged(const InputChange&, const Time&) override {}
-    void lookEnded(const Time&) override {}
+    void pollEnded(const Time&) override {}
     void deviceMissing(const std::string& reason, const Time&) override
     {
         _has = reason.starts_with("there is no free controller") ? "none" : reason;
     }
     std::optional<Rumble> takeRumble() override { return std::nullopt; }
     void rumbleDone(bool) override {}
-    void lookFailed() noexcept override {}
+    void pollFailed() noexcept override {}
 
-    const DeviceWish _wish;
+    const DeviceFilter _filter;
     std::string _has = "none";
 };
 
@@ -41,8 +41,8 @@ const std::map<std::string, DeviceIdentity> devices = {{"p1", {std::string(32, '
 
 struct Assignment {
     const char* _name;
-    std::vector<std::string> _wishes; // of the users
-    const char* _script;              // + plugs a device in, - out, * attaches the next user
+    std::vector<std::string> _filters; // of the users
+    const char* _script;               // + plugs a device in, - out, * attaches the next user
     std::vector<std::string> _expected;
 };
 class BrokerGives : public ::testing::TestWithParam<Assignment> {};
@@ -51,11 +51,11 @@ TEST_P(BrokerGives, TheRightDeviceToTheRightUser)
 {
     auto* fake = new FakeDevices;
     DeviceBroker broker{std::unique_ptr<ControllerDevices>(fake)};
-    std::list<Holder> holders(GetParam()._wishes.begin(), GetParam()._wishes.end());
+    std::list<Holder> holders(GetParam()._filters.begin(), GetParam()._filters.end());
     auto next = holders.begin();
     std::map<std::string, int> numbers;
     std::istringstream words(GetParam()._script);
-    for (std::string word; words >> word; broker.look(Time(1.0))) {
+    for (std::string word; words >> word; broker.poll(Time(1.0))) {
         const std::string port = word.substr(1);
         if (word.front() == '*')
             broker.attach(*next++);
@@ -96,17 +96,17 @@ TEST(DeviceBroker, TriesAgainWhatDoesNotOpen)
     fake->plugIn(devices.at("p1"));
     Holder holder("");
     broker.attach(holder);
-    EXPECT_EQ(broker.look(Time(1.0)), 1.0) << "seconds until it tries again";
+    EXPECT_EQ(broker.poll(Time(1.0)), 1.0) << "seconds until it tries again";
     EXPECT_EQ(holder._has, "no permission");
     fake->_problem.clear();
-    broker.look(Time(2.0));
+    broker.poll(Time(2.0));
     EXPECT_EQ(holder._has, "p1");
 }
 
-TEST(DeviceWish, RefusesWhatIsNoGuid)
+TEST(DeviceFilter, RefusesWhatIsNoGuid)
 {
-    EXPECT_THROW(wishOf("guid=0300"), InvalidFieldException);
-    EXPECT_THROW(wishOf("guid=" + std::string(32, 'g')), InvalidFieldException);
+    EXPECT_THROW(filterOf("guid=0300"), InvalidFieldException);
+    EXPECT_THROW(filterOf("guid=" + std::string(32, 'g')), InvalidFieldException);
 }
 
 TEST(DevicePlace, IsReadFromTheSystem)

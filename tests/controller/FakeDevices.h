@@ -21,11 +21,11 @@ public:
             throw std::runtime_error(_problem);
     }
     void close() override { note("close"); }
-    DeviceNews look() override
+    DeviceNews poll() override
     {
         const Ostrel::LockGuard guard(_lock);
-        ++_looks;
-        _looked.notify_all();
+        ++_polls;
+        _polled.notify_all();
         const DeviceNews news = std::exchange(_news, {});
         if (std::exchange(_isWithoutMemory, false))
             throw std::bad_alloc();
@@ -41,14 +41,14 @@ public:
 
     std::string _problem; // of opening; set it before there is a thread
 
-    /// The next look loses what it would have shown.
+    /// The next poll loses what it would have shown.
     void takeMemory()
     {
         const Ostrel::LockGuard guard(_lock);
         _isWithoutMemory = true;
     }
 
-    /// The next look shows it. The number is a new one each time.
+    /// The next poll shows it. The number is a new one each time.
     int plugIn(const DeviceIdentity& identity)
     {
         const Ostrel::LockGuard guard(_lock);
@@ -72,14 +72,14 @@ public:
         return std::exchange(_calls, {});
     }
 
-    /// Has the hub look until all that was done before is through: when the second look begins, the first has ended.
+    /// Has the hub poll until all that was done before is through: when the second poll begins, the first has ended.
     template <class Hub>
     void settle(Hub& hub)
     {
-        for (int look = 0; look < 2; ++look) {
+        for (int poll = 0; poll < 2; ++poll) {
             std::unique_lock guard(_lock);
             hub.wake();
-            _looked.wait(guard, [wanted = _looks + 1, this] { return _looks >= wanted; });
+            _polled.wait(guard, [wanted = _polls + 1, this] { return _polls >= wanted; });
         }
     }
 
@@ -91,12 +91,12 @@ private:
     }
 
     Ostrel::Mutex _lock;
-    std::condition_variable_any _looked;
+    std::condition_variable_any _polled;
     DeviceNews _news;
     std::vector<std::string> _calls;
     int _lastDevice = 0;
     bool _isWithoutMemory = false;
-    std::size_t _looks = 0;
+    std::size_t _polls = 0;
 };
 
 } // namespace Trovio::Nodes

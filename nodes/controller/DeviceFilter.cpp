@@ -1,4 +1,4 @@
-#include "nodes/controller/DeviceWish.h"
+#include "nodes/controller/DeviceFilter.h"
 
 #include <algorithm>
 
@@ -24,7 +24,7 @@ char toLower(char c)
 
 } // namespace
 
-DeviceWish::DeviceWish(const Settings& settings)
+DeviceFilter::DeviceFilter(const Settings& settings)
 {
     for (const Part& part : parts)
         _wanted.*part._text = settings.text(part._name);
@@ -35,7 +35,7 @@ DeviceWish::DeviceWish(const Settings& settings)
         throw settings.refusal("guid", "32 hexadecimal digits, or nothing for any controller");
 }
 
-bool DeviceWish::admits(const DeviceIdentity& device) const
+bool DeviceFilter::admits(const DeviceIdentity& device) const
 {
     return std::all_of(std::begin(parts), std::end(parts), [&](const Part& part) {
         const std::string& wanted = _wanted.*part._text;
@@ -43,13 +43,13 @@ bool DeviceWish::admits(const DeviceIdentity& device) const
     });
 }
 
-int DeviceWish::getPrecision() const
+int DeviceFilter::getPrecision() const
 {
     return static_cast<int>(std::count_if(std::begin(parts), std::end(parts),
                                           [this](const Part& part) { return !(_wanted.*part._text).empty(); }));
 }
 
-std::string DeviceWish::describe() const
+std::string DeviceFilter::describe() const
 {
     std::string text;
     for (const Part& part : parts)

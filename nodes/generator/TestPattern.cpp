@@ -1,4 +1,4 @@
-#include "nodes/generator/TestPicture.h"
+#include "nodes/generator/TestPattern.h"
 
 #include <algorithm>
 
@@ -18,14 +18,14 @@ std::uint8_t rampAt(unsigned position, unsigned length)
 
 } // namespace
 
-TestPicture::TestPicture(const Settings& settings)
+TestPattern::TestPattern(const Settings& settings)
     : _format(formats[settings.choice("format")]),
       _width(static_cast<unsigned>(settings.integer("width"))),
       _height(static_cast<unsigned>(settings.integer("height")))
 {
 }
 
-void TestPicture::draw(std::uint64_t index, Image& image) const
+void TestPattern::draw(std::uint64_t index, Image& image) const
 {
     if (image.getFormat() != _format || image.getWidth() != _width || image.getHeight() != _height)
         image = Image(_format, _width, _height);

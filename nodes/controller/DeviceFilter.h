@@ -5,15 +5,15 @@
 
 namespace Trovio::Nodes {
 
-/// Which controller a node wants: any that has all the texts that its settings give. An empty text admits all.
+/// Which controllers a node may use: those that have all the texts that its settings give. An empty text admits all.
 /// A plain value.
-class DeviceWish {
+class DeviceFilter {
 public:
     /// Any controller.
-    DeviceWish() = default;
+    DeviceFilter() = default;
 
     /// Throws InvalidFieldException.
-    explicit DeviceWish(const Settings& settings);
+    explicit DeviceFilter(const Settings& settings);
 
     static constexpr Setting Rows[] = {
         Setting::text("guid", "", "GUID of the controller's model; empty: any", "32 hexadecimal digits, or nothing"),
