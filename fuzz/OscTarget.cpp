@@ -2,7 +2,7 @@
 // in-slot back into packets. What the writer made must be read and written again without any difference.
 #include "fuzz/Fuzz.h"
 #include "nodes/osc/OscDispatcher.h"
-#include "nodes/osc/OscOutLane.h"
+#include "nodes/osc/OscSender.h"
 #include "nodes/osc/packet/OscPacker.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
@@ -18,7 +18,7 @@ using namespace Trovio::Nodes;
 using Packet = std::vector<std::uint8_t>;
 constexpr unsigned capacity = 4096; // no input of the size that is tried fills it
 
-/// "/Vec3f", "/all/Vec3f": two lanes for each type, so that patterns match one, some and all of them.
+/// "/Vec3f", "/all/Vec3f": two methods for each type, so that patterns match one, some and all of them.
 std::vector<OscAddress> allAddresses()
 {
     std::vector<OscAddress> addresses;
@@ -38,14 +38,14 @@ public:
     Road() : _dispatcher(allAddresses(), _counters)
     {
         for (const OscAddress& address : allAddresses())
-            _out.push_back(OscOutLane::create(address, capacity, [] {}));
-        std::size_t lane = 0;
-        _dispatcher.forEachSlot([&](BasicOutSlot& slot) { slot.connect(&_out[lane++]->getSlot()); });
+            _out.push_back(OscSender::create(address, capacity, [] {}));
+        std::size_t next = 0;
+        _dispatcher.forEachSlot([&](BasicOutSlot& slot) { slot.connect(&_out[next++]->getSlot()); });
     }
     ~Road()
     {
-        std::size_t lane = 0;
-        _dispatcher.forEachSlot([&](BasicOutSlot& slot) { slot.disconnect(&_out[lane++]->getSlot()); });
+        std::size_t next = 0;
+        _dispatcher.forEachSlot([&](BasicOutSlot& slot) { slot.disconnect(&_out[next++]->getSlot()); });
     }
 
     bool read(Bytes packet) { return !readOscPacket(packet, Time(1.0), _dispatcher).has_value(); }
@@ -56,8 +56,8 @@ public:
         std::vector<Packet> packets;
         OscPacker packer(Bundling::Always,
                          [&packets](Bytes packet, std::size_t) { packets.emplace_back(packet.begin(), packet.end()); });
-        for (const auto& lane : _out)
-            while (const auto stamp = lane->take(_writer))
+        for (const auto& sender : _out)
+            while (const auto stamp = sender->take(_writer))
                 packer.add(_writer.finish(), *stamp);
         packer.flush();
         return packets;
@@ -72,7 +72,7 @@ private:
     OscInCounters _counters{_packets,   _messages, _values, _mismatched,   _unknown,
                             _malformed, _dropped,  _unread, _withoutMemory};
     OscDispatcher _dispatcher;
-    std::vector<std::unique_ptr<OscOutLane>> _out;
+    std::vector<std::unique_ptr<OscSender>> _out;
     OscWriter _writer;
     std::uint64_t _valuesBefore = 0;
 };

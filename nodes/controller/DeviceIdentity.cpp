@@ -7,14 +7,14 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr std::streamsize longestLine = 256;
+constexpr std::streamsize maxLineLength = 256;
 
 /// What stands behind `key` in the first line that begins with it.
 std::string readValue(const std::string& file, std::string_view key)
 {
     std::ifstream stream(file);
-    char buffer[longestLine];
-    while (stream.getline(buffer, longestLine)) {
+    char buffer[maxLineLength];
+    while (stream.getline(buffer, maxLineLength)) {
         const std::string_view line(buffer);
         if (line.starts_with(key))
             return std::string(line.substr(key.size()));

@@ -12,7 +12,7 @@ namespace Trovio::Nodes {
 namespace {
 
 constexpr Uint32 subsystems = SDL_INIT_GAMECONTROLLER;
-constexpr std::size_t eventsAtOnce = 64;
+constexpr std::size_t maxEventsAtOnce = 64;
 constexpr SDL_SensorType sensors[MotionCount] = {SDL_SENSOR_GYRO, SDL_SENSOR_ACCEL};
 
 // SDL counts as this project does.
@@ -167,13 +167,13 @@ DeviceNews SdlDevices::poll()
 {
     DeviceNews news;
     SDL_JoystickUpdate(); // and not SDL_PumpEvents(), which belongs to the thread that has the windows
-    SDL_Event events[eventsAtOnce];
+    SDL_Event events[maxEventsAtOnce];
     int count = 0;
     do {
-        count = SDL_PeepEvents(events, eventsAtOnce, SDL_GETEVENT, SDL_JOYAXISMOTION, SDL_CONTROLLERSENSORUPDATE);
+        count = SDL_PeepEvents(events, maxEventsAtOnce, SDL_GETEVENT, SDL_JOYAXISMOTION, SDL_CONTROLLERSENSORUPDATE);
         for (int i = 0; i < count; ++i)
             read(events[i], news);
-    } while (count == static_cast<int>(eventsAtOnce));
+    } while (count == static_cast<int>(maxEventsAtOnce));
     if (std::exchange(_listStale, false))
         list(news);
     return news;

@@ -10,12 +10,12 @@ namespace Trovio::Nodes {
 namespace {
 
 constexpr double reopenPeriod = 2.0;  // seconds from a failed opening to the next
-constexpr double lookupPeriod = 0.05; // seconds from one look for the answer of a name server to the next
-constexpr double addressPeriod = 2.0; // seconds from one look at the own addresses to the next
+constexpr double lookupPeriod = 0.05; // seconds from one question whether the name server has answered to the next
+constexpr double addressPeriod = 2.0; // seconds from one check of the own addresses to the next
 
 constexpr std::string_view timingSuffix = "/timing";
 
-/// Whose trouble is the slot's, too. What "Wand/alive" says is never in doubt.
+/// Whose problem is the slot's, too. What "Wand/alive" says is never in doubt.
 std::string topicOf(const std::string& label)
 {
     return label.ends_with(timingSuffix) ? label.substr(0, label.size() - timingSuffix.size()) : label;
@@ -46,7 +46,7 @@ void DdsNode::configure(const Settings& settings)
 {
     const auto wake = [this] { _worker.wake(); };
     const auto peersChanged = [this] {
-        _lookNeeded = true;
+        _updateNeeded = true;
         _worker.wake();
     };
     auto session =
@@ -91,8 +91,8 @@ std::vector<RemarkInfo> DdsNode::getRemarks() const
     if (!_session)
         return {};
     std::vector<RemarkInfo> remarks = _session->getRemarks();
-    const Ostrel::LockGuard guard(_troublesLock);
-    for (const RemarkInfo& note : _troubles.getNotes())
+    const Ostrel::LockGuard guard(_problemsLock);
+    for (const RemarkInfo& note : _topicProblems.getNotes())
         if (std::ranges::none_of(remarks, [&](const RemarkInfo& known) { return known._slot == note._slot; }))
             remarks.push_back(note);
     return remarks;
@@ -116,7 +116,7 @@ void DdsNode::run()
     };
     do {
         if (!_shortage.survives(goOn)) {
-            _lookNeeded = true; // it may not have come to its end
+            _updateNeeded = true; // it may not have come to its end
             next = _clock.now() + MemoryShortage::Pause;
         }
     } while (_worker.wait(next));
@@ -132,16 +132,16 @@ double DdsNode::tryOpen()
         return _clock.now() + reopenPeriod;
     }
     _graceEnd = _clock.now() + _session->getSettings()._domain._lease;
-    _lookNeeded = true;
-    _nextAddressLook = _clock.now() + addressPeriod;
+    _updateNeeded = true;
+    _nextAddressCheck = _clock.now() + addressPeriod;
     return 0.0;
 }
 
 void DdsNode::closeIfStale()
 {
-    if (_session->getSettings()._domain.isLoopback() || _clock.now() < _nextAddressLook)
+    if (_session->getSettings()._domain.isLoopback() || _clock.now() < _nextAddressCheck)
         return;
-    _nextAddressLook = _clock.now() + addressPeriod;
+    _nextAddressCheck = _clock.now() + addressPeriod;
     if (_session->getDomain().isCurrent())
         return;
     setAllDegraded("the address of this machine in " + _session->getDomain().describe() +
@@ -154,16 +154,16 @@ std::optional<double> DdsNode::work()
     if (_session->sendWaiting())
         _worker.wake();
     const bool isEarly = _clock.now() < _graceEnd;
-    if (_lookNeeded.exchange(false) || (!isEarly && _graceEnd > 0.0)) {
-        _session->lookAround();
-        setTroubles(_session->getTroubles(isEarly));
+    if (_updateNeeded.exchange(false) || (!isEarly && _graceEnd > 0.0)) {
+        _session->update();
+        setTopicProblems(_session->getTopicProblems(isEarly));
     }
     if (!isEarly)
         _graceEnd = 0.0;
     const bool hasAddress = !_session->getSettings()._domain.isLoopback();
     std::optional<double> next;
-    for (const auto time : {_session->takeNewcomers(), _session->showLife(), _session->compareClocks(),
-                            hasAddress ? std::optional(_nextAddressLook) : std::nullopt,
+    for (const auto time : {_session->takeNewWriters(), _session->showLife(), _session->compareClocks(),
+                            hasAddress ? std::optional(_nextAddressCheck) : std::nullopt,
                             isEarly ? std::optional(_graceEnd) : std::nullopt})
         if (time)
             next = std::min(next.value_or(*time), *time);
@@ -173,33 +173,33 @@ std::optional<double> DdsNode::work()
 void DdsNode::setAllDegraded(const std::string& reason)
 {
     {
-        const Ostrel::LockGuard guard(_troublesLock);
-        _troubles = {};
+        const Ostrel::LockGuard guard(_problemsLock);
+        _topicProblems = {};
     }
     setDegraded(reason);
 }
 
-void DdsNode::setTroubles(const DdsTroubles& troubles)
+void DdsNode::setTopicProblems(const DdsTopicProblems& problems)
 {
     {
-        const Ostrel::LockGuard guard(_troublesLock);
-        _troubles = troubles;
+        const Ostrel::LockGuard guard(_problemsLock);
+        _topicProblems = problems;
     }
-    if (troubles.empty())
+    if (problems.empty())
         setRunning("takes part in " + _session->getDomain().describe() +
                    "; interface=NAME or host=ADDRESS chooses another");
     else
-        setDegraded(troubles.summary());
+        setDegraded(problems.summary());
 }
 
 NodeState DdsNode::getStateOf(const Slot& slot) const
 {
     const NodeState state = getState();
-    const Ostrel::LockGuard guard(_troublesLock);
-    if (_troubles.empty())
+    const Ostrel::LockGuard guard(_problemsLock);
+    if (_topicProblems.empty())
         return state; // all of it, or nothing
-    const std::string trouble = _troubles.find(topicOf(slot.getName()));
-    return trouble.empty() ? NodeState() : NodeState{true, trouble, state._since, {}};
+    const std::string problem = _topicProblems.find(topicOf(slot.getName()));
+    return problem.empty() ? NodeState() : NodeState{true, problem, state._since, {}};
 }
 
 } // namespace Trovio::Nodes

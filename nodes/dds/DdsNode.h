@@ -18,11 +18,11 @@ public:
 
     static const NodeTypeEntry& getEntry();
 
-    /// Each topic may be in trouble alone.
-    NodeState getStateOf(const Slot& slot) const override OSTREL_EXCLUDES(_troublesLock);
+    /// Each topic may have a problem alone.
+    NodeState getStateOf(const Slot& slot) const override OSTREL_EXCLUDES(_problemsLock);
 
     /// How old the newest values are, by their source's clock, or why there are none.
-    std::vector<RemarkInfo> getRemarks() const override OSTREL_EXCLUDES(_remarksLock, _troublesLock);
+    std::vector<RemarkInfo> getRemarks() const override OSTREL_EXCLUDES(_remarksLock, _problemsLock);
 
     /// The lease.
     double getSettlingTime() const noexcept override;
@@ -37,23 +37,23 @@ private:
     /// When to try again, unless it is open now.
     double tryOpen();
     void closeIfStale();
-    /// Sends and looks around; when to do so again, if nothing happens before.
+    /// Sends, and takes in who came and went; when to do so again, if nothing happens before.
     std::optional<double> work();
-    void setTroubles(const DdsTroubles& troubles) OSTREL_EXCLUDES(_troublesLock);
-    void setAllDegraded(const std::string& reason) OSTREL_EXCLUDES(_troublesLock);
+    void setTopicProblems(const DdsTopicProblems& problems) OSTREL_EXCLUDES(_problemsLock);
+    void setAllDegraded(const std::string& reason) OSTREL_EXCLUDES(_problemsLock);
     void keepRemarks(std::optional<std::vector<RemarkInfo>> remarks) OSTREL_EXCLUDES(_remarksLock);
 
     DdsOutCounters _outCounters;
     DdsInCounters _inCounters;
     MemoryShortage _shortage; // of the node's thread
 
-    std::unique_ptr<DdsSession> _session; // the worker's while the node runs
-    std::atomic<bool> _lookNeeded{true};  // peers came or went
-    double _nextAddressLook = 0.0;
-    double _graceEnd = 0.0; // until then a topic without a publisher is no trouble yet
+    std::unique_ptr<DdsSession> _session;  // the worker's while the node runs
+    std::atomic<bool> _updateNeeded{true}; // peers came or went
+    double _nextAddressCheck = 0.0;
+    double _graceEnd = 0.0; // until then a topic without a publisher is no problem yet
 
-    mutable Ostrel::Mutex _troublesLock; // leaf
-    DdsTroubles _troubles OSTREL_GUARDED_BY(_troublesLock);
+    mutable Ostrel::Mutex _problemsLock; // leaf
+    DdsTopicProblems _topicProblems OSTREL_GUARDED_BY(_problemsLock);
 
     mutable Ostrel::Mutex _remarksLock;                                                  // leaf
     std::optional<std::vector<RemarkInfo>> _lastRemarks OSTREL_GUARDED_BY(_remarksLock); // since the node stopped

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "nodes/dds/DdsInLane.h"
-#include "nodes/dds/DdsOutLane.h"
+#include "nodes/dds/DdsPublication.h"
+#include "nodes/dds/DdsSettings.h"
+#include "nodes/dds/DdsSubscription.h"
 #include "nodes/dds/clocks/DdsClocks.h"
 #include "nodes/dds/net/DdsDomain.h"
 #include "nodes/dds/net/HostNames.h"
@@ -9,21 +10,11 @@
 
 namespace Trovio::Nodes {
 
-/// All that a DDS node has.
-struct DdsSettings {
-    DdsDomainSettings _domain;
-    DdsQuality _quality;
-    std::vector<ListedSlot> _published;
-    std::vector<ListedSlot> _subscribed;
-    DdsFormat _format;
-    bool _timing = true; // whether clocks are compared
-};
-
 /// A node's topics, with their slots, and its part in the domain while it is open.
 /// Threads: one; the slots are for any thread.
 class DdsSession {
 public:
-    /// wake is called where there is something to do, peersChanged where there is something to look at; both from any
+    /// wake is called where there is something to do, peersChanged where peers came or went; both from any
     /// thread, under any lock.
     DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, DdsInCounters& in, std::function<void()> wake,
                std::function<void()> peersChanged);
@@ -37,13 +28,14 @@ public:
     bool open();
     /// The domain as it is open, its hosts looked up.
     const DdsDomain& getDomain() const { return *_domain; }
-    bool isOpen() const { return _participant.isOpen(); }
+    bool isOpen() const { return _participantEntity.isOpen(); }
     /// Afterwards nothing is pushed.
     void close();
 
     /// Sends what waits, for a while. True if there may be more at once.
     bool sendWaiting();
-    void lookAround();
+    /// Takes in who came and went.
+    void update();
     /// Gives a sign of life to those who subscribe, if it is time; when it will be again.
     std::optional<double> showLife();
 
@@ -51,10 +43,10 @@ public:
     std::optional<double> compareClocks();
 
     /// Goes on with samples of writers that were new a moment ago; when to do so again.
-    std::optional<double> takeNewcomers();
+    std::optional<double> takeNewWriters();
 
-    /// What is wrong with topics. isEarly: one that nobody publishes is no trouble yet.
-    DdsTroubles getTroubles(bool isEarly) const;
+    /// What is wrong with topics. isEarly: one that nobody publishes is no problem yet.
+    DdsTopicProblems getTopicProblems(bool isEarly) const;
 
     /// How old the newest values are. Any thread, under any lock but the log's.
     std::vector<RemarkInfo> getRemarks() const;
@@ -64,17 +56,17 @@ private:
 
     Clock& _clock;
     const DdsSettings _settings;
-    DdsEnds _ends;
+    DdsParticipant _participant;
     HostNames _hosts;
-    std::vector<std::unique_ptr<DdsOutLane>> _outLanes;
-    std::vector<std::unique_ptr<DdsInLane>> _inLanes;
+    std::vector<std::unique_ptr<DdsPublication>> _publications;
+    std::vector<std::unique_ptr<DdsSubscription>> _subscriptions;
     DdsMatchWatch _watch;
     DdsClocks _clocks;
     double _nextTiming = 0.0;
     double _nextSign = 0.0;
 
     std::shared_ptr<DdsDomain> _domain;
-    DdsEntity _participant; // goes before the domain
+    DdsEntity _participantEntity; // goes before the domain
 };
 
 } // namespace Trovio::Nodes

@@ -1,6 +1,5 @@
 #include "nodes/dds/DdsSettings.h"
 
-#include "nodes/dds/DdsTopicNames.h"
 #include "nodes/dds/net/HostNames.h"
 #include "nodes/shared/NumberList.h"
 #include "nodes/shared/SocketAddress.h"
@@ -12,10 +11,11 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr int mostDepth = 65536;
-constexpr std::size_t mostHosts = 256;
-constexpr std::size_t longestHost = 253;
-constexpr std::size_t longestPartition = 200;
+constexpr int maxDepth = 65536;
+constexpr std::size_t maxHosts = 256;
+constexpr std::size_t maxNameLength = 200;
+constexpr std::size_t maxHostLength = 253;
+constexpr std::size_t maxPartitionLength = 200;
 constexpr std::string_view nameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.:-";
 
 const Setting rows[] = {
@@ -26,7 +26,7 @@ const Setting rows[] = {
     Setting::text("interface", "", "network interface; lo, for this machine only, unless 'host' is given"),
     Setting::text("host", "", "names or addresses of peers, for networks without multicast, separated by blanks"),
     Setting::text("partition", "", "name of a part of the domain; only nodes of one partition meet"),
-    Setting::integer("depth", "64", 1, mostDepth, "records of a topic that may wait to be sent, the newest"),
+    Setting::integer("depth", "64", 1, maxDepth, "records of a topic that may wait to be sent, the newest"),
     Setting::choice("reliable", "yes", "yes|no", "whether what is lost on the line is sent again"),
     Setting::choice("finite", "yes", "yes|no", "whether samples with infinite numbers or not-a-number are refused"),
     Setting::choice("ros2", "no", "yes|no", "whether topics are those of ROS 2 systems, with their messages"),
@@ -38,6 +38,35 @@ const Setting rows[] = {
     Setting::integer("largest", "67108864", 1024, 1 << 30, "bytes of a sample; larger ones are neither sent nor taken"),
 };
 
+bool isTopicName(std::string_view name)
+{
+    constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_";
+    constexpr std::string_view others = "0123456789/";
+    return !name.empty() && name.size() <= maxNameLength && letters.find(name.front()) != std::string_view::npos &&
+           name.find_first_not_of(std::string(letters) + std::string(others)) == std::string_view::npos;
+}
+
+/// A topic is called what its slot is called, on every machine.
+std::vector<ListedSlot> readTopics(const Settings& settings, const char* setting)
+{
+    return readSlotList(
+        settings, setting,
+        {isTopicName, "a topic",
+         "a letter or _, and up to " + std::to_string(maxNameLength - 1) + " more letters, digits, _ and /"});
+}
+
+/// Whether ROS 2 can have a topic of that name, which must be a topic's name here.
+bool isRosTopicName(std::string_view name)
+{
+    constexpr std::string_view digits = "0123456789/";
+    for (std::size_t slash = 0; slash != std::string_view::npos; slash = name.find('/', slash + 1)) {
+        const std::size_t first = slash == 0 ? 0 : slash + 1;
+        if (first == name.size() || digits.find(name[first]) != std::string_view::npos)
+            return false;
+    }
+    return name.find("__") == std::string_view::npos;
+}
+
 bool isPlainName(const std::string& text, std::size_t longest)
 {
     return text.size() <= longest && text.find_first_not_of(nameCharacters) == std::string::npos;
@@ -45,7 +74,7 @@ bool isPlainName(const std::string& text, std::size_t longest)
 
 bool isHostName(const std::string& text)
 {
-    return isPlainName(text, longestHost) && text.find_first_of("_:") == std::string::npos && text.front() != '-';
+    return isPlainName(text, maxHostLength) && text.find_first_of("_:") == std::string::npos && text.front() != '-';
 }
 
 std::vector<std::string> readHosts(const Settings& settings)
@@ -56,8 +85,8 @@ std::vector<std::string> readHosts(const Settings& settings)
         const bool isAddress = SocketAddress::parse(host, 0).has_value();
         if (isAddress)
             addresses.push_back(host);
-        if ((!isAddress && !isHostName(host)) || hosts.size() > mostHosts)
-            throw settings.refusal("host", "up to " + std::to_string(mostHosts) +
+        if ((!isAddress && !isHostName(host)) || hosts.size() > maxHosts)
+            throw settings.refusal("host", "up to " + std::to_string(maxHosts) +
                                                " names or addresses separated by blanks, such as tracker.local or "
                                                "192.168.0.2");
     }
@@ -132,18 +161,18 @@ DdsSettings readDdsSettings(const Settings& settings)
     read._format = {settings.choice("ros2") == 0, settings.choice("finite") == 0};
     read._quality._lateJoiners = !read._format._isRos;
     read._timing = settings.choice("timing") == 0 && (!read._format._isRos || settings.isGiven("timing"));
-    read._published = readDdsTopics(settings, "publish");
-    read._subscribed = readDdsTopics(settings, "subscribe");
+    read._published = readTopics(settings, "publish");
+    read._subscribed = readTopics(settings, "subscribe");
     if (read._published.empty() && read._subscribed.empty())
         throw settings.refusal("publish", "a value, unless 'subscribe' has one");
-    if (!isPlainName(read._quality._partition, longestPartition))
-        throw settings.refusal("partition", "up to " + std::to_string(longestPartition) + " of the characters " +
+    if (!isPlainName(read._quality._partition, maxPartitionLength))
+        throw settings.refusal("partition", "up to " + std::to_string(maxPartitionLength) + " of the characters " +
                                                 std::string(nameCharacters));
     const std::size_t slots = read._published.size() + read._subscribed.size();
     checkQueues(settings, "depth", slots);
     // What comes in goes on at once, to slots that keep as much as their owners want: samples wait for a reader only
     // behind one that another thread is just pushing. So their number is bounded, but none is lost below the bound.
-    read._quality._readerDepth = static_cast<int>(std::min<std::size_t>(mostDepth, shareOfWaiting(slots)));
+    read._quality._readerDepth = static_cast<int>(std::min<std::size_t>(maxDepth, shareOfWaiting(slots)));
     checkApart(settings, read);
     if (!read._format._isRos)
         return read;

@@ -7,8 +7,8 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double longestLag = 1.0; // seconds
-constexpr std::size_t longestLabel = 1024;
+constexpr double maxLag = 1.0; // seconds
+constexpr std::size_t maxLabelLength = 1024;
 
 const Setting generatorSettings[] = {
     Setting::text("type", "Float", "type of the values", "any numeric slot type, Image, and each with []"),
@@ -53,8 +53,8 @@ Generator::~Generator() = default;
 void Generator::configure(const Settings& settings)
 {
     const std::string& label = settings.text("slot");
-    if (label.empty() || label.size() > longestLabel)
-        throw settings.refusal("slot", "a text of 1 to " + std::to_string(longestLabel) + " bytes");
+    if (label.empty() || label.size() > maxLabelLength)
+        throw settings.refusal("slot", "a text of 1 to " + std::to_string(maxLabelLength) + " bytes");
     auto signal = Signal::create(settings);
     removeSlots();
     _signal = std::move(signal);
@@ -80,7 +80,7 @@ void Generator::produceDue()
 {
     const double now = _clock.now();
     const Time wallTime = _clock.wallTime();
-    if (now - dueTime() > longestLag) {
+    if (now - dueTime() > maxLag) {
         const auto late = static_cast<std::uint64_t>((now - dueTime()) * _rate);
         _skipped.add(late);
         _next += late;

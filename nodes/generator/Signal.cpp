@@ -109,10 +109,10 @@ void checkSize(const Settings& settings)
 {
     if (settings.text("type") != TypeName<SharedVector<Image>>::getName())
         return;
-    constexpr std::int64_t mostPixels = std::int64_t{1} << 26; // at most 4 bytes each
+    constexpr std::int64_t maxPixels = std::int64_t{1} << 26; // at most 4 bytes each
     const std::int64_t pixels = settings.integer("width") * settings.integer("height");
-    if (settings.integer("elements") > mostPixels / pixels)
-        throw settings.refusal("elements", "at most " + std::to_string(mostPixels / pixels) + " pictures of this size");
+    if (settings.integer("elements") > maxPixels / pixels)
+        throw settings.refusal("elements", "at most " + std::to_string(maxPixels / pixels) + " pictures of this size");
 }
 
 } // namespace

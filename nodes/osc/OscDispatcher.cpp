@@ -8,25 +8,25 @@
 namespace Trovio::Nodes {
 
 OscDispatcher::OscDispatcher(const std::vector<OscAddress>& addresses, OscInCounters& counters)
-    : _counters(counters), _lanes(makeLanes(addresses)), _strangers(listAddresses()), _mismatches(_lanes.size())
+    : _counters(counters), _methods(makeMethods(addresses)), _unknown(listAddresses()), _mismatches(_methods.size())
 {
-    for (std::size_t i = 0; i < _lanes.size(); ++i)
-        _positions.emplace(_lanes[i]._address._address, i);
+    for (std::size_t i = 0; i < _methods.size(); ++i)
+        _positions.emplace(_methods[i]._address._address, i);
 }
 
-std::vector<OscDispatcher::Lane> OscDispatcher::makeLanes(const std::vector<OscAddress>& addresses)
+std::vector<OscDispatcher::Method> OscDispatcher::makeMethods(const std::vector<OscAddress>& addresses)
 {
-    std::vector<Lane> lanes;
+    std::vector<Method> methods;
     for (const OscAddress& address : addresses)
-        lanes.push_back({address, OscInLane::create(address), OscAddressMap(address._address)});
-    return lanes;
+        methods.push_back({address, OscMethod::create(address), OscAddressMap(address._address)});
+    return methods;
 }
 
 std::vector<std::string_view> OscDispatcher::listAddresses() const
 {
     std::vector<std::string_view> addresses;
-    for (const Lane& lane : _lanes)
-        addresses.emplace_back(lane._address._address);
+    for (const Method& method : _methods)
+        addresses.emplace_back(method._address._address);
     return addresses;
 }
 
@@ -42,14 +42,14 @@ void OscDispatcher::visit(const OscMessage& message)
         return;
     }
     _counters._unknown.add();
-    _strangers.note(message);
+    _unknown.note(message);
 }
 
 void OscDispatcher::visitMatching(const OscMessage& message)
 {
     bool isKnown = false;
-    for (std::size_t i = 0; i < _lanes.size(); ++i) {
-        if (matchesOscPattern(message._address, _lanes[i]._map)) {
+    for (std::size_t i = 0; i < _methods.size(); ++i) {
+        if (matchesOscPattern(message._address, _methods[i]._map)) {
             isKnown = true;
             deliver(i, message);
         }
@@ -57,12 +57,12 @@ void OscDispatcher::visitMatching(const OscMessage& message)
     if (isKnown)
         return;
     _counters._unknown.add();
-    _strangers.note(message);
+    _unknown.note(message);
 }
 
 void OscDispatcher::deliver(std::size_t position, const OscMessage& message)
 {
-    if (_lanes[position]._lane->deliver(message)) {
+    if (_methods[position]._method->deliver(message)) {
         _counters._values.add();
         return;
     }
@@ -81,8 +81,8 @@ void OscDispatcher::countMismatch(std::size_t position, const OscMessage& messag
         if (++before._count > 1)
             return; // reporting once is enough: the sender will go on
     }
-    const std::string expected = _lanes[position]._lane->getExpected();
-    report(osg::LogWarning, _lanes[position]._address._address + ": expected " + expected + ", got " +
+    const std::string expected = _methods[position]._method->getExpected();
+    report(osg::LogWarning, _methods[position]._address._address + ": expected " + expected + ", got " +
                                 shortenOscTags(message._tags) +
                                 (message._tags == expected ? " with numbers that do not fit the blob" : ""));
 }
@@ -96,7 +96,7 @@ OscDispatcher::Mismatches OscDispatcher::getMismatches(std::size_t position) con
 std::string OscDispatcher::describeMismatches(std::size_t position) const
 {
     const Mismatches refused = getMismatches(position);
-    const std::string expected = _lanes[position]._lane->getExpected();
+    const std::string expected = _methods[position]._method->getExpected();
     if (refused._count == 0)
         return {};
     return std::to_string(refused._count) + " came with " + refused._tags + (refused._differ ? " or others" : "") +
@@ -106,16 +106,15 @@ std::string OscDispatcher::describeMismatches(std::size_t position) const
 std::vector<RemarkInfo> OscDispatcher::getRemarks(const std::string& received, const std::string& lost) const
 {
     std::vector<RemarkInfo> remarks;
-    for (std::size_t i = 0; i < _lanes.size(); ++i) {
-        const OscAddress& address = _lanes[i]._address;
+    for (std::size_t i = 0; i < _methods.size(); ++i) {
+        const OscAddress& address = _methods[i]._address;
         const std::string mismatches = describeMismatches(i);
-        if (_lanes[i]._lane->getSlot().getActivity()._written == 0)
-            remarks.push_back(
-                {address.getLabel(),
-                 received + ", " +
-                     (mismatches.empty() ? "none for " + address._address + _strangers.describeFor(address._address)
-                                         : mismatches) +
-                     lost});
+        if (_methods[i]._method->getSlot().getActivity()._written == 0)
+            remarks.push_back({address.getLabel(), received + ", " +
+                                                       (mismatches.empty() ? "none for " + address._address +
+                                                                                 _unknown.describeFor(address._address)
+                                                                           : mismatches) +
+                                                       lost});
         else if (!mismatches.empty())
             remarks.push_back({address.getLabel(), mismatches});
     }
@@ -124,8 +123,8 @@ std::vector<RemarkInfo> OscDispatcher::getRemarks(const std::string& received, c
 
 void OscDispatcher::forEachSlot(const std::function<void(BasicOutSlot&)>& use)
 {
-    for (const Lane& lane : _lanes)
-        use(lane._lane->getSlot());
+    for (const Method& method : _methods)
+        use(method._method->getSlot());
 }
 
 } // namespace Trovio::Nodes

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "nodes/osc/OscInLane.h"
-#include "nodes/osc/OscStrangers.h"
+#include "nodes/osc/OscMethod.h"
+#include "nodes/osc/OscUnknownAddresses.h"
 #include "nodes/osc/address/OscAddressMap.h"
 #include "trovio/Node.h"
 #include <functional>
@@ -22,7 +22,7 @@ struct OscInCounters {
     Counter& _withoutMemory;
 };
 
-/// Takes messages to the lanes whose address they name, or whose address their pattern matches.
+/// Takes messages to the methods whose address they name, or whose address their pattern matches.
 /// Threads: one at a time visits; getRemarks() from any, under any lock but the log's.
 class OscDispatcher final : public OscMessageVisitor {
 public:
@@ -38,19 +38,19 @@ public:
         OSTREL_EXCLUDES(_lock);
 
 private:
-    struct Lane {
+    struct Method {
         OscAddress _address;
-        std::unique_ptr<OscInLane> _lane;
+        std::unique_ptr<OscMethod> _method;
         OscAddressMap _map; // for patterns
     };
-    /// Messages of one lane whose arguments made no value.
+    /// Messages of one method whose arguments made no value.
     struct Mismatches {
         std::uint64_t _count = 0;
         std::string _tags; // of the last, shown
         bool _differ = false;
     };
 
-    static std::vector<Lane> makeLanes(const std::vector<OscAddress>& addresses);
+    static std::vector<Method> makeMethods(const std::vector<OscAddress>& addresses);
     std::vector<std::string_view> listAddresses() const;
     void visitMatching(const OscMessage& message);
     void deliver(std::size_t position, const OscMessage& message);
@@ -59,12 +59,12 @@ private:
     std::string describeMismatches(std::size_t position) const;
 
     OscInCounters& _counters;
-    const std::vector<Lane> _lanes;
-    std::unordered_map<std::string_view, std::size_t> _positions; // keys refer into _lanes
-    OscStrangers _strangers;
+    const std::vector<Method> _methods;
+    std::unordered_map<std::string_view, std::size_t> _positions; // keys refer into _methods
+    OscUnknownAddresses _unknown;
 
     mutable Ostrel::Mutex _lock;                                  // leaf
-    std::vector<Mismatches> _mismatches OSTREL_GUARDED_BY(_lock); // of each lane
+    std::vector<Mismatches> _mismatches OSTREL_GUARDED_BY(_lock); // of each method
 };
 
 } // namespace Trovio::Nodes

@@ -15,7 +15,7 @@ struct OscInSettings {
     std::vector<OscAddress> _addresses;
 };
 
-/// The receiving half of an OSC node: sockets, a thread, and lanes.
+/// The receiving half of an OSC node: sockets, a thread, and methods.
 /// A port that cannot be had is tried again every few seconds.
 /// Threads: messages are read and pushed on a thread of its own.
 class OscInput final : UdpPacketVisitor {

@@ -10,12 +10,12 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double lookPeriod = 0.05;  // seconds between two looks for the answer of a name server
-constexpr double pausePeriod = 5.0;  // seconds from a failed search to the next
-constexpr double agingPeriod = 10.0; // seconds after which the address of a troubled host is asked for again
-constexpr double probation = 1.0;    // seconds in which a refusal would have come back
-constexpr int repliesAtOnce = 64;
-constexpr timeval longestSend = {0, 200000};
+constexpr double lookupPeriod = 0.05; // seconds from one question whether the name server has answered to the next
+constexpr double pausePeriod = 5.0;   // seconds from a failed search to the next
+constexpr double agingPeriod = 10.0;  // seconds after which the address of a troubled host is asked for again
+constexpr double probation = 1.0;     // seconds in which a refusal would have come back
+constexpr int maxRepliesAtOnce = 64;
+constexpr timeval maxSendTime = {0, 200000};
 
 } // namespace
 
@@ -32,7 +32,7 @@ OscOutput::OscOutput(Clock& clock, std::shared_ptr<NameLookup> lookup, OscOutSet
       _worker(clock)
 {
     for (const OscAddress& address : _settings._addresses)
-        _lanes.push_back(OscOutLane::create(address, _settings._queue, [this] { _worker.wake(); }));
+        _senders.push_back(OscSender::create(address, _settings._queue, [this] { _worker.wake(); }));
 }
 
 void OscOutput::start()
@@ -54,8 +54,8 @@ void OscOutput::stop()
 
 void OscOutput::forEachSlot(const std::function<void(BasicInSlot&)>& use)
 {
-    for (const auto& lane : _lanes)
-        use(lane->getSlot());
+    for (const auto& sender : _senders)
+        use(sender->getSlot());
 }
 
 void OscOutput::run()
@@ -103,7 +103,7 @@ void OscOutput::seekTarget()
     const auto answer = _lookup->poll();
     _search = answer ? Search::Done : Search::Asked;
     if (!answer)
-        _searchTime = now + lookPeriod;
+        _searchTime = now + lookupPeriod;
     else if (answer->_address)
         openSocket(*answer->_address);
     else
@@ -115,7 +115,7 @@ void OscOutput::openSocket(const SocketAddress& target)
     FileDescriptor socket(::socket(target.getFamily(), SOCK_DGRAM | SOCK_CLOEXEC, 0));
     const int on = 1;
     ::setsockopt(socket.get(), SOL_SOCKET, SO_BROADCAST, &on, sizeof(on));
-    ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &longestSend, sizeof(longestSend));
+    ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &maxSendTime, sizeof(maxSendTime));
     _target = target.str();
     if (!socket.isOpen() || ::connect(socket.get(), target.get(), target.getLength()) != 0) {
         fail("cannot send to " + _target + ": " + std::strerror(errno));
@@ -128,14 +128,14 @@ void OscOutput::openSocket(const SocketAddress& target)
 
 void OscOutput::drain()
 {
-    const auto takeOne = [this](OscOutLane& lane) {
-        const auto stamp = lane.take(_writer);
+    const auto takeOne = [this](OscSender& sender) {
+        const auto stamp = sender.take(_writer);
         if (stamp)
             _packer.add(_writer.finish(), *stamp);
         return stamp.has_value();
     };
     // A send may take its time, and there are many: a stop does not wait for all of them.
-    const bool mayBeMore = takeInTurn(_lanes, takeOne, [this] { return !_worker.isStopping(); });
+    const bool mayBeMore = takeInTurn(_senders, takeOne, [this] { return !_worker.isStopping(); });
     _packer.flush();
     if (mayBeMore)
         _worker.wake();
@@ -174,7 +174,7 @@ void OscOutput::listen()
 {
     char ignored = 0;
     int error = 0;
-    for (int i = 0; i < repliesAtOnce && error != EAGAIN; ++i) {
+    for (int i = 0; i < maxRepliesAtOnce && error != EAGAIN; ++i) {
         error = ::recv(_socket.get(), &ignored, 1, MSG_DONTWAIT) < 0 ? errno : 0;
         if (error == ECONNREFUSED)
             refused();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nodes/osc/OscOutLane.h"
+#include "nodes/osc/OscSender.h"
 #include "nodes/osc/packet/OscPacker.h"
 #include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/NameLookup.h"
@@ -62,7 +62,7 @@ private:
     const OscOutSettings _settings;
     OscOutCounters& _counters;
     const Health _health;
-    std::vector<std::unique_ptr<OscOutLane>> _lanes;
+    std::vector<std::unique_ptr<OscSender>> _senders;
 
     // Of the output's thread.
     OscWriter _writer;
@@ -70,7 +70,7 @@ private:
     FileDescriptor _socket; // connected, so that the system tells when nobody listens
     std::string _target;    // its address as text
     enum class Search { Idle, Asked, Done } _search = Search::Idle; // of a name; Idle for a numeric address
-    double _searchTime = 0.0;                                       // when to try or to look again
+    double _searchTime = 0.0;                                       // when to try or to ask again
     bool _troubled = false;                                         // the last that was heard is bad
     std::optional<double> _wellFrom; // if nothing bad is heard until then, it is well again
     RateLimiter _tooLargeReports;

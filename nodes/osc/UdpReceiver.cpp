@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t batchSize = 64;
 constexpr std::size_t packetBytes = 65536; // more than any datagram has
-constexpr int batchesAtOnce = 16;
+constexpr int maxBatchesAtOnce = 16;
 
 std::string describeProblem(const SocketAddress& address, int error)
 {
@@ -121,7 +121,7 @@ void UdpReceiver::receive(UdpPacketVisitor& visitor)
 
 void UdpReceiver::receiveFrom(Socket& socket, UdpPacketVisitor& visitor)
 {
-    for (int round = 0; round < batchesAtOnce; ++round) {
+    for (int round = 0; round < maxBatchesAtOnce; ++round) {
         const int count = receiveBatch(socket);
         for (int i = 0; i < count; ++i) {
             mmsghdr& header = _batch->_headers[i];
@@ -146,11 +146,11 @@ int UdpReceiver::receiveBatch(Socket& socket)
 
 std::uint64_t UdpReceiver::discardUnread()
 {
-    constexpr int mostBatches = 1 << 16; // a sender that never rests must not keep us here
+    constexpr int maxBatches = 1 << 16; // a sender that never rests must not keep us here
     std::uint64_t unread = std::exchange(_turnedDown, 0U);
     for (Socket& socket : _sockets) {
         int count = static_cast<int>(batchSize);
-        for (int round = 0; round < mostBatches && count == static_cast<int>(batchSize); ++round) {
+        for (int round = 0; round < maxBatches && count == static_cast<int>(batchSize); ++round) {
             count = receiveBatch(socket);
             unread += static_cast<std::uint64_t>(std::max(count, 0));
         }

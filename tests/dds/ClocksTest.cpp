@@ -1,4 +1,4 @@
-#include "nodes/dds/WriterNumbers.h"
+#include "nodes/dds/SequenceTracker.h"
 #include "nodes/dds/clocks/ClockOffset.h"
 #include "nodes/dds/net/HostNames.h"
 #include "tests/dds/DdsFixture.h"
@@ -48,10 +48,10 @@ TEST(ClockOffset, ImpossibleAnswersAreNotNoted)
     EXPECT_FALSE(offset.estimate(11.0));
 }
 
-TEST(WriterNumbers, TellRepeatedFromMissed)
+TEST(SequenceTracker, TellRepeatedFromMissed)
 {
-    WriterNumbers numbers;
-    WriterNumbers::Guid guid{};
+    SequenceTracker numbers;
+    SequenceTracker::Guid guid{};
     const auto expectFrom = [&](std::uint64_t end, std::uint64_t writer, std::uint64_t number, bool isNew,
                                 std::uint64_t missed) {
         if (!numbers.knows(end))

@@ -162,7 +162,7 @@ TEST_F(DdsTwoMachines, PublisherThatDoesNotHearUsIsNamed)
     start(100000);
     _count->takeUntil(10);
     _machines.line().cut(Line::Way::FromFirst);
-    _reader->awaitReason("who publishes Count has given no sign of life");
+    _reader->awaitReason("publisher of Count: liveliness lease expired");
     _machines.line().mend();
     _reader->awaitRunning();
     _count->takeUntil(Time::getCurrentTime());

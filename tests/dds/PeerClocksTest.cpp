@@ -34,7 +34,7 @@ TEST(PeerClocks, AskInAHurryAndThenNowAndThenWhileWanted)
     EXPECT_FALSE(peers.want(7));
     EXPECT_TRUE(peers.want(8));
     EXPECT_EQ(askAt(peers, now), 8U);
-    EXPECT_EQ(peers.look(7, now)._unanswered, 8U);
+    EXPECT_EQ(peers.getKnowledge(7, now)._unanswered, 8U);
     for (int i = 1; i < 8; ++i)
         askAt(peers, now += 0.1);
     EXPECT_EQ(askAt(peers, 1002.8), 7U);
@@ -58,7 +58,7 @@ TEST_P(FalseAnswers, ChangeNothing)
     answer._answered += 100.0;
     GetParam()._change(answer);
     EXPECT_FALSE(peers.note(answer));
-    EXPECT_NEAR(peers.look(7, 1000.0)._estimate->_offset, ahead, 0.1);
+    EXPECT_NEAR(peers.getKnowledge(7, 1000.0)._estimate->_offset, ahead, 0.1);
     EXPECT_TRUE(peers.note(answerTo(7, 1000.0))) << "the true one still counts";
 }
 
@@ -103,7 +103,7 @@ TEST(PeerClocks, ForgetWhoNeverAnsweredAndThenWhoWasSilentLongest)
     for (std::uint64_t peer = 2; peer <= most; ++peer)
         EXPECT_TRUE(peers.want(peer));
     EXPECT_TRUE(peers.want(most + 1));
-    EXPECT_TRUE(peers.look(1, now)._estimate);
+    EXPECT_TRUE(peers.getKnowledge(1, now)._estimate);
     for (std::uint64_t peer = 3; peer <= most + 1; ++peer)
         EXPECT_FALSE(peers.want(peer)) << "2 was forgotten, not " << peer;
     for (std::uint64_t peer = 3; peer <= most + 1; ++peer)

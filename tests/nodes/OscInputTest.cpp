@@ -1,4 +1,4 @@
-#include "nodes/osc/OscStrangers.h"
+#include "nodes/osc/OscUnknownAddresses.h"
 #include "nodes/osc/address/OscPattern.h"
 #include "tests/nodes/OscFixture.h"
 #include "tests/support/LogCapture.h"
@@ -61,7 +61,7 @@ TEST_F(OscInput, AddressesWithoutASlotAreNamedOnceWithTheEntryThatWouldTakeThem)
     EXPECT_EQ(count("no slot for /nobody/*, which comes with no arguments; the pattern fits no address"), 1);
     EXPECT_EQ(count("no slot for /other7, which comes with (i); in='/other7 Long' would take it"), 1);
     EXPECT_EQ(count("no slot for " + stretched.substr(0, MaxOscAddress) + ","), 1);
-    EXPECT_EQ(count("no slot for"), static_cast<long>(OscStrangers::MostNamed));
+    EXPECT_EQ(count("no slot for"), static_cast<long>(OscUnknownAddresses::MaxNamed));
     EXPECT_EQ(count("further ones are only counted"), 1);
 }
 

@@ -1,6 +1,6 @@
 #include "nodes/osc/packet/OscValue.h"
-#include "nodes/osc/OscInLane.h"
-#include "nodes/osc/OscOutLane.h"
+#include "nodes/osc/OscMethod.h"
+#include "nodes/osc/OscSender.h"
 #include "nodes/osc/packet/OscPacket.h"
 #include "nodes/osc/packet/OscTags.h"
 #include "tests/nodes/OscMessages.h"
@@ -17,21 +17,21 @@ namespace {
 
 using namespace std::string_literals;
 
-/// The value that arrives when a lane of type T gets the packet; nothing if it refuses the message.
+/// The value that arrives when a method of type T gets the packet; nothing if it refuses the message.
 template <class T>
 std::optional<T> received(Bytes packet)
 {
-    struct Lane final : OscMessageVisitor {
-        void visit(const OscMessage& message) override { _delivered = _lane->deliver(message); }
-        const std::unique_ptr<OscInLane> _lane = OscInLane::create({"/a", TypeName<T>::getName()});
+    struct Receiver final : OscMessageVisitor {
+        void visit(const OscMessage& message) override { _delivered = _method->deliver(message); }
+        const std::unique_ptr<OscMethod> _method = OscMethod::create({"/a", TypeName<T>::getName()});
         bool _delivered = false;
-    } lane;
+    } receiver;
     InSlot<T> slot("");
-    slot.connect(&lane._lane->getSlot());
-    EXPECT_EQ(readOscPacket(packet, Time(1.0), lane), std::nullopt);
-    slot.disconnect(&lane._lane->getSlot());
-    EXPECT_EQ(lane._delivered, !slot.empty());
-    return lane._delivered ? std::optional(slot.pop().getValue()) : std::nullopt;
+    slot.connect(&receiver._method->getSlot());
+    EXPECT_EQ(readOscPacket(packet, Time(1.0), receiver), std::nullopt);
+    slot.disconnect(&receiver._method->getSlot());
+    EXPECT_EQ(receiver._delivered, !slot.empty());
+    return receiver._delivered ? std::optional(slot.pop().getValue()) : std::nullopt;
 }
 
 TEST(OscValue, EveryNumberTagFeedsEveryNumericType)
@@ -88,8 +88,8 @@ TEST(OscValue, TheTypeThatIsGuessedFromTheTagsTakesTheMessage)
             size += std::string_view("hdt").find(tag) != std::string_view::npos      ? 8
                     : std::string_view("TFIN[]").find(tag) != std::string_view::npos ? 0
                                                                                      : 4;
-        const auto lane = OscInLane::create({"/a", type});
-        EXPECT_TRUE(lane->deliver({"/a", tags, Bytes(zeros).first(size), Time(1.0)})) << tags;
+        const auto method = OscMethod::create({"/a", type});
+        EXPECT_TRUE(method->deliver({"/a", tags, Bytes(zeros).first(size), Time(1.0)})) << tags;
     }
     for (const char* tags : {"", "[]", "m", "fs", "Tf"})
         EXPECT_EQ(guessSlotType(tags), "") << tags;
@@ -176,7 +176,7 @@ TEST(OscValue, ImagesWhoseNumbersDoNotFitTheirPixelsAreRefused)
 TEST(OscValue, WhatGoesOutComesBackEqual)
 {
     forEachSlotType([]<class T>(TypeTag<T>) {
-        const auto out = OscOutLane::create({"/a", TypeName<T>::getName()}, 4, [] {});
+        const auto out = OscSender::create({"/a", TypeName<T>::getName()}, 4, [] {});
         OutSlot<T> source("");
         source.connect(&out->getSlot());
         OscWriter writer;

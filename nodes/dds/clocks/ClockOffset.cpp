@@ -7,8 +7,8 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double drift = 2e-4;                // seconds a second: two cheap clocks, or one that is just being set right
-constexpr double latestDate = 253402300800.0; // the year 10000
+constexpr double drift = 2e-4;             // seconds a second: two cheap clocks, or one that is just being set right
+constexpr double maxDate = 253402300800.0; // the year 10000
 
 } // namespace
 
@@ -22,7 +22,7 @@ bool ClockOffset::note(double asked, double received, double answered, double ar
     const double underWay = (arrived - asked) - (answered - received);
     const double offset = ((received - asked) + (answered - arrived)) / 2.0;
     // Written so that what is no number is refused, too.
-    if (!(received >= 0.0 && answered >= received && answered < latestDate && underWay >= 0.0))
+    if (!(received >= 0.0 && answered >= received && answered < maxDate && underWay >= 0.0))
         return false;
     const double bound = underWay / 2.0;
     if (const auto known = estimate(arrived); known && std::fabs(known->_offset - offset) > known->_bound + bound)

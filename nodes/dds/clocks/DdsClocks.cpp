@@ -1,6 +1,6 @@
 #include "nodes/dds/clocks/DdsClocks.h"
 
-#include "nodes/dds/net/DdsTaking.h"
+#include "nodes/dds/net/DdsSamples.h"
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -9,9 +9,9 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr std::size_t mostQuestions = 200; // that are answered in a second, and that wait for it
-constexpr unsigned mostAskers = 10'000;    // that are believed
-constexpr double periodOfEnd = 0.005;      // seconds; with multicast, 200 questions a second in a domain
+constexpr std::size_t maxQuestions = 200;  // that are answered in a second, and that wait for it
+constexpr unsigned maxAskers = 10'000;     // that are believed
+constexpr double periodOfEndpoint = 0.005; // seconds; with multicast, 200 questions a second in a domain
 constexpr double periodOfPair = 0.0004;    // seconds; each goes to each: 2,500 packets a second in a domain
 
 unsigned countReaders(const DdsEntity& writer)
@@ -23,33 +23,35 @@ unsigned countReaders(const DdsEntity& writer)
 
 } // namespace
 
-void DdsClocks::open(const DdsEnds& ends)
+void DdsClocks::open(const DdsParticipant& participant)
 {
     if (!_roles._asks && !_roles._answers)
         return;
     const std::string what = "cannot compare clocks";
-    _wake = ends._wake;
-    _multicast = ends._domain->getSettings().isMulticast();
+    _wake = participant._wake;
+    _multicast = participant._domain->getSettings().isMulticast();
     const DdsQos qos = makeProbeQos();
     const DdsListener questions(dds_create_listener(this)), answers(dds_create_listener(this));
     dds_lset_data_available(questions.get(), onQuestion);
     dds_lset_data_available(answers.get(), onAnswer);
     dds_lset_subscription_matched(answers.get(), onAnswererChange);
     const auto topic = [&](const char* name) {
-        return DdsEntity(dds_create_topic(ends._participant, &Trovio_Wire_ClockProbe_desc, name, qos.get(), nullptr),
+        return DdsEntity(dds_create_topic(participant._entity, &Trovio_Wire_ClockProbe_desc, name, qos.get(), nullptr),
                          what);
     };
     _questionTopic = topic("ostrel_clock_question");
     _answerTopic = topic("ostrel_clock_answer");
     if (_roles._asks) {
         _answerReader =
-            DdsEntity(dds_create_reader(ends._subscriber, _answerTopic.get(), qos.get(), answers.get()), what);
-        _questionWriter = DdsEntity(dds_create_writer(ends._publisher, _questionTopic.get(), qos.get(), nullptr), what);
+            DdsEntity(dds_create_reader(participant._subscriber, _answerTopic.get(), qos.get(), answers.get()), what);
+        _questionWriter =
+            DdsEntity(dds_create_writer(participant._publisher, _questionTopic.get(), qos.get(), nullptr), what);
     }
     if (_roles._answers) {
-        _answerWriter = DdsEntity(dds_create_writer(ends._publisher, _answerTopic.get(), qos.get(), nullptr), what);
-        _questionReader =
-            DdsEntity(dds_create_reader(ends._subscriber, _questionTopic.get(), qos.get(), questions.get()), what);
+        _answerWriter =
+            DdsEntity(dds_create_writer(participant._publisher, _answerTopic.get(), qos.get(), nullptr), what);
+        _questionReader = DdsEntity(
+            dds_create_reader(participant._subscriber, _questionTopic.get(), qos.get(), questions.get()), what);
     }
 }
 
@@ -78,7 +80,7 @@ std::optional<double> DdsClocks::ask()
     const double now = _clock.now();
     if (now < _earliestAsking)
         return _earliestAsking;
-    _earliestAsking = now + leastPeriod();
+    _earliestAsking = now + minPeriod();
     Probe question{_id, 0, 0, date(), 0.0, 0.0};
     std::optional<double> next;
     bool isAsked = false;
@@ -94,13 +96,14 @@ std::optional<double> DdsClocks::ask()
     return next ? std::optional(std::max(*next, _earliestAsking)) : std::nullopt;
 }
 
-/// Seconds from one question to the next. Ends that ask, and ends that answer, are no more than the larger number says.
-double DdsClocks::leastPeriod() const
+/// Seconds from one question to the next. Those that ask, and those that answer, are no more than the larger number
+/// says.
+double DdsClocks::minPeriod() const
 {
     const double answerers = countReaders(_questionWriter);
     const Ostrel::LockGuard guard(_lock);
-    const double ends = std::max(answerers, _askers);
-    return _multicast ? periodOfEnd * ends : periodOfPair * ends * ends;
+    const double endpoints = std::max(answerers, _askers);
+    return _multicast ? periodOfEndpoint * endpoints : periodOfPair * endpoints * endpoints;
 }
 
 void DdsClocks::want(std::uint64_t writer)
@@ -114,10 +117,10 @@ void DdsClocks::want(std::uint64_t writer)
         _wake();
 }
 
-PeerClocks::Knowledge DdsClocks::look(std::uint64_t writer, double now) const
+PeerClocks::Knowledge DdsClocks::getKnowledge(std::uint64_t writer, double now) const
 {
     const Ostrel::LockGuard guard(_lock);
-    return _peers.look(writer, now);
+    return _peers.getKnowledge(writer, now);
 }
 
 // The clock is read for each sample: read before, it may miss part of a sample's way.
@@ -151,7 +154,7 @@ void DdsClocks::takeQuestion(const Probe& probe, double arrived)
         const Ostrel::LockGuard guard(_lock);
         if (const double second = std::floor(_clock.now()); second != std::exchange(_second, second))
             _taken = 0;
-        if (probe.answerer != _id || std::max(_questions.size(), _taken) >= mostQuestions)
+        if (probe.answerer != _id || std::max(_questions.size(), _taken) >= maxQuestions)
             return;
         ++_taken;
         _questions.push_back(probe);
@@ -165,7 +168,7 @@ void DdsClocks::takeAnswer(const Probe& probe, std::uint64_t sender, double arri
     const Ostrel::LockGuard guard(_lock);
     if (probe.asker == _id &&
         _peers.note({probe.answerer, sender, probe.asked, probe.received, probe.answered, arrived}))
-        _askers = std::min(probe.askers, mostAskers);
+        _askers = std::min(probe.askers, maxAskers);
 }
 
 std::optional<DdsClocks::Probe> DdsClocks::nextQuestion()

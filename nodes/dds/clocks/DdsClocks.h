@@ -3,7 +3,7 @@
 #include "SlotSamples.h" // generated
 #include "base/Mutex.h"
 #include "nodes/dds/clocks/PeerClocks.h"
-#include "nodes/dds/net/DdsEnds.h"
+#include "nodes/dds/net/DdsParticipant.h"
 #include "nodes/shared/Clock.h"
 #include <deque>
 
@@ -12,8 +12,8 @@ namespace Trovio::Nodes {
 /// Asks the clocks of those who publish, and answers those who subscribe. Time stamps stay as their source wrote them;
 /// this tells how they read here.
 /// Questions name who is to answer. Everybody in the domain gets them all, and the answers, so they become the rarer,
-/// the more ends there are: what travels in the domain is bounded, however many machines it has.
-/// Threads: one; want() and look() from any.
+/// the more endpoints there are: what travels in the domain is bounded, however many machines it has.
+/// Threads: one; want() and getKnowledge() from any.
 class DdsClocks {
 public:
     struct Roles {
@@ -25,7 +25,7 @@ public:
     DdsClocks(Clock& clock, std::uint64_t id, Roles roles) : _clock(clock), _id(id), _roles(roles) {}
 
     /// Throws DdsProblem.
-    void open(const DdsEnds& ends);
+    void open(const DdsParticipant& participant);
     /// What is known stays known.
     void close();
 
@@ -36,7 +36,7 @@ public:
     void want(std::uint64_t writer) OSTREL_EXCLUDES(_lock);
 
     /// What is known of that writer's clock. now: our date. Under any lock but the log's.
-    PeerClocks::Knowledge look(std::uint64_t writer, double now) const OSTREL_EXCLUDES(_lock);
+    PeerClocks::Knowledge getKnowledge(std::uint64_t writer, double now) const OSTREL_EXCLUDES(_lock);
 
 private:
     using Probe = Trovio_Wire_ClockProbe;
@@ -47,7 +47,7 @@ private:
     void takeAnswer(const Probe& probe, std::uint64_t sender, double arrived) OSTREL_EXCLUDES(_lock);
     std::optional<Probe> nextQuestion() OSTREL_EXCLUDES(_lock);
     std::optional<double> ask() OSTREL_EXCLUDES(_lock);
-    double leastPeriod() const OSTREL_EXCLUDES(_lock);
+    double minPeriod() const OSTREL_EXCLUDES(_lock);
     double date() const { return _clock.wallTime().getSeconds(); }
 
     Clock& _clock;

@@ -7,7 +7,7 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr std::size_t mostPeers = 1024;
+constexpr std::size_t maxPeers = 1024;
 constexpr std::uint64_t hurriedQuestions = 8;
 constexpr double hurriedPeriod = 0.1; // seconds
 constexpr double calmPeriod = 2.0;    // seconds
@@ -20,7 +20,7 @@ bool PeerClocks::want(std::uint64_t peer)
         found->second._wanted = true;
         return false;
     }
-    if (_peers.size() == mostPeers)
+    if (_peers.size() == maxPeers)
         forgetOne();
     _peers.emplace(peer, Peer{._lastSign = ++_turn});
     return true;
@@ -85,7 +85,7 @@ void PeerClocks::forgetSenders()
         peer._sender = 0;
 }
 
-PeerClocks::Knowledge PeerClocks::look(std::uint64_t peer, double date) const
+PeerClocks::Knowledge PeerClocks::getKnowledge(std::uint64_t peer, double date) const
 {
     const auto found = _peers.find(peer);
     if (found == _peers.end())

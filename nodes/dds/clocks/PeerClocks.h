@@ -43,7 +43,7 @@ public:
     void forgetSender(std::uint64_t sender);
     void forgetSenders();
 
-    Knowledge look(std::uint64_t peer, double date) const;
+    Knowledge getKnowledge(std::uint64_t peer, double date) const;
 
 private:
     struct Peer {

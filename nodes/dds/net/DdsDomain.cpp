@@ -1,8 +1,7 @@
 #include "nodes/dds/net/DdsDomain.h"
 
-#include "nodes/dds/net/DdsConfig.h"
 #include "nodes/dds/net/DdsLog.h"
-#include "nodes/dds/net/DdsRoom.h"
+#include "nodes/dds/net/DdsResources.h"
 #include "nodes/dds/net/LoopbackOnly.h"
 #include "nodes/dds/net/OwnAddress.h"
 #include <optional>
@@ -49,7 +48,7 @@ DdsEntity createDomain(const DdsDomainSettings& settings)
 {
     if (const std::string shortage = findShortage(); !shortage.empty())
         throw DdsProblem("cannot open " + settings.describe() + ": " + shortage);
-    const std::string config = makeDdsConfig(settings);
+    const std::string config = settings.makeConfig();
     std::optional<LoopbackOnly> confinement;
     if (settings.isLoopback())
         confinement.emplace(settings);

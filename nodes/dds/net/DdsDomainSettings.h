@@ -16,12 +16,17 @@ struct DdsDomainSettings {
 
     bool isLoopback() const { return _interface == "lo"; }
     bool isMulticast() const { return !isLoopback() && _hosts.empty(); }
-    bool isSix() const { return !_hosts.empty() && _hosts.front().find(':') != std::string::npos; } // of IPv6
+    bool isIPv6() const { return !_hosts.empty() && _hosts.front().find(':') != std::string::npos; } // of IPv6
     bool operator==(const DdsDomainSettings&) const = default;
 
     /// "domain 0 on interface lo, this machine only". Where no interface is named: by the own address, or, while that
     /// is not known, by the host that the domain leads to.
     std::string describe(const std::string& ownAddress = "") const;
+
+    /// The configuration as the library reads it: made from the settings alone, whatever the environment says.
+    /// Interface and hosts must be plain: names of interfaces, numeric addresses. Throws DdsProblem where no interface
+    /// leads to the first host.
+    std::string makeConfig() const;
 };
 
 } // namespace Trovio::Nodes

@@ -66,7 +66,7 @@ std::string ourWordsFor(const std::string& text)
     return {};
 }
 
-void reportTrouble(const std::string& text)
+void reportProblem(const std::string& text)
 {
     const std::string ours = ourWordsFor(text);
     if (const auto more = Reports::admit())
@@ -105,7 +105,7 @@ try {
     if (!listening && (data->priority & (DDS_LC_ERROR | DDS_LC_WARNING)) == 0)
         return report(osg::LogInfo, "DDS: the library says: " + textOf(*data));
     if (!listening)
-        return reportTrouble(textOf(*data));
+        return reportProblem(textOf(*data));
     const std::string ours = ourWordsFor(textOf(*data));
     listening->add(ours.empty() ? "the library says: " + textOf(*data) : ours);
 } catch (const std::bad_alloc&) {

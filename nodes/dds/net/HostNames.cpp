@@ -47,12 +47,12 @@ void HostNames::cancel()
 
 std::string findMixture(const std::vector<std::string>& addresses)
 {
-    const auto isSix = [](const std::string& address) { return address.find(':') != std::string::npos; };
+    const auto isIPv6 = [](const std::string& address) { return address.find(':') != std::string::npos; };
     const auto isOfLink = [](const std::string& address) { return address.starts_with("fe80:"); };
     if (std::any_of(addresses.begin(), addresses.end(), isOfLink))
         return "an IPv6 address that is valid on one link only (fe80:...)";
-    if (std::any_of(addresses.begin(), addresses.end(), isSix) &&
-        !std::all_of(addresses.begin(), addresses.end(), isSix))
+    if (std::any_of(addresses.begin(), addresses.end(), isIPv6) &&
+        !std::all_of(addresses.begin(), addresses.end(), isIPv6))
         return "both IPv4 and IPv6 addresses, but a domain has one kind";
     return {};
 }

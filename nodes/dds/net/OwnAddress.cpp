@@ -49,7 +49,7 @@ std::string addressTowards(const std::string& host)
 std::string findOwnAddresses(const DdsDomainSettings& settings)
 {
     return settings._interface.empty() ? addressTowards(settings._hosts.front())
-                                       : addressesOf(settings._interface, settings.isSix() ? AF_INET6 : AF_INET);
+                                       : addressesOf(settings._interface, settings.isIPv6() ? AF_INET6 : AF_INET);
 }
 
 } // namespace Trovio::Nodes

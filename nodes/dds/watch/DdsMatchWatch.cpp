@@ -1,18 +1,18 @@
 #include "nodes/dds/watch/DdsMatchWatch.h"
 
-#include "nodes/dds/net/DdsTaking.h"
+#include "nodes/dds/net/DdsSamples.h"
 #include <algorithm>
 
 namespace Trovio::Nodes {
 
 namespace {
 
-constexpr std::size_t mostFound = 64;   // ends that are remembered; peers can make any number
-constexpr std::size_t longestText = 80; // characters of a peer's words in a message
+constexpr std::size_t maxMismatches = 64; // that are remembered; peers can make any number
+constexpr std::size_t maxTextLength = 80; // characters of a peer's words in a message
 
-void onNews(dds_entity_t, void* ends) noexcept
+void onNews(dds_entity_t, void* participant) noexcept
 {
-    static_cast<const DdsEnds*>(ends)->_peersChanged();
+    static_cast<const DdsParticipant*>(participant)->_peersChanged();
 }
 
 bool isReliable(const dds_qos_t* qos)
@@ -34,7 +34,7 @@ std::string property(const dds_qos_t* qos, const char* name)
     char* value = nullptr;
     const std::string text = dds_qget_prop(qos, name, &value) && value ? value : "";
     dds_free(value);
-    return text.substr(0, longestText);
+    return text.substr(0, maxTextLength);
 }
 
 } // namespace
@@ -54,13 +54,13 @@ DdsMatchWatch::DdsMatchWatch(const DdsQuality& quality, const DdsFormat& format,
 
 DdsMatchWatch::~DdsMatchWatch() = default;
 
-void DdsMatchWatch::open(const DdsEnds& ends)
+void DdsMatchWatch::open(const DdsParticipant& participant)
 {
-    dds_get_instance_handle(ends._participant, &_own);
-    const DdsListener listener(dds_create_listener(const_cast<DdsEnds*>(&ends)));
+    dds_get_instance_handle(participant._entity, &_own);
+    const DdsListener listener(dds_create_listener(const_cast<DdsParticipant*>(&participant)));
     dds_lset_data_available(listener.get(), onNews);
     const auto openReader = [&](dds_entity_t topic) {
-        return DdsEntity(dds_create_reader(ends._participant, topic, nullptr, listener.get()),
+        return DdsEntity(dds_create_reader(participant._entity, topic, nullptr, listener.get()),
                          "cannot look for other programs");
     };
     _participants = openReader(DDS_BUILTIN_TOPIC_DCPSPARTICIPANT);
@@ -78,22 +78,22 @@ void DdsMatchWatch::close()
     _otherReaders.clear();
 }
 
-void DdsMatchWatch::look()
+void DdsMatchWatch::update()
 {
-    lookAt(_writers.get(), _subscribed, true);
-    lookAt(_readers.get(), _published, false);
+    updateFrom(_writers.get(), _subscribed, true);
+    updateFrom(_readers.get(), _published, false);
     // Those who are there stay, to be described; the library would keep those who are not, too.
     takeSamples<Take::Gone>(_participants.get(), [](const void*, const dds_sample_info_t&) {});
 }
 
-void DdsMatchWatch::tell(DdsTroubles& troubles) const
+void DdsMatchWatch::tell(DdsTopicProblems& problems) const
 {
-    std::map<std::string, std::vector<std::string>> problems; // by topic
-    for (const auto& [end, mismatch] : _found)
-        problems[mismatch._topic].push_back(mismatch._problem);
-    for (const auto& [topic, texts] : problems) {
+    std::map<std::string, std::vector<std::string>> textsOf; // by topic
+    for (const auto& [endpoint, mismatch] : _found)
+        textsOf[mismatch._topic].push_back(mismatch._problem);
+    for (const auto& [topic, texts] : textsOf) {
         const std::string others = texts.size() > 1 ? ", and " + std::to_string(texts.size() - 1) + " more" : "";
-        troubles.add(topic, "topic ", ": " + texts.front() + others);
+        problems.add(topic, "topic ", ": " + texts.front() + others);
     }
 }
 
@@ -109,7 +109,7 @@ std::string DdsMatchWatch::explainMissing(const std::string& topic) const
                                   "seen from here";
     if (others == 0)
         return "; no other program is seen there; " + elsewhere;
-    const std::string count = (others < mostOnLoan ? "" : "at least ") + std::to_string(others);
+    const std::string count = (others < maxLoan ? "" : "at least ") + std::to_string(others);
     return "; of " + count + (others == 1 ? " other node" : " other nodes") + " there " +
            (seen.empty() ? "none publishes anything else" : "these are published: " + seen) + "; " + elsewhere;
 }
@@ -121,9 +121,9 @@ std::string DdsMatchWatch::findWanting(const std::string& topic) const
     return meant.empty() ? meant : "nobody subscribes to it, but " + meant;
 }
 
-void DdsMatchWatch::lookAt(dds_entity_t reader, const Topics& ours, bool isWriter)
+void DdsMatchWatch::updateFrom(dds_entity_t reader, const Topics& ours, bool isWriter)
 {
-    DdsOtherEnds& others = isWriter ? _otherWriters : _otherReaders;
+    DdsRemoteEndpoints& others = isWriter ? _otherWriters : _otherReaders;
     takeSamples<Take::All>(reader, [&](const void* sample, const dds_sample_info_t& info) {
         _found.erase(info.instance_handle);
         others.forget(info.instance_handle);
@@ -136,7 +136,7 @@ void DdsMatchWatch::lookAt(dds_entity_t reader, const Topics& ours, bool isWrite
         if (topic == ours.end() || !isInPartition(other.qos))
             return others.note(info.instance_handle, other);
         const std::string problem = compare(other, topic->second, isWriter);
-        if (!problem.empty() && _found.size() < mostFound)
+        if (!problem.empty() && _found.size() < maxMismatches)
             _found[info.instance_handle] = {topic->second._label, problem};
     });
 }

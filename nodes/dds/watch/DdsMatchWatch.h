@@ -1,8 +1,8 @@
 #pragma once
 
-#include "nodes/dds/net/DdsEnds.h"
-#include "nodes/dds/watch/DdsOtherEnds.h"
-#include "nodes/dds/watch/DdsTroubles.h"
+#include "nodes/dds/net/DdsParticipant.h"
+#include "nodes/dds/watch/DdsRemoteEndpoints.h"
+#include "nodes/dds/watch/DdsTopicProblems.h"
 #include "nodes/dds/wire/TopicTypes.h"
 #include "nodes/shared/SlotList.h"
 #include <map>
@@ -11,7 +11,7 @@
 namespace Trovio::Nodes {
 
 /// Looks at what other programs publish and subscribe to, and finds those that mean one of our topics but do not meet
-/// it: the library would leave the two ends apart without a word.
+/// it: the library would leave the two endpoints apart without a word.
 /// Threads: one.
 class DdsMatchWatch {
 public:
@@ -20,14 +20,14 @@ public:
     ~DdsMatchWatch();
 
     /// Throws DdsProblem.
-    void open(const DdsEnds& ends);
+    void open(const DdsParticipant& participant);
     void close();
 
-    /// Takes in what came and went since the last look.
-    void look();
+    /// Takes in what came and went since the last update.
+    void update();
 
     /// Adds what does not meet: topic, both types, and the peer.
-    void tell(DdsTroubles& troubles) const;
+    void tell(DdsTopicProblems& problems) const;
 
     /// Why nobody publishes a topic that is subscribed to, as far as that can be seen.
     std::string explainMissing(const std::string& topic) const;
@@ -40,7 +40,7 @@ private:
         std::string _type; // as the library knows it
     };
     using Topics = std::map<std::string, Topic, std::less<>>; // by their names in the domain
-    void lookAt(dds_entity_t reader, const Topics& ours, bool isWriter);
+    void updateFrom(dds_entity_t reader, const Topics& ours, bool isWriter);
     bool isOurs(const dds_builtintopic_endpoint_t& end) const { return end.participant_instance_handle == _own; }
     /// What is wrong; empty if nothing is.
     std::string compare(const dds_builtintopic_endpoint_t& other, const Topic& ours, bool isWriter) const;
@@ -55,8 +55,8 @@ private:
     struct Mismatch {
         std::string _topic, _problem;
     };
-    std::map<dds_instance_handle_t, Mismatch> _found; // by the end of another program
-    DdsOtherEnds _otherWriters, _otherReaders;
+    std::map<dds_instance_handle_t, Mismatch> _found; // by the endpoint of another program
+    DdsRemoteEndpoints _otherWriters, _otherReaders;
     dds_instance_handle_t _own = 0;              // our participant
     DdsEntity _participants, _writers, _readers; // what the library tells of
 };

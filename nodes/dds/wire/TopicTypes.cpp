@@ -7,7 +7,7 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr std::size_t longestText = 80; // characters of a peer's words in a message
+constexpr std::size_t maxTextLength = 80; // characters of a peer's words in a message
 
 } // namespace
 
@@ -26,7 +26,7 @@ const dds_topic_descriptor_t* findTopicType(const std::string& slotType, const D
 
 std::string describeTopicType(const std::string& name)
 {
-    std::string found = "'" + name.substr(0, longestText) + "'";
+    std::string found = "'" + name.substr(0, maxTextLength) + "'";
     forEachSlotType([&]<class T>(TypeTag<T>) {
         if (name == WireType<T>::descriptor().m_typename)
             found = TypeName<T>::getName();

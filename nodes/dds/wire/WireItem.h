@@ -19,7 +19,7 @@ struct WireItem;
 template <>
 struct WireItem<std::string> {
     using Wire = Trovio_Wire_Text;
-    static constexpr std::size_t MostElements = 65536; // of a vector, as in SlotSamples.idl
+    static constexpr std::size_t MaxElements = 65536; // of a vector, as in SlotSamples.idl
     static std::string refer(const std::string& element, Wire& wire);
     static std::string read(const Wire& wire, std::string& element);
 };
@@ -27,7 +27,7 @@ struct WireItem<std::string> {
 template <>
 struct WireItem<Image> {
     using Wire = Trovio_Wire_Picture;
-    static constexpr std::size_t MostElements = 4096;
+    static constexpr std::size_t MaxElements = 4096;
     static std::string refer(const Image& element, Wire& wire);
     static std::string read(const Wire& wire, Image& element);
 };

@@ -37,8 +37,8 @@ public:
     template <class Sequence>
     std::string referMany(const std::vector<E>& elements, Sequence& sequence)
     {
-        if (elements.size() > mostBytes / sizeof(E))
-            return std::to_string(elements.size()) + " elements, which take over " + std::to_string(mostBytes) +
+        if (elements.size() > maxBytes / sizeof(E))
+            return std::to_string(elements.size()) + " elements, which take over " + std::to_string(maxBytes) +
                    " bytes";
         referTo(sequence, reinterpret_cast<const Component*>(elements.data()), elements.size() * Count);
         return {};
@@ -76,7 +76,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t mostBytes = std::size_t(1) << 30; // their number fits into 32 bits
+    static constexpr std::size_t maxBytes = std::size_t(1) << 30; // their number fits into 32 bits
 
     static std::string findNonFinite(const Component* components, std::size_t count)
     {
@@ -139,8 +139,8 @@ public:
     template <class Sequence>
     std::string referMany(const std::vector<E>& elements, Sequence& sequence)
     {
-        if (elements.size() > WireItem<E>::MostElements)
-            return std::to_string(elements.size()) + " elements; at most " + std::to_string(WireItem<E>::MostElements) +
+        if (elements.size() > WireItem<E>::MaxElements)
+            return std::to_string(elements.size()) + " elements; at most " + std::to_string(WireItem<E>::MaxElements) +
                    " are allowed";
         _items.resize(elements.size());
         std::string problem;

@@ -6,7 +6,7 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr std::size_t mostShown = 64;
+constexpr std::size_t maxShown = 64;
 
 bool consistsOf(std::string_view tags, std::string_view allowed)
 {
@@ -38,7 +38,7 @@ std::string shortenOscTags(std::string_view tags)
 {
     if (tags.empty())
         return "no arguments";
-    return std::string(tags.substr(0, mostShown)) + (tags.size() > mostShown ? "…" : "");
+    return std::string(tags.substr(0, maxShown)) + (tags.size() > maxShown ? "…" : "");
 }
 
 std::string describeOscTags(std::string_view tags)

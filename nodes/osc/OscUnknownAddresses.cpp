@@ -1,4 +1,4 @@
-#include "nodes/osc/OscStrangers.h"
+#include "nodes/osc/OscUnknownAddresses.h"
 
 #include "nodes/osc/address/OscAddressList.h"
 #include "nodes/osc/address/OscPattern.h"
@@ -11,7 +11,7 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr std::size_t mostDescribed = 3;
+constexpr std::size_t maxDescribed = 3;
 
 /// What the user may write to get the messages.
 std::string cureFor(std::string_view address, std::string_view tags)
@@ -39,14 +39,14 @@ std::string describe(const OscMessage& message, std::string_view address, std::s
 
 } // namespace
 
-void OscStrangers::note(const OscMessage& message)
+void OscUnknownAddresses::note(const OscMessage& message)
 {
     const std::string_view address = message._address.substr(0, MaxOscAddress); // more has no slot, and no end
     if (!countKnown(address))
         remember(message, address);
 }
 
-bool OscStrangers::countKnown(std::string_view address)
+bool OscUnknownAddresses::countKnown(std::string_view address)
 {
     const Ostrel::LockGuard guard(_lock);
     const auto found = _named.find(address);
@@ -57,44 +57,44 @@ bool OscStrangers::countKnown(std::string_view address)
     return found != _named.end() || _others != 0;
 }
 
-void OscStrangers::remember(const OscMessage& message, std::string_view address)
+void OscUnknownAddresses::remember(const OscMessage& message, std::string_view address)
 {
     const std::string_view nearest = nearestName(address, _known);
     bool isFull = false;
     {
         const Ostrel::LockGuard guard(_lock);
-        isFull = _named.size() == MostNamed;
+        isFull = _named.size() == MaxNamed;
         if (isFull)
             _others = 1;
         else
-            _named.emplace(address, Stranger{describeOscTags(message._tags), nearest, 1});
+            _named.emplace(address, Count{describeOscTags(message._tags), nearest, 1});
     }
-    report(osg::LogWarning, isFull ? "OSC: " + std::to_string(MostNamed) + " addresses without a slot were named; " +
+    report(osg::LogWarning, isFull ? "OSC: " + std::to_string(MaxNamed) + " addresses without a slot were named; " +
                                          "messages of further ones are only counted"
                                    : describe(message, address, nearest));
 }
 
-std::string OscStrangers::describeFor(std::string_view address) const
+std::string OscUnknownAddresses::describeFor(std::string_view address) const
 {
     const Ostrel::LockGuard guard(_lock);
-    std::vector<const Named::value_type*> strangers;
+    std::vector<const Named::value_type*> entries;
     std::uint64_t rest = _others;
-    for (const auto& stranger : _named) {
-        strangers.push_back(&stranger);
-        rest += stranger.second._count;
+    for (const auto& entry : _named) {
+        entries.push_back(&entry);
+        rest += entry.second._count;
     }
-    std::sort(strangers.begin(), strangers.end(), [address](const auto* left, const auto* right) {
-        const auto weight = [address](const auto* stranger) {
-            return std::pair(stranger->second._nearest == address, stranger->second._count);
+    std::sort(entries.begin(), entries.end(), [address](const auto* left, const auto* right) {
+        const auto weight = [address](const auto* entry) {
+            return std::pair(entry->second._nearest == address, entry->second._count);
         };
         return weight(left) > weight(right);
     });
-    strangers.resize(std::min(strangers.size(), mostDescribed));
+    entries.resize(std::min(entries.size(), maxDescribed));
     std::string text;
-    for (const auto* stranger : strangers) {
-        text += ", " + std::to_string(stranger->second._count) + " for " + stranger->first + " " +
-                (stranger->second._tags.front() == '(' ? "" : "with ") + stranger->second._tags;
-        rest -= stranger->second._count;
+    for (const auto* entry : entries) {
+        text += ", " + std::to_string(entry->second._count) + " for " + entry->first + " " +
+                (entry->second._tags.front() == '(' ? "" : "with ") + entry->second._tags;
+        rest -= entry->second._count;
     }
     return rest == 0 ? text : text + ", " + std::to_string(rest) + " for others";
 }

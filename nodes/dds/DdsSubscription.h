@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Mutex.h"
-#include "nodes/dds/DdsNewcomers.h"
-#include "nodes/dds/WriterNumbers.h"
+#include "nodes/dds/DdsNewWriters.h"
+#include "nodes/dds/SequenceTracker.h"
 #include "nodes/dds/clocks/DdsClocks.h"
 #include "nodes/dds/clocks/ValueTiming.h"
 #include "nodes/dds/wire/TopicTypes.h"
@@ -28,12 +28,12 @@ struct DdsInCounters {
 /// anybody publishes it, and a third, TOPIC/timing, how old its values are: seconds from the newest one's time stamp to
 /// its arrival, seconds since that time stamp, and seconds by which both may be wrong, all by the source's clock.
 /// Threads: samples are pushed on a thread of the DDS library, as they come; one thread does the rest.
-class DdsInLane {
+class DdsSubscription {
 public:
     /// The slot value type must have a topic type in that format.
-    static std::unique_ptr<DdsInLane> create(const ListedSlot& topic, const DdsFormat& format, DdsInCounters& counters,
-                                             Clock& clock);
-    virtual ~DdsInLane() = default;
+    static std::unique_ptr<DdsSubscription> create(const ListedSlot& topic, const DdsFormat& format,
+                                                   DdsInCounters& counters, Clock& clock);
+    virtual ~DdsSubscription() = default;
 
     virtual BasicOutSlot& getSlot() = 0;
     OutSlot<bool>& getAliveSlot() { return _aliveSlot; }
@@ -41,26 +41,26 @@ public:
     const ListedSlot& getTopic() const { return _topic; }
 
     /// Throws DdsProblem. From now on samples are pushed.
-    void open(const DdsEnds& ends);
+    void open(const DdsParticipant& participant);
     /// Waits for a push that is going on; afterwards nothing is pushed.
     void close();
 
     /// Finds out who is there, and pushes that where it has changed.
-    void lookForWriters();
+    void updateWriters();
     /// Pushes it, if the clock of who wrote the newest value is known, and asks for that clock. now: our date.
     void pushTiming(DdsClocks& clocks, const Time& now) OSTREL_EXCLUDES(_newestLock);
     /// Of the newest value that was pushed, if any. Any thread, under any lock but the log's.
     std::optional<SampleArrival> getNewest() const OSTREL_EXCLUDES(_newestLock);
     /// Goes on with samples that waited since their writers were new, where they have long enough; when to do so again.
-    std::optional<double> takeNewcomers() OSTREL_EXCLUDES(_takeLock);
+    std::optional<double> takeNewWriters() OSTREL_EXCLUDES(_takeLock);
     /// Somebody publishes it. Any thread.
     bool isAlive() const { return _isAlive; }
     /// Somebody publishes it, but gives no sign of life: may be that they do not hear us.
     bool isSilent() const { return _isSilent; }
 
 protected:
-    DdsInLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
-              DdsInCounters& counters, Clock& clock);
+    DdsSubscription(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
+                    DdsInCounters& counters, Clock& clock);
 
     /// Makes a sample of it, which is kept until the next one. Where it comes from, in its own words, or in those that
     /// came with it; nothing if it is no sample of the type.
@@ -70,12 +70,12 @@ protected:
     virtual std::string deliver(const Time& stamp) = 0;
 
 private:
-    static void onData(dds_entity_t reader, void* lane) noexcept;
-    static void onLiveliness(dds_entity_t reader, dds_liveliness_changed_status_t status, void* lane) noexcept;
+    static void onData(dds_entity_t reader, void* subscription) noexcept;
+    static void onLiveliness(dds_entity_t reader, dds_liveliness_changed_status_t status, void* subscription) noexcept;
     void takeAll(dds_entity_t reader) OSTREL_EXCLUDES(_takeLock);
-    void take(const DdsNewcomers::Sample& sample) OSTREL_REQUIRES(_takeLock);
+    void take(const DdsNewWriters::Sample& sample) OSTREL_REQUIRES(_takeLock);
     void noteNewest(const SampleArrival& arrival) OSTREL_EXCLUDES(_newestLock);
-    WriterNumbers::Guid guidOf(dds_instance_handle_t writer) const;
+    SequenceTracker::Guid guidOf(dds_instance_handle_t writer) const;
     void refuse(const std::string& problem) OSTREL_REQUIRES(_takeLock);
     void setAlive(bool alive);
 
@@ -93,12 +93,12 @@ private:
     bool _getsLast = true; // when it joins; and with it, what is older
 
     Ostrel::Mutex _takeLock; // held around taking and pushing; no lock of a slot or the tree is held when it is taken
-    WriterNumbers _numbers OSTREL_GUARDED_BY(_takeLock);
-    DdsNewcomers _newcomers OSTREL_GUARDED_BY(_takeLock);
+    SequenceTracker _sequences OSTREL_GUARDED_BY(_takeLock);
+    DdsNewWriters _newWriters OSTREL_GUARDED_BY(_takeLock);
     RateLimiter _reports OSTREL_GUARDED_BY(_takeLock);
     MemoryShortage _shortage OSTREL_GUARDED_BY(_takeLock);
 
-    DdsClocks* _clocks = nullptr;                                        // those of the ends, while open
+    DdsClocks* _clocks = nullptr;                                        // those of the participant, while open
     mutable Ostrel::Mutex _newestLock;                                   // leaf
     std::optional<SampleArrival> _newest OSTREL_GUARDED_BY(_newestLock); // nothing where clocks are not compared
 

@@ -1,4 +1,4 @@
-#include "nodes/dds/DdsNewcomers.h"
+#include "nodes/dds/DdsNewWriters.h"
 
 #include "nodes/dds/net/DdsQos.h"
 #include <algorithm>
@@ -13,7 +13,7 @@ constexpr std::size_t most = 65'536; // samples of a writer that wait
 
 } // namespace
 
-void DdsNewcomers::hold(Sample sample, double now)
+void DdsNewWriters::hold(Sample sample, double now)
 {
     auto& [since, samples] = _writers.try_emplace(sample._info.publication_handle, Writer{now, {}}).first->second;
     if (samples.size() == most)
@@ -21,7 +21,7 @@ void DdsNewcomers::hold(Sample sample, double now)
     samples.push_back(std::move(sample));
 }
 
-std::vector<dds_instance_handle_t> DdsNewcomers::findDue(double now) const
+std::vector<dds_instance_handle_t> DdsNewWriters::findDue(double now) const
 {
     std::vector<dds_instance_handle_t> due;
     for (const auto& [handle, writer] : _writers)
@@ -30,7 +30,7 @@ std::vector<dds_instance_handle_t> DdsNewcomers::findDue(double now) const
     return due;
 }
 
-std::optional<double> DdsNewcomers::nextDue() const
+std::optional<double> DdsNewWriters::nextDue() const
 {
     std::optional<double> next;
     for (const auto& [handle, writer] : _writers)
@@ -38,7 +38,7 @@ std::optional<double> DdsNewcomers::nextDue() const
     return next;
 }
 
-std::vector<DdsNewcomers::Sample> DdsNewcomers::release(dds_instance_handle_t writer, double now)
+std::vector<DdsNewWriters::Sample> DdsNewWriters::release(dds_instance_handle_t writer, double now)
 {
     const auto found = _writers.find(writer);
     if (found == _writers.end())

@@ -10,7 +10,7 @@ namespace Trovio::Nodes {
 /// Samples of writers that have just come. A writer sends those who join the last value it has written, and with it all
 /// that others have not acknowledged yet: nobody asked for that. So they wait a little, until it shows which are old.
 /// Threads: one at a time.
-class DdsNewcomers {
+class DdsNewWriters {
 public:
     struct Sample {
         DdsSerialised _serialised;

@@ -1,7 +1,7 @@
-#include "nodes/dds/DdsOutLane.h"
+#include "nodes/dds/DdsPublication.h"
 
 #include "nodes/dds/net/DdsLog.h"
-#include "nodes/dds/net/DdsTaking.h"
+#include "nodes/dds/net/DdsSamples.h"
 #include "nodes/dds/wire/RosValue.h"
 #include "nodes/shared/Report.h"
 #include "nodes/shared/SendQueue.h"
@@ -12,17 +12,17 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double latestStamp = 4294967296.0;    // seconds since 1970, which the protocol counts in 32 bits
-constexpr std::uint32_t mostReadersOfQuick = 2; // each may take a packet of its own
-constexpr int mostAtOnce = 4;                   // records that other threads have pushed meanwhile
+constexpr double maxStamp = 4294967296.0;     // seconds since 1970, which the protocol counts in 32 bits
+constexpr std::uint32_t maxReadersAtOnce = 2; // each may take a packet of its own
+constexpr int maxRecordsAtOnce = 4;           // records that other threads have pushed meanwhile
 
 /// A slot value type T and how it travels: WireValue<T> or RosValue<T>.
 template <class T, class Value>
-class TypedOutLane final : public DdsOutLane {
+class TypedPublication final : public DdsPublication {
 public:
-    TypedOutLane(const ListedSlot& topic, const DdsFormat& format, unsigned capacity, DdsOutCounters& counters,
-                 Clock& clock, std::function<void()> arrived)
-        : DdsOutLane(topic, format, Value::descriptor(), std::is_trivially_copyable_v<T>, counters, clock),
+    TypedPublication(const ListedSlot& topic, const DdsFormat& format, unsigned capacity, DdsOutCounters& counters,
+                     Clock& clock, std::function<void()> arrived)
+        : DdsPublication(topic, format, Value::descriptor(), std::is_trivially_copyable_v<T>, counters, clock),
           _queue(topic._name, capacity, [this, arrived = std::move(arrived)] {
               if (!sendAtOnce())
                   arrived();
@@ -61,19 +61,22 @@ private:
 
 } // namespace
 
-std::unique_ptr<DdsOutLane> DdsOutLane::create(const ListedSlot& topic, const DdsFormat& format, unsigned capacity,
-                                               DdsOutCounters& counters, Clock& clock, std::function<void()> arrived)
+std::unique_ptr<DdsPublication> DdsPublication::create(const ListedSlot& topic, const DdsFormat& format,
+                                                       unsigned capacity, DdsOutCounters& counters, Clock& clock,
+                                                       std::function<void()> arrived)
 {
-    std::unique_ptr<DdsOutLane> lane;
+    std::unique_ptr<DdsPublication> publication;
     const auto make = [&]<class T, class Value>(TypeTag<T>, TypeTag<Value>) {
-        lane = std::make_unique<TypedOutLane<T, Value>>(topic, format, capacity, counters, clock, std::move(arrived));
+        publication =
+            std::make_unique<TypedPublication<T, Value>>(topic, format, capacity, counters, clock, std::move(arrived));
     };
     withFormat(topic._typeName, format, make);
-    return lane;
+    return publication;
 }
 
-DdsOutLane::DdsOutLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
-                       bool isSmall, DdsOutCounters& counters, Clock& clock)
+DdsPublication::DdsPublication(const ListedSlot& topic, const DdsFormat& format,
+                               const dds_topic_descriptor_t& descriptor, bool isSmall, DdsOutCounters& counters,
+                               Clock& clock)
     : _topic(topic),
       _name(format.nameOf(topic._name)),
       _descriptor(descriptor),
@@ -83,24 +86,24 @@ DdsOutLane::DdsOutLane(const ListedSlot& topic, const DdsFormat& format, const d
 {
 }
 
-void DdsOutLane::open(const DdsEnds& ends)
+void DdsPublication::open(const DdsParticipant& participant)
 {
     const std::string what = "cannot publish " + _topic._name;
     const DdsListener listener(dds_create_listener(this));
     dds_lset_publication_matched(listener.get(), onMatched);
-    _peersChanged = ends._peersChanged;
-    _isLocal = ends._domain->getSettings().isLoopback();
+    _peersChanged = participant._peersChanged;
+    _isLocal = participant._domain->getSettings().isLoopback();
     const Ostrel::LockGuard guard(_sendLock);
-    _writerID = ends._writerID;
-    _localTopic = ends._domain->getTopic(_name);
-    _ddsTopic = DdsEntity(dds_create_topic(ends._participant, &_descriptor, _name.c_str(), nullptr, nullptr), what);
-    const DdsQos qos = makeWriterQos(ends._quality);
-    _writer = DdsEntity(dds_create_writer(ends._publisher, _ddsTopic.get(), qos.get(), listener.get()), what);
+    _writerID = participant._writerID;
+    _localTopic = participant._domain->getTopic(_name);
+    _ddsTopic = DdsEntity(dds_create_topic(participant._entity, &_descriptor, _name.c_str(), nullptr, nullptr), what);
+    const DdsQos qos = makeWriterQos(participant._quality);
+    _writer = DdsEntity(dds_create_writer(participant._publisher, _ddsTopic.get(), qos.get(), listener.get()), what);
     if (_last)
         write(*_last);
 }
 
-void DdsOutLane::close()
+void DdsPublication::close()
 {
     _isQuick = false;
     std::string complaint;
@@ -114,21 +117,21 @@ void DdsOutLane::close()
     tell(complaint);
 }
 
-void DdsOutLane::onMatched(dds_entity_t, dds_publication_matched_status_t, void* lane) noexcept
+void DdsPublication::onMatched(dds_entity_t, dds_publication_matched_status_t, void* publication) noexcept
 {
-    static_cast<DdsOutLane*>(lane)->_peersChanged();
+    static_cast<DdsPublication*>(publication)->_peersChanged();
 }
 
-void DdsOutLane::lookForReaders()
+void DdsPublication::updateReaders()
 {
     dds_publication_matched_status_t status{};
     const Ostrel::LockGuard guard(_sendLock);
     const bool isKnown = dds_get_publication_matched_status(_writer.get(), &status) == DDS_RETCODE_OK;
     _isHeard = isKnown && status.current_count > 0;
-    _isQuick = _isSmall && _isLocal && isKnown && status.current_count <= mostReadersOfQuick;
+    _isQuick = _isSmall && _isLocal && isKnown && status.current_count <= maxReadersAtOnce;
 }
 
-bool DdsOutLane::sendAtOnce() noexcept
+bool DdsPublication::sendAtOnce() noexcept
 {
     if (!_isQuick || !_sendLock.tryLock())
         return false;
@@ -136,7 +139,7 @@ bool DdsOutLane::sendAtOnce() noexcept
     if (_writer.isOpen())
         _localTopic->writeUnread([this, &mayWait]() OSTREL_NO_THREAD_SAFETY_ANALYSIS {
             try {
-                for (int i = 0; i < mostAtOnce && mayWait; ++i)
+                for (int i = 0; i < maxRecordsAtOnce && mayWait; ++i)
                     mayWait = sendOne();
             } catch (const std::bad_alloc&) {
                 _counters._failed.add(); // a record that was taken, but not even told why it cannot be sent
@@ -147,7 +150,7 @@ bool DdsOutLane::sendAtOnce() noexcept
     return isDone;
 }
 
-bool DdsOutLane::send()
+bool DdsPublication::send()
 {
     bool isSent = false;
     std::string complaint;
@@ -160,7 +163,7 @@ bool DdsOutLane::send()
     return isSent;
 }
 
-bool DdsOutLane::sendOne()
+bool DdsPublication::sendOne()
 {
     std::string problem;
     const auto sample = takeSample(_last ? _last->_sample : nullptr, problem);
@@ -179,11 +182,11 @@ bool DdsOutLane::sendOne()
     return true;
 }
 
-bool DdsOutLane::write(const Sample& sample)
+bool DdsPublication::write(const Sample& sample)
 {
     const DdsLog::Listening log;
     // The library carries the stamp beside samples that have no room for it.
-    const bool isBeside = !sample._origin && sample._stamp >= 0.0 && sample._stamp < latestStamp;
+    const bool isBeside = !sample._origin && sample._stamp >= 0.0 && sample._stamp < maxStamp;
     const dds_return_t result = isBeside ? dds_write_ts(_writer.get(), sample._sample, toDdsDuration(sample._stamp))
                                          : dds_write(_writer.get(), sample._sample);
     if (result != DDS_RETCODE_OK)
@@ -193,13 +196,13 @@ bool DdsOutLane::write(const Sample& sample)
     return result == DDS_RETCODE_OK;
 }
 
-void DdsOutLane::fail(std::string_view problem)
+void DdsPublication::fail(std::string_view problem)
 {
     _counters._failed.add();
     complain("a record cannot be sent: ", problem);
 }
 
-void DdsOutLane::complain(std::string_view before, std::string_view problem) noexcept
+void DdsPublication::complain(std::string_view before, std::string_view problem) noexcept
 try {
     if (const auto more = _reports.admit())
         _complaint = std::string(before) + std::string(problem) + *more;
@@ -207,7 +210,7 @@ try {
     // Not even for saying so; the counters tell.
 }
 
-void DdsOutLane::tell(const std::string& complaint) const
+void DdsPublication::tell(const std::string& complaint) const
 {
     if (!complaint.empty())
         report(osg::LogWarning, "DDS: topic " + _topic._name + ": " + complaint);

@@ -8,7 +8,7 @@
 namespace Trovio::Nodes {
 
 /// What is wrong with the topics of a node whose domain is open: one thing for each of them, the first that was added.
-class DdsTroubles {
+class DdsTopicProblems {
 public:
     /// The text is before + topic + after; one that many topics share is told once.
     void add(const std::string& topic, const std::string& before, const std::string& after);
@@ -16,7 +16,7 @@ public:
     /// Empty if nothing is wrong with it.
     std::string find(const std::string& topic) const;
 
-    /// What is known of a topic though it is no trouble.
+    /// What is known of a topic though it is no problem.
     void note(const std::string& topic, const std::string& text) { _notes.push_back({topic, text}); }
     const std::vector<RemarkInfo>& getNotes() const { return _notes; }
 

@@ -9,10 +9,11 @@ namespace Trovio::Nodes {
 
 class DdsClocks;
 
-/// What topics are opened with: made by a session, which outlives everything that is opened with it.
-struct DdsEnds {
+/// A node's participant in its domain, with all that its endpoints are made with.
+/// Ownership: made by the session, which outlives what is opened with it and owns the entities.
+struct DdsParticipant {
     DdsDomain* _domain;
-    dds_entity_t _participant;
+    dds_entity_t _entity;
     dds_entity_t _publisher;
     dds_entity_t _subscriber;
     const DdsQuality& _quality;

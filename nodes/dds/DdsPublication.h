@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Mutex.h"
-#include "nodes/dds/net/DdsEnds.h"
+#include "nodes/dds/net/DdsParticipant.h"
 #include "nodes/dds/wire/TopicTypes.h"
 #include "nodes/shared/RateLimiter.h"
 #include "nodes/shared/SlotList.h"
@@ -30,24 +30,25 @@ struct DdsOutCounters {
 /// samples that wait for it. A record of fixed size is sent by the thread that pushes it, where that cannot wait for
 /// anything: on the loopback, to few readers, none of them in this program. All others are sent by the node's thread.
 /// Threads: any thread pushes into the slot; one thread does the rest.
-class DdsOutLane {
+class DdsPublication {
 public:
     /// arrived is called on the pushing thread after each record, under locks: it may only wake somebody.
     /// The slot value type must have a topic type in that format.
-    static std::unique_ptr<DdsOutLane> create(const ListedSlot& topic, const DdsFormat& format, unsigned capacity,
-                                              DdsOutCounters& counters, Clock& clock, std::function<void()> arrived);
-    virtual ~DdsOutLane() = default;
+    static std::unique_ptr<DdsPublication> create(const ListedSlot& topic, const DdsFormat& format, unsigned capacity,
+                                                  DdsOutCounters& counters, Clock& clock,
+                                                  std::function<void()> arrived);
+    virtual ~DdsPublication() = default;
 
     virtual BasicInSlot& getSlot() = 0;
     const ListedSlot& getTopic() const { return _topic; }
 
     /// Throws DdsProblem.
-    void open(const DdsEnds& ends);
+    void open(const DdsParticipant& participant);
     void close() OSTREL_EXCLUDES(_sendLock);
 
     /// Finds out how many there are.
-    void lookForReaders() OSTREL_EXCLUDES(_sendLock);
-    /// Somebody subscribed to it at that look.
+    void updateReaders() OSTREL_EXCLUDES(_sendLock);
+    /// Somebody subscribed to it at that update.
     bool isHeard() const { return _isHeard; }
 
     /// Sends the oldest waiting record. False if none waits.
@@ -62,20 +63,20 @@ protected:
     };
 
     /// isSmall: its samples are of one size, whatever the value.
-    DdsOutLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor, bool isSmall,
-               DdsOutCounters& counters, Clock& clock);
+    DdsPublication(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
+                   bool isSmall, DdsOutCounters& counters, Clock& clock);
 
     /// Takes the oldest waiting record, if there is one. Its sample lives until the next one is taken, and as long as
     /// it is the kept one then. Says why the record cannot be sent in problem.
     virtual std::optional<Sample> takeSample(const void* kept, std::string& problem) OSTREL_REQUIRES(_sendLock) = 0;
 
-    /// For the pushing thread, under locks. False if the node's thread has to look what is left.
+    /// For the pushing thread, under locks. False if the node's thread has to send what is left.
     bool sendAtOnce() noexcept OSTREL_EXCLUDES(_sendLock);
 
     Ostrel::Mutex _sendLock; // held around taking and sending; with a slot's lock held, it is only tried
 
 private:
-    static void onMatched(dds_entity_t writer, dds_publication_matched_status_t status, void* lane) noexcept;
+    static void onMatched(dds_entity_t writer, dds_publication_matched_status_t status, void* publication) noexcept;
     bool sendOne() OSTREL_REQUIRES(_sendLock);
     /// Whether the library took it.
     bool write(const Sample& sample) OSTREL_REQUIRES(_sendLock);

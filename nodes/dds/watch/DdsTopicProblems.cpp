@@ -1,4 +1,4 @@
-#include "nodes/dds/watch/DdsTroubles.h"
+#include "nodes/dds/watch/DdsTopicProblems.h"
 
 #include <algorithm>
 
@@ -6,32 +6,32 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr std::size_t mostNamed = 3; // topics, and texts, that a summary names
+constexpr std::size_t maxNamed = 3; // topics, and texts, that a summary names
 
 /// The first few, and how many more there are.
 std::string listOf(const std::vector<std::string>& parts, const std::string& separator)
 {
     std::string list;
-    for (std::size_t i = 0; i < std::min(parts.size(), mostNamed); ++i)
+    for (std::size_t i = 0; i < std::min(parts.size(), maxNamed); ++i)
         list += (i > 0 ? separator : "") + parts[i];
-    return parts.size() > mostNamed ? list + " and " + std::to_string(parts.size() - mostNamed) + " more" : list;
+    return parts.size() > maxNamed ? list + " and " + std::to_string(parts.size() - maxNamed) + " more" : list;
 }
 
 } // namespace
 
-void DdsTroubles::add(const std::string& topic, const std::string& before, const std::string& after)
+void DdsTopicProblems::add(const std::string& topic, const std::string& before, const std::string& after)
 {
     if (_ofTopics.insert({topic, {before, after}}).second)
         _topics[{before, after}].push_back(topic);
 }
 
-std::string DdsTroubles::find(const std::string& topic) const
+std::string DdsTopicProblems::find(const std::string& topic) const
 {
     const auto found = _ofTopics.find(topic);
     return found == _ofTopics.end() ? std::string() : found->second._before + topic + found->second._after;
 }
 
-std::string DdsTroubles::summary() const
+std::string DdsTopicProblems::summary() const
 {
     std::vector<std::string> texts;
     for (const auto& [text, topics] : _topics)

@@ -11,13 +11,13 @@ namespace Trovio::Nodes {
 /// Addresses that came and that no slot has. The first few are remembered, and each of them is named once in the log,
 /// with its arguments and the entry of 'in' that would take it; the messages of all others are only counted.
 /// Threads: note() from one thread; the rest from any, under any lock but the log's.
-class OscStrangers {
+class OscUnknownAddresses {
 public:
     /// How many addresses are remembered: no more than one source may log in a second.
-    static constexpr std::size_t MostNamed = 16;
+    static constexpr std::size_t MaxNamed = 16;
 
     /// The views must outlive this.
-    explicit OscStrangers(std::vector<std::string_view> known) : _known(std::move(known)) {}
+    explicit OscUnknownAddresses(std::vector<std::string_view> known) : _known(std::move(known)) {}
 
     void note(const OscMessage& message) OSTREL_EXCLUDES(_lock);
 
@@ -26,13 +26,13 @@ public:
     std::string describeFor(std::string_view address) const OSTREL_EXCLUDES(_lock);
 
 private:
-    struct Stranger {
+    struct Count {
         std::string _tags; // shown
         std::string_view _nearest;
         std::uint64_t _count = 0;
     };
 
-    using Named = std::map<std::string, Stranger, std::less<>>;
+    using Named = std::map<std::string, Count, std::less<>>;
 
     bool countKnown(std::string_view address) OSTREL_EXCLUDES(_lock);
     void remember(const OscMessage& message, std::string_view address) OSTREL_EXCLUDES(_lock);

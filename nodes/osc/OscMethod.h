@@ -12,9 +12,9 @@ namespace Trovio::Nodes {
 
 /// One address that is listened to, and the out-slot that its messages go to.
 /// Threads: one thread delivers; the slot itself is for any thread.
-class OscInLane {
+class OscMethod {
 public:
-    virtual ~OscInLane() = default;
+    virtual ~OscMethod() = default;
     virtual BasicOutSlot& getSlot() = 0;
 
     /// Pushes the message's value. False, and nothing is pushed, if its arguments do not make one.
@@ -23,7 +23,7 @@ public:
     /// The tags that fit best: "fff", "(fff)*".
     virtual std::string getExpected() const = 0;
 
-    static std::unique_ptr<OscInLane> create(const OscAddress& address);
+    static std::unique_ptr<OscMethod> create(const OscAddress& address);
 };
 
 } // namespace Trovio::Nodes

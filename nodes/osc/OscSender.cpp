@@ -1,4 +1,4 @@
-#include "nodes/osc/OscOutLane.h"
+#include "nodes/osc/OscSender.h"
 
 #include "nodes/osc/packet/OscValue.h"
 #include "nodes/shared/SendQueue.h"
@@ -9,9 +9,9 @@ namespace Trovio::Nodes {
 namespace {
 
 template <class T>
-class TypedOutLane final : public OscOutLane {
+class TypedSender final : public OscSender {
 public:
-    TypedOutLane(const OscAddress& address, unsigned capacity, std::function<void()> arrived)
+    TypedSender(const OscAddress& address, unsigned capacity, std::function<void()> arrived)
         : _address(address._address), _queue(address.getLabel(), capacity, std::move(arrived))
     {
     }
@@ -35,14 +35,14 @@ private:
 
 } // namespace
 
-std::unique_ptr<OscOutLane> OscOutLane::create(const OscAddress& address, unsigned capacity,
-                                               std::function<void()> arrived)
+std::unique_ptr<OscSender> OscSender::create(const OscAddress& address, unsigned capacity,
+                                             std::function<void()> arrived)
 {
-    std::unique_ptr<OscOutLane> lane;
+    std::unique_ptr<OscSender> sender;
     withSlotType(address._typeName, [&]<class T>(TypeTag<T>) {
-        lane = std::make_unique<TypedOutLane<T>>(address, capacity, std::move(arrived));
+        sender = std::make_unique<TypedSender<T>>(address, capacity, std::move(arrived));
     });
-    return lane;
+    return sender;
 }
 
 } // namespace Trovio::Nodes

@@ -14,17 +14,17 @@ namespace Trovio::Nodes {
 
 /// One address that is sent to, and the in-slot whose records go there.
 /// Threads: any thread pushes into the slot; one thread does the rest.
-class OscOutLane {
+class OscSender {
 public:
-    virtual ~OscOutLane() = default;
+    virtual ~OscSender() = default;
     virtual BasicInSlot& getSlot() = 0;
 
     /// Takes the oldest waiting record, writes it as a message, and returns its time stamp. Nothing if none waits.
     virtual std::optional<Time> take(OscWriter& writer) = 0;
 
     /// arrived is called on the pushing thread after each record, under locks: it may only wake somebody.
-    static std::unique_ptr<OscOutLane> create(const OscAddress& address, unsigned capacity,
-                                              std::function<void()> arrived);
+    static std::unique_ptr<OscSender> create(const OscAddress& address, unsigned capacity,
+                                             std::function<void()> arrived);
 };
 
 } // namespace Trovio::Nodes

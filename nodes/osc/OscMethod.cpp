@@ -1,4 +1,4 @@
-#include "nodes/osc/OscInLane.h"
+#include "nodes/osc/OscMethod.h"
 
 #include "nodes/osc/packet/OscValue.h"
 #include "trovio/OutSlot.h"
@@ -9,9 +9,9 @@ namespace Trovio::Nodes {
 namespace {
 
 template <class T>
-class TypedInLane final : public OscInLane {
+class TypedMethod final : public OscMethod {
 public:
-    explicit TypedInLane(const std::string& name) : _slot(name) {}
+    explicit TypedMethod(const std::string& name) : _slot(name) {}
 
     BasicOutSlot& getSlot() override { return _slot; }
     std::string getExpected() const override { return OscValue<T>::expected(); }
@@ -32,12 +32,12 @@ private:
 
 } // namespace
 
-std::unique_ptr<OscInLane> OscInLane::create(const OscAddress& address)
+std::unique_ptr<OscMethod> OscMethod::create(const OscAddress& address)
 {
-    std::unique_ptr<OscInLane> lane;
+    std::unique_ptr<OscMethod> method;
     withSlotType(address._typeName,
-                 [&]<class T>(TypeTag<T>) { lane = std::make_unique<TypedInLane<T>>(address.getLabel()); });
-    return lane;
+                 [&]<class T>(TypeTag<T>) { method = std::make_unique<TypedMethod<T>>(address.getLabel()); });
+    return method;
 }
 
 } // namespace Trovio::Nodes

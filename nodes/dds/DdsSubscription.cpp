@@ -1,6 +1,6 @@
-#include "nodes/dds/DdsInLane.h"
+#include "nodes/dds/DdsSubscription.h"
 
-#include "nodes/dds/net/DdsTaking.h"
+#include "nodes/dds/net/DdsSamples.h"
 #include "nodes/dds/wire/RosValue.h"
 #include "nodes/shared/Report.h"
 #include "trovio/SlotTypes.h"
@@ -10,7 +10,7 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double latestStamp = 253402300800; // the year 10000, in seconds since 1970
+constexpr double maxStamp = 253402300800; // the year 10000, in seconds since 1970
 
 /// The stamp of a message's header, or else the one that the library brought with it; 0 if there is none.
 template <class Message>
@@ -24,14 +24,16 @@ double stampOf(const Message& message, const dds_sample_info_t& info)
 
 /// A slot value type T and how it travels: WireValue<T> or RosValue<T>.
 template <class T, class Value>
-class TypedInLane final : public DdsInLane {
+class TypedSubscription final : public DdsSubscription {
 public:
-    TypedInLane(const ListedSlot& topic, const DdsFormat& format, DdsInCounters& counters, Clock& clock)
-        : DdsInLane(topic, format, Value::descriptor(), counters, clock), _finite(format._isFinite), _slot(topic._name)
+    TypedSubscription(const ListedSlot& topic, const DdsFormat& format, DdsInCounters& counters, Clock& clock)
+        : DdsSubscription(topic, format, Value::descriptor(), counters, clock),
+          _finite(format._isFinite),
+          _slot(topic._name)
     {
     }
 
-    ~TypedInLane() override
+    ~TypedSubscription() override
     {
         close();
         freeSample();
@@ -82,18 +84,18 @@ private:
 
 } // namespace
 
-std::unique_ptr<DdsInLane> DdsInLane::create(const ListedSlot& topic, const DdsFormat& format, DdsInCounters& counters,
-                                             Clock& clock)
+std::unique_ptr<DdsSubscription> DdsSubscription::create(const ListedSlot& topic, const DdsFormat& format,
+                                                         DdsInCounters& counters, Clock& clock)
 {
-    std::unique_ptr<DdsInLane> lane;
+    std::unique_ptr<DdsSubscription> subscription;
     withFormat(topic._typeName, format, [&]<class T, class Value>(TypeTag<T>, TypeTag<Value>) {
-        lane = std::make_unique<TypedInLane<T, Value>>(topic, format, counters, clock);
+        subscription = std::make_unique<TypedSubscription<T, Value>>(topic, format, counters, clock);
     });
-    return lane;
+    return subscription;
 }
 
-DdsInLane::DdsInLane(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
-                     DdsInCounters& counters, Clock& clock)
+DdsSubscription::DdsSubscription(const ListedSlot& topic, const DdsFormat& format,
+                                 const dds_topic_descriptor_t& descriptor, DdsInCounters& counters, Clock& clock)
     : _topic(topic),
       _name(format.nameOf(topic._name)),
       _descriptor(descriptor),
@@ -107,30 +109,30 @@ DdsInLane::DdsInLane(const ListedSlot& topic, const DdsFormat& format, const dds
     _aliveSlot.setWrittenOnChange();
 }
 
-void DdsInLane::open(const DdsEnds& ends)
+void DdsSubscription::open(const DdsParticipant& participant)
 {
-    _wake = ends._wake;
-    _peersChanged = ends._peersChanged;
-    _getsLast = ends._quality._lateJoiners;
-    _clocks = ends._clocks;
+    _wake = participant._wake;
+    _peersChanged = participant._peersChanged;
+    _getsLast = participant._quality._lateJoiners;
+    _clocks = participant._clocks;
     const std::string what = "cannot subscribe to " + _topic._name;
     const DdsListener listener(dds_create_listener(this));
     dds_lset_data_available(listener.get(), onData);
     dds_lset_liveliness_changed(listener.get(), onLiveliness);
-    _ddsTopic = DdsEntity(dds_create_topic(ends._participant, &_descriptor, _name.c_str(), nullptr, nullptr), what);
-    _localTopic = ends._domain->getTopic(_name);
+    _ddsTopic = DdsEntity(dds_create_topic(participant._entity, &_descriptor, _name.c_str(), nullptr, nullptr), what);
+    _localTopic = participant._domain->getTopic(_name);
     _localTopic->addReader();
-    const DdsQos qos = makeReaderQos(ends._quality);
-    _reader = DdsEntity(dds_create_reader(ends._subscriber, _ddsTopic.get(), qos.get(), listener.get()), what);
+    const DdsQos qos = makeReaderQos(participant._quality);
+    _reader = DdsEntity(dds_create_reader(participant._subscriber, _ddsTopic.get(), qos.get(), listener.get()), what);
 }
 
-void DdsInLane::close()
+void DdsSubscription::close()
 {
     _reader = DdsEntity();
     _ddsTopic = DdsEntity();
     {
         const Ostrel::LockGuard guard(_takeLock);
-        _newcomers.clear();
+        _newWriters.clear();
     }
     if (const auto topic = std::exchange(_localTopic, nullptr))
         topic->removeReader();
@@ -138,7 +140,7 @@ void DdsInLane::close()
         setAlive(false);
 }
 
-void DdsInLane::lookForWriters()
+void DdsSubscription::updateWriters()
 {
     dds_liveliness_changed_status_t status{};
     dds_get_liveliness_changed_status(_reader.get(), &status);
@@ -146,26 +148,26 @@ void DdsInLane::lookForWriters()
     setAlive(status.alive_count > 0);
 }
 
-void DdsInLane::pushTiming(DdsClocks& clocks, const Time& now)
+void DdsSubscription::pushTiming(DdsClocks& clocks, const Time& now)
 {
     const auto newest = getNewest();
     if (!newest)
         return;
     if (isAlive())
         clocks.want(newest->_writer);
-    if (const auto clock = clocks.look(newest->_writer, now.getSeconds())._estimate) {
+    if (const auto clock = clocks.getKnowledge(newest->_writer, now.getSeconds())._estimate) {
         const ValueTiming timing(*newest, *clock, now.getSeconds());
         _timingSlot.push(Data<Vec3<double>>({timing._delay, timing._age, timing._bound}, now));
     }
 }
 
-std::optional<SampleArrival> DdsInLane::getNewest() const
+std::optional<SampleArrival> DdsSubscription::getNewest() const
 {
     const Ostrel::LockGuard guard(_newestLock);
     return _newest;
 }
 
-void DdsInLane::setAlive(bool alive)
+void DdsSubscription::setAlive(bool alive)
 {
     if (alive == _alive)
         return;
@@ -173,28 +175,28 @@ void DdsInLane::setAlive(bool alive)
     _aliveSlot.push(Data<bool>(alive, _clock.wallTime()));
 }
 
-void DdsInLane::onData(dds_entity_t reader, void* lane) noexcept
+void DdsSubscription::onData(dds_entity_t reader, void* subscription) noexcept
 {
-    static_cast<DdsInLane*>(lane)->takeAll(reader);
+    static_cast<DdsSubscription*>(subscription)->takeAll(reader);
 }
 
-void DdsInLane::onLiveliness(dds_entity_t, dds_liveliness_changed_status_t, void* lane) noexcept
+void DdsSubscription::onLiveliness(dds_entity_t, dds_liveliness_changed_status_t, void* subscription) noexcept
 {
-    static_cast<DdsInLane*>(lane)->_peersChanged();
+    static_cast<DdsSubscription*>(subscription)->_peersChanged();
 }
 
-void DdsInLane::takeAll(dds_entity_t reader)
+void DdsSubscription::takeAll(dds_entity_t reader)
 {
     bool isHeld = false;
     {
         const Ostrel::LockGuard guard(_takeLock);
         const auto use = [&](DdsSerialised serialised, const dds_sample_info_t& info) OSTREL_NO_THREAD_SAFETY_ANALYSIS {
             // Under the lock: this runs before takeSerialised() returns.
-            DdsNewcomers::Sample sample{std::move(serialised), info, _clock.wallTime().getSeconds()};
+            DdsNewWriters::Sample sample{std::move(serialised), info, _clock.wallTime().getSeconds()};
             _shortage.survives([&]() OSTREL_NO_THREAD_SAFETY_ANALYSIS {
-                if (!_getsLast || _numbers.knows(info.publication_handle))
+                if (!_getsLast || _sequences.knows(info.publication_handle))
                     return take(sample);
-                _newcomers.hold(std::move(sample), _clock.now());
+                _newWriters.hold(std::move(sample), _clock.now());
                 isHeld = true;
             });
         };
@@ -204,12 +206,12 @@ void DdsInLane::takeAll(dds_entity_t reader)
         _wake();
 }
 
-std::optional<double> DdsInLane::takeNewcomers()
+std::optional<double> DdsSubscription::takeNewWriters()
 {
-    std::map<dds_instance_handle_t, WriterNumbers::Guid> due;
+    std::map<dds_instance_handle_t, SequenceTracker::Guid> due;
     {
         const Ostrel::LockGuard guard(_takeLock);
-        for (const dds_instance_handle_t writer : _newcomers.findDue(_clock.now()))
+        for (const dds_instance_handle_t writer : _newWriters.findDue(_clock.now()))
             due[writer];
     }
     // Without the lock: those who wait for it in a listener hold locks of the library.
@@ -217,22 +219,22 @@ std::optional<double> DdsInLane::takeNewcomers()
         guid = guidOf(writer);
     const Ostrel::LockGuard guard(_takeLock);
     for (const auto& [writer, guid] : due) {
-        _numbers.introduce(writer, guid);
-        for (const auto& sample : _newcomers.release(writer, _clock.now()))
+        _sequences.introduce(writer, guid);
+        for (const auto& sample : _newWriters.release(writer, _clock.now()))
             _shortage.survives([&]() OSTREL_NO_THREAD_SAFETY_ANALYSIS { take(sample); });
     }
-    return _newcomers.nextDue();
+    return _newWriters.nextDue();
 }
 
-void DdsInLane::take(const DdsNewcomers::Sample& sample)
+void DdsSubscription::take(const DdsNewWriters::Sample& sample)
 {
     const auto origin = read(*sample._serialised, sample._info);
     if (!origin)
         return refuse("it is no sample of its type");
     // Written so that a stamp that is no number is refused, too.
-    if (!(origin->stamp >= 0.0 && origin->stamp < latestStamp))
+    if (!(origin->stamp >= 0.0 && origin->stamp < maxStamp))
         return refuse("its time stamp is " + std::to_string(origin->stamp) + " seconds since 1970");
-    const auto [isNew, missed] = _numbers.note({sample._info.publication_handle, origin->writer}, origin->number);
+    const auto [isNew, missed] = _sequences.note({sample._info.publication_handle, origin->writer}, origin->number);
     _counters._missed.add(missed);
     if (!isNew) {
         _counters._repeated.add();
@@ -245,7 +247,7 @@ void DdsInLane::take(const DdsNewcomers::Sample& sample)
         noteNewest({origin->writer, origin->stamp, sample._arrived});
 }
 
-void DdsInLane::noteNewest(const SampleArrival& arrival)
+void DdsSubscription::noteNewest(const SampleArrival& arrival)
 {
     bool isOther = false;
     {
@@ -257,9 +259,9 @@ void DdsInLane::noteNewest(const SampleArrival& arrival)
         _clocks->want(arrival._writer);
 }
 
-WriterNumbers::Guid DdsInLane::guidOf(dds_instance_handle_t writer) const
+SequenceTracker::Guid DdsSubscription::guidOf(dds_instance_handle_t writer) const
 {
-    WriterNumbers::Guid guid{};
+    SequenceTracker::Guid guid{};
     if (dds_builtintopic_endpoint_t* end = dds_get_matched_publication_data(_reader.get(), writer)) {
         std::copy_n(end->key.v, guid.size(), guid.begin());
         dds_builtintopic_free_endpoint(end);
@@ -267,7 +269,7 @@ WriterNumbers::Guid DdsInLane::guidOf(dds_instance_handle_t writer) const
     return guid;
 }
 
-void DdsInLane::refuse(const std::string& problem)
+void DdsSubscription::refuse(const std::string& problem)
 {
     _counters._refused.add();
     if (const auto more = _reports.admit())

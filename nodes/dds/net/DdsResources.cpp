@@ -1,4 +1,4 @@
-#include "nodes/dds/net/DdsRoom.h"
+#include "nodes/dds/net/DdsResources.h"
 
 #include "nodes/shared/FileDescriptor.h"
 #include <cerrno>

@@ -14,10 +14,10 @@ using DdsListener = std::unique_ptr<dds_listener_t, DdsListenerDelete>;
 /// What a reader lends at once. Every call that asks it for a loan has room for as many pointers, also one that wants a
 /// single sample: the library (0.10.2) keeps the largest loan for the next call, and then writes all pointers of it,
 /// whatever maximum that call names.
-constexpr std::uint32_t mostOnLoan = 32;
+constexpr std::uint32_t maxLoan = 32;
 struct DdsLoan {
-    std::array<void*, mostOnLoan> _samples{}; // null in front asks the library for a loan
-    std::array<dds_sample_info_t, mostOnLoan> _infos{};
+    std::array<void*, maxLoan> _samples{}; // null in front asks the library for a loan
+    std::array<dds_sample_info_t, maxLoan> _infos{};
 };
 
 /// Takes all that a reader has, calling use(sample, info) for each one that is more than news of its writer, or, with
@@ -31,7 +31,7 @@ void takeSamples(dds_entity_t reader, Use&& use)
                                    DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE;
     for (dds_return_t count = 1; count > 0;) {
         DdsLoan loan;
-        count = dds_take_mask(reader, loan._samples.data(), loan._infos.data(), mostOnLoan, mostOnLoan,
+        count = dds_take_mask(reader, loan._samples.data(), loan._infos.data(), maxLoan, maxLoan,
                               what == Take::Gone ? gone : DDS_ANY_STATE);
         for (std::size_t i = 0; count > 0 && i < static_cast<std::size_t>(count); ++i)
             if (what != Take::Data || loan._infos[i].valid_data)
@@ -41,7 +41,7 @@ void takeSamples(dds_entity_t reader, Use&& use)
     }
 }
 
-/// Calls use(sample, info) with what a reader knows of one instance, or else of the first mostOnLoan ones, and leaves
+/// Calls use(sample, info) with what a reader knows of one instance, or else of the first maxLoan ones, and leaves
 /// it there. use must not throw.
 template <class Use>
 void readSamples(dds_entity_t reader, dds_instance_handle_t instance, Use&& use)
@@ -50,8 +50,8 @@ void readSamples(dds_entity_t reader, dds_instance_handle_t instance, Use&& use)
     void** const samples = loan._samples.data();
     dds_sample_info_t* const infos = loan._infos.data();
     const dds_return_t count = instance == DDS_HANDLE_NIL
-                                   ? dds_read(reader, samples, infos, mostOnLoan, mostOnLoan)
-                                   : dds_read_instance(reader, samples, infos, mostOnLoan, mostOnLoan, instance);
+                                   ? dds_read(reader, samples, infos, maxLoan, maxLoan)
+                                   : dds_read_instance(reader, samples, infos, maxLoan, maxLoan, instance);
     for (std::size_t i = 0; count > 0 && i < static_cast<std::size_t>(count); ++i)
         if (infos[i].valid_data)
             use(samples[i], infos[i]);

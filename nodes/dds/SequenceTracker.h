@@ -7,18 +7,18 @@
 
 namespace Trovio::Nodes {
 
-/// Knows for each writer of a topic which sample came last, so that none is taken twice: one that joins again after a
-/// break in the line is sent anew what the library has kept.
-/// A writer is known by an end, as the library counts them, by its identity in the network, which outlives a break of
-/// the line, and by an id of its own, which outlives a change of its address. None of them counts for another one while
-/// that goes on: whoever takes the id of somebody else shuts nobody out.
+/// The last sequence number of each writer of a topic, so that no sample is delivered twice: to a reader that joins
+/// again after the connection was interrupted, the library sends anew what it has kept.
+/// A writer is known by its endpoint, as the library counts them, by its GUID, which outlives an interruption, and by
+/// an id of its own, which outlives a change of its address. None of them counts for another one while that goes on:
+/// whoever takes the id of somebody else shuts nobody out.
 /// Remembers a bounded number of writers; the one that was quiet longest is forgotten first.
 /// Threads: one at a time.
-class WriterNumbers {
+class SequenceTracker {
 public:
     using Guid = std::array<std::uint8_t, 16>; // zeros: unknown
     struct Writer {
-        std::uint64_t _end;
+        std::uint64_t _endpoint;
         std::uint64_t _id;
     };
     struct Verdict {
@@ -28,9 +28,9 @@ public:
         std::uint64_t _missed;
     };
 
-    bool knows(std::uint64_t end) const { return _ends.contains(end); }
-    /// From now on that end is known, as what it was before where its identity is.
-    void introduce(std::uint64_t end, const Guid& guid);
+    bool knows(std::uint64_t endpoint) const { return _endpoints.contains(endpoint); }
+    /// From now on that endpoint is known, as what it was before where its identity is.
+    void introduce(std::uint64_t endpoint, const Guid& guid);
 
     /// Number 0 is always new: its writer does not count.
     Verdict note(const Writer& writer, std::uint64_t number);
@@ -42,10 +42,10 @@ private:
         std::uint64_t _number = 0; // 0: none yet
         std::uint64_t _turn = 0;
     };
-    /// The one that came last of a writer that was another end then, up to this number.
+    /// The one that came last of a writer that was another endpoint then, up to this number.
     std::optional<std::uint64_t> findEarlier(std::uint64_t id, std::uint64_t number) const;
 
-    std::map<std::uint64_t, Last> _ends;
+    std::map<std::uint64_t, Last> _endpoints;
     std::uint64_t _turn = 0;
 };
 
