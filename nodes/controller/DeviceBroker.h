@@ -9,7 +9,8 @@
 
 namespace Trovio::Nodes {
 
-/// Somebody who wants a controller. Is called by the broker only, and must not call it back.
+/// A node that uses a controller, or waits for one.
+/// Threads: called by the broker only, on its thread and under the hub's lock; must not call it back.
 class ControllerUser {
 public:
     /// Does not change while it is attached.

@@ -12,6 +12,7 @@ namespace Trovio::Nodes {
 /// The game controllers that SDL knows. All of them are open while this is.
 /// SDL's state is one for the whole process and counts who uses it, so a program with SDL of its own goes on
 /// undisturbed, but for the events of joysticks and controllers: those are taken from the queue.
+/// Threads: as ControllerDevices says; the others of the program may use SDL meanwhile.
 class SdlDevices final : public ControllerDevices {
 public:
     SdlDevices() = default;

@@ -7,8 +7,9 @@
 
 namespace Trovio::Nodes {
 
-/// Samples of writers that have just come. A writer sends those who join the last value it has written, and with it all
-/// that others have not acknowledged yet: nobody asked for that. So they wait a little, until it shows which are old.
+/// Holds back the samples of writers that were just discovered. To a reader that joins late, a writer sends its last
+/// sample, and with it all that others have not acknowledged yet, which nobody asked for: so they wait a little, until
+/// it shows which are old.
 /// Threads: one at a time.
 class DdsNewWriters {
 public:

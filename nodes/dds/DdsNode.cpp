@@ -162,7 +162,7 @@ std::optional<double> DdsNode::work()
         _graceEnd = 0.0;
     const bool hasAddress = !_session->getSettings()._domain.isLoopback();
     std::optional<double> next;
-    for (const auto time : {_session->takeNewWriters(), _session->showLife(), _session->compareClocks(),
+    for (const auto time : {_session->takeNewWriters(), _session->assertLiveliness(), _session->compareClocks(),
                             hasAddress ? std::optional(_nextAddressCheck) : std::nullopt,
                             isEarly ? std::optional(_graceEnd) : std::nullopt})
         if (time)

@@ -127,7 +127,7 @@ void DdsPublication::updateReaders()
     dds_publication_matched_status_t status{};
     const Ostrel::LockGuard guard(_sendLock);
     const bool isKnown = dds_get_publication_matched_status(_writer.get(), &status) == DDS_RETCODE_OK;
-    _isHeard = isKnown && status.current_count > 0;
+    _hasReaders = isKnown && status.current_count > 0;
     _isQuick = _isSmall && _isLocal && isKnown && status.current_count <= maxReadersAtOnce;
 }
 

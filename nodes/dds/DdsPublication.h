@@ -46,10 +46,10 @@ public:
     void open(const DdsParticipant& participant);
     void close() OSTREL_EXCLUDES(_sendLock);
 
-    /// Finds out how many there are.
+    /// Asks the library how many there are.
     void updateReaders() OSTREL_EXCLUDES(_sendLock);
     /// Somebody subscribed to it at that update.
-    bool isHeard() const { return _isHeard; }
+    bool hasReaders() const { return _hasReaders; }
 
     /// Sends the oldest waiting record. False if none waits.
     bool send() OSTREL_EXCLUDES(_sendLock);
@@ -93,7 +93,7 @@ private:
     std::function<void()> _peersChanged;
     bool _isLocal = false;             // the domain is this machine only
     std::atomic<bool> _isQuick{false}; // sending cannot wait
-    bool _isHeard = false;
+    bool _hasReaders = false;
 
     std::uint64_t _writerID OSTREL_GUARDED_BY(_sendLock) = 0; // the node's
     std::uint64_t _number OSTREL_GUARDED_BY(_sendLock) = 0;

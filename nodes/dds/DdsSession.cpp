@@ -9,9 +9,9 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double timingPeriod = 1.0; // seconds
-constexpr double signsALease = 3.0;  // of life, so that two may be lost
-constexpr int maxExplained = 16;     // topics that others' names are compared with at one update
+constexpr double timingPeriod = 1.0;       // seconds
+constexpr double assertionsPerLease = 3.0; // of liveliness, so that two may be lost
+constexpr int maxExplained = 16;           // topics that others' names are compared with at one update
 
 std::uint64_t randomID()
 {
@@ -168,15 +168,15 @@ std::optional<double> DdsSession::takeNewWriters()
     return next;
 }
 
-std::optional<double> DdsSession::showLife()
+std::optional<double> DdsSession::assertLiveliness()
 {
     if (_publications.empty())
         return std::nullopt;
-    if (const double now = _clock.now(); now >= _nextSign) {
+    if (const double now = _clock.now(); now >= _nextAssertion) {
         dds_assert_liveliness(_participantEntity.get());
-        _nextSign = now + _settings._quality._lease / signsALease;
+        _nextAssertion = now + _settings._quality._lease / assertionsPerLease;
     }
-    return _nextSign;
+    return _nextAssertion;
 }
 
 DdsTopicProblems DdsSession::getTopicProblems(bool isEarly) const
@@ -187,7 +187,7 @@ DdsTopicProblems DdsSession::getTopicProblems(bool isEarly) const
     int explained = 0;
     for (const auto& subscription : _subscriptions) {
         const std::string& topic = subscription->getTopic()._name;
-        if (subscription->isSilent())
+        if (subscription->isLeaseExpired())
             problems.add(topic, "publisher of ",
                          ": liveliness lease expired; it may not hear this machine: check the network and firewalls");
         else if (!subscription->isAlive()) {
@@ -199,7 +199,7 @@ DdsTopicProblems DdsSession::getTopicProblems(bool isEarly) const
         }
     }
     for (const auto& publication : _publications)
-        if (!publication->isHeard() && explained++ < maxExplained)
+        if (!publication->hasReaders() && explained++ < maxExplained)
             if (const std::string wanting = _watch.findWanting(publication->getTopic()._name); !wanting.empty())
                 problems.note(publication->getTopic()._name, wanting);
     return problems;

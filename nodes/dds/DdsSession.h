@@ -36,8 +36,8 @@ public:
     bool sendWaiting();
     /// Takes in who came and went.
     void update();
-    /// Gives a sign of life to those who subscribe, if it is time; when it will be again.
-    std::optional<double> showLife();
+    /// Asserts the liveliness of what is published, if it is time; when it will be again.
+    std::optional<double> assertLiveliness();
 
     /// Compares clocks, and tells how old values are; when to do so again.
     std::optional<double> compareClocks();
@@ -63,7 +63,7 @@ private:
     DdsMatchWatch _watch;
     DdsClocks _clocks;
     double _nextTiming = 0.0;
-    double _nextSign = 0.0;
+    double _nextAssertion = 0.0;
 
     std::shared_ptr<DdsDomain> _domain;
     DdsEntity _participantEntity; // goes before the domain

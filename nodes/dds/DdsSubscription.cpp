@@ -144,7 +144,7 @@ void DdsSubscription::updateWriters()
 {
     dds_liveliness_changed_status_t status{};
     dds_get_liveliness_changed_status(_reader.get(), &status);
-    _isSilent = status.alive_count == 0 && status.not_alive_count > 0;
+    _isLeaseExpired = status.alive_count == 0 && status.not_alive_count > 0;
     setAlive(status.alive_count > 0);
 }
 

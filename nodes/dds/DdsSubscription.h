@@ -45,7 +45,7 @@ public:
     /// Waits for a push that is going on; afterwards nothing is pushed.
     void close();
 
-    /// Finds out who is there, and pushes that where it has changed.
+    /// Asks the library who publishes it, and pushes that to TOPIC/alive where it has changed.
     void updateWriters();
     /// Pushes it, if the clock of who wrote the newest value is known, and asks for that clock. now: our date.
     void pushTiming(DdsClocks& clocks, const Time& now) OSTREL_EXCLUDES(_newestLock);
@@ -55,8 +55,8 @@ public:
     std::optional<double> takeNewWriters() OSTREL_EXCLUDES(_takeLock);
     /// Somebody publishes it. Any thread.
     bool isAlive() const { return _isAlive; }
-    /// Somebody publishes it, but gives no sign of life: may be that they do not hear us.
-    bool isSilent() const { return _isSilent; }
+    /// Somebody publishes it, but the lease of all of them expired: may be that they do not hear us.
+    bool isLeaseExpired() const { return _isLeaseExpired; }
 
 protected:
     DdsSubscription(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
@@ -88,7 +88,7 @@ private:
     OutSlot<Vec3<double>> _timingSlot;
     std::optional<bool> _alive; // what was pushed last
     std::atomic<bool> _isAlive{false};
-    bool _isSilent = false;
+    bool _isLeaseExpired = false;
     std::function<void()> _wake, _peersChanged;
     bool _getsLast = true; // when it joins; and with it, what is older
 

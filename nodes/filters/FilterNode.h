@@ -8,6 +8,7 @@
 namespace Trovio::Nodes {
 
 /// A relay that applies a formula to each value. What a formula is, ElementWise.h says.
+/// Threads: as for every relay; the formula runs on the node's thread only.
 class FilterNode : public RelayNode {
 public:
     /// Throws InvalidFieldException.

@@ -5,6 +5,7 @@
 namespace Trovio::Nodes {
 
 /// A node whose settings say which slots it has, each under its own name.
+/// Ownership: the derived node owns the slots.
 class SlotListNode : public Node {
 protected:
     /// From configure(): first removes what an earlier one added, while those slots are still there, then adds.

@@ -9,6 +9,7 @@ namespace Trovio::Nodes {
 /// How far another clock is ahead of ours, from questions and their answers. The best of the last few counts: the one
 /// that was under way for the shortest time, unless it is so old that the clocks may have drifted apart since. A clock
 /// that was set, here or there, contradicts what was known of it, which is then forgotten.
+/// A plain value.
 class ClockOffset {
 public:
     struct Estimate {

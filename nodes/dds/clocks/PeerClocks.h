@@ -9,8 +9,8 @@ namespace Trovio::Nodes {
 
 /// The clocks of peers, by the number under which each writes: whom to ask next, and what the answers came to.
 /// A peer is asked a few times in a hurry, so that the first estimate is good, and then now and then while it is
-/// wanted. Remembers a bounded number; forgets first who never answered, then who was silent longest. Threads: one at a
-/// time.
+/// wanted. Remembers a bounded number; forgets first who never answered, then who was silent longest.
+/// Threads: one at a time.
 class PeerClocks {
 public:
     /// What came back; times as for ClockOffset::note().

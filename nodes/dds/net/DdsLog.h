@@ -6,6 +6,7 @@ namespace Trovio::Nodes {
 
 /// The messages of the DDS library, in our words: they go to our log, or to who opens something and wants to say why
 /// that failed. Its last words before it aborts go straight to standard error, and so does that it aborts.
+/// Threads: any; messages come on those of the library, too.
 class DdsLog {
 public:
     /// From now on, for the whole program. Call it before the library is used.

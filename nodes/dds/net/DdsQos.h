@@ -13,7 +13,7 @@ struct DdsQuality {
     int _readerDepth = 1; // records that may wait to be taken
     bool _reliable = true;
     bool _lateJoiners = true; // get the last value; where readers ask for that, writers have to keep it
-    double _lease = 3.0;      // seconds; a writer that gave no sign of life for so long counts as silent
+    double _lease = 3.0;      // seconds in which a writer has to assert its liveliness
 };
 
 struct DdsQosDelete {

@@ -11,9 +11,9 @@ struct DdsListenerDelete {
 };
 using DdsListener = std::unique_ptr<dds_listener_t, DdsListenerDelete>;
 
-/// What a reader lends at once. Every call that asks it for a loan has room for as many pointers, also one that wants a
-/// single sample: the library (0.10.2) keeps the largest loan for the next call, and then writes all pointers of it,
-/// whatever maximum that call names.
+/// Samples that a reader lends at once. Each call has room for all of them, even one that wants a single sample: the
+/// library (0.10.2) keeps the largest loan for the next call and then writes all its pointers, whatever maximum that
+/// call names.
 constexpr std::uint32_t maxLoan = 32;
 struct DdsLoan {
     std::array<void*, maxLoan> _samples{}; // null in front asks the library for a loan

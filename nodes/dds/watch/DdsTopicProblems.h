@@ -8,6 +8,7 @@
 namespace Trovio::Nodes {
 
 /// What is wrong with the topics of a node whose domain is open: one thing for each of them, the first that was added.
+/// A plain value.
 class DdsTopicProblems {
 public:
     /// The text is before + topic + after; one that many topics share is told once.
