@@ -1,6 +1,7 @@
 #include "nodes/dds/watch/DdsRemoteEndpoints.h"
 
 #include "nodes/dds/wire/TopicTypes.h"
+#include "nodes/shared/ShortList.h"
 #include "trovio/messages/NearestName.h"
 #include <algorithm>
 #include <set>
@@ -20,17 +21,9 @@ bool isInternal(std::string_view topic)
     return topic == "ostrel_clock_question" || topic == "ostrel_clock_answer";
 }
 
-std::string listOf(const std::vector<std::string>& names)
-{
-    std::string list;
-    for (std::size_t i = 0; i < std::min(names.size(), maxListed); ++i)
-        list += (i > 0 ? ", " : "") + names[i].substr(0, maxTextLength);
-    return names.size() > maxListed ? list + " and " + std::to_string(names.size() - maxListed) + " more" : list;
-}
-
 std::string partitionOf(const std::vector<std::string>& names)
 {
-    return names.empty() ? "in no partition" : "in partition " + listOf(names);
+    return names.empty() ? "in no partition" : "in partition " + shortList(names, maxListed, ", ", maxTextLength);
 }
 
 } // namespace
@@ -103,7 +96,7 @@ std::string DdsRemoteEndpoints::list() const
     for (const auto& [handle, endpoint] : _endpoints)
         topics.insert(endpoint._topic + " (" + describeTopicType(endpoint._type) + ") " +
                       partitionOf(endpoint._partitions));
-    return listOf({topics.begin(), topics.end()});
+    return shortList({topics.begin(), topics.end()}, maxListed, ", ", maxTextLength);
 }
 
 } // namespace Trovio::Nodes

@@ -1,21 +1,12 @@
 #include "nodes/dds/watch/DdsTopicProblems.h"
 
-#include <algorithm>
+#include "nodes/shared/ShortList.h"
 
 namespace Trovio::Nodes {
 
 namespace {
 
 constexpr std::size_t maxNamed = 3; // topics, and texts, that a summary names
-
-/// The first few, and how many more there are.
-std::string listOf(const std::vector<std::string>& parts, const std::string& separator)
-{
-    std::string list;
-    for (std::size_t i = 0; i < std::min(parts.size(), maxNamed); ++i)
-        list += (i > 0 ? separator : "") + parts[i];
-    return parts.size() > maxNamed ? list + " and " + std::to_string(parts.size() - maxNamed) + " more" : list;
-}
 
 } // namespace
 
@@ -35,8 +26,8 @@ std::string DdsTopicProblems::summary() const
 {
     std::vector<std::string> texts;
     for (const auto& [text, topics] : _topics)
-        texts.push_back(text._before + listOf(topics, ", ") + text._after);
-    return listOf(texts, "; ");
+        texts.push_back(text._before + shortList(topics, maxNamed, ", ") + text._after);
+    return shortList(texts, maxNamed, "; ");
 }
 
 } // namespace Trovio::Nodes
