@@ -22,9 +22,9 @@ public:
     /// now: seconds that never go back.
     void hold(Sample sample, double now);
 
-    /// Who has waited long enough.
+    /// The writers that have waited long enough.
     std::vector<dds_instance_handle_t> findDue(double now) const;
-    /// When somebody will have; nothing if nobody waits.
+    /// When the next one will have; nothing if none waits.
     std::optional<double> nextDue() const;
 
     /// That writer's samples in order, without old ones but for the last.

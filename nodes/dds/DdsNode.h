@@ -37,7 +37,7 @@ private:
     /// When to try again, unless it is open now.
     double tryOpen();
     void closeIfStale();
-    /// Sends, and takes in who came and went; when to do so again, if nothing happens before.
+    /// Sends, and reads which peers appeared and disappeared; when to do so again, if nothing happens before.
     std::optional<double> work();
     void setTopicProblems(const DdsTopicProblems& problems) OSTREL_EXCLUDES(_problemsLock);
     void setAllDegraded(const std::string& reason) OSTREL_EXCLUDES(_problemsLock);
@@ -48,7 +48,7 @@ private:
     MemoryShortage _shortage; // of the node's thread
 
     std::unique_ptr<DdsSession> _session;  // the worker's while the node runs
-    std::atomic<bool> _updateNeeded{true}; // peers came or went
+    std::atomic<bool> _updateNeeded{true}; // peers appeared or disappeared
     double _nextAddressCheck = 0.0;
     double _graceEnd = 0.0; // until then a topic without a publisher is no problem yet
 

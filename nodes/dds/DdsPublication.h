@@ -23,12 +23,13 @@ struct DdsOutCounters {
     Counter& _failed;  // records that could not be sent
 };
 
-/// One topic that is published, and the in-slot whose records go there.
-/// While the topic is closed, records wait in the slot, the newest of them. When it is opened again, the last record
-/// goes out anew before them, with its number: what readers have not acknowledged, and what is kept for late joiners,
-/// goes when the topic is closed. A reader that does not keep up holds up nothing: the library then replaces the oldest
-/// samples that wait for it. A record of fixed size is sent by the thread that pushes it, where that cannot wait for
-/// anything: on the loopback, to few readers, none of them in this program. All others are sent by the node's thread.
+/// A topic that is published, and the in-slot whose records go there.
+/// While the topic is closed, the newest records wait in the slot. When it is opened again, the last record that was
+/// sent goes out once more before them, with its number: what readers have not acknowledged, and what is kept for late
+/// joiners, is lost when the topic is closed. A reader that does not keep up holds up nothing: the library then
+/// replaces the oldest samples that wait for it. A record of fixed size is sent by the thread that pushes it, where
+/// that cannot wait for anything: on the loopback, to few readers, none of them in this program. All others are sent by
+/// the node's thread.
 /// Threads: any thread pushes into the slot; one thread does the rest.
 class DdsPublication {
 public:
@@ -48,7 +49,7 @@ public:
 
     /// Asks the library how many there are.
     void updateReaders() OSTREL_EXCLUDES(_sendLock);
-    /// Somebody subscribed to it at that update.
+    /// At least one subscriber at that update.
     bool hasReaders() const { return _hasReaders; }
 
     /// Sends the oldest waiting record. False if none waits.

@@ -14,7 +14,7 @@ namespace Trovio::Nodes {
 /// Threads: one; the slots are for any thread.
 class DdsSession {
 public:
-    /// wake is called where there is something to do, peersChanged where peers came or went; both from any
+    /// wake is called where there is something to do, peersChanged where peers appeared or disappeared; both from any
     /// thread, under any lock.
     DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, DdsInCounters& in, std::function<void()> wake,
                std::function<void()> peersChanged);
@@ -26,7 +26,7 @@ public:
 
     /// False while hosts are looked up: call it again soon. Throws DdsProblem, and is closed then.
     bool open();
-    /// The domain as it is open, its hosts looked up.
+    /// The domain that is open, with the addresses of its hosts.
     const DdsDomain& getDomain() const { return *_domain; }
     bool isOpen() const { return _participantEntity.isOpen(); }
     /// Afterwards nothing is pushed.
@@ -34,7 +34,7 @@ public:
 
     /// Sends what waits, for a while. True if there may be more at once.
     bool sendWaiting();
-    /// Takes in who came and went.
+    /// Reads which peers appeared and disappeared.
     void update();
     /// Asserts the liveliness of what is published, if it is time; when it will be again.
     std::optional<double> assertLiveliness();
@@ -42,10 +42,10 @@ public:
     /// Compares clocks, and tells how old values are; when to do so again.
     std::optional<double> compareClocks();
 
-    /// Goes on with samples of writers that were new a moment ago; when to do so again.
+    /// Delivers the samples of new writers that were held back long enough; when to do so again.
     std::optional<double> takeNewWriters();
 
-    /// What is wrong with topics. isEarly: one that nobody publishes is no problem yet.
+    /// The problems of topics. isEarly: one that nobody publishes is no problem yet.
     DdsTopicProblems getTopicProblems(bool isEarly) const;
 
     /// How old the newest values are. Any thread, under any lock but the log's.

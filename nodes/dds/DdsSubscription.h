@@ -24,9 +24,9 @@ struct DdsInCounters {
     Counter& _withoutMemory;
 };
 
-/// One topic that is subscribed to, and the out-slot that its samples go to. A second slot, TOPIC/alive, says whether
-/// anybody publishes it, and a third, TOPIC/timing, how old its values are: seconds from the newest one's time stamp to
-/// its arrival, seconds since that time stamp, and seconds by which both may be wrong, all by the source's clock.
+/// A topic that is subscribed to, and the out-slot that its samples go to. A second slot, TOPIC/alive, says whether it
+/// has a publisher, and a third, TOPIC/timing, how old its values are: seconds from the newest one's time stamp to its
+/// arrival, seconds since that time stamp, and seconds by which both may be wrong, all by the source's clock.
 /// Threads: samples are pushed on a thread of the DDS library, as they come; one thread does the rest.
 class DdsSubscription {
 public:
@@ -40,7 +40,7 @@ public:
     OutSlot<Vec3<double>>& getTimingSlot() { return _timingSlot; }
     const ListedSlot& getTopic() const { return _topic; }
 
-    /// Throws DdsProblem. From now on samples are pushed.
+    /// From now on samples are pushed. Throws DdsProblem.
     void open(const DdsParticipant& participant);
     /// Waits for a push that is going on; afterwards nothing is pushed.
     void close();
@@ -51,22 +51,22 @@ public:
     void pushTiming(DdsClocks& clocks, const Time& now) OSTREL_EXCLUDES(_newestLock);
     /// Of the newest value that was pushed, if any. Any thread, under any lock but the log's.
     std::optional<SampleArrival> getNewest() const OSTREL_EXCLUDES(_newestLock);
-    /// Goes on with samples that waited since their writers were new, where they have long enough; when to do so again.
+    /// Delivers the samples of new writers that were held back long enough; when to do so again.
     std::optional<double> takeNewWriters() OSTREL_EXCLUDES(_takeLock);
-    /// Somebody publishes it. Any thread.
+    /// At least one publisher is alive. Any thread.
     bool isAlive() const { return _isAlive; }
-    /// Somebody publishes it, but the lease of all of them expired: may be that they do not hear us.
+    /// There are publishers, but the liveliness lease of all of them expired: they may not hear us.
     bool isLeaseExpired() const { return _isLeaseExpired; }
 
 protected:
     DdsSubscription(const ListedSlot& topic, const DdsFormat& format, const dds_topic_descriptor_t& descriptor,
                     DdsInCounters& counters, Clock& clock);
 
-    /// Makes a sample of it, which is kept until the next one. Where it comes from, in its own words, or in those that
-    /// came with it; nothing if it is no sample of the type.
+    /// Deserialises it into the sample, which is kept until the next one. Returns its origin, from the sample itself or
+    /// from what came with it; nothing if it is no sample of the type.
     virtual std::optional<Trovio_Wire_Origin> read(const ddsi_serdata& serialised, const dds_sample_info_t& info) = 0;
 
-    /// Pushes the sample's value. What is wrong with the sample; empty, and it was pushed, if nothing is.
+    /// Pushes the sample's value. Returns what is wrong with it, and does not push it then; empty if nothing is.
     virtual std::string deliver(const Time& stamp) = 0;
 
 private:
@@ -90,7 +90,7 @@ private:
     std::atomic<bool> _isAlive{false};
     bool _isLeaseExpired = false;
     std::function<void()> _wake, _peersChanged;
-    bool _getsLast = true; // when it joins; and with it, what is older
+    bool _getsLast = true; // a late joiner gets the last sample, and older ones with it
 
     Ostrel::Mutex _takeLock; // held around taking and pushing; no lock of a slot or the tree is held when it is taken
     SequenceTracker _sequences OSTREL_GUARDED_BY(_takeLock);

@@ -20,7 +20,7 @@ struct OscInSettings {
 /// Threads: messages are read and pushed on a thread of its own.
 class OscInput final : UdpPacketVisitor {
 public:
-    /// Told, from any thread, what is in the way; nothing when it is well.
+    /// Called from any thread with the problem; with an empty text once there is none.
     using Health = std::function<void(const std::string& problem)>;
 
     OscInput(Clock& clock, OscInSettings settings, OscInCounters& counters, Health health);

@@ -10,7 +10,8 @@ class BasicOutSlot;
 
 namespace Trovio::Nodes {
 
-/// One address that is listened to, and the out-slot that its messages go to.
+/// An address that messages are received for, and the out-slot that they go to. (What has an address is a method to
+/// OSC.)
 /// Threads: one thread delivers; the slot itself is for any thread.
 class OscMethod {
 public:

@@ -26,7 +26,7 @@ public:
     std::vector<RemarkInfo> getRemarks() const override;
 
 private:
-    /// What is wrong with a half; empty if nothing is.
+    /// The problem of each half; empty if there is none.
     struct Problems {
         std::string _input, _output;
         bool operator==(const Problems&) const = default;

@@ -32,7 +32,7 @@ struct OscOutCounters {
 /// Threads: sends on a thread of its own.
 class OscOutput {
 public:
-    /// Told, from any thread, what is in the way; nothing when it is well.
+    /// Called from any thread with the problem; with an empty text once there is none.
     using Health = std::function<void(const std::string& problem)>;
 
     OscOutput(Clock& clock, std::shared_ptr<NameLookup> lookup, OscOutSettings settings, OscOutCounters& counters,

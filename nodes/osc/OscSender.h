@@ -12,7 +12,7 @@ class BasicInSlot;
 
 namespace Trovio::Nodes {
 
-/// One address that is sent to, and the in-slot whose records go there.
+/// An address that messages are sent to, and the in-slot whose records they carry.
 /// Threads: any thread pushes into the slot; one thread does the rest.
 class OscSender {
 public:

@@ -29,7 +29,7 @@ public:
 
     /// Binds every address, all to the port that the first one got where that was 0, and asks for a receive buffer of
     /// that many bytes. Addresses that this machine does not have are left out as long as one is left.
-    /// What is in the way, and nothing is open then; empty if all went well.
+    /// Returns the problem, and nothing is open then; empty if all went well.
     std::string open(const std::vector<SocketAddress>& addresses, int bufferBytes);
     void close();
     bool isOpen() const { return !_sockets.empty(); }

@@ -26,7 +26,7 @@ public:
 
     /// Throws DdsProblem.
     void open(const DdsParticipant& participant);
-    /// What is known stays known.
+    /// Keeps the estimates.
     void close();
 
     /// Answers what was asked, and asks where it is time; when it will be again.
@@ -35,7 +35,7 @@ public:
     /// A value of that writer is there, so that its clock matters. While this is open.
     void want(std::uint64_t writer) OSTREL_EXCLUDES(_lock);
 
-    /// What is known of that writer's clock. now: our date. Under any lock but the log's.
+    /// The estimate of that writer's clock. now: our date. Under any lock but the log's.
     PeerClocks::Knowledge getKnowledge(std::uint64_t writer, double now) const OSTREL_EXCLUDES(_lock);
 
 private:

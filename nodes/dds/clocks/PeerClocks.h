@@ -29,7 +29,7 @@ public:
     /// A value of that peer is there, so that its clock matters. True if the peer was not known.
     bool want(std::uint64_t peer);
 
-    /// When somebody is to be asked; nothing if nobody is. On the scale of ask().
+    /// When the next peer is to be asked, on the scale of ask(); nothing if none is.
     std::optional<double> nextAsking() const;
 
     /// Whom to ask now, if anybody is due; counts as asked. now: never goes back; date: what the question will say.

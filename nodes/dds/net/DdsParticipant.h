@@ -20,7 +20,7 @@ struct DdsParticipant {
     std::uint64_t _writerID; // what the node writes under
     // Both from any thread, under any lock.
     std::function<void()> _wake;         // the node's thread
-    std::function<void()> _peersChanged; // wakes it, too: somebody came or went
+    std::function<void()> _peersChanged; // wakes it, too: a peer appeared or disappeared
     DdsClocks* _clocks;                  // null where clocks are not compared
 };
 

@@ -6,7 +6,7 @@
 
 namespace Trovio::Nodes {
 
-/// The addresses of hosts that may be called by name, without keeping its thread waiting.
+/// Resolves the names of hosts without blocking its thread.
 /// Threads: one.
 class HostNames {
 public:
@@ -15,11 +15,11 @@ public:
     {
     }
 
-    /// Goes on looking: all addresses, numeric and of one family, or nothing while an answer is still out. Throws
+    /// All addresses, numeric and of one family, or nothing while an answer is still out: call it again then. Throws
     /// DdsProblem where a host is not known. After that, or after all were found, it begins anew.
     std::optional<std::vector<std::string>> find();
 
-    /// Gives up what is under way.
+    /// Cancels the lookup that is under way.
     void cancel();
 
 private:

@@ -10,8 +10,8 @@
 
 namespace Trovio::Nodes {
 
-/// Looks at what other programs publish and subscribe to, and finds those that mean one of our topics but do not meet
-/// it: the library would leave the two endpoints apart without a word.
+/// Watches what other programs publish and subscribe to, and finds endpoints of our topics that do not match ours, for
+/// which the library gives no reason.
 /// Threads: one.
 class DdsMatchWatch {
 public:
@@ -23,10 +23,10 @@ public:
     void open(const DdsParticipant& participant);
     void close();
 
-    /// Takes in what came and went since the last update.
+    /// Reads which endpoints appeared and disappeared since the last update.
     void update();
 
-    /// Adds what does not meet: topic, both types, and the peer.
+    /// Adds what does not match: topic, both types, and the peer.
     void tell(DdsTopicProblems& problems) const;
 
     /// Why nobody publishes a topic that is subscribed to, as far as that can be seen.
@@ -42,7 +42,7 @@ private:
     using Topics = std::map<std::string, Topic, std::less<>>; // by their names in the domain
     void updateFrom(dds_entity_t reader, const Topics& ours, bool isWriter);
     bool isOurs(const dds_builtintopic_endpoint_t& end) const { return end.participant_instance_handle == _own; }
-    /// What is wrong; empty if nothing is.
+    /// Why the endpoints do not match; empty if they do.
     std::string compare(const dds_builtintopic_endpoint_t& other, const Topic& ours, bool isWriter) const;
     bool isInPartition(const dds_qos_t* qos) const;
     std::string describePeer(dds_instance_handle_t participant) const;

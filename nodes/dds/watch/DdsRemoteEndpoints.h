@@ -8,8 +8,8 @@
 
 namespace Trovio::Nodes {
 
-/// What other programs publish, or what they subscribe to, that does not meet our topics: it has another name, or is in
-/// another partition. Where one of our topics has no peer, this tells which of them may be meant.
+/// What other programs publish, or what they subscribe to, that does not match our topics: it has another name, or is
+/// in another partition. Where one of our topics has no peer, this tells which of them may be meant.
 /// Remembers a bounded number of endpoints.
 /// Threads: one.
 class DdsRemoteEndpoints {

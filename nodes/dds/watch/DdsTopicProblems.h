@@ -7,7 +7,7 @@
 
 namespace Trovio::Nodes {
 
-/// What is wrong with the topics of a node whose domain is open: one thing for each of them, the first that was added.
+/// The problems of a node's topics while its domain is open: one for each topic, the first that was added.
 /// A plain value.
 class DdsTopicProblems {
 public:
@@ -17,7 +17,7 @@ public:
     /// Empty if nothing is wrong with it.
     std::string find(const std::string& topic) const;
 
-    /// What is known of a topic though it is no problem.
+    /// A remark on a topic that is no problem.
     void note(const std::string& topic, const std::string& text) { _notes.push_back({topic, text}); }
     const std::vector<RemarkInfo>& getNotes() const { return _notes; }
 
