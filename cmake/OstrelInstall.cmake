@@ -5,7 +5,10 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/OstrelSensorManager)
 set(OSTREL_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/ostrelSensorManager)
 
 set_target_properties(ostrelSensorManager PROPERTIES EXPORT_NAME SensorManager)
+set_target_properties(ostrelExplain PROPERTIES EXPORT_NAME Explain)
+set_target_properties(ostrelScene PROPERTIES EXPORT_NAME SceneFile) # Ostrel::Scene is a class of the runtime
 install(TARGETS ostrelSync osgBase merid ostrelBase ostrelDirectSensorNodePool Trovio trovioSlots ostrelSensorManager
+    ostrelExplain ostrelScene
   EXPORT OstrelSensorManagerTargets
   FILE_SET HEADERS DESTINATION ${OSTREL_INCLUDE_DIR})
 get_property(node_targets DIRECTORY nodes PROPERTY BUILDSYSTEM_TARGETS)
@@ -27,9 +30,10 @@ install(FILES ${PROJECT_BINARY_DIR}/package/OstrelSensorManagerConfig.cmake
 # pkg-config finds the prefix from where its file stands, so that the tree may be moved.
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH OSTREL_PREFIX_FROM_PC /${pkgconfig_dir} /)
-configure_file(${CMAKE_CURRENT_LIST_DIR}/ostrelSensorManager.pc.in ${PROJECT_BINARY_DIR}/package/ostrelSensorManager.pc
-  @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/package/ostrelSensorManager.pc DESTINATION ${pkgconfig_dir})
+foreach(name ostrelSensorManager ostrelSceneFile)
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/${name}.pc.in ${PROJECT_BINARY_DIR}/package/${name}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/package/${name}.pc DESTINATION ${pkgconfig_dir})
+endforeach()
 
 install(FILES docs/man/ostrel-host.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES docs/man/ostrel-scene.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)

@@ -1,19 +1,13 @@
 #pragma once
 
+#include "scene/SceneError.h"
 #include "scene/file/TomlValue.h"
 
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace Scenes {
-
-/// A scene file that cannot be used; what() holds one line per problem, each "file:line:column: …".
-class SceneError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 /// Gathers what is wrong with one scene file, so that its author sees everything at once.
 class Problems {

@@ -185,4 +185,22 @@ SceneFile readScene(const std::string& path)
 {
     return parseScene(readSceneText(path), path);
 }
+
+std::vector<SceneFile> readScenes(const std::vector<std::string>& paths)
+{
+    std::vector<SceneFile> files;
+    std::string wrong;
+    for (const std::string& path : paths) {
+        try {
+            files.push_back(readScene(path));
+        } catch (const std::bad_alloc&) {
+            throw OutOfMemory(escaped(path) + ": memory ran out while the scene was read");
+        } catch (const SceneError& error) {
+            wrong.append(wrong.empty() ? "" : "\n").append(error.what());
+        }
+    }
+    if (!wrong.empty())
+        throw SceneError(wrong);
+    return files;
+}
 } // namespace Scenes

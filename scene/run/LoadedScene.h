@@ -52,6 +52,7 @@ public:
     void deleteHandlers();
 
     const SceneFile& file() const { return _file; }
+    Ostrel::Context& context() { return _scene.context(); }
     const std::vector<LoadedHandler>& handlers() const { return _handlers; }
     /// In scene order; they end when the sensors are unregistered.
     std::deque<SensorWatch>& watches() { return _watches; }
