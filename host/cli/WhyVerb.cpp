@@ -76,7 +76,10 @@ Answer findAnswer(Session& session, double rate, const Options& options, const S
     answer._explanation = inSceneWords(decision.answer(), session);
     if (answer._explanation._verdict == Verdict::Flowing)
         answer._explanation._text += backlog.cure(session, options._to);
-    answer._fits = whatFits(answer._explanation, session);
+    answer._fits =
+        answer._explanation._verdict == Verdict::TypesDiffer
+            ? whatFits(answer._explanation, [&](const std::string& label) { return isSensor(session, label); })
+            : missingRoute(answer._explanation, session);
     return answer;
 }
 

@@ -188,4 +188,16 @@ std::string missingRoute(const Explanation& explanation, const Session& session)
                        inQuotes(handler._entry->_name._value) + otherHandler(explanation, session);
     return {};
 }
+
+bool isSensor(const Session& session, const std::string& label)
+{
+    std::vector<std::string> prefixes{""};
+    for (const Trovio::NamespaceInfo& handler : Trovio::Root::get().inspect()._children)
+        prefixes.push_back(handler._label + "/");
+    return std::ranges::any_of(session.watches(), [&](const SensorWatch* watch) {
+        const std::string& known = watch->sensor().getLabel();
+        return !known.empty() &&
+               std::ranges::any_of(prefixes, [&](const std::string& prefix) { return label == prefix + known; });
+    });
+}
 } // namespace Host

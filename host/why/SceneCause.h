@@ -11,4 +11,7 @@ Trovio::Explanation inSceneWords(Trovio::Explanation found, const Scenes::Sessio
 
 /// The line that a scene file lacks, for an answer that knows between which labels a route would help; else empty.
 std::string missingRoute(const Trovio::Explanation& explanation, const Scenes::Session& session);
+
+/// Whether the label is that of a sensor, alone or with that of a handler's namespace before it.
+bool isSensor(const Scenes::Session& session, const std::string& label);
 } // namespace Host

@@ -2,17 +2,12 @@
 
 #include "explain/SlotTypes.h"
 #include "explain/text/Escape.h"
-#include "host/why/SceneCause.h"
 #include "trovio/NodeType.h"
 #include "trovio/Root.h"
 
 #include <algorithm>
 
-namespace Host {
-
-using namespace Explain;
-using namespace Scenes;
-
+namespace Explain {
 namespace {
 
 using Trovio::Explanation;
@@ -32,19 +27,6 @@ int known(const Explanation& explanation, const std::string& from)
     const std::string* missing = explanation.findText("label");
     const bool hasHint = explanation._verdict != Verdict::NoSuchLabel || explanation.findText("nearest");
     return (missing && *missing != from ? 2 : 0) + (hasHint ? 1 : 0);
-}
-
-// Whether the label is that of a sensor, alone or with that of a handler's namespace before it.
-bool isSensor(const Session& session, const std::string& label)
-{
-    std::vector<std::string> prefixes{""};
-    for (const Trovio::NamespaceInfo& handler : Trovio::Root::get().inspect()._children)
-        prefixes.push_back(handler._label + "/");
-    return std::ranges::any_of(session.watches(), [&](const SensorWatch* watch) {
-        const std::string& known = watch->sensor().getLabel();
-        return !known.empty() &&
-               std::ranges::any_of(prefixes, [&](const std::string& prefix) { return label == prefix + known; });
-    });
 }
 
 // The node whose slot has the label: its label stands before the slot's.
@@ -73,9 +55,9 @@ std::string settingFor(const Trovio::NodeInfo& node, const std::string& slotType
 }
 
 // What the slot's end must be made to carry that type; empty if nobody can say.
-std::string fitAt(const std::string& label, const std::string& slotType, const Session& session)
+std::string fitAt(const std::string& label, const std::string& slotType, const IsSensor& isSensor)
 {
-    if (isSensor(session, label))
+    if (isSensor && isSensor(label))
         return "a sensor of type " + fieldTypeFor(slotType) + " at " + inQuotes(label) + " would fit";
     const Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
     const Trovio::NamespaceInfo* node = nodeAt(root, label);
@@ -97,12 +79,12 @@ Explanation explainLabels(const std::string& from, const std::string& to, double
     return *std::ranges::max_element(answers, {}, [&from](const Explanation& answer) { return known(answer, from); });
 }
 
-std::string whatFits(const Explanation& explanation, const Session& session)
+std::string whatFits(const Explanation& explanation, const IsSensor& isSensor)
 {
     if (explanation._verdict != Verdict::TypesDiffer)
-        return missingRoute(explanation, session);
-    const std::string in = fitAt(*explanation.findText("in-slot"), *explanation.findText("out type"), session);
-    return !in.empty() ? in : fitAt(*explanation.findText("out-slot"), *explanation.findText("in type"), session);
+        return {};
+    const std::string in = fitAt(*explanation.findText("in-slot"), *explanation.findText("out type"), isSensor);
+    return !in.empty() ? in : fitAt(*explanation.findText("out-slot"), *explanation.findText("in type"), isSensor);
 }
 
 bool WhyDecision::take(const Explanation& found, double now)
@@ -135,4 +117,4 @@ Explanation WhyDecision::answer() const
                               : "; none has come since, so look at the device or the sender";
     return answer;
 }
-} // namespace Host
+} // namespace Explain

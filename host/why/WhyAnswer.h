@@ -1,22 +1,28 @@
 #pragma once
 
-#include "scene/run/Session.h"
 #include "trovio/Explanation.h"
 
+#include <functional>
 #include <optional>
+#include <string>
 
-namespace Host {
+namespace Explain {
 
 /// Explains the connection in the namespace that knows the labels: those of a handler, as scene files give them, or
-/// those of the root, with "Context/" before them. Throws Trovio::Exception for a bad pattern.
+/// those of the root, with "Context/" before them. A record older than `staleAfter` seconds is stale. Any thread.
+/// Throws Trovio::Exception for a bad pattern.
 Trovio::Explanation explainLabels(const std::string& from, const std::string& to, double staleAfter);
 
-/// What would help: where types differ the field type, or the setting of a node; where a route is missing its line.
-/// Empty if nobody can say.
-std::string whatFits(const Trovio::Explanation& explanation, const Scenes::Session& session);
+/// Whether a slot with that label serves a sensor, whose type can be chosen.
+using IsSensor = std::function<bool(const std::string& label)>;
+
+/// What would help where the types of two slots differ: another type for the sensor, or another setting for the node,
+/// at one of the ends. Empty for other answers, and if nobody can say. Any thread.
+std::string whatFits(const Trovio::Explanation& explanation, const IsSensor& isSensor = {});
 
 /// Decides when an answer may be given. That types differ is one at once; everything else may pass, while devices come
 /// up and first records travel, or may not have shown yet, such as losses: so it has to last for a while.
+/// Threads: one.
 class WhyDecision {
 public:
     /// `patience` in seconds.
@@ -38,4 +44,4 @@ private:
     std::optional<Trovio::Explanation> _stopping; // and at which they did not
     bool _changesAlways = false;                  // no verdict lasts
 };
-} // namespace Host
+} // namespace Explain
