@@ -1,10 +1,10 @@
 #include "host/cli/Verbs.h"
 
+#include "explain/NodeTypeJson.h"
 #include "explain/SlotTypes.h"
 #include "explain/text/Escape.h"
 #include "explain/text/NearestName.h"
 #include "host/cli/ExitCode.h"
-#include "host/cli/NodeTypeJson.h"
 #include "ostrel/FieldClass.h"
 #include "scene/file/ValueForm.h"
 #include "trovio/Node.h"

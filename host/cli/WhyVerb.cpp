@@ -1,5 +1,6 @@
 #include "host/cli/Verbs.h"
 
+#include "explain/Why.h"
 #include "explain/text/Escape.h"
 #include "explain/text/Failure.h"
 #include "explain/text/JsonText.h"
@@ -7,10 +8,9 @@
 #include "host/output/RunLog.h"
 #include "host/run/StoppableClock.h"
 #include "host/run/WatchedRun.h"
-#include "host/why/Backlog.h"
-#include "host/why/SceneCause.h"
-#include "host/why/WhyAnswer.h"
+#include "scene/run/Backlog.h"
 #include "scene/run/FrameLoop.h"
+#include "scene/run/SceneCause.h"
 #include "trovio/Namespace.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "host/cli/NodeTypeJson.h"
+#include "explain/NodeTypeJson.h"
 
 #include "explain/text/JsonText.h"
 #include "trovio/Node.h"
@@ -6,10 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-namespace Host {
-
-using namespace Explain;
-
+namespace Explain {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -75,4 +72,4 @@ std::string nodeTypeLine(const Trovio::NodeTypeInfo& type)
                          {"settings", std::move(settings)}}) +
            "\n";
 }
-} // namespace Host
+} // namespace Explain

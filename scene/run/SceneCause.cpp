@@ -1,4 +1,4 @@
-#include "host/why/SceneCause.h"
+#include "scene/run/SceneCause.h"
 
 #include "explain/text/Escape.h"
 #include "scene/run/NodeLabels.h"
@@ -7,10 +7,9 @@
 
 #include <algorithm>
 
-namespace Host {
+namespace Scenes {
 
 using namespace Explain;
-using namespace Scenes;
 
 namespace {
 
@@ -200,4 +199,4 @@ bool isSensor(const Session& session, const std::string& label)
                std::ranges::any_of(prefixes, [&](const std::string& prefix) { return label == prefix + known; });
     });
 }
-} // namespace Host
+} // namespace Scenes

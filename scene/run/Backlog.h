@@ -6,7 +6,7 @@
 #include <string>
 #include <unordered_map>
 
-namespace Host {
+namespace Scenes {
 
 /// How many records come to the sensors from one frame to the next, so that whoever loses some can be told the buffer
 /// that would have held them.
@@ -14,11 +14,11 @@ namespace Host {
 class Backlog {
 public:
     /// Right before a frame, which takes what has come.
-    void look(const Scenes::Session& session);
+    void look(const Session& session);
 
     /// "; buffer = 17 at sensor 'wave' would have held them" for the sensor with that label, alone or behind that of
     /// its handler's namespace; empty if it lost nothing.
-    std::string cure(const Scenes::Session& session, const std::string& label) const;
+    std::string cure(const Session& session, const std::string& label) const;
 
 private:
     struct Seen {
@@ -27,4 +27,4 @@ private:
     };
     std::unordered_map<const Trovio::BasicInSlot*, Seen> _seen;
 };
-} // namespace Host
+} // namespace Scenes

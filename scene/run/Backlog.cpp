@@ -1,13 +1,12 @@
-#include "host/why/Backlog.h"
+#include "scene/run/Backlog.h"
 
 #include "explain/text/Escape.h"
 
 #include <algorithm>
 
-namespace Host {
+namespace Scenes {
 
 using namespace Explain;
-using namespace Scenes;
 
 void Backlog::look(const Session& session)
 {
@@ -37,4 +36,4 @@ std::string Backlog::cure(const Session& session, const std::string& label) cons
     }
     return {};
 }
-} // namespace Host
+} // namespace Scenes

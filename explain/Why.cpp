@@ -1,4 +1,4 @@
-#include "host/why/WhyAnswer.h"
+#include "explain/Why.h"
 
 #include "explain/SlotTypes.h"
 #include "explain/text/Escape.h"
