@@ -218,9 +218,9 @@ std::optional<Arrival> SdlDevices::openAt(int index, SDL_JoystickID device)
 {
     Handle& handle = _handles[device];
     if (!SDL_IsGameController(index)) {
-        report(osg::LogWarning, "Controller: " + describe(index) + " has no known layout and is left out; say one in " +
-                                    "SDL_GAMECONTROLLERCONFIG, with guid " +
-                                    guidText(SDL_JoystickGetDeviceGUID(index)));
+        report(osg::LogWarning,
+               "Controller: " + describe(index) + " has no known mapping and is ignored; give one in " +
+                   "SDL_GAMECONTROLLERCONFIG, with guid " + guidText(SDL_JoystickGetDeviceGUID(index)));
         return std::nullopt;
     }
     handle.reset(SDL_GameControllerOpen(index));

@@ -154,7 +154,7 @@ std::vector<RemarkInfo> DdsSession::getRemarks() const
         if (const auto newest = subscription->getNewest())
             remarks.push_back({topic, describeTiming(*newest, _clocks.getKnowledge(newest->_writer, now), now)});
         else if (subscription->isAlive() && subscription->getSlot().getActivity()._written == 0)
-            remarks.push_back({topic, "who publishes it is there, but nothing has come yet"});
+            remarks.push_back({topic, "it has a publisher, but no sample has come yet"});
     }
     return remarks;
 }

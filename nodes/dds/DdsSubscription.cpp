@@ -230,7 +230,7 @@ void DdsSubscription::take(const DdsNewWriters::Sample& sample)
 {
     const auto origin = read(*sample._serialised, sample._info);
     if (!origin)
-        return refuse("it is no sample of its type");
+        return refuse("it cannot be deserialised as its type");
     // Written so that a stamp that is no number is refused, too.
     if (!(origin->stamp >= 0.0 && origin->stamp < maxStamp))
         return refuse("its time stamp is " + std::to_string(origin->stamp) + " seconds since 1970");

@@ -35,7 +35,7 @@ void closeUnused(unsigned number)
         open._domains.erase(found);
 }
 
-/// Apart from its interface a domain needs one of the places for programs.
+/// Apart from its interface a domain needs a free participant index.
 std::string cureFor(const DdsDomainSettings& settings)
 {
     if (findOwnAddresses(settings).empty())

@@ -41,14 +41,14 @@ struct Known {
     const char* _ours;
 };
 constexpr Known known[] = {
-    {"deserialization", "a sample that came in is no sample of its type and is left out"},
-    {"malformed packet", "a packet that came in is malformed and is left out"},
-    {"invalid parameter list", "what another program tells of itself is malformed and is left out"},
-    {"invalid qos", "what another program tells of itself is malformed and is left out"},
+    {"deserialization", "a received sample cannot be deserialised as its type and is discarded"},
+    {"malformed packet", "a received packet is malformed and is discarded"},
+    {"invalid parameter list", "discovery data of another program is malformed and is discarded"},
+    {"invalid qos", "discovery data of another program is malformed and is discarded"},
     {"conn_write", "a packet cannot be sent: its interface may be down, or a firewall forbids it"},
-    {"dropping oversize", "a sample is larger than 'largest' allows and is left out"},
+    {"dropping oversize", "a sample is larger than 'largest' allows and is discarded"},
     {"could not deliver data", "a reader in this program does not keep up"},
-    {"free participant index", "all places for programs are taken"},
+    {"free participant index", "no participant index is free"},
     {"match an available interface", "there is no such network interface"},
     {"match a local interface", "there is no such network interface"},
     {"failed to create socket", "no socket can be opened"},
@@ -72,7 +72,7 @@ void reportProblem(const std::string& text)
     if (const auto more = Reports::admit())
         report(osg::LogWarning,
                "DDS: " +
-                   (ours.empty() ? "the library met a problem of its own; its words are in the log at level 'info'"
+                   (ours.empty() ? "the DDS library reports a problem; its own message is in the log at level 'info'"
                                  : ours) +
                    *more);
     report(osg::LogInfo, "DDS: the library says: " + text);

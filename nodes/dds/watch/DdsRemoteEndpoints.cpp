@@ -87,7 +87,7 @@ std::string DdsRemoteEndpoints::differenceOf(const Endpoint& endpoint, const std
     if (endpoint._topic == "rt/" + topic || topic == "rt/" + endpoint._topic)
         return name + ", here it is " + topic + "; set ros2=" + (topic.starts_with("rt/") ? "no" : "yes") +
                " here, or the other way there";
-    return name + ", a name near to it: topics meet by the whole name, large and small letters told apart";
+    return name + ", a similar name: topics match by their whole names, which are case-sensitive";
 }
 
 std::string DdsRemoteEndpoints::list() const
