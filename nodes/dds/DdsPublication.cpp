@@ -2,10 +2,8 @@
 
 #include "nodes/dds/net/DdsLog.h"
 #include "nodes/dds/net/DdsSamples.h"
-#include "nodes/dds/wire/RosValue.h"
+#include "nodes/dds/wire/WireItem.h"
 #include "nodes/shared/Report.h"
-#include "nodes/shared/SendQueue.h"
-#include "trovio/SlotTypes.h"
 #include <utility>
 
 namespace Trovio::Nodes {
@@ -16,63 +14,7 @@ constexpr double maxStamp = 4294967296.0;     // seconds since 1970, which the p
 constexpr std::uint32_t maxReadersAtOnce = 2; // each may take a packet of its own
 constexpr int maxRecordsAtOnce = 4;           // records that other threads have pushed meanwhile
 
-/// A slot value type T and how it travels: WireValue<T> or RosValue<T>.
-template <class T, class Value>
-class TypedPublication final : public DdsPublication {
-public:
-    TypedPublication(const ListedSlot& topic, const DdsFormat& format, unsigned capacity, DdsOutCounters& counters,
-                     Clock& clock, std::function<void()> arrived)
-        : DdsPublication(topic, format, Value::descriptor(), std::is_trivially_copyable_v<T>, counters, clock),
-          _queue(topic._name, capacity, [this, arrived = std::move(arrived)] {
-              if (!sendAtOnce())
-                  arrived();
-          })
-    {
-    }
-
-    BasicInSlot& getSlot() override { return _queue.getSlot(); }
-
-private:
-    std::optional<Sample> takeSample(const void* kept, std::string& problem) override OSTREL_REQUIRES(_sendLock)
-    {
-        auto record = _queue.take();
-        if (!record)
-            return std::nullopt;
-        Prepared& next = _prepared[kept == &_prepared[0]._sample ? 1 : 0];
-        next._record = std::move(*record);
-        problem = next._value.refer(next._record.getValue(), next._sample);
-        const double stamp = next._record.getTimeStamp().getSeconds();
-        if constexpr (requires { next._sample.origin; })
-            return Sample{&next._sample, &next._sample.origin, stamp};
-        if constexpr (requires { next._sample.header; })
-            if (problem.empty())
-                problem = writeTime(stamp, next._sample.header.stamp);
-        return Sample{&next._sample, nullptr, stamp};
-    }
-
-    struct Prepared {
-        Data<T> _record;
-        Value _value; // of the record, which the sample refers to
-        typename Value::Sample _sample{};
-    };
-    std::array<Prepared, 2> _prepared; // the last that was sent, and the next
-    SendQueue<T> _queue;               // last: who pushes may send at once
-};
-
 } // namespace
-
-std::unique_ptr<DdsPublication> DdsPublication::create(const ListedSlot& topic, const DdsFormat& format,
-                                                       unsigned capacity, DdsOutCounters& counters, Clock& clock,
-                                                       std::function<void()> arrived)
-{
-    std::unique_ptr<DdsPublication> publication;
-    const auto make = [&]<class T, class Value>(TypeTag<T>, TypeTag<Value>) {
-        publication =
-            std::make_unique<TypedPublication<T, Value>>(topic, format, capacity, counters, clock, std::move(arrived));
-    };
-    withFormat(topic._typeName, format, make);
-    return publication;
-}
 
 DdsPublication::DdsPublication(const ListedSlot& topic, const DdsFormat& format,
                                const dds_topic_descriptor_t& descriptor, bool isSmall, DdsOutCounters& counters,

@@ -33,11 +33,6 @@ struct DdsOutCounters {
 /// Threads: any thread pushes into the slot; one thread does the rest.
 class DdsPublication {
 public:
-    /// arrived is called on the pushing thread after each record, under locks: it may only wake somebody.
-    /// The slot value type must have a topic type in that format.
-    static std::unique_ptr<DdsPublication> create(const ListedSlot& topic, const DdsFormat& format, unsigned capacity,
-                                                  DdsOutCounters& counters, Clock& clock,
-                                                  std::function<void()> arrived);
     virtual ~DdsPublication() = default;
 
     virtual BasicInSlot& getSlot() = 0;

@@ -1,5 +1,6 @@
 #include "nodes/dds/DdsSession.h"
 
+#include "nodes/dds/TypedTopics.h"
 #include "nodes/shared/RoundRobin.h"
 #include "trovio/BasicInSlot.h"
 #include <algorithm>
@@ -40,11 +41,11 @@ DdsSession::DdsSession(Clock& clock, DdsSettings settings, DdsOutCounters& out, 
               {_settings._timing && !_settings._subscribed.empty(), _settings._timing && !_settings._published.empty()})
 {
     for (const ListedSlot& topic : _settings._published)
-        _publications.push_back(DdsPublication::create(topic, _settings._format,
-                                                       static_cast<unsigned>(_settings._quality._depth), out, clock,
-                                                       _participant._wake));
+        _publications.push_back(createPublication(topic, _settings._format,
+                                                  static_cast<unsigned>(_settings._quality._depth), out, clock,
+                                                  _participant._wake));
     for (const ListedSlot& topic : _settings._subscribed)
-        _subscriptions.push_back(DdsSubscription::create(topic, _settings._format, in, clock));
+        _subscriptions.push_back(createSubscription(topic, _settings._format, in, clock));
 }
 
 DdsSession::~DdsSession()

@@ -1,9 +1,8 @@
 #include "nodes/dds/DdsSubscription.h"
 
 #include "nodes/dds/net/DdsSamples.h"
-#include "nodes/dds/wire/RosValue.h"
+#include "nodes/dds/wire/DdsSerialised.h"
 #include "nodes/shared/Report.h"
-#include "trovio/SlotTypes.h"
 #include <utility>
 
 namespace Trovio::Nodes {
@@ -12,87 +11,7 @@ namespace {
 
 constexpr double maxStamp = 253402300800; // the year 10000, in seconds since 1970
 
-/// The stamp of a message's header, or else the one that the library brought with it; 0 if there is none.
-template <class Message>
-double stampOf(const Message& message, const dds_sample_info_t& info)
-{
-    if constexpr (requires { message.header; })
-        if (const double stamp = readTime(message.header.stamp); stamp != 0.0)
-            return stamp;
-    return info.source_timestamp > 0 ? static_cast<double>(info.source_timestamp) * 1e-9 : 0.0;
-}
-
-/// A slot value type T and how it travels: WireValue<T> or RosValue<T>.
-template <class T, class Value>
-class TypedSubscription final : public DdsSubscription {
-public:
-    TypedSubscription(const ListedSlot& topic, const DdsFormat& format, DdsInCounters& counters, Clock& clock)
-        : DdsSubscription(topic, format, Value::descriptor(), counters, clock),
-          _finite(format._isFinite),
-          _slot(topic._name)
-    {
-    }
-
-    ~TypedSubscription() override
-    {
-        close();
-        freeSample();
-    }
-
-    BasicOutSlot& getSlot() override { return _slot; }
-
-private:
-    std::optional<Trovio_Wire_Origin> read(const ddsi_serdata& serialised, const dds_sample_info_t& info) override
-    {
-        if constexpr (requires { _record.getValue().acquire(); }) {
-            _record.getValue() = {}; // whoever received it may hold it still
-            _record.getValue().acquire();
-        }
-        if constexpr (requires { Value::lend(*_record.getValue(), 0, _sample); })
-            Value::lend(*_record.getValue(), sizeOf(serialised), _sample);
-        else if constexpr (!std::is_trivially_copyable_v<T>)
-            freeSample(); // used again, each of its parts would stay as large as the largest that it ever held
-        if (!readSample(serialised, &_sample))
-            return std::nullopt;
-        if constexpr (requires { _sample.origin; })
-            return _sample.origin;
-        else
-            return Trovio_Wire_Origin{stampOf(_sample, info), info.publication_handle, 0};
-    }
-
-    std::string deliver(const Time& stamp) override
-    {
-        std::string problem = Value::read(_sample, _finite, _record.getValue());
-        if (problem.empty()) {
-            _record.setTimeStamp(stamp);
-            _slot.push(_record);
-        }
-        return problem;
-    }
-
-    void freeSample()
-    {
-        dds_sample_free(&_sample, &Value::descriptor(), DDS_FREE_CONTENTS);
-        _sample = {};
-    }
-
-    const bool _finite;
-    OutSlot<T> _slot;
-    Data<T> _record;
-    typename Value::Sample _sample{};
-};
-
 } // namespace
-
-std::unique_ptr<DdsSubscription> DdsSubscription::create(const ListedSlot& topic, const DdsFormat& format,
-                                                         DdsInCounters& counters, Clock& clock)
-{
-    std::unique_ptr<DdsSubscription> subscription;
-    withFormat(topic._typeName, format, [&]<class T, class Value>(TypeTag<T>, TypeTag<Value>) {
-        subscription = std::make_unique<TypedSubscription<T, Value>>(topic, format, counters, clock);
-    });
-    return subscription;
-}
 
 DdsSubscription::DdsSubscription(const ListedSlot& topic, const DdsFormat& format,
                                  const dds_topic_descriptor_t& descriptor, DdsInCounters& counters, Clock& clock)

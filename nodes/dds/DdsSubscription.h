@@ -30,9 +30,6 @@ struct DdsInCounters {
 /// Threads: samples are pushed on a thread of the DDS library, as they come; one thread does the rest.
 class DdsSubscription {
 public:
-    /// The slot value type must have a topic type in that format.
-    static std::unique_ptr<DdsSubscription> create(const ListedSlot& topic, const DdsFormat& format,
-                                                   DdsInCounters& counters, Clock& clock);
     virtual ~DdsSubscription() = default;
 
     virtual BasicOutSlot& getSlot() = 0;
