@@ -17,7 +17,7 @@ std::array<Setting, filterRows + 1> makeTable()
     return table;
 }
 
-/// Not a number counts as no strength.
+/// NaN counts as 0.
 float toStrength(float level)
 {
     return level > 0.0F ? std::min(level, 1.0F) : 0.0F;

@@ -15,7 +15,7 @@ constexpr Uint32 subsystems = SDL_INIT_GAMECONTROLLER;
 constexpr std::size_t maxEventsAtOnce = 64;
 constexpr SDL_SensorType sensors[MotionCount] = {SDL_SENSOR_GYRO, SDL_SENSOR_ACCEL};
 
-// SDL counts as this project does.
+// The indices are those of SDL.
 constexpr int sdlAxes[AxisCount] = {SDL_CONTROLLER_AXIS_LEFTX,       SDL_CONTROLLER_AXIS_LEFTY,
                                     SDL_CONTROLLER_AXIS_RIGHTX,      SDL_CONTROLLER_AXIS_RIGHTY,
                                     SDL_CONTROLLER_AXIS_TRIGGERLEFT, SDL_CONTROLLER_AXIS_TRIGGERRIGHT};
@@ -56,7 +56,7 @@ DeviceIdentity identify(SDL_GameController* controller)
             serial.empty() ? place._serial : serial, place._port, textOf(SDL_GameControllerName(controller))};
 }
 
-/// Whether the device has said where the axis stands.
+/// Whether the device has reported the position of the axis.
 bool isKnown(SDL_GameController* controller, SDL_GameControllerAxis axis)
 {
     const auto bind = SDL_GameControllerGetBindForAxis(controller, axis);
@@ -65,7 +65,7 @@ bool isKnown(SDL_GameController* controller, SDL_GameControllerAxis axis)
            SDL_JoystickGetAxisInitialState(SDL_GameControllerGetJoystick(controller), bind.value.axis, &initial);
 }
 
-/// Both ends are reached exactly. SDL counts downwards on the sticks.
+/// Both ends are reached exactly. The vertical axes of SDL point down.
 float scaleAxis(std::size_t axis, Sint16 position)
 {
     const float scaled = static_cast<float>(position) / (position < 0 ? 32768.0F : 32767.0F);
@@ -82,7 +82,7 @@ InputChange buttonChange(int device, std::size_t button, bool down)
     return {device, InputKind::Button, button, {down ? 1.0F : 0.0F, 0.0F, 0.0F}};
 }
 
-/// How everything stands that is not known to be at rest.
+/// The state of everything that is not known to be at rest.
 void readState(SDL_GameController* controller, int device, std::vector<InputChange>& changes)
 {
     for (std::size_t i = 0; i < AxisCount; ++i) {
@@ -160,7 +160,7 @@ void SdlDevices::close()
     if (!std::exchange(_isOpen, false))
         return;
     SDL_QuitSubSystem(subsystems);
-    SDL_TLSCleanup(); // the thread is none of SDL's, which keeps something for each one that calls it
+    SDL_TLSCleanup(); // what SDL keeps for each thread that calls it and that it did not start
 }
 
 DeviceNews SdlDevices::poll()

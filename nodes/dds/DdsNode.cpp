@@ -15,7 +15,7 @@ constexpr double addressPeriod = 2.0; // seconds from one check of the own addre
 
 constexpr std::string_view timingSuffix = "/timing";
 
-/// Whose problem is the slot's, too. What "Wand/alive" says is never in doubt.
+/// The topic whose problems are the slot's, too. "Wand/alive" has none: it tells of them.
 std::string topicOf(const std::string& label)
 {
     return label.ends_with(timingSuffix) ? label.substr(0, label.size() - timingSuffix.size()) : label;
@@ -116,7 +116,7 @@ void DdsNode::run()
     };
     do {
         if (!_shortage.survives(goOn)) {
-            _updateNeeded = true; // it may not have come to its end
+            _updateNeeded = true; // it may have been cut short
             next = _clock.now() + MemoryShortage::Pause;
         }
     } while (_worker.wait(next));

@@ -84,7 +84,7 @@ bool DdsPublication::sendAtOnce() noexcept
                 for (int i = 0; i < maxRecordsAtOnce && mayWait; ++i)
                     mayWait = sendOne();
             } catch (const std::bad_alloc&) {
-                _counters._failed.add(); // a record that was taken, but not even told why it cannot be sent
+                _counters._failed.add(); // a record that was taken; no memory to say why it cannot be sent
             }
         });
     const bool isDone = !mayWait && _complaint.empty();
@@ -149,7 +149,7 @@ try {
     if (const auto more = _reports.admit())
         _complaint = std::string(before) + std::string(problem) + *more;
 } catch (const std::bad_alloc&) {
-    // Not even for saying so; the counters tell.
+    // No memory to say so; the counters tell.
 }
 
 void DdsPublication::tell(const std::string& complaint) const

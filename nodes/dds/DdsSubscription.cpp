@@ -150,7 +150,7 @@ void DdsSubscription::take(const DdsNewWriters::Sample& sample)
     const auto origin = read(*sample._serialised, sample._info);
     if (!origin)
         return refuse("it cannot be deserialised as its type");
-    // Written so that a stamp that is no number is refused, too.
+    // Negated, so that NaN is refused, too.
     if (!(origin->stamp >= 0.0 && origin->stamp < maxStamp))
         return refuse("its time stamp is " + std::to_string(origin->stamp) + " seconds since 1970");
     const auto [isNew, missed] = _sequences.note({sample._info.publication_handle, origin->writer}, origin->number);

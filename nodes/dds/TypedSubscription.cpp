@@ -40,13 +40,13 @@ private:
     std::optional<Trovio_Wire_Origin> read(const ddsi_serdata& serialised, const dds_sample_info_t& info) override
     {
         if constexpr (requires { _record.getValue().acquire(); }) {
-            _record.getValue() = {}; // whoever received it may hold it still
+            _record.getValue() = {}; // a receiver may still hold it
             _record.getValue().acquire();
         }
         if constexpr (requires { Value::lend(*_record.getValue(), 0, _sample); })
             Value::lend(*_record.getValue(), sizeOf(serialised), _sample);
         else if constexpr (!std::is_trivially_copyable_v<T>)
-            freeSample(); // used again, each of its parts would stay as large as the largest that it ever held
+            freeSample(); // reused, each part would keep the largest size that it ever had
         if (!readSample(serialised, &_sample))
             return std::nullopt;
         if constexpr (requires { _sample.origin; })

@@ -177,7 +177,7 @@ void OscNode::setProblem(std::string Problems::*half, const std::string& problem
         _problems.*half = problem;
         shown = _problems;
     }
-    // Of the whole node the framework says it.
+    // The framework reports the recovery of the whole node.
     if (recovers && shown != Problems())
         report(osg::LogWarning, half == &Problems::_input ? "OSC: receives again" : "OSC: sends again");
     // Without the lock, for the log may be slow. The other half may change meanwhile: whoever shows last shows both.

@@ -41,7 +41,7 @@ std::string describe(const OscMessage& message, std::string_view address, std::s
 
 void OscUnknownAddresses::note(const OscMessage& message)
 {
-    const std::string_view address = message._address.substr(0, MaxOscAddress); // more has no slot, and no end
+    const std::string_view address = message._address.substr(0, MaxOscAddress); // no slot has a longer one
     if (!countKnown(address))
         remember(message, address);
 }

@@ -96,7 +96,7 @@ int UdpReceiver::openOne(const SocketAddress& address, int bufferBytes)
         return errno;
     if (address.getFamily() == AF_INET6)
         setOption(socket.get(), IPPROTO_IPV6, IPV6_V6ONLY, 1);
-    // The first is for the privileged only and goes beyond the system's limit.
+    // The first needs a privilege, and may exceed the limit of the system.
     if (!setOption(socket.get(), SOL_SOCKET, SO_RCVBUFFORCE, bufferBytes))
         setOption(socket.get(), SOL_SOCKET, SO_RCVBUF, bufferBytes);
     setOption(socket.get(), SOL_SOCKET, SO_TIMESTAMPNS, 1);

@@ -22,7 +22,7 @@ Quaternion Quaternion::slerp(const Quaternion& other, double share) const
     const auto vector = rotationTo(to);
     const double angle = std::hypot(vector[0], vector[1], vector[2]) / 2.0; // between the two on the sphere
     const double sine = std::sin(angle);
-    // Where the two are all but one, the arc is straight.
+    // Where the two nearly coincide, interpolation is linear.
     const double near = sine > 1e-9 ? std::sin((1.0 - share) * angle) / sine : 1.0 - share;
     const double far = sine > 1e-9 ? std::sin(share * angle) / sine : share;
     return Quaternion(near * _x + far * to._x, near * _y + far * to._y, near * _z + far * to._z,

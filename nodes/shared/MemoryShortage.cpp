@@ -12,7 +12,7 @@ void MemoryShortage::note() noexcept
             report(osg::LogWarning, _what + ": there was no memory for a value" + *more +
                                         "; it goes on, and counts them as '" + _counter.getName() + "'");
     } catch (const std::bad_alloc&) {
-        // Not even for saying so; the counter tells.
+        // No memory to say so; the counter tells.
     }
 }
 

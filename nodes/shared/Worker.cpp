@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t maxDescriptors = 8;
 
-/// Signals are for the program's own threads: a worker that caught one would only be in the way.
+/// Workers block all signals: the threads of the program handle them.
 class NoSignals {
 public:
     NoSignals()
@@ -35,7 +35,7 @@ private:
     sigset_t _before{};
 };
 
-/// Nothing may leave a thread: it would end the program.
+/// No exception may leave a thread: it would end the program.
 void runGuarded(const std::function<void()>& body, const std::function<void(const std::string&)>& failed) noexcept
 {
     try {
@@ -106,7 +106,7 @@ bool Worker::wait(std::optional<double> until, std::span<const int> descriptors)
 
 void Worker::setAlarm(std::optional<double> until)
 {
-    // An alarm that went off stays so until it is set anew, so the same one need not be set twice.
+    // An alarm that went off stays readable until it is set again, so the same time need not be set twice.
     if (until == _until)
         return;
     _until = until;

@@ -21,7 +21,7 @@ bool ClockOffset::note(double asked, double received, double answered, double ar
 {
     const double underWay = (arrived - asked) - (answered - received);
     const double offset = ((received - asked) + (answered - arrived)) / 2.0;
-    // Written so that what is no number is refused, too.
+    // Negated, so that NaN is refused, too.
     if (!(received >= 0.0 && answered >= received && answered < maxDate && underWay >= 0.0))
         return false;
     const double bound = underWay / 2.0;

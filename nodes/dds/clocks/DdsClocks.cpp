@@ -62,7 +62,7 @@ void DdsClocks::close()
         *entity = DdsEntity();
     const Ostrel::LockGuard guard(_lock);
     _questions.clear();
-    _peers.forgetSenders(); // peers have other names where this opens again
+    _peers.forgetSenders(); // peers have other handles once this is open again
 }
 
 std::optional<double> DdsClocks::work()
@@ -123,7 +123,7 @@ PeerClocks::Knowledge DdsClocks::getKnowledge(std::uint64_t writer, double now) 
     return _peers.getKnowledge(writer, now);
 }
 
-// The clock is read for each sample: read before, it may miss part of a sample's way.
+// The clock is read for each sample: an earlier reading would be before its arrival.
 void DdsClocks::onQuestion(dds_entity_t reader, void* clocks) noexcept
 {
     auto& self = *static_cast<DdsClocks*>(clocks);

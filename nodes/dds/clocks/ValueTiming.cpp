@@ -11,14 +11,14 @@ namespace {
 struct Unit {
     double _below; // seconds that are shown in it
     double _factor;
-    int _digits; // behind the point
+    int _digits; // after the decimal point
     const char* _name;
 };
 constexpr Unit units[] = {{0.01, 1e3, 2, "ms"}, {1.0, 1e3, 0, "ms"}, {100.0, 1.0, 1, "s"}, {0.0, 1.0, 0, "s"}};
 
 double up(double number)
 {
-    return std::ceil(number - 1e-6); // not for what is no error but the computer's
+    return std::ceil(number - 1e-6); // a rounding error is not rounded up
 }
 
 std::string inUnits(double seconds, double (*round)(double) = std::round)
@@ -27,7 +27,7 @@ std::string inUnits(double seconds, double (*round)(double) = std::round)
     while (std::fabs(seconds) >= unit->_below && unit + 1 != std::end(units))
         ++unit;
     const double steps = std::pow(10.0, unit->_digits);
-    // Adding nothing takes the sign off a zero.
+    // Adding 0 turns -0 into 0.
     const double number = round(seconds * unit->_factor * steps) / steps + 0.0;
     char text[32];
     std::snprintf(text, sizeof text, "%.*f %s", unit->_digits, number, unit->_name);

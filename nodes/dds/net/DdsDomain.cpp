@@ -68,12 +68,12 @@ DdsEntity createDomain(const DdsDomainSettings& settings)
 std::shared_ptr<DdsDomain> DdsDomain::open(const DdsDomainSettings& settings)
 {
     OpenDomains& open = OpenDomains::get();
-    std::shared_ptr<DdsDomain> domain; // goes after the lock, which its end may need
+    std::shared_ptr<DdsDomain> domain; // destroyed after the guard: its deleter takes the lock
     const Ostrel::LockGuard guard(open._lock);
     auto& [owned, users] = open._domains[settings._number];
     domain = users.lock();
     if (!domain) {
-        owned.reset(); // its last user is just leaving; the library has no two of one number
+        owned.reset(); // its last user is just leaving; the library allows one domain of a number
         owned = std::make_unique<DdsDomain>(settings);
         domain =
             std::shared_ptr<DdsDomain>(owned.get(), [number = settings._number](DdsDomain*) { closeUnused(number); });

@@ -88,7 +88,7 @@ void writeLastWords(std::string_view before, std::string_view text)
 
 struct sigaction beforeAbort;
 
-// Whoever aborts: only the library does so without a word. What was to be done then is done next.
+// Runs whoever aborts; only the library does so without a message. The action that was set before follows.
 void onAbort(int number)
 {
     writeLastWords("",
@@ -109,7 +109,7 @@ try {
     const std::string ours = ourWordsFor(textOf(*data));
     listening->add(ours.empty() ? "the library says: " + textOf(*data) : ours);
 } catch (const std::bad_alloc&) {
-    // The library is in C: nothing may come out. It goes on without a line.
+    // The caller is C: no exception may leave. The line is lost.
 }
 
 } // namespace
@@ -117,8 +117,8 @@ try {
 void DdsLog::takeOver()
 {
     dds_set_log_sink(write, nullptr);
-    // Where memory runs out, the library aborts without a word.
-    // Once: who has put a handler of its own before ours may call ours from there.
+    // Where memory runs out, the library aborts without a message.
+    // Once: a handler that was set after ours may call ours as the one before it.
     static std::once_flag installed;
     std::call_once(installed, [] {
         struct sigaction action {};

@@ -82,7 +82,7 @@ void DdsMatchWatch::update()
 {
     updateFrom(_writers.get(), _subscribed, true);
     updateFrom(_readers.get(), _published, false);
-    // Those who are there stay, to be described; the library would keep those who are not, too.
+    // Participants that are alive stay, to be described; the library would keep the others, too.
     takeSamples<Take::Gone>(_participants.get(), [](const void*, const dds_sample_info_t&) {});
 }
 

@@ -15,7 +15,7 @@ constexpr std::size_t maxListed = 4;          // topics, partitions that a messa
 constexpr std::size_t maxTextLength = 80;     // characters of a peer's words in a message
 constexpr std::size_t maxComparedLength = 64; // characters of a name that may be nearly ours
 
-/// What only the nodes of this system have among themselves.
+/// Topics that the nodes of this system use among themselves.
 bool isInternal(std::string_view topic)
 {
     return topic == "ostrel_clock_question" || topic == "ostrel_clock_answer";
