@@ -11,7 +11,4 @@ std::string escaped(std::string_view text, std::size_t limit = 200);
 
 /// The same between single quotes, short enough for a message.
 std::string inQuotes(std::string_view text);
-
-/// Columns that `text` takes on a terminal, one per character.
-std::size_t displayWidth(std::string_view text);
 } // namespace Explain

@@ -1,26 +1,16 @@
 #include "explain/text/TextWrap.h"
 
-#include "explain/text/Escape.h"
-#include "osg/LogText.h"
+#include "explain/text/DisplayWidth.h"
 
 #include <algorithm>
 
 namespace Explain {
 namespace {
 
-// Bytes of the first `columns` characters.
-std::size_t bytesOf(std::string_view text, std::size_t columns)
-{
-    std::size_t end = 0;
-    for (; columns > 0 && end < text.size(); --columns)
-        end += std::max<std::size_t>(osg::utf8Length(text.substr(end)), 1);
-    return end;
-}
-
 // Bytes of the first line; the blank that it is broken at comes behind it.
 std::size_t lineEnd(std::string_view text, std::size_t width)
 {
-    const std::size_t room = bytesOf(text, width);
+    const std::size_t room = std::max(bytesWithin(text, width), firstCharacter(text)); // a line holds something
     if (room == text.size())
         return room;
     const std::size_t clause = text.substr(0, room + 1).rfind("; ");
@@ -36,7 +26,10 @@ std::string fitted(std::string_view text, std::size_t width)
     const std::size_t columns = displayWidth(text);
     if (columns <= width)
         return std::string(text) + std::string(width - columns, ' ');
-    return width == 0 ? "" : std::string(text.substr(0, bytesOf(text, width - 1))) + "…";
+    if (width == 0)
+        return {};
+    const std::string_view kept = text.substr(0, bytesWithin(text, width - 1));
+    return std::string(kept) + "…" + std::string(width - 1 - displayWidth(kept), ' '); // half a wide character's room
 }
 
 std::vector<std::string> wrapped(std::string_view text, std::size_t width, std::size_t indent)

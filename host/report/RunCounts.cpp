@@ -1,6 +1,7 @@
 #include "host/report/RunCounts.h"
 
 #include "explain/TreeWalk.h"
+#include "explain/text/DisplayWidth.h"
 #include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
 

@@ -1,6 +1,6 @@
 #include "host/show/LiveTable.h"
 
-#include "explain/text/Escape.h"
+#include "explain/text/DisplayWidth.h"
 #include "explain/text/TextWrap.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+#include "explain/text/DisplayWidth.h"
 #include "explain/text/Escape.h"
 #include "explain/text/TextWrap.h"
 #include "host/output/RunLog.h"

@@ -1,5 +1,5 @@
 #include "host/show/LiveTable.h"
-#include "explain/text/Escape.h"
+#include "explain/text/DisplayWidth.h"
 #include "explain/text/TextWrap.h"
 #include "host/show/TableControl.h"
 
@@ -19,6 +19,9 @@ TEST(TextWrap, BreaksWhereItReadsBest)
     EXPECT_EQ(wrapped("one two; three four", 10, 2), (Lines{"one two;", "  three", "  four"}));
     EXPECT_EQ(wrapped("äöüäöü äö", 4, 0), (Lines{"äöüä", "öü", "äö"})) << "columns, not bytes";
     EXPECT_EQ(wrapped("", 4, 0), (Lines{""}));
+    EXPECT_EQ(wrapped("右手右手", 3, 0), (Lines{"右", "手", "右", "手"})) << "two columns each";
+    EXPECT_EQ(wrapped("右手", 1, 0), (Lines{"右", "手"}));
+    EXPECT_EQ(fitted("右🎯", 5) + fitted("右手右", 4) + fitted("e\u0301", 2), "右🎯 右… e\u0301 ");
     EXPECT_EQ(wrapped("abc", 0, 7), (Lines{"a", "b", "c"}));
 }
 
