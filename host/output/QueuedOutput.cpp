@@ -46,7 +46,7 @@ public:
         : _descriptor(descriptor), _isTerminal(isatty(descriptor)), _gapLine(std::move(gapLine))
     {
     }
-    ~Queue() { unwrittenBytes -= waiting(); }
+    ~Queue() { unwrittenBytes -= _counted; }
     Queue(const Queue&) = delete;
     Queue& operator=(const Queue&) = delete;
 
@@ -81,6 +81,7 @@ public:
 private:
     std::size_t waiting() const OSTREL_REQUIRES(_lock) { return _text.size() - _written; }
     bool append(std::string_view unit) noexcept OSTREL_REQUIRES(_lock);
+    void giveUp() OSTREL_REQUIRES(_lock);
     void tellOfDropped() noexcept OSTREL_REQUIRES(_lock);
     std::size_t nextPiece(std::span<char> piece) OSTREL_EXCLUDES(_lock);
     void wrote(ssize_t count, int error) OSTREL_EXCLUDES(_lock);
@@ -93,6 +94,7 @@ private:
     std::condition_variable_any _changed;
     std::string _text OSTREL_GUARDED_BY(_lock);
     std::size_t _written OSTREL_GUARDED_BY(_lock) = 0;    // of _text
+    std::size_t _counted OSTREL_GUARDED_BY(_lock) = 0;    // of unwrittenBytes
     std::uint64_t _position OSTREL_GUARDED_BY(_lock) = 0; // bytes put so far
     std::uint64_t _gap OSTREL_GUARDED_BY(_lock) = 0;      // lines dropped since the last one that was taken
     std::uint64_t _dropped OSTREL_GUARDED_BY(_lock) = 0;
@@ -110,8 +112,15 @@ bool QueuedOutput::Queue::append(std::string_view unit) noexcept
         return false;
     }
     _position += unit.size();
+    _counted += unit.size();
     unwrittenBytes += unit.size();
     return true;
+}
+
+// Nobody need wait any more for what has not been written.
+void QueuedOutput::Queue::giveUp()
+{
+    unwrittenBytes -= std::exchange(_counted, 0);
 }
 
 void QueuedOutput::Queue::tellOfDropped() noexcept
@@ -174,9 +183,10 @@ void QueuedOutput::Queue::wrote(ssize_t count, int error)
         return;
     if (count < 0) {
         _error = error;
-        return;
+        return giveUp();
     }
     _written += static_cast<std::size_t>(count);
+    _counted -= static_cast<std::size_t>(count);
     unwrittenBytes -= static_cast<std::size_t>(count);
     if (_gap > 0 && waiting() <= Capacity / 2)
         tellOfDropped();
@@ -213,7 +223,7 @@ bool QueuedOutput::Queue::finish(Deadline deadline)
 std::string QueuedOutput::Queue::takeWaiting()
 {
     const Ostrel::LockGuard guard(_lock);
-    unwrittenBytes -= waiting();
+    giveUp();
     _text.erase(0, std::exchange(_written, 0));
     return std::exchange(_text, {});
 }
@@ -286,10 +296,15 @@ std::string QueuedOutput::takeUnwritten()
     return state() == State::Failed ? _queue->takeWaiting() : std::string();
 }
 
-void QueuedOutput::waitForAll() noexcept
+void QueuedOutput::waitForAll(std::chrono::milliseconds patience) noexcept
 {
     constexpr timespec step = {0, 10'000'000};
-    for (int steps = 100; steps > 0 && unwrittenBytes > 0; --steps)
+    const auto mostIdle = patience.count() / 10;
+    std::size_t before = unwrittenBytes;
+    for (int steps = 0, idle = 0; steps < 100 && idle < mostIdle && before > 0; ++steps) {
         nanosleep(&step, nullptr);
+        idle = unwrittenBytes < before ? 0 : idle + 1;
+        before = unwrittenBytes;
+    }
 }
 } // namespace Host

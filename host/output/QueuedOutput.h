@@ -61,8 +61,9 @@ public:
     /// What could not be written, once the state is Failed.
     std::string takeUnwritten();
 
-    /// Waits at most a second until all of these objects have written what they have. For a handler of signals.
-    static void waitForAll() noexcept;
+    /// Waits at most a second until all of these objects have written what they have, and no longer than `patience`
+    /// while nothing of it is taken. For a handler of signals.
+    static void waitForAll(std::chrono::milliseconds patience = std::chrono::seconds(1)) noexcept;
 
 private:
     class Queue;
