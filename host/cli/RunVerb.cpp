@@ -136,17 +136,11 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const Watche
 
 std::optional<std::vector<SceneFile>> readScenes(const Options& options)
 {
-    std::vector<SceneFile> files;
-    bool good = true;
-    for (const std::string& path : options._names) {
-        try {
-            files.push_back(readScene(path));
-        } catch (const std::bad_alloc&) {
-            throw OutOfMemory(escaped(path) + ": memory ran out while the scene was read");
-        } catch (const SceneError& error) {
-            say(error.what());
-            good = false;
-        }
+    try {
+        return Scenes::readScenes(options._names);
+    } catch (const SceneError& error) {
+        say(error.what());
+        return std::nullopt;
     }
     return good ? std::optional(std::move(files)) : std::nullopt;
 }

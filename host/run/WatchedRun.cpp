@@ -16,6 +16,7 @@ int runWatched(std::vector<SceneFile> files, bool json,
                const std::function<int(std::vector<SceneFile>, const WatchedRun&)>& run)
 {
     int code = Failed;
+    const std::string asked = askedFor(files);
     const auto failure = failureOf([&] {
         RunOutput output(json);
         const StopSignal stop;
@@ -26,7 +27,8 @@ int runWatched(std::vector<SceneFile> files, bool json,
         code = output.finish(code);
     });
     if (failure)
-        std::fprintf(stderr, "the run cannot start: %s\n", escaped(*failure).c_str());
+        std::fprintf(stderr, "the run cannot start: %s; it needs three threads, and some for its nodes: %s%s\n",
+                     escaped(*failure).c_str(), asked.c_str(), memoryCure);
     return code;
 }
 } // namespace Host

@@ -56,8 +56,8 @@ void SceneNotes::checkParts(const SceneGraph& graph)
         if (sensor._label._value.empty())
             note(sensor._name._position,
                  "sensor " + inQuotes(sensor._name._value) + " has no label, so nothing can reach it");
-    for (const PinnedNote& pinned : pinnedBy(_scene))
-        note(pinned._sensor->_buffer._position, pinned._text);
+    if (const auto pinned = pinnedBy(_scene))
+        note(pinned->_position, pinned->_text);
 }
 
 void SceneNotes::checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInfo& root)

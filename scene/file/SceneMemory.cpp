@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <numeric>
+#include <functional>
 
 namespace Scenes {
 
@@ -22,10 +22,12 @@ constexpr std::uint64_t MiB = 1u << 20, GiB = 1u << 30;
 constexpr std::uint64_t longestText = 65'507; // bytes that one OSC packet may carry
 constexpr std::uint64_t worthANote = 64 * MiB;
 
-// In one handler. A sensor of a type without slot takes nothing.
-SensorMemory memoryOf(const SensorEntry& sensor)
+constexpr std::size_t mostNamed = 3; // sensors
+
+// A sensor of a type without slot takes nothing.
+SensorMemory memoryOf(const SceneFile& scene, const SensorEntry& sensor, std::uint64_t handlers)
 {
-    SensorMemory memory{&sensor};
+    SensorMemory memory{&scene, &sensor, 0, handlers, 0};
     const Ostrel::FieldClass* const fieldClass = Ostrel::FieldClass::find(std::string_view(sensor._type._value));
     if (fieldClass == nullptr || sensor._label._value.empty())
         return memory;
@@ -36,6 +38,7 @@ SensorMemory memoryOf(const SensorEntry& sensor)
         if (!sensor._output._value)
             memory._slots = sizeof(Trovio::BufferedInSlot<Value>) + memory._record * sensor._buffer._value;
     });
+    memory._slots *= handlers;
     return memory;
 }
 
@@ -49,6 +52,25 @@ std::uint64_t bridgesOf(const SceneFile& scene)
 bool isLong(const std::string& type)
 {
     return type == "SFString" || type == "SFImage" || type.starts_with("MF");
+}
+
+// Where its `buffer` stands, or else its name.
+Position bufferPosition(const SensorEntry& sensor)
+{
+    return sensor._buffer._position._line != 0 ? sensor._buffer._position : sensor._name._position;
+}
+
+std::string counted(std::uint64_t number, const std::string& what)
+{
+    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
+}
+
+std::size_t nodesOf(const SceneFile& scene)
+{
+    std::size_t nodes = 0;
+    for (const HandlerEntry& handler : scene._handlers)
+        nodes += handler._nodes.size();
+    return nodes;
 }
 } // namespace
 
@@ -75,55 +97,92 @@ std::uint64_t bytesIn(std::string_view text)
     return fits ? number * factor : 0;
 }
 
-SceneMemory::SceneMemory(const SceneFile& scene) : _handlers(bridgesOf(scene))
+SceneMemory::SceneMemory(std::span<const SceneFile> scenes) : _several(scenes.size() > 1)
 {
-    for (const SensorEntry& sensor : scene._sensors) {
-        SensorMemory memory = memoryOf(sensor);
-        memory._slots *= _handlers;
-        _bytes += memory._slots;
-        if (!_largest._sensor || memory._slots > _largest._slots)
-            _largest = memory;
+    for (const SceneFile& scene : scenes) {
+        const std::uint64_t handlers = bridgesOf(scene);
+        for (const SensorEntry& sensor : scene._sensors) {
+            const SensorMemory memory = memoryOf(scene, sensor, handlers);
+            _bytes += memory._slots;
+            _largest.insert(std::ranges::upper_bound(_largest, memory._slots, std::greater(), &SensorMemory::_slots),
+                            memory);
+            _largest.resize(std::min(_largest.size(), mostNamed));
+        }
     }
 }
 
 std::string SceneMemory::largestText() const
 {
-    if (!_largest._sensor)
-        return "0 bytes";
-    const SensorEntry& sensor = *_largest._sensor;
-    return bytesText(_largest._slots) + " for sensor " + inQuotes(sensor._name._value) + ", with a buffer of " +
-           std::to_string(sensor._buffer._value) + " values of " + std::to_string(_largest._record) +
-           " bytes in each of " + std::to_string(_handlers) + " handlers";
+    std::string text;
+    for (const SensorMemory& memory : _largest) {
+        const SensorEntry& sensor = *memory._sensor;
+        text += (text.empty() ? "" : ", ") + bytesText(memory._slots) + " for sensor " + inQuotes(sensor._name._value);
+        if (_several)
+            text += " of " + escaped(memory._scene->_path);
+        text += " (a buffer of " + counted(sensor._buffer._value, "value") + " of " + std::to_string(memory._record) +
+                " bytes" + (memory._handlers > 1 ? ", in each of " + counted(memory._handlers, "handler") : "") + ")";
+    }
+    return text.empty() ? "0 bytes" : text;
 }
 
-std::vector<PinnedNote> pinnedBy(const SceneFile& scene)
+void SceneMemory::refuseAbove(std::uint64_t most, Problems& problems) const
 {
-    std::vector<PinnedNote> notes;
+    if (_bytes <= most)
+        return;
+    problems.add(bufferPosition(*_largest.front()._sensor),
+                 "the slots and buffers of the sensors" + std::string(_several ? " of all scenes" : "") + " take " +
+                     bytesText(_bytes) + " (" + std::to_string(_bytes) + " bytes), most of it " + largestText() +
+                     "; allowed: up to " + bytesText(most) +
+                     (_several ? ", the most that `memory` of [host] says in one of them"
+                               : ", or what `memory` of [host] says"));
+}
+
+void checkSharedMemory(const std::vector<SceneFile>& files)
+{
+    const SceneMemory memory(files);
+    if (files.size() < 2 || !memory.largestScene())
+        return;
+    std::uint64_t most = 0;
+    for (const SceneFile& file : files)
+        most = std::max(most, file._host._memory._value);
+    Problems problems(memory.largestScene()->_path);
+    memory.refuseAbove(most, problems);
+    problems.throwIfAny();
+}
+
+std::optional<PinnedNote> pinnedBy(const SceneFile& scene)
+{
     const std::uint64_t handlers = bridgesOf(scene);
+    std::uint64_t values = 0, sensors = 0;
+    const SensorEntry* largest = nullptr;
     for (const SensorEntry& sensor : scene._sensors) {
-        const std::uint64_t values = std::uint64_t{sensor._buffer._value} * handlers;
-        if (values * longestText < worthANote || sensor._output._value || !isLong(sensor._type._value))
+        if (sensor._output._value || sensor._label._value.empty() || !isLong(sensor._type._value))
             continue;
-        notes.push_back(
-            {&sensor, "the buffer of sensor " + inQuotes(sensor._name._value) + " keeps " + std::to_string(values) +
-                          " values of type " + sensor._type._value +
-                          ", also when they were taken, until others replace them: " + bytesText(values * longestText) +
-                          " with values of " + std::to_string(longestText) + " bytes; a smaller `buffer` keeps less"});
+        ++sensors;
+        values += std::max<std::uint64_t>(sensor._buffer._value, 1) * handlers; // without a buffer the newest one
+        if (!largest || sensor._buffer._value > largest->_buffer._value)
+            largest = &sensor;
     }
-    return notes;
+    if (values * longestText < worthANote)
+        return std::nullopt;
+    const std::string one = "sensor " + inQuotes(largest->_name._value) + " of type " + largest->_type._value;
+    const std::string who =
+        sensors == 1 ? "the buffer of " + one + " keeps "
+                     : "the buffers of " + std::to_string(sensors) + " sensors, the largest that of " + one + ", keep ";
+    return PinnedNote{bufferPosition(*largest),
+                      who + std::to_string(values) + " values, also when they were taken, until others replace them: " +
+                          bytesText(values * longestText) + " with values of " + std::to_string(longestText) +
+                          " bytes; a smaller `buffer` keeps less"};
 }
 
 std::string askedFor(const std::vector<SceneFile>& files)
 {
     std::string text;
     for (const SceneFile& file : files) {
-        const SceneMemory memory(file);
+        const SceneMemory memory({&file, 1});
         text += (text.empty() ? "" : "; ") + escaped(file._path) + " asks for " + bytesText(memory.bytes()) +
-                " for the slots and buffers of its sensors, most of it, " + memory.largestText() + ", and has " +
-                std::to_string(std::accumulate(
-                    file._handlers.begin(), file._handlers.end(), std::size_t{0},
-                    [](std::size_t sum, const HandlerEntry& handler) { return sum + handler._nodes.size(); })) +
-                " nodes";
+                " for the slots and buffers of its sensors alone, most of it " + memory.largestText() + ", and has " +
+                counted(nodesOf(file), "node") + ", which need memory beside that, as threads and routes do";
     }
     return text;
 }

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "scene/file/Problems.h"
 #include "scene/file/SceneFile.h"
 
 #include <cstdint>
+#include <new>
+#include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -17,45 +21,58 @@ std::uint64_t bytesIn(std::string_view text);
 
 /// What one sensor's slots take in all handlers that serve it.
 struct SensorMemory {
+    const SceneFile* _scene = nullptr;
     const SensorEntry* _sensor = nullptr;
-    std::uint64_t _record = 0; // bytes of one value with its time stamp
-    std::uint64_t _slots = 0;  // bytes of all its slots with their buffers
+    std::uint64_t _record = 0;   // bytes of one value with its time stamp
+    std::uint64_t _handlers = 0; // that serve it
+    std::uint64_t _slots = 0;    // bytes of all its slots with their buffers
 };
 
-/// What the slots and buffers of a scene take, before a value comes. What values hold elsewhere, such as long texts, is
-/// not in it.
-/// Ownership: refers to the scene.
+/// What the slots and buffers of scenes that run together take, before a value comes. What values hold elsewhere, such
+/// as long texts, is not in it.
+/// Ownership: refers to the scenes.
 class SceneMemory {
 public:
-    explicit SceneMemory(const SceneFile& scene);
+    explicit SceneMemory(std::span<const SceneFile> scenes);
 
     std::uint64_t bytes() const { return _bytes; }
-    /// The sensor that takes most; null without a sensor.
-    const SensorEntry* largest() const { return _largest._sensor; }
-    /// How much of it the largest takes, and for what.
+    /// Which sensors take most, and how much for what.
     std::string largestText() const;
 
+    /// Adds to the problems of the scene whose sensor takes most that this is more than `most` bytes, if it is.
+    void refuseAbove(std::uint64_t most, Problems& problems) const;
+    /// That scene; null without a sensor.
+    const SceneFile* largestScene() const { return _largest.empty() ? nullptr : _largest.front()._scene; }
+
 private:
-    std::uint64_t _handlers = 0; // that serve each sensor
+    const bool _several; // scenes
     std::uint64_t _bytes = 0;
-    SensorMemory _largest;
+    std::vector<SensorMemory> _largest; // a few, the first takes most
 };
 
-/// A buffer whose values may hold much memory, and what to say of it.
+/// Scenes of one run share the largest amount of memory that one of them allows. Throws SceneError where their sensors
+/// together need more.
+void checkSharedMemory(const std::vector<SceneFile>& files);
+
+/// What to say of buffers whose values may hold much memory, also after they were taken: a buffer lets go of a value
+/// only when another takes its place.
 struct PinnedNote {
-    const SensorEntry* _sensor;
+    Position _position;
     std::string _text;
 };
 
-/// The buffers whose values could hold much memory, also after they were taken: a buffer lets go of a value only when
-/// another takes its place.
-std::vector<PinnedNote> pinnedBy(const SceneFile& scene);
+/// Nothing where all buffers of the scene together hold little.
+std::optional<PinnedNote> pinnedBy(const SceneFile& scene);
 
 /// Memory ran out; what() says for what.
 class OutOfMemory : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+/// What helps where there was too little.
+constexpr const char* memoryCure =
+    "; give the program more (ulimit -v, MemoryMax of a service), or make the scene smaller";
 
 /// Says what the scenes ask for.
 std::string askedFor(const std::vector<SceneFile>& files);
@@ -69,7 +86,7 @@ auto withMemoryFor(const std::vector<SceneFile>& files, Action&& action)
     try {
         return action();
     } catch (const std::bad_alloc&) {
-        throw OutOfMemory("memory ran out: " + asked);
+        throw OutOfMemory("memory ran out: " + asked + memoryCure);
     }
 }
 } // namespace Scenes

@@ -201,6 +201,7 @@ std::vector<SceneFile> readScenes(const std::vector<std::string>& paths)
     }
     if (!wrong.empty())
         throw SceneError(wrong);
+    checkSharedMemory(files);
     return files;
 }
 } // namespace Scenes

@@ -101,15 +101,7 @@ void SceneCheck::checkNames()
 // The memory for them is taken when the scene starts.
 void SceneCheck::checkMemory()
 {
-    const SceneMemory memory(_scene);
-    const std::uint64_t most = _scene._host._memory._value;
-    if (memory.bytes() <= most)
-        return;
-    const SensorEntry& largest = *memory.largest();
-    _problems.add((largest._buffer._position._line != 0 ? largest._buffer._position : largest._name._position),
-                  "the slots and buffers of the sensors take " + bytesText(memory.bytes()) + " (" +
-                      std::to_string(memory.bytes()) + " bytes), most of it " + memory.largestText() +
-                      "; allowed: up to " + bytesText(most) + ", or what `memory` of [host] says");
+    SceneMemory({&_scene, 1}).refuseAbove(_scene._host._memory._value, _problems);
 }
 
 void SceneCheck::checkSensor(const SensorEntry& sensor)

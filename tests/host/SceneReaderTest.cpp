@@ -1,5 +1,6 @@
 #include "scene/file/SceneReader.h"
 
+#include "scene/file/SceneMemory.h"
 #include "scene/file/SceneText.h"
 
 #include <cstring>
@@ -143,6 +144,18 @@ TEST(SceneReader, RefusesOneMoreThanItsLimits)
     for (const auto& row : rows) {
         EXPECT_EQ(problemsOf(row._allowed), "");
         EXPECT_EQ(problemsOf(row._refused).substr(0, row._expected.size()), row._expected);
+    }
+    const auto together = [&](const std::string& more) {
+        checkSharedMemory({parseScene(handlers(4) + matrix, "a"), parseScene(handlers(5) + matrix + more, "b")});
+    };
+    EXPECT_NO_THROW(together("[host]\nmemory = \"2 GiB\"\n"));
+    try {
+        together("");
+        ADD_FAILURE() << "each is good alone";
+    } catch (const SceneError& error) {
+        EXPECT_TRUE(std::string(error.what())
+                        .starts_with("b:20:10: the slots and buffers of the sensors of all scenes take 1.14 GiB"))
+            << error.what();
     }
 }
 
