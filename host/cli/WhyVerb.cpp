@@ -97,7 +97,7 @@ void printText(const Answer& answer)
     if (!answer._decided)
         text = std::string(answer._interrupted ? "interrupted" : "no answer in the time given") + "; so far: " + text;
     if (!answer._fits.empty())
-        text += "; " + answer._fits;
+        text += (text.ends_with('?') ? " " : "; ") + answer._fits;
     std::printf("%s\n", escaped(text, 4000).c_str());
 }
 

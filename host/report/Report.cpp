@@ -1,5 +1,6 @@
 #include "host/report/Report.h"
 
+#include "explain/RouteEnds.h"
 #include "explain/text/TextWrap.h"
 #include "host/report/RunCounts.h"
 #include "host/report/SensorReport.h"

@@ -4,8 +4,8 @@
 
 namespace Host {
 
-/// Says what a person should know before the first frame: sensors that nothing reaches, routes that met nobody, and
-/// the state of every node. Lines are broken at `width` columns.
+/// Says what a person should know before the first frame: sensors that nothing reaches, routes that are not connected,
+/// and the state of every node. Lines are broken at `width` columns.
 void reportStart(const Scenes::Session& session, std::size_t width, const Scenes::Say& say);
 
 /// Says what came of the run: values of each sensor with the counters of its slots, counters of each node, frames.

@@ -15,15 +15,20 @@ std::string where(const std::string& path)
     return path.empty() ? "in the root" : "in " + inQuotes(path);
 }
 
+void sayApart(const std::string& path, const std::string& from, const std::string& to, const std::string& reason,
+              const Say& say)
+{
+    say("route from " + inQuotes(from) + " to " + inQuotes(to) + " " + where(path) +
+        " is not connected: " + escaped(reason));
+}
+
 void reportRoute(const std::string& path, const Trovio::RouteInfo& route, const Say& say)
 {
     if (route.isPending())
-        return say("route from " + inQuotes(route._from) + " to " + inQuotes(route._to) + " " + where(path) +
-                   " met nobody: " + escaped(route._reason));
+        return sayApart(path, route._from, route._to, route._reason, say);
     for (const Trovio::RoutePair& pair : route._pairs)
         if (!pair._reason.empty())
-            say("route from " + inQuotes(pair._from) + " to " + inQuotes(pair._to) + " " + where(path) +
-                " is not connected: " + escaped(pair._reason));
+            sayApart(path, pair._from, pair._to, pair._reason, say);
 }
 } // namespace
 
@@ -33,21 +38,6 @@ void reportRoutes(const Trovio::NamespaceInfo& root, const Say& say)
         for (const Trovio::RouteInfo& route : info._routes)
             reportRoute(path, route, say);
     });
-}
-
-std::set<std::string> endsApart(const Trovio::NamespaceInfo& root)
-{
-    std::set<std::string> ends;
-    walkTree(root, [&ends](const std::string& path, const Trovio::NamespaceInfo& info) {
-        for (const Trovio::RouteInfo& route : info._routes) {
-            if (route.isPending())
-                ends.insert({pathBelow(path, route._from), pathBelow(path, route._to)});
-            for (const Trovio::RoutePair& pair : route._pairs)
-                if (!pair._reason.empty())
-                    ends.insert({pathBelow(path, pair._from), pathBelow(path, pair._to)});
-        }
-    });
-    return ends;
 }
 
 void reportNodes(const Trovio::NamespaceInfo& root, const Say& say)

@@ -3,15 +3,10 @@
 #include "scene/run/LoadedScene.h"
 #include "trovio/Inspection.h"
 
-#include <set>
-
 namespace Host {
 
-/// Says of a tree of namespaces which routes met nobody, or only ends that do not fit, and why.
+/// Says of a tree of namespaces which routes are not connected, and why.
 void reportRoutes(const Trovio::NamespaceInfo& root, const Scenes::Say& say);
-
-/// The paths of all ends of routes that are not connected there: "Context/Wand".
-std::set<std::string> endsApart(const Trovio::NamespaceInfo& root);
 
 /// Says which nodes there are and how they are.
 void reportNodes(const Trovio::NamespaceInfo& root, const Scenes::Say& say);

@@ -103,18 +103,16 @@ std::string OscDispatcher::describeMismatches(std::size_t position) const
            ", wanted " + (expected.front() == '(' ? expected : "(" + expected + ")");
 }
 
-std::vector<RemarkInfo> OscDispatcher::getRemarks(const std::string& received, const std::string& lost) const
+std::vector<RemarkInfo> OscDispatcher::getRemarks(const std::string& received, bool any, const std::string& lost) const
 {
     std::vector<RemarkInfo> remarks;
     for (std::size_t i = 0; i < _methods.size(); ++i) {
         const OscAddress& address = _methods[i]._address;
         const std::string mismatches = describeMismatches(i);
+        const std::string instead =
+            !mismatches.empty() ? mismatches : "none for " + address._address + _unknown.describeFor(address._address);
         if (_methods[i]._method->getSlot().getActivity()._written == 0)
-            remarks.push_back({address.getLabel(), received + ", " +
-                                                       (mismatches.empty() ? "none for " + address._address +
-                                                                                 _unknown.describeFor(address._address)
-                                                                           : mismatches) +
-                                                       lost});
+            remarks.push_back({address.getLabel(), received + (any ? ", " + instead : "") + lost});
         else if (!mismatches.empty())
             remarks.push_back({address.getLabel(), mismatches});
     }

@@ -33,8 +33,8 @@ public:
     void forEachSlot(const std::function<void(BasicOutSlot&)>& use);
 
     /// Why a slot has no values, or not all. For those that nothing reached it stands between what the whole node
-    /// received, and what it did not.
-    std::vector<RemarkInfo> getRemarks(const std::string& received, const std::string& lost) const
+    /// received (`any`: whether that was anything), and what it did not.
+    std::vector<RemarkInfo> getRemarks(const std::string& received, bool any, const std::string& lost) const
         OSTREL_EXCLUDES(_lock);
 
 private:

@@ -113,7 +113,7 @@ std::vector<RemarkInfo> OscInput::getRemarks() const
     }
     if (dropped != 0)
         lost += "; " + countPackets(dropped) + " more dropped by the kernel";
-    return _dispatcher.getRemarks(received, lost);
+    return _dispatcher.getRemarks(received, packets != 0, lost);
 }
 
 bool OscInput::receive(Bytes packet, const SocketAddress& sender, const Time& arrival)

@@ -49,7 +49,7 @@ std::vector<ListedSlot> readSlotList(const Settings& settings, const char* setti
         const auto entry = rest.substr(0, rest.find(','));
         slots.push_back(readEntry(settings, setting, names, trimmed(entry)));
         if (!seen.insert(slots.back()._name).second)
-            throw settings.refusal(setting, "each name once, but " + slots.back()._name + " is listed twice");
+            throw settings.refusal(setting, "each name once; duplicate name '" + slots.back()._name + "'");
         if (entry.size() + 1 == rest.size())
             throw settings.refusal(setting, "no comma behind the last entry");
         rest.remove_prefix(std::min(entry.size() + 1, rest.size()));

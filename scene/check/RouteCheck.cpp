@@ -98,7 +98,8 @@ bool RouteCheck::checkMissing(const std::string& route, const End& end, const No
 {
     if (!end.isMissing() || _graph.isOpen(_path, end._text._value))
         return false;
-    note(end._text._position, route + " meets nobody: there is no slot " + inQuotes(end._text._value) + nearest(end));
+    note(end._text._position,
+         route + " is not connected: no slot has the label " + inQuotes(end._text._value) + nearest(end));
     return true;
 }
 
@@ -115,7 +116,8 @@ std::string RouteCheck::nearest(const End& end)
             names.push_back(slot._label);
     const auto part = std::ranges::find_if(
         names, [&](std::string_view name) { return name.ends_with("/" + label) || name.starts_with(label + "/"); });
-    return part == names.end() ? nearestHint(label, names) : "; nearest: " + inQuotes(*part);
+    const std::string_view meant = part == names.end() ? nearestName(label, names) : *part;
+    return meant.empty() ? std::string() : "; did you mean " + inQuotes(meant) + "?";
 }
 
 void RouteCheck::checkPairs(const LocatedPair& route, const std::string& quoted, const Note& note) const
@@ -133,6 +135,6 @@ void RouteCheck::checkPairs(const LocatedPair& route, const std::string& quoted,
                                              " stay apart: " + escaped(pair._reason, longestReason));
         }
     if (known.isPending() && !isApart && !_graph.isOpen(_path, from) && !_graph.isOpen(_path, to))
-        note(route._first._position, quoted + " meets nobody: " + escaped(known._reason, longestReason));
+        note(route._first._position, quoted + " is not connected: " + escaped(known._reason, longestReason));
 }
 } // namespace Scenes

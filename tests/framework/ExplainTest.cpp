@@ -155,9 +155,9 @@ INSTANTIATE_TEST_SUITE_P(
     Explain, OneFault,
     ::testing::Values(
         Fault{"NoSuchLabel", [](OneFault& way) { way.replaceRoute("filter/out", "senzor"); }, Verdict::NoSuchLabel,
-              "'senzor': no slot 'senzor' is in scope; nearest: 'sensor'"},
+              "'senzor': no slot has the label 'senzor'; did you mean 'sensor'?"},
         Fault{"NoMatch", [](OneFault& way) { way.replaceRoute("filtr/*", "sensor"); }, Verdict::NoMatch,
-              "pattern 'filtr/*' matches none of 2 out-slots in scope, such as 'device/out'"},
+              "pattern 'filtr/*' matches none of 2 out-slots, such as 'device/out'"},
         Fault{"WrongDirection", [](OneFault& way) { way.replaceRoute("sensor", "filter/out"); },
               Verdict::WrongDirection, "route 'sensor' -> 'filter/out' leads the other way"},
         Fault{"TypesDiffer",
@@ -265,12 +265,14 @@ TEST_F(Explain, NamesTheLabelThatIsMissing)
         const char *_from, *_to, *_says;
         Verdict _verdict;
     } rows[] = {
-        {"devise/out", "sensor", "no slot 'devise/out' is in scope; nearest: 'device/out'", Verdict::NoSuchLabel},
-        {"out", "sensor", "nearest: 'device/out'", Verdict::NoSuchLabel},
-        {"device/out", "Sensors", "no slot 'Sensors' is in scope; nearest: 'sensor'", Verdict::NoSuchLabel},
-        {"entirely else", "sensor", "no slot 'entirely else' is in scope", Verdict::NoSuchLabel},
-        {"devise/*", "sensor", "'devise/*' matches none of 2 out-slots in scope, such as 'device/out'",
-         Verdict::NoMatch},
+        {"devise/out", "sensor", "no slot has the label 'devise/out'; did you mean 'device/out'?",
+         Verdict::NoSuchLabel},
+        {"out", "sensor", "did you mean 'device/out'?", Verdict::NoSuchLabel},
+        {"devise/out", "Sensors", "did you mean 'device/out'? no slot has the label 'Sensors'; did you mean 'sensor'?",
+         Verdict::NoSuchLabel},
+        {"device/out", "Sensors", "no slot has the label 'Sensors'; did you mean 'sensor'?", Verdict::NoSuchLabel},
+        {"entirely else", "sensor", "no slot has the label 'entirely else'", Verdict::NoSuchLabel},
+        {"devise/*", "sensor", "'devise/*' matches none of 2 out-slots, such as 'device/out'", Verdict::NoMatch},
         {"sensor", "device/out", "'sensor' is an in-slot, but records come from an out-slot", Verdict::WrongDirection},
         {"device/out", "filter/out", "'filter/out' is an out-slot, but records go to an in-slot",
          Verdict::WrongDirection}};
@@ -285,7 +287,7 @@ TEST_F(Explain, NamesTheRouteThatStartsNowhere)
     const struct {
         const char *_from, *_says;
         Verdict _verdict;
-    } rows[] = {{"filtr/out", "no slot 'filtr/out' is in scope; nearest: 'filter/out'", Verdict::NoSuchLabel},
+    } rows[] = {{"filtr/out", "no slot has the label 'filtr/out'; did you mean 'filter/out'?", Verdict::NoSuchLabel},
                 {"filter/in", "'filter/in' is an in-slot", Verdict::WrongDirection}};
     _scene.removeRoute("filter/*", "sensor");
     for (const auto& row : rows) {

@@ -208,14 +208,14 @@ TEST(HostProgram, ChecksWhetherAllOfASceneCanWork)
          ":2:8: unknown handler kind 'Trovia'; allowed: Trovio, OT, ORDAN; nearest: 'Trovio'"},
         {"[[handler]]\nkind = \"TORVA\"\nname = \"a\"\n", 2, ":2:8: no handler of kind 'TORVA' can be made"},
         {route("Generator/valu", "In"), 0,
-         ":5:12: note: the route from 'Generator/valu' to 'In' meets nobody: there is no slot 'Generator/valu'; "
-         "nearest: 'Generator/value'\n"},
-        {route("Generatr/*", "*"), 0, " meets nobody: no slot 'Generatr/*' is in scope\n"},
+         ":5:12: note: the route from 'Generator/valu' to 'In' is not connected: no slot has the label "
+         "'Generator/valu'; did you mean 'Generator/value'?\n"},
+        {route("Generatr/*", "*"), 0, " is not connected: no slot has the label 'Generatr/*'\n"},
         {route("In", "Generator/value"), 0, "'In' is an in-slot, and 'Generator/value' an out-slot; swap the two ends"},
         {route("Generator/value", "Out"), 0, "sensor 't' at 'Out' has `output = true`, so it gives values"},
         {route("Scale/out", "Scale/in"), 0, ": note: 'Scale/out' and 'Scale/in' stay apart: "},
         {route("Out", "Scale/in") + "[[route]]\nfrom = \"Generator/value\"\nto = \"Context/In\"\n", 0,
-         "there is no slot 'Generator/value'; nearest: 'Context/Generator/value'\n"},
+         "no slot has the label 'Generator/value'; did you mean 'Context/Generator/value'?\n"},
         {"[[sensor]]\nname = \"s\"\ntype = \"SFBool\"\n", 0, ":2:8: note: sensor 's' has no label"},
     };
     const std::string folder = "TROVIO_NODE_PATH=" + broken.path().substr(0, broken.path().rfind('/'));

@@ -29,9 +29,9 @@ TEST(Escape, LeavesNothingThatATerminalObeys)
 
 TEST(NearestName, FindsWhatWasMeant)
 {
-    constexpr std::string_view known[] = {"SFVec3f", "MFVec3f", "label"};
+    constexpr std::string_view known[] = {"SFVec3f", "MFVec3f", "label", "a"};
     const std::pair<std::string_view, std::string_view> rows[] = {
-        {"sfvec3f", "SFVec3f"}, {"MFVec3", "MFVec3f"}, {"lable", "label"}, {"completely", ""}, {"", ""}};
+        {"sfvec3f", "SFVec3f"}, {"MFVec3", "MFVec3f"}, {"lable", "label"}, {"completely", ""}, {"[", ""}, {"", ""}};
     for (const auto& [found, nearest] : rows)
         EXPECT_EQ(nearestName(found, known), nearest);
     EXPECT_EQ(nearestName(std::string(10'000, 'l'), known), "");

@@ -32,6 +32,8 @@ Explanation FlowQuery::explain(const std::string& from, const std::string& to) c
         if (answer._verdict != Verdict::Flowing)
             break;
     }
+    if (answer._verdict != Verdict::Flowing && to.find('*') != std::string::npos)
+        answer._text += "; asked for '" + from + "' -> '" + to + "'";
     return answer;
 }
 
@@ -55,8 +57,15 @@ Explanation FlowQuery::findCause(const std::string& from, const std::string& to)
     const Entries starts = findEnds(from, Slot::Direction::Out);
     const Entries ends = findEnds(to, Slot::Direction::In);
     const bool swapped = !findEnds(from, Slot::Direction::In).empty() && !findEnds(to, Slot::Direction::Out).empty();
-    if (starts.empty())
-        return whyNoEnd(from, Slot::Direction::Out, swapped);
+    if (starts.empty()) {
+        Explanation cause = whyNoEnd(from, Slot::Direction::Out, swapped);
+        if (cause._verdict == Verdict::NoSuchLabel && ends.empty()) {
+            const std::string other = whyNoEnd(to, Slot::Direction::In)._text;
+            cause._text += (cause._text.ends_with('?') ? " " : "; ") + other;
+            cause._details.push_back({"other end", other});
+        }
+        return cause;
+    }
     if (ends.empty())
         return whyNoEnd(to, Slot::Direction::In, swapped);
     const FlowSearch search(starts);
@@ -100,7 +109,7 @@ Explanation FlowQuery::whyNoEnd(const std::string& label, Slot::Direction direct
 
 Explanation FlowQuery::noSlot(const std::string& label, const std::vector<std::string>& near)
 {
-    Explanation cause{Verdict::NoSuchLabel, "no slot '" + label + "' is in scope" + hint(near), {{"label", label}}};
+    Explanation cause{Verdict::NoSuchLabel, "no slot has the label '" + label + "'" + hint(near), {{"label", label}}};
     if (!near.empty())
         cause._details.push_back({"nearest", near.front()});
     return cause;
@@ -111,7 +120,7 @@ Explanation FlowQuery::noMatch(const Pattern& pattern) const
     constexpr std::size_t most = 3;
     const std::vector<std::string> known = labels(Slot::Direction::Out);
     std::string text =
-        "pattern '" + pattern.getText() + "' matches none of " + std::to_string(known.size()) + " out-slots in scope";
+        "pattern '" + pattern.getText() + "' matches none of " + std::to_string(known.size()) + " out-slots";
     for (std::size_t i = 0; i < std::min(most, known.size()); ++i)
         text += (i ? ", '" : ", such as '") + known[i] + "'";
     return {Verdict::NoMatch, text, {{"pattern", pattern.getText()}}};

@@ -54,13 +54,13 @@ std::vector<std::string> FlowQuery::nodesOfType(const std::string& type) const
     return labels;
 }
 
-/// "; nearest: 'a', 'b'", or nothing.
+/// "; did you mean 'a' or 'b'?", or nothing.
 std::string FlowQuery::hint(const std::vector<std::string>& names)
 {
     std::string text;
     for (const std::string& name : names)
-        text += (text.empty() ? "; nearest: '" : ", '") + name + "'";
-    return text;
+        text += (text.empty() ? "; did you mean '" : " or '") + name + "'";
+    return text.empty() ? text : text + "?";
 }
 
 /// Routes of this scope with an end that nobody has, or with both the wrong way round, and what was meant.
@@ -130,6 +130,7 @@ Explanation FlowQuery::misnamed(const Repair& repair) const
         cause._text = route + ": " + cause._text;
     }
     cause._details.push_back({"route", route});
+    cause._details.push_back({"route from", repair._givenFrom});
     return withCure(std::move(cause), repair._from, repair._to);
 }
 

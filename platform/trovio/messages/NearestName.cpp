@@ -38,7 +38,8 @@ std::size_t distance(std::string_view a, std::string_view b)
 std::string_view nearestName(std::string_view found, std::span<const std::string_view> known)
 {
     std::string_view nearest;
-    std::size_t least = std::max<std::size_t>(found.size() / 2, 1) + 1;
+    std::size_t least =
+        std::min(std::max<std::size_t>(found.size() / 2, 1) + 1, found.size()); // something is to be left of it
     if (found.empty() || found.size() > longestName)
         return nearest;
     for (const std::string_view name : known) {

@@ -137,7 +137,7 @@ RegisteredType load(const std::string& name)
 void checkName(const std::string& name)
 {
     if (!NodeModuleFile::isValidName(name))
-        throw InvalidNodeException("'" + name + "' is no name of a node type; allowed are letters, digits and '_'");
+        throw InvalidNodeException("'" + name + "' is not a valid node type name; allowed are letters, digits and '_'");
 }
 
 /// Loads every module that can be found; the problem of each that cannot be loaded, by the name of its type.

@@ -10,6 +10,15 @@
 // How routes become connections, and what is told about those that do not.
 namespace Trovio {
 
+namespace {
+
+std::string noSlot(const std::string& label)
+{
+    return "no slot has the label '" + label + "'";
+}
+
+} // namespace
+
 void Scope::join(const Aim& aim, const Entry& to)
 {
     if (!fits(aim, to)) {
@@ -195,7 +204,7 @@ RouteInfo Scope::inspectRoute(const Route& route) const
     for (const Aim* aim : route._aims) {
         const auto ends = _entries.under(aim->_target);
         if (ends.empty())
-            info._pairs.push_back({aim->_from->_label, aim->_target, "no slot '" + aim->_target + "' is in scope"});
+            info._pairs.push_back({aim->_from->_label, aim->_target, noSlot(aim->_target)});
         for (const Entry* to : ends)
             info._pairs.push_back({aim->_from->_label, aim->_target, whyApart(*aim, *to)});
     }
@@ -215,7 +224,7 @@ std::string Scope::pendingReason(const Route& route, const RouteInfo& info) cons
         return info._pairs.front()._reason;
     const Entry* start = findMatch(route._from);
     if (!start)
-        return "no slot '" + route._from.getText() + "' is in scope";
+        return noSlot(route._from.getText());
     return start->_ends.in() ? wrongWay(route, start->_label, "an in-slot", "out-slot") : tooLong(route, start->_label);
 }
 

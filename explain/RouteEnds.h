@@ -1,0 +1,15 @@
+#pragma once
+
+#include "trovio/Inspection.h"
+
+#include <set>
+#include <string>
+
+namespace Explain {
+
+/// The paths of all ends of routes that are not connected there: "Context/Wand".
+std::set<std::string> endsApart(const Trovio::NamespaceInfo& root);
+
+/// Those, and the ends of all connections.
+std::set<std::string> endsOfRoutes(const Trovio::NamespaceInfo& root);
+} // namespace Explain
