@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <new>
 #include <unistd.h>
 
 namespace Host {
@@ -23,11 +24,39 @@ double secondsOf(const Trovio::NodeMove::Info& move)
     return std::chrono::duration<double>(Trovio::NodeMove::Clock::now() - move._since).count();
 }
 
+constexpr auto patience = std::chrono::milliseconds(100); // with a reader that has stopped
+
+// The end must come, too, where there is no memory to say anything.
+template <class Action>
+void withoutMemory(const Action& action) noexcept
+{
+    try {
+        action();
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+}
+
+const char* doneOf(Trovio::NodeMove::Kind kind)
+{
+    switch (kind) {
+    case Trovio::NodeMove::Kind::IsConfigured:
+        return "taken its settings";
+    case Trovio::NodeMove::Kind::Starts:
+        return "started";
+    case Trovio::NodeMove::Kind::Stops:
+        return "stopped";
+    case Trovio::NodeMove::Kind::IsDestroyed:
+        return "been destroyed";
+    }
+    return "come back"; // not reached
+}
+
 std::string described(const Trovio::NodeMove::Info& move)
 {
-    const bool stops = move._kind == Trovio::NodeMove::Kind::Stops;
-    return "node " + inQuotes(move._label) + " has not " + (stops ? "stopped" : "started") + " for " +
-           std::to_string(static_cast<long>(secondsOf(move))) + " s";
+    const double seconds = secondsOf(move);
+    return "node " + inQuotes(move._label) + " has not " + doneOf(move._kind) +
+           (seconds < first ? " yet" : " for " + std::to_string(static_cast<long>(seconds)) + " s");
 }
 } // namespace
 
@@ -63,7 +92,7 @@ void EndWatch::watch()
         if (_over)
             return;
         if (_begun || _stop.requested())
-            look();
+            withoutMemory([this] { look(); });
     }
 }
 
@@ -84,9 +113,11 @@ void EndWatch::look()
 
 void EndWatch::endAtOnce() const
 {
-    if (const auto move = Trovio::NodeMove::longest())
-        _say("ended by a second signal: " + described(*move));
-    QueuedOutput::waitForAll();
+    withoutMemory([this] {
+        if (const auto move = Trovio::NodeMove::longest())
+            _say("ended by a second signal: " + described(*move));
+    });
+    QueuedOutput::waitForAll(patience);
     Keyboard::restore();
     _exit(128 + _stop.second());
 }

@@ -8,10 +8,10 @@
 
 namespace Host {
 
-/// Sees to it that the end comes: from the first signal on, or once the run ends by itself, it names a node that has
-/// not stopped (or not started) for a second, again every five; with the second signal it says which one it was and
-/// ends the process with 128 + the signal's number.
-/// Threads: one of its own, which only looks, says and ends; `say` must not block.
+/// Sees to it that the end comes: from the first signal on, or once the run ends by itself, it names a node whose
+/// start, stop, settings or destructor has taken a second, again every five; with the second signal it says which one
+/// it was and ends the process with 128 + the signal's number. Threads: one of its own, which only looks, says and
+/// ends; `say` must not block.
 class EndWatch {
 public:
     /// Throws std::system_error when there can be no more threads.

@@ -8,20 +8,23 @@ namespace Trovio {
 
 class Node;
 
-/// That a node starts or stops at this moment: module code that may take its time, or never come back.
+/// That a node takes its settings, starts, stops or is destroyed at this moment: module code that may take its time, or
+/// never come back.
 /// Threads: any may ask; each move belongs to the thread that makes it.
 class NodeMove {
 public:
-    enum class Kind { Starts, Stops };
+    enum class Kind { Starts, Stops, IsConfigured, IsDestroyed };
     using Clock = std::chrono::steady_clock;
 
     struct Info {
-        std::string _label; // from the root down, as in "Context/OSC"; empty where there was no memory for it
+        std::string _label; // from the root down, as in "Context/OSC", as far as it stands there; empty
+                            // where there was no memory for it
         Kind _kind;
         Clock::time_point _since;
     };
 
-    /// The longest of those that are going on, so that a watcher can name what holds the program up.
+    /// The longest of those that are going on, so that a watcher can name what holds the program up. Throws
+    /// std::bad_alloc.
     static std::optional<Info> longest();
 
     NodeMove(const std::string& label, Kind kind) noexcept;

@@ -64,22 +64,23 @@ TEST(HostProgram, EndsInOrderWithTheFirstSignalAndAtOnceWithTheSecond)
             running.signal(number);
         const int code = running.wait();
         EXPECT_TRUE(signals.size() == 1 ? code == 0 : code == 128 + SIGINT || code == 128 + SIGTERM) << code;
-        EXPECT_EQ(running.err().find("frames: ") != std::string::npos, signals.size() == 1) << running.err();
+        EXPECT_TRUE(signals.size() > 1 || running.err().find("frames: ") != std::string::npos) << running.err();
     }
 }
 
 TEST(HostProgram, NamesTheNodeThatHangsAndEndsWithTheSecondSignal)
 {
     const struct {
-        const char *_verb, *_start, *_runs, *_says;
-    } rows[] = {{"run", "false", "node 'Context/Door'", "node 'Context/Door' has not stopped for "},
-                {"run", "true", "hangs in start", "node 'Context/Door' has not started for "},
-                {"why", "false", "no such label", "node 'Context/Door' has not stopped for "},
-                {"why", "true", "hangs in start", "node 'Context/Door' has not started for "}};
+        const char *_verb, *_in, *_runs, *_says;
+    } rows[] = {{"run", "stop", "node 'Context/Door'", "node 'Context/Door' has not stopped for "},
+                {"run", "start", "hangs in start", "node 'Context/Door' has not started for "},
+                {"why", "stop", "no such label", "node 'Context/Door' has not stopped for "},
+                {"check", "configure", "hangs in", "node 'Door' has not taken its settings for "},
+                {"why", "destructor", "hangs in", "node 'Door' has not been destroyed for "}};
     for (const auto& row : rows) {
         const SceneOnDisk scene(std::string("[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n"
-                                            "nodes = [[\"Hangs\", \"label=Door start=") +
-                                row._start + "\"]]\n");
+                                            "nodes = [[\"Hangs\", \"label=Door in=") +
+                                row._in + "\"]]\n");
         std::vector<std::string> arguments{"TROVIO_NODE_PATH=" TEST_MODULES, host, row._verb, scene.path()};
         if (row._verb == std::string("why"))
             arguments.insert(arguments.end(), {"Door/out", "Door/in", "--patience", "0.1"});

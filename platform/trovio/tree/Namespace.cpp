@@ -3,9 +3,12 @@
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
 #include "trovio/Exception.h"
+#include "trovio/Node.h"
+#include "trovio/NodeMove.h"
 #include "trovio/Settings.h"
 #include "trovio/messages/FrameworkLog.h"
 #include "trovio/routing/Scope.h"
+#include <optional>
 
 namespace Trovio {
 
@@ -17,8 +20,20 @@ Namespace::Namespace() : _scope(std::make_unique<Scope>()) {}
 
 Namespace::~Namespace()
 {
-    const LockGuard guard(_treeLock);
-    _scope->leaveTree();
+    Children children;
+    {
+        const LockGuard guard(_treeLock);
+        _scope->leaveTree();
+        children.swap(_children);
+    }
+    // One after the other, so that a node whose destructor does not come back can be named.
+    while (!children.empty()) {
+        const auto last = std::prev(children.end());
+        std::optional<NodeMove> move;
+        if (dynamic_cast<const Node*>(last->second.get()))
+            move.emplace(last->first, NodeMove::Kind::IsDestroyed);
+        children.erase(last);
+    }
 }
 
 void Namespace::setBaseURL(const Merid::URL& url)

@@ -82,7 +82,10 @@ void Node::setFieldValues(const std::string& text)
     }
     const Settings settings(std::move(table), text, getBaseURL());
     std::string label = settings.text("label");
-    callType<InvalidFieldException>(getTypeName(), label, "configure()", [&] { configure(settings); });
+    {
+        const NodeMove move(label.empty() ? getTypeName() : label, NodeMove::Kind::IsConfigured);
+        callType<InvalidFieldException>(getTypeName(), label, "configure()", [&] { configure(settings); });
+    }
     setDirty(true);
     const LockGuard guard(_stateLock);
     _wantedLabel.swap(label);

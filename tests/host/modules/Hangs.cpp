@@ -4,28 +4,33 @@
 
 namespace {
 
-/// Never comes back from stop(), or with start=true from start().
+/// Never comes back from one of its operations.
 class HangingNode final : public Trovio::Node {
-    void configure(const Trovio::Settings& settings) override { _inStart = settings.flag("start"); }
-    void start() override
-    {
-        if (!_inStart)
-            return;
-        std::fputs("hangs in start\n", stderr);
-        hang();
-    }
-    void stop() override { hang(); }
+public:
+    ~HangingNode() override { operation("destructor"); }
 
-    static void hang()
+private:
+    void configure(const Trovio::Settings& settings) override
     {
+        _in = settings.text("in");
+        operation("configure");
+    }
+    void start() override { operation("start"); }
+    void stop() override { operation("stop"); }
+
+    void operation(const std::string& name) const
+    {
+        if (name != _in)
+            return;
+        std::fputs(("hangs in " + name + "\n").c_str(), stderr);
         for (;;)
             pause();
     }
-    bool _inStart = false;
+    std::string _in;
 };
 
 constexpr Trovio::Setting settings[] = {
-    Trovio::Setting::boolean("start", "false", "whether it hangs as it starts"),
+    Trovio::Setting::choice("in", "stop", "configure|start|stop|destructor", "where it hangs"),
 };
 
 const Trovio::NodeTypeEntry types[] = {
