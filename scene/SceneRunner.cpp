@@ -70,7 +70,7 @@ std::vector<std::string> SceneRunner::missing() const
 {
     std::vector<std::string> lines;
     for (const auto& scene : _state->_session.scenes())
-        lines.insert(lines.end(), scene->missing().begin(), scene->missing().end());
+        std::ranges::move(scene->missingLines(), std::back_inserter(lines));
     return lines;
 }
 

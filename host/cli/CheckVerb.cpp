@@ -5,6 +5,7 @@
 #include "explain/text/Failure.h"
 #include "host/cli/ExitCode.h"
 #include "host/output/RunLog.h"
+#include "host/run/EndWatch.h"
 #include "scene/check/SceneNotes.h"
 #include "scene/file/SceneMemory.h"
 #include "sensorManager/SensorHandlerType.h"
@@ -19,7 +20,12 @@ using namespace Scenes;
 
 namespace {
 
-// What a graph needs around it. Nothing in it starts.
+void say(const std::string& line)
+{
+    std::fprintf(stderr, "%s\n", line.c_str());
+}
+
+// What a graph needs around it. Nothing in it starts, but nodes are made, which may take their time.
 class Surroundings {
 public:
     Surroundings()
@@ -30,19 +36,33 @@ public:
     ~Surroundings() { Trovio::Root::shutdown(); }
     Surroundings(const Surroundings&) = delete;
     Surroundings& operator=(const Surroundings&) = delete;
+
+    bool isInterrupted() const { return _stop.requested(); }
+
+private:
+    const StopSignal _stop;
+    const EndWatch _watch{_stop, say};
 };
 
-// Without the log's lines, which the notes and the graph tell, too. Null, which is said, where routes cannot be made.
-std::unique_ptr<SceneGraph> makeGraph(const std::vector<SceneFile>& files)
+// Without the log's lines, which the notes and the graph tell, too. Null, which is said, where routes cannot be made,
+// and where a signal came first.
+std::unique_ptr<SceneGraph> makeGraph(const std::vector<SceneFile>& files, const Surroundings& around)
 {
     RunLog log(false);
     log.hold(true);
     std::unique_ptr<SceneGraph> graph;
-    const auto failure = failureOf([&] { graph = std::make_unique<SceneGraph>(files); });
+    const auto failure =
+        failureOf([&] { graph = std::make_unique<SceneGraph>(files, [&around] { return around.isInterrupted(); }); });
     log.take();
     if (failure)
-        std::fprintf(stderr, "the scenes cannot be connected: %s\n", escaped(*failure, 1000).c_str());
-    return graph;
+        say("the scenes cannot be connected: " + escaped(*failure, 1000));
+    return around.isInterrupted() ? nullptr : std::move(graph);
+}
+
+int interrupted()
+{
+    say("no answer: ended before the scene was checked");
+    return NoAnswer;
 }
 
 std::string graphIn(Format format, const Trovio::NamespaceInfo& root, const ScenePlaces& places)
@@ -52,18 +72,20 @@ std::string graphIn(Format format, const Trovio::NamespaceInfo& root, const Scen
                                     : graphDot(root, places);
 }
 
-int checkScenes(const std::vector<SceneFile>& files, const Options& options)
+int checkScenes(const std::vector<SceneFile>& files, const Options& options, const Surroundings& around)
 {
-    const std::unique_ptr<SceneGraph> graph = makeGraph(files);
+    const std::unique_ptr<SceneGraph> graph = makeGraph(files, around);
     if (!graph)
-        return BadUsage;
+        return around.isInterrupted() ? interrupted() : BadUsage;
     const Trovio::NamespaceInfo root = graph->inspect();
     const bool printsGraph = options._graph != Format::Automatic; // then standard output holds nothing else
     int code = Done;
     for (const SceneFile& file : files) {
         SceneNotes notes(file);
         notes.checkParts(*graph);
-        notes.checkRoutes(*graph, root);
+        notes.checkRoutes(*graph, root, [&around] { return around.isInterrupted(); });
+        if (around.isInterrupted())
+            return interrupted();
         if (!notes.finish(printsGraph ? stderr : stdout, options._strict))
             code = BadUsage;
     }
@@ -73,21 +95,21 @@ int checkScenes(const std::vector<SceneFile>& files, const Options& options)
 }
 } // namespace
 
-bool canBeMade(const std::vector<SceneFile>& files)
+int partsVerdict(const std::vector<SceneFile>& files)
 {
-    const Surroundings surroundings;
-    const std::unique_ptr<SceneGraph> graph = makeGraph(files);
+    const Surroundings around;
+    const std::unique_ptr<SceneGraph> graph = makeGraph(files, around);
     if (!graph)
-        return false;
+        return around.isInterrupted() ? NoAnswer : BadUsage;
     for (const SceneFile& file : files) {
         Problems problems(file._path);
         for (const GraphFault& fault : graph->faults())
             if (fault._scene == &file)
                 problems.add(fault._position, escaped(fault._text, 1000));
         if (const std::string text = problems.text(); !text.empty())
-            std::fprintf(stderr, "%s\n", text.c_str());
+            say(text);
     }
-    return graph->faults().empty();
+    return graph->faults().empty() ? Done : BadUsage;
 }
 
 int checkVerb(const Options& options)
@@ -96,8 +118,8 @@ int checkVerb(const Options& options)
     if (!files)
         return BadUsage;
     return withMemoryFor(*files, [&] {
-        const Surroundings surroundings;
-        return checkScenes(*files, options);
+        const Surroundings around;
+        return checkScenes(*files, options, around);
     });
 }
 } // namespace Host

@@ -29,6 +29,8 @@ using namespace Scenes;
 
 namespace {
 
+constexpr const char* endedEarly = "ended before the scene was built";
+
 void say(const std::string& line)
 {
     std::fprintf(stderr, "%s\n", line.c_str());
@@ -119,7 +121,7 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const Watche
     FrameLoop loop(clock, rateOf(files, options), {options._seconds, options._frames});
     Session session;
     if (!session.build(std::move(files), sayInRun, [&around] { return around._stop.requested(); })) {
-        output.say("ended before the scene was built");
+        output.say(endedEarly);
         return Done;
     }
     reportStart(session, messageWidth(), sayInRun);
@@ -142,7 +144,6 @@ std::optional<std::vector<SceneFile>> readScenes(const Options& options)
         say(error.what());
         return std::nullopt;
     }
-    return good ? std::optional(std::move(files)) : std::nullopt;
 }
 
 int runVerb(const Options& options)
@@ -152,9 +153,10 @@ int runVerb(const Options& options)
         return BadUsage;
     if (!anyPasses(*files, SensorFilter(options._filter)))
         return NothingFound;
-    if (options._strict && !withMemoryFor(*files, [&] { return canBeMade(*files); })) {
-        say("nothing was run, as --strict asks");
-        return BadUsage;
+    const int verdict = options._strict ? withMemoryFor(*files, [&] { return partsVerdict(*files); }) : Done;
+    if (verdict != Done) {
+        say(verdict == NoAnswer ? endedEarly : "nothing was run, as --strict asks");
+        return verdict == NoAnswer ? Done : verdict;
     }
     return runWatched(std::move(*files), options._format == Format::Json,
                       [&options](std::vector<SceneFile> scenes, const WatchedRun& around) {

@@ -20,8 +20,9 @@ int nodesVerb(const Options& options);
 int typesVerb(const Options& options);
 int versionVerb(const Options& options);
 
-/// Whether every handler and node of the scenes can be made, without starting any; says which cannot, and why.
-bool canBeMade(const std::vector<Scenes::SceneFile>& files);
+/// Makes every handler and node of the scenes without starting any, and says which cannot be made, and why: Done if all
+/// can, else BadUsage; NoAnswer where a signal came first.
+int partsVerdict(const std::vector<Scenes::SceneFile>& files);
 
 /// The scene files that the caller named; says what is wrong with each, and is empty if anything is.
 std::optional<std::vector<Scenes::SceneFile>> readScenes(const Options& options);

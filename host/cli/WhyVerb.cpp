@@ -73,7 +73,7 @@ Answer findAnswer(Session& session, double rate, const Options& options, const S
     if (nextLook == 0) // a signal came first
         look();
     answer._interrupted = stop.requested();
-    answer._explanation = inSceneWords(decision.answer(), session);
+    answer._explanation = inSceneWords(decision.answer(), session, {options._from, options._to});
     if (answer._explanation._verdict == Verdict::Flowing)
         answer._explanation._text += backlog.cure(session, options._to);
     answer._fits =

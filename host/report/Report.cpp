@@ -62,7 +62,7 @@ void reportEnd(const Session& session, const RunTotals& totals, std::size_t widt
     limited(say, mostAtEnd, "remarks", [&](const Say& line) { reportRemarks(totals._root, line); });
     for (const auto& scene : session.scenes())
         limited(say, mostAtEnd, "handlers and nodes", [&](const Say& line) {
-            for (const std::string& missing : scene->missing())
+            for (const std::string& missing : scene->missingLines())
                 line(missing + "; the run went without it");
         });
     say("frames: " + std::to_string(totals._frames) + " run, " + std::to_string(totals._leftOut) + " left out");

@@ -3,6 +3,7 @@
 #include "explain/TreeWalk.h"
 #include "explain/text/Escape.h"
 #include "host/show/Json.h"
+#include "scene/check/SensorReach.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
 
@@ -66,28 +67,31 @@ std::string slotCounts(const Trovio::Slot& slot)
            lossesOf(activity) + stampFaults(activity._stamps);
 }
 
-std::string whyUnbound(const SensorWatch& watch, bool isApart)
+std::string whyUnbound(const SensorEntry& entry, const SensorWatch& watch, const std::set<std::string>& linked,
+                       bool isApart)
 {
-    if (watch.sensor().getLabel().empty())
+    if (entry._label._value.empty())
         return " is bound to nothing: it has no label";
     if (watch.slots().empty())
-        return " is bound to nothing: no handler has a slot for it (" + watch.field().getTypeName() + ")";
+        return noSlotFor(entry._type._value);
     if (std::ranges::any_of(watch.slots(), &Trovio::Slot::isActive))
         return {};
-    const bool isOutput = watch.sensor().isOutput();
-    const std::string end = isOutput ? "from its label" : "to its label";
-    return (isOutput ? " gives its values to nobody: " : " gets no values: ") +
-           (isApart ? "the route " + end + " does not connect" : "no route leads " + end);
+    const bool isOutput = entry._output._value;
+    return isApart ? unconnected(isOutput,
+                                 std::string("the route ") + (isOutput ? "from" : "to") + " its label does not connect")
+                   : whyUnreached(entry, linked);
 }
 } // namespace
 
 void reportUnbound(LoadedScene& scene, const std::set<std::string>& apart, const Say& say)
 {
+    const std::set<std::string> linked = linkTargets(scene.file());
+    auto entry = scene.file()._sensors.begin();
     for (const SensorWatch& watch : scene.watches()) {
         const bool isApart = std::ranges::any_of(scene.handlers(), [&](const LoadedHandler& handler) {
             return apart.contains(pathBelow(handler._namespace, watch.sensor().getLabel()));
         });
-        if (const std::string why = whyUnbound(watch, isApart); !why.empty())
+        if (const std::string why = whyUnbound(*entry++, watch, linked, isApart); !why.empty())
             say(named(watch) + why);
     }
 }

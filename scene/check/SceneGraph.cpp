@@ -1,7 +1,6 @@
 #include "scene/check/SceneGraph.h"
 
 #include "explain/TreeWalk.h"
-#include "explain/text/Failure.h"
 #include "ostrel/FieldClass.h"
 #include "scene/file/SceneURL.h"
 #include "scene/run/SceneParts.h"
@@ -11,24 +10,22 @@
 #include "trovio/OutSlot.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Scenes {
 
 using namespace Explain;
 
 // In the order of a run: where nodes come after the routes, one that closes a loop of nodes stays apart and says so.
-SceneGraph::SceneGraph(const std::vector<SceneFile>& files) : _root(std::make_unique<Trovio::Namespace>())
+SceneGraph::SceneGraph(const std::vector<SceneFile>& files, const Stopped& stopped)
+    : _root(std::make_unique<Trovio::Namespace>())
 {
+    addHandlers(files, stopped);
     for (const SceneFile& file : files)
-        for (const HandlerEntry& handler : file._handlers)
-            _handlers.push_back(madeHandler(file, handler));
-    for (const SceneFile& file : files) {
-        for (const LocatedPair& route : file._routes)
-            _root->addRoute(route._first._value, route._second._value);
-    }
+        addRoutes(file._routes, *_root, stopped);
     for (const GraphHandler& handler : _handlers)
         if (!handler._label.empty())
-            addNodes(handler);
+            addNodes(handler, stopped);
     addPlaces(files);
 }
 
@@ -52,21 +49,46 @@ void SceneGraph::addPlaces(const std::vector<SceneFile>& files)
     }
 }
 
+// Labels of handlers that cannot be made stay taken until all have theirs.
+void SceneGraph::addHandlers(const std::vector<SceneFile>& files, const Stopped& stopped)
+{
+    std::vector<std::string> kept;
+    for (const SceneFile& file : files)
+        for (const HandlerEntry& entry : file._handlers) {
+            _handlers.push_back(madeHandler(file, entry));
+            GraphHandler& handler = _handlers.back();
+            if (entry._kind._value == bridgeKind)
+                addRoutes(entry._routes, *_root->getNamespace(handler._label), stopped);
+            else if (!handler._label.empty())
+                kept.push_back(std::exchange(handler._label, {}));
+        }
+    for (const std::string& label : kept)
+        _root->removeNamespace(label);
+    _openPlaces = std::move(kept);
+}
+
 GraphHandler SceneGraph::madeHandler(const SceneFile& file, const HandlerEntry& entry)
 {
+    const std::string& kind = entry._kind._value;
     GraphHandler handler{&file, &entry, {}};
-    if (const std::string fault = handlerFault(entry._kind._value); !fault.empty())
+    if (const std::string fault = handlerFault(kind); !fault.empty())
         _faults.push_back({&file, entry._kind._position, fault, false});
-    if (entry._kind._value != bridgeKind)
+    if (!takesLabel(kind))
         return handler;
     auto made = std::make_unique<Trovio::Namespace>();
     made->addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
     handler._label = _root->addNamespace("Context", std::move(made));
-    for (const SensorEntry& sensor : file._sensors)
-        addSensor(handler, sensor);
-    for (const LocatedPair& route : entry._routes)
-        _root->getNamespace(handler._label)->addRoute(route._first._value, route._second._value);
+    if (kind == bridgeKind)
+        for (const SensorEntry& sensor : file._sensors)
+            addSensor(handler, sensor);
     return handler;
+}
+
+void SceneGraph::addRoutes(const std::vector<LocatedPair>& routes, Trovio::Namespace& space, const Stopped& stopped)
+{
+    for (const LocatedPair& route : routes)
+        if (!stopped())
+            space.addRoute(route._first._value, route._second._value);
 }
 
 void SceneGraph::addSensor(const GraphHandler& handler, const SensorEntry& entry)
@@ -90,17 +112,15 @@ void SceneGraph::addSensor(const GraphHandler& handler, const SensorEntry& entry
     });
 }
 
-void SceneGraph::addNodes(const GraphHandler& handler)
+void SceneGraph::addNodes(const GraphHandler& handler, const Stopped& stopped)
 {
     Trovio::Namespace& space = *_root->getNamespace(handler._label);
     const Merid::URL baseURL = sceneURL(handler._entry->_url._value, handler._scene->_path);
     for (const LabelledNode& node : labelledNodes(*handler._entry)) {
-        MadeNode made = madeNode(node, baseURL);
-        if (made._node)
-            if (const auto failure = failureOf([&] { space.addNamespace(std::move(made._node)); }))
-                made = {nullptr, *failure, node._entry->_second._position};
-        if (!made._fault.empty())
-            _faults.push_back({handler._scene, made._position, made._fault, made._fromOutside});
+        if (stopped())
+            return;
+        if (const auto fault = addNode(space, node, baseURL))
+            _faults.push_back({handler._scene, fault->_position, fault->_text, fault->_fromOutside});
         const Trovio::Namespace* const standing = space.getNamespace(node._label);
         if (standing == nullptr || standing->inspect()._slots.empty())
             _openPlaces.push_back(pathBelow(handler._label, node._label));
@@ -121,5 +141,15 @@ bool SceneGraph::isOpen(const std::string& path, const std::string& pattern) con
         const std::string slots = place + "/";
         return start.starts_with(slots) || (star != std::string::npos && slots.starts_with(start));
     });
+}
+std::vector<Trovio::Pattern> SceneGraph::openTargets(const Trovio::NamespaceInfo& tree) const
+{
+    std::vector<Trovio::Pattern> targets;
+    walkTree(tree, [&](const std::string& path, const Trovio::NamespaceInfo& info) {
+        for (const Trovio::RouteInfo& route : info._routes)
+            if (route._to.find('*') != std::string::npos && isOpen(path, route._from))
+                targets.emplace_back(pathBelow(path, route._to));
+    });
+    return targets;
 }
 } // namespace Scenes

@@ -2,8 +2,10 @@
 
 #include "explain/Graph.h"
 #include "scene/file/SceneFile.h"
+#include "scene/run/Stopped.h"
 #include "trovio/Namespace.h"
 #include "trovio/Slot.h"
+#include "trovio/routing/Pattern.h"
 
 #include <memory>
 #include <vector>
@@ -30,8 +32,10 @@ struct GraphFault {
 /// Ownership: owns the tree and the slots of the sensors; refers to the files, which must live as long.
 class SceneGraph {
 public:
-    /// Leaves out what cannot be made, see faults().
-    explicit SceneGraph(const std::vector<SceneFile>& files);
+    /// Leaves out what cannot be made, see faults(). Where `stopped` says so, it leaves off: it is asked before each
+    /// step that can take long.
+    explicit SceneGraph(
+        const std::vector<SceneFile>& files, const Stopped& stopped = [] { return false; });
 
     const std::vector<GraphHandler>& handlers() const { return _handlers; }
     const std::vector<GraphFault>& faults() const { return _faults; }
@@ -45,16 +49,20 @@ public:
     /// Whether slots may yet appear under labels that match the pattern: those of a node that could not be made, or
     /// that has none before it runs. The labels are those that the namespace with that path sees.
     bool isOpen(const std::string& path, const std::string& pattern) const;
+    /// The paths that slots may yet be routed to once they appear, as patterns. `tree` is what inspect() returned.
+    std::vector<Trovio::Pattern> openTargets(const Trovio::NamespaceInfo& tree) const;
 
 private:
+    void addHandlers(const std::vector<SceneFile>& files, const Stopped& stopped);
     GraphHandler madeHandler(const SceneFile& file, const HandlerEntry& entry);
     void addSensor(const GraphHandler& handler, const SensorEntry& entry);
     void addPlaces(const std::vector<SceneFile>& files);
-    void addNodes(const GraphHandler& handler);
+    void addRoutes(const std::vector<LocatedPair>& routes, Trovio::Namespace& space, const Stopped& stopped);
+    void addNodes(const GraphHandler& handler, const Stopped& stopped);
 
     std::vector<GraphHandler> _handlers;
     std::vector<GraphFault> _faults;
-    std::vector<std::string> _openPlaces; // paths of nodes whose slots nobody knows yet
+    std::vector<std::string> _openPlaces; // paths of nodes and handlers whose slots nobody knows
     Explain::ScenePlaces _places;
     std::vector<std::unique_ptr<Trovio::Slot>> _slots;
     std::unique_ptr<Trovio::Namespace> _root; // goes before the slots that it refers to

@@ -1,8 +1,10 @@
 #include "scene/check/SceneNotes.h"
 
+#include "explain/RouteEnds.h"
 #include "explain/TreeWalk.h"
 #include "explain/text/Escape.h"
 #include "scene/check/RouteCheck.h"
+#include "scene/check/SensorReach.h"
 #include "scene/file/SceneMemory.h"
 #include "scene/run/SceneParts.h"
 
@@ -23,10 +25,7 @@ void SceneNotes::note(Position position, const std::string& text)
 {
     if (++_notes > mostNotes)
         return;
-    std::string place = escaped(_scene._path);
-    if (position._line != 0)
-        place += ":" + std::to_string(position._line) + ":" + std::to_string(position._column);
-    std::fprintf(stderr, "%s: note: %s\n", place.c_str(), text.c_str());
+    std::fprintf(stderr, "%s: note: %s\n", placeText(_scene._path, position).c_str(), text.c_str());
 }
 
 void SceneNotes::checkParts(const SceneGraph& graph)
@@ -60,20 +59,45 @@ void SceneNotes::checkParts(const SceneGraph& graph)
         note(pinned->_position, pinned->_text);
 }
 
-void SceneNotes::checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInfo& root)
+void SceneNotes::checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped)
 {
-    const auto say = [this](Position position, const std::string& text) { note(position, text); };
-    RouteCheck ofRoot(graph, {}, root);
-    for (const LocatedPair& route : _scene._routes)
-        ofRoot.check(route, say);
+    const auto checkAll = [&](const std::vector<LocatedPair>& routes, RouteCheck&& check) {
+        for (const LocatedPair& route : routes)
+            if (!stopped())
+                check.check(route, [this](Position position, const std::string& text) { note(position, text); });
+    };
+    checkAll(_scene._routes, RouteCheck(graph, {}, root));
     for (const Trovio::NamespaceInfo& child : root._children) {
         const GraphHandler* const handler = graph.handlerAt(child._label);
         if (!handler || handler->_scene != &_scene)
             continue;
-        RouteCheck ofHandler(graph, child._label, child);
-        for (const LocatedPair& route : handler->_entry->_routes)
-            ofHandler.check(route, say);
+        checkAll(handler->_entry->_routes, RouteCheck(graph, child._label, child));
         checkRivals(graph, root, child);
+    }
+    checkSensors(graph, root, stopped);
+}
+
+// What is wrong with a route that names a sensor is said of the route.
+void SceneNotes::checkSensors(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped)
+{
+    std::vector<std::string> spaces;
+    for (const GraphHandler& handler : graph.handlers())
+        if (handler._scene == &_scene && !handler._label.empty())
+            spaces.push_back(handler._label);
+    const std::set<std::string> ends = endsOfRoutes(root), linked = linkTargets(_scene);
+    const std::vector<Trovio::Pattern> targets = graph.openTargets(root);
+    const auto isReached = [&](const std::string& path) {
+        return ends.contains(path) ||
+               std::ranges::any_of(targets, [&](const auto& target) { return target.match(path).has_value(); });
+    };
+    for (const SensorEntry& sensor : _scene._sensors) {
+        const std::string& label = sensor._label._value;
+        if (stopped() || spaces.empty() || label.empty() ||
+            std::ranges::any_of(spaces, [&](const auto& space) { return isReached(pathBelow(space, label)); }))
+            continue;
+        if (const std::string why = whyUnreached(sensor, linked); !why.empty())
+            note(sensor._label._position,
+                 "sensor " + inQuotes(sensor._name._value) + " (label " + inQuotes(label) + ")" + why);
     }
 }
 

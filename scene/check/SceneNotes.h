@@ -17,14 +17,16 @@ public:
     /// Of handlers, nodes and sensors.
     void checkParts(const SceneGraph& graph);
 
-    /// Of routes that can carry nothing as they stand. `root` is the tree of the graph that the scene stands in.
-    void checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInfo& root);
+    /// Of routes that can carry nothing as they stand, and of sensors that none reaches. `root` is the tree of the
+    /// graph that the scene stands in. Leaves off where `stopped` says so.
+    void checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped);
 
     /// Ends a check: says what is wrong, or else on `out` that the scene is good, how much there is in it, and how many
     /// notes there were. Whether it is good; where `strict`, notes are wrong, too.
     bool finish(std::FILE* out, bool strict) const;
 
 private:
+    void checkSensors(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped);
     void checkRivals(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Trovio::NamespaceInfo& space);
     void note(Position position, const std::string& text);
     void printSum(std::FILE* out) const;

@@ -13,6 +13,13 @@ namespace {
 constexpr std::size_t mostKept = 20;
 }
 
+std::string placeText(const std::string& file, Position position)
+{
+    const std::string place = escaped(file, 1000);
+    return position._line == 0 ? place
+                               : place + ":" + std::to_string(position._line) + ":" + std::to_string(position._column);
+}
+
 void Problems::add(Position position, std::string_view text)
 {
     if (!full())
@@ -26,15 +33,6 @@ bool Problems::full() const
     return _problems.size() >= mostKept;
 }
 
-std::string Problems::line(const Problem& problem) const
-{
-    const std::string file = escaped(_file, 1000);
-    if (problem._position._line == 0)
-        return file + ": " + problem._text;
-    return file + ":" + std::to_string(problem._position._line) + ":" + std::to_string(problem._position._column) +
-           ": " + problem._text;
-}
-
 std::string Problems::text() const
 {
     std::vector<Problem> inOrder = _problems;
@@ -43,7 +41,7 @@ std::string Problems::text() const
     });
     std::string text;
     for (const Problem& problem : inOrder)
-        text += (text.empty() ? "" : "\n") + line(problem);
+        text += (text.empty() ? "" : "\n") + placeText(_file, problem._position) + ": " + problem._text;
     if (_left != 0)
         text += "\n" + escaped(_file, 1000) + ": and " + std::to_string(_left) + " more";
     return text;

@@ -9,6 +9,9 @@
 
 namespace Scenes {
 
+/// "file:line:column", or the file alone for a position without a line. For messages.
+std::string placeText(const std::string& file, Position position);
+
 /// Gathers what is wrong with one scene file, so that its author sees everything at once.
 class Problems {
 public:
@@ -30,8 +33,6 @@ private:
         Position _position;
         std::string _text;
     };
-    std::string line(const Problem& problem) const;
-
     const std::string _file;
     std::vector<Problem> _problems;
     std::size_t _left = 0; // not kept: nobody reads more than a page

@@ -12,6 +12,7 @@ namespace Scenes {
 struct Position {
     unsigned _line = 0;
     unsigned _column = 0;
+    bool operator==(const Position&) const = default;
 };
 
 struct TomlEntry;

@@ -4,6 +4,7 @@
 #include "explain/text/Failure.h"
 #include "ostrel/FieldClass.h"
 #include "scene/file/InitialValue.h"
+#include "scene/file/Problems.h"
 #include "scene/file/SceneURL.h"
 #include "scene/run/SceneParts.h"
 #include "sensorManager/SensorHandler.h"
@@ -21,17 +22,6 @@ namespace {
 
 constexpr std::string_view fieldSuffix = ".value";
 constexpr std::size_t longestReason = 1000;
-
-std::string place(const SceneFile& file, Position at)
-{
-    return escaped(file._path) + ":" + std::to_string(at._line) + ":" + std::to_string(at._column) + ": ";
-}
-
-bool stands(const std::string& space, const std::string& label)
-{
-    const Trovio::Namespace* const found = Trovio::Root::get().getNamespace(space);
-    return found != nullptr && found->getNamespace(label) != nullptr;
-}
 } // namespace
 
 LoadedScene::LoadedScene(SceneFile file, std::string title, Stopped stopped)
@@ -77,16 +67,26 @@ void LoadedScene::addLinks()
 
 LoadedHandler LoadedScene::madeHandler(const HandlerEntry& entry, const Say& say)
 {
-    Ostrel::SensorHandler* handler = nullptr;
+    LoadedHandler loaded{&entry, nullptr, {}};
+    const std::string& kind = entry._kind._value;
     auto& manager = *Ostrel::SensorManager::requestManager(_scene.context());
     const auto failure = failureOf([&] {
-        handler = manager.addHandler(entry._kind._value, entry._name._value, sceneURL(entry._url._value, _file._path));
+        loaded._handler = manager.addHandler(kind, entry._name._value, sceneURL(entry._url._value, _file._path));
     });
-    if (handler == nullptr)
-        miss(entry._kind._position,
-             "handler " + inQuotes(entry._name._value) + " of kind " + inQuotes(entry._kind._value),
-             failure ? escaped(*failure, longestReason) : handlerFault(entry._kind._value), say);
-    return {&entry, handler, {}};
+    if (loaded._handler != nullptr)
+        return loaded;
+    if (takesLabel(kind))
+        loaded._namespace = Trovio::Root::get().addNamespace("Context", std::make_unique<Trovio::Namespace>());
+    miss(entry._kind._position, "handler " + inQuotes(entry._name._value) + " of kind " + inQuotes(kind),
+         failure ? *failure : handlerFault(kind), say);
+    return loaded;
+}
+
+void LoadedScene::releaseLabels()
+{
+    for (const LoadedHandler& loaded : _handlers)
+        if (loaded._handler == nullptr && !loaded._namespace.empty())
+            Trovio::Root::get().removeNamespace(loaded._namespace);
 }
 
 void LoadedScene::addHandlers(const Say& say)
@@ -132,28 +132,34 @@ void LoadedScene::addNodes(const Say& say)
     }
 }
 
+// Not by addParameter(), which tells only the log why it refuses a node.
 void LoadedScene::addNode(const LoadedHandler& loaded, const LabelledNode& node, const Say& say)
 {
-    const bool hasLabels = !loaded._namespace.empty();
-    std::string type = node._entry->_first._value;
-    std::string settings = hasLabels ? node._settings : node._entry->_second._value;
-    Position at = node._entry->_first._position;
-    auto failure = failureOf([&] { loaded._handler->addParameter(type, settings); });
-    if (!failure && (!hasLabels || stands(loaded._namespace, node._label)))
-        return;
-    if (!failure) { // only the log was told why
-        const MadeNode again = madeNode(node, sceneURL(loaded._entry->_url._value, _file._path));
-        failure = again._fault;
-        at = again._fault.empty() ? at : again._position;
-    }
-    miss(at, "node " + inQuotes(type), escaped(*failure, longestReason), say);
+    std::string type = node._entry->_first._value, settings = node._entry->_second._value;
+    if (loaded._namespace.empty())
+        return loaded._handler->addParameter(type, settings);
+    Trovio::Namespace& space = *Trovio::Root::get().getNamespace(loaded._namespace);
+    if (const auto fault = Scenes::addNode(space, node, sceneURL(loaded._entry->_url._value, _file._path)))
+        miss(fault->_position, "node " + inQuotes(type), fault->_text, say);
+}
+
+std::vector<std::string> LoadedScene::missingLines() const
+{
+    std::vector<std::string> lines;
+    for (const MissingPart& part : _missing)
+        lines.push_back(lineOf(part));
+    return lines;
+}
+
+std::string LoadedScene::lineOf(const MissingPart& part) const
+{
+    return placeText(_file._path, part._position) + ": " + part._text;
 }
 
 void LoadedScene::miss(Position at, const std::string& part, const std::string& reason, const Say& say)
 {
-    const std::string line = place(_file, at) + part + " could not be made" + (reason.empty() ? "" : ": " + reason);
-    say(line + "; the run goes on without it");
-    _missing.push_back(line);
+    _missing.push_back({at, part + " could not be made: " + escaped(reason, longestReason)});
+    say(lineOf(_missing.back()) + "; the run goes on without it");
 }
 
 void LoadedScene::frame(double now)

@@ -4,6 +4,7 @@
 #include "scene/file/SceneFile.h"
 #include "scene/run/NodeLabels.h"
 #include "scene/run/SensorWatch.h"
+#include "scene/run/Stopped.h"
 
 #include <deque>
 #include <functional>
@@ -20,14 +21,17 @@ namespace Scenes {
 /// Where a line for the person at the terminal goes.
 using Say = std::function<void(const std::string& line)>;
 
-/// Whether to leave off what has begun.
-using Stopped = std::function<bool()>;
-
 /// One handler of a scene; null where none could be made. The sensor manager owns it.
 struct LoadedHandler {
     const HandlerEntry* _entry;
     Ostrel::SensorHandler* _handler;
-    std::string _namespace; // label in the framework's root; empty where the kind has none
+    std::string _namespace; // label in the framework's root, or that it would have; empty where the kind has none
+};
+
+/// What a scene names and a run goes without: a handler or node that could not be made.
+struct MissingPart {
+    Position _position;
+    std::string _text; // which and why
 };
 
 /// A scene file made into a context with sensors and handlers.
@@ -43,6 +47,8 @@ public:
     void addSensors();
     /// Makes the handlers and their routes; says which could not be made, and goes on.
     void addHandlers(const Say& say);
+    /// Gives back the labels that were kept for handlers that could not be made, once no more handlers come.
+    void releaseLabels();
     /// Gives the handlers their nodes, which start at once; says which could not be added, and goes on.
     void addNodes(const Say& say);
 
@@ -56,8 +62,9 @@ public:
     const std::vector<LoadedHandler>& handlers() const { return _handlers; }
     /// In scene order; they end when the sensors are unregistered.
     std::deque<SensorWatch>& watches() { return _watches; }
-    /// What the scene names and the run goes without, a line each: handlers and nodes that could not be made.
-    const std::vector<std::string>& missing() const { return _missing; }
+    const std::vector<MissingPart>& missing() const { return _missing; }
+    /// The same for people, a line each, with their places.
+    std::vector<std::string> missingLines() const;
 
 private:
     void addSensor(const SensorEntry& entry);
@@ -65,6 +72,7 @@ private:
     LoadedHandler madeHandler(const HandlerEntry& entry, const Say& say);
     void findSlots(LoadedHandler& loaded);
     void addNode(const LoadedHandler& loaded, const LabelledNode& node, const Say& say);
+    std::string lineOf(const MissingPart& part) const;
     void miss(Position at, const std::string& part, const std::string& reason, const Say& say);
 
     const SceneFile _file;
@@ -72,7 +80,7 @@ private:
     const Stopped _stopped;
     Ostrel::Scene _scene;
     std::vector<LoadedHandler> _handlers;
-    std::vector<std::string> _missing;
+    std::vector<MissingPart> _missing;
     std::deque<SensorWatch> _watches; // never moves: fields refer to them
 };
 } // namespace Scenes

@@ -1,6 +1,7 @@
 #include "scene/run/SceneCause.h"
 
 #include "explain/text/Escape.h"
+#include "scene/file/Problems.h"
 #include "scene/run/NodeLabels.h"
 #include "scene/run/SceneParts.h"
 #include "trovio/Root.h"
@@ -16,11 +17,6 @@ namespace {
 using Trovio::Explanation;
 using Trovio::Verdict;
 
-std::string place(const SceneFile& file, Position position)
-{
-    return escaped(file._path) + ":" + std::to_string(position._line) + ":" + std::to_string(position._column);
-}
-
 /// The label as the handler sees it: without that of its namespace before it.
 std::string within(const LoadedHandler& handler, const std::string& label)
 {
@@ -31,18 +27,9 @@ std::string within(const LoadedHandler& handler, const std::string& label)
 /// What the start said of the part of the scene at that place; empty if it was made.
 std::string whyMissing(const LoadedScene& scene, Position position)
 {
-    const std::string before = place(scene.file(), position) + ": ";
-    const auto found =
-        std::ranges::find_if(scene.missing(), [&](const std::string& line) { return line.starts_with(before); });
-    return found == scene.missing().end() ? std::string() : *found;
-}
-
-std::string whyNoNode(const LoadedScene& scene, const LoadedHandler& handler, const std::string& label)
-{
-    for (const LabelledNode& node : labelledNodes(*handler._entry))
-        if (label == node._label || label.starts_with(node._label + "/"))
-            return whyMissing(scene, node._entry->_first._position) + whyMissing(scene, node._entry->_second._position);
-    return {};
+    const auto found = std::ranges::find(scene.missing(), position, &MissingPart::_position);
+    return found == scene.missing().end() ? std::string()
+                                          : placeText(scene.file()._path, position) + ": " + found->_text;
 }
 
 std::string whyNoBridge(const LoadedScene& scene, const LoadedHandler& handler)
@@ -50,20 +37,34 @@ std::string whyNoBridge(const LoadedScene& scene, const LoadedHandler& handler)
     const LocatedText& kind = handler._entry->_kind;
     const std::string why = whyMissing(scene, kind._position);
     return !why.empty() ? why
-                        : place(scene.file(), kind._position) + ": handler " + inQuotes(handler._entry->_name._value) +
-                              " is of kind " + inQuotes(kind._value);
+                        : placeText(scene.file()._path, kind._position) + ": handler " +
+                              inQuotes(handler._entry->_name._value) + " is of kind " + inQuotes(kind._value);
 }
 
-/// Why nothing stands under the label: the node that should, or all handlers.
+/// Why the handler has nothing under the label: it could not be made itself, or the node that should stand there.
+std::string whyNotIn(const LoadedScene& scene, const LoadedHandler& handler, const std::string& label)
+{
+    const std::string inside = within(handler, label);
+    if (handler._handler == nullptr && inside != label)
+        return whyNoBridge(scene, handler);
+    for (const LabelledNode& node : labelledNodes(*handler._entry))
+        if (inside == node._label || inside.starts_with(node._label + "/"))
+            return handler._handler == nullptr ? whyNoBridge(scene, handler)
+                                               : whyMissing(scene, node._entry->_first._position) +
+                                                     whyMissing(scene, node._entry->_second._position);
+    return {};
+}
+
+/// Why nothing stands under the label: the node that should, its handler, or all handlers.
 std::string whyNotMade(const Session& session, const std::string& label)
 {
     bool hasBridge = false;
     std::string handlers;
     for (const auto& scene : session.scenes())
         for (const LoadedHandler& handler : scene->handlers()) {
-            hasBridge = hasBridge || !handler._namespace.empty();
+            hasBridge = hasBridge || (handler._handler != nullptr && !handler._namespace.empty());
             handlers += "; " + whyNoBridge(*scene, handler);
-            if (const std::string why = whyNoNode(*scene, handler, within(handler, label)); !why.empty())
+            if (const std::string why = whyNotIn(*scene, handler, label); !why.empty())
                 return why;
         }
     if (hasBridge)
@@ -94,7 +95,8 @@ std::string whyOnlyName(const Session& session, const std::string& label)
     const SensorEntry* const sensor = findSensor(session, label, &SensorEntry::_name, file);
     if (!sensor)
         return {};
-    const std::string where = inQuotes(label) + " is the name of a sensor (" + place(*file, sensor->_name._position);
+    const std::string where =
+        inQuotes(label) + " is the name of a sensor (" + placeText(file->_path, sensor->_name._position);
     if (sensor->_label._value.empty())
         return where + ") that has no label, so nothing can reach it; give it one: label = \"" + escaped(label) + "\"";
     return where + "), and routes go by its label: " + inQuotes(sensor->_label._value);
@@ -110,9 +112,21 @@ std::string whyWrongWay(const Session& session, const std::string& label)
     const std::string who = "sensor " + inQuotes(sensor->_name._value) + " (label " + inQuotes(label) + ") is an ";
     if (!sensor->_output._value)
         return who + "input, but records come from an output; set output = true at " +
-               place(*file, sensor->_name._position);
+               placeText(file->_path, sensor->_name._position);
     return who + "output, but records go to an input; take output = true away at " +
-           place(*file, sensor->_output._position);
+           placeText(file->_path, sensor->_output._position);
+}
+
+/// That a sensor that was to take what comes from the out-slot with that label is an output, too.
+std::string whyBothGive(const Session& session, const std::string& label, const Asked& asked)
+{
+    const SceneFile* file = nullptr;
+    const SensorEntry* const sensor = findSensor(session, asked._from, &SensorEntry::_label, file);
+    if (label != asked._to || !sensor || !sensor->_output._value)
+        return {};
+    return "; sensor " + inQuotes(sensor->_name._value) + " (label " + inQuotes(asked._from) +
+           ") gives values, too; if it is to take those of " + inQuotes(label) + ", take output = true away at " +
+           placeText(file->_path, sensor->_output._position) + " and swap the two ends";
 }
 
 /// Where to read which way the slots of a node can face.
@@ -132,10 +146,24 @@ Explanation replaced(Explanation found, Verdict verdict, const std::string& caus
     const std::string before = std::string(toString(found._verdict)) + ": ";
     const std::size_t head = found._text.find(before);
     const std::string* const label = found.findText("label");
-    found._text = found._text.substr(0, head) + toString(verdict) + ": " + cause;
+    const std::string* const other = verdict == found._verdict ? found.findText("other end") : nullptr;
+    found._text = found._text.substr(0, head) + toString(verdict) + ": " + cause +
+                  (other ? (cause.ends_with('?') ? " " : "; ") + *other : "");
     found._verdict = verdict;
     found._details = {{"label", label ? *label : std::string()}, {"reason", cause}};
     return found;
+}
+
+/// That no route leads from one end to the other, and what is to be said of the one that looked as if it should.
+Explanation withoutRoute(Explanation found, const std::string& remark)
+{
+    Explanation answer = found;
+    answer = replaced(std::move(answer), Verdict::NoRoute,
+                      "no route leads from " + inQuotes(*found.findText("cure from")) + " to " +
+                          inQuotes(*found.findText("cure to")) + "; of " + *found.findText("route") + ": " + remark);
+    for (const char* const name : {"cure from", "cure to", "cure in"})
+        answer._details.push_back({name, *found.findText(name)});
+    return answer;
 }
 
 /// The handler that has the very route, but not the slot where it starts or ends.
@@ -153,20 +181,26 @@ std::string otherHandler(const Explanation& found, const Session& session)
 }
 } // namespace
 
-Explanation inSceneWords(Explanation found, const Session& session)
+Explanation inSceneWords(Explanation found, const Session& session, const Asked& asked)
 {
     const std::string* const label = found.findText("label");
-    if (label && found._verdict != Verdict::Flowing)
-        if (const std::string why = whyNotMade(session, *label); !why.empty())
+    if (!label || found._verdict == Verdict::Flowing)
+        return found;
+    if (const std::string why = whyNotMade(session, *label); !why.empty()) {
+        const std::string* const start = found.findText("route from");
+        if (!start || *start != *label || *label == asked._from)
             return replaced(std::move(found), Verdict::NotMade, why);
-    if (label && found._verdict == Verdict::NoSuchLabel)
+        // The route is not misspelt: it begins at another node than was asked about.
+        return withoutRoute(std::move(found), "it begins elsewhere, " + why);
+    }
+    if (found._verdict == Verdict::NoSuchLabel)
         if (const std::string why = whyOnlyName(session, *label); !why.empty())
-            return replaced(std::move(found), found._verdict, "no slot " + inQuotes(*label) + " is in scope; " + why);
-    if (label && found._verdict == Verdict::WrongDirection && !found.findText("cure")) {
+            return replaced(std::move(found), found._verdict, "no slot has the label " + inQuotes(*label) + "; " + why);
+    if (found._verdict == Verdict::WrongDirection && !found.findText("cure")) {
         if (const std::string why = whyWrongWay(session, *label); !why.empty())
             return replaced(std::move(found), found._verdict, why);
         if (!found.findText("cure in"))
-            found._text += slotsOfNode(session, *label);
+            found._text += whyBothGive(session, *label, asked) + slotsOfNode(session, *label);
     }
     return found;
 }

@@ -5,6 +5,7 @@
 #include "explain/text/NearestName.h"
 #include "sensorManager/SensorHandler.h"
 #include "sensorManager/SensorHandlerType.h"
+#include "trovio/Node.h"
 #include "trovio/NodeType.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ using namespace Explain;
 namespace {
 
 // The bridge needs a root to stand under; the others are made to see whether they can be.
-bool canBeMade(const std::string& kind)
+bool isUsable(const std::string& kind)
 {
     Ostrel::SensorHandlerType* const type = Ostrel::SensorHandlerType::find(kind);
     return type != nullptr && (kind == bridgeKind || std::unique_ptr<Ostrel::SensorHandler>(
@@ -27,7 +28,7 @@ bool canBeMade(const std::string& kind)
 std::string handlerFault(const std::string& kind)
 {
     constexpr std::string_view usable[] = {bridgeKind, "OT", "ORDAN"};
-    if (canBeMade(kind))
+    if (isUsable(kind))
         return {};
     const bool isKnown = Ostrel::SensorHandlerType::find(kind) != nullptr;
     return (isKnown ? "no handler of kind " + inQuotes(kind) + " can be made by this program"
@@ -35,21 +36,30 @@ std::string handlerFault(const std::string& kind)
            "; allowed: " + listed(usable) + nearestHint(kind, usable);
 }
 
-MadeNode madeNode(const LabelledNode& node, const Merid::URL& baseURL)
+bool takesLabel(const std::string& kind)
 {
-    const LocatedPair& entry = *node._entry;
-    const std::string& type = entry._first._value;
-    MadeNode made;
-    if (const auto failure = failureOf([&] { made._node = Trovio::NodeType::newInstance(type); })) {
-        const bool isKnown = std::ranges::count(Trovio::NodeType::names(), type) != 0;
-        return {nullptr, *failure, entry._first._position, isKnown};
+    constexpr std::string_view known[] = {bridgeKind, "OT", "ORDAN", "TORVA"};
+    if (Ostrel::SensorHandlerType::find(kind) != nullptr)
+        return kind == bridgeKind;
+    const std::string_view nearest = nearestName(kind, known);
+    return nearest.empty() || nearest == bridgeKind;
+}
+
+std::optional<NodeFault> addNode(Trovio::Namespace& space, const LabelledNode& node, const Merid::URL& baseURL)
+{
+    const auto& [type, settings] = *node._entry;
+    std::unique_ptr<Trovio::Node> made;
+    if (const auto failure = failureOf([&] { made = Trovio::NodeType::newInstance(type._value); })) {
+        const bool isKnown = std::ranges::count(Trovio::NodeType::names(), type._value) != 0;
+        return NodeFault{type._position, *failure, isKnown};
     }
     const auto failure = failureOf([&] {
-        made._node->setBaseURL(baseURL);
-        made._node->setFieldValues(node._settings);
+        made->setBaseURL(baseURL);
+        made->setFieldValues(node._settings);
+        space.addNamespace(std::move(made));
     });
-    if (failure)
-        return {nullptr, *failure, (entry._second._position._line != 0 ? entry._second : entry._first)._position};
-    return made;
+    if (!failure)
+        return std::nullopt;
+    return NodeFault{settings._position._line != 0 ? settings._position : type._position, *failure};
 }
 } // namespace Scenes

@@ -2,9 +2,9 @@
 
 #include "merid/URL.h"
 #include "scene/run/NodeLabels.h"
-#include "trovio/Node.h"
+#include "trovio/Namespace.h"
 
-#include <memory>
+#include <optional>
 #include <string>
 
 namespace Scenes {
@@ -14,14 +14,18 @@ constexpr std::string_view bridgeKind = "Trovio"; // the kind of handler that ha
 /// Why no handler of that kind can be made: what is allowed, and the nearest name. Empty if one can.
 std::string handlerFault(const std::string& kind);
 
-/// A node with its settings, or what is wrong with it.
-struct MadeNode {
-    std::unique_ptr<Trovio::Node> _node; // stands nowhere, so it has opened nothing; null if it could not be made
-    std::string _fault;                  // why not
-    Position _position;                  // of what is wrong
-    bool _fromOutside = false;           // the type is known, but cannot be used on this machine
+/// Whether a handler of that kind stands in the root under a label, or would if it could be made: one of an unknown
+/// kind keeps its label taken, so that those after it have the labels that they have once its kind is spelt right.
+bool takesLabel(const std::string& kind);
+
+/// Why a node could not be made.
+struct NodeFault {
+    Position _position; // of what is wrong
+    std::string _text;
+    bool _fromOutside = false; // the type is known, but cannot be used on this machine
 };
 
-/// `baseURL` is what relative file names in the settings are resolved against.
-MadeNode madeNode(const LabelledNode& node, const Merid::URL& baseURL);
+/// Makes the node and puts it into the namespace, where it starts if that stands under the root. `baseURL` is what
+/// relative file names in its settings are resolved against.
+std::optional<NodeFault> addNode(Trovio::Namespace& space, const LabelledNode& node, const Merid::URL& baseURL);
 } // namespace Scenes

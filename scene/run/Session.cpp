@@ -66,6 +66,8 @@ bool Session::build(std::vector<SceneFile> files, const Say& say, const Stopped&
         _scenes.back()->addHandlers(say);
     }
     for (const auto& scene : _scenes)
+        scene->releaseLabels();
+    for (const auto& scene : _scenes)
         for (const LocatedPair& route : scene->file()._routes)
             if (!stopped())
                 Trovio::Root::get().addRoute(route._first._value, route._second._value);

@@ -249,6 +249,7 @@ TEST(HostProgram, RunsWithoutWhatCannotBeMadeUnlessItIsStrict)
     EXPECT_EQ(running.wait(), 0);
     EXPECT_NE(running.err().find(fault + "node 'Generator' could not be made: "), std::string::npos) << running.err();
     EXPECT_NE(running.err().find("; the run went without it\n"), std::string::npos) << running.err();
+    EXPECT_EQ(running.err().find("Invalid"), std::string::npos) << "not by the log, too: " << running.err();
     HostProcess strict(host, {"run", scene.path(), "--frames", "1", "--strict"});
     EXPECT_EQ(strict.wait(), 2);
     EXPECT_EQ(strict.err(), check.err() + "nothing was run, as --strict asks\n");
