@@ -1,45 +1,17 @@
 #include "tests/support/LogCapture.h"
+#include "tests/support/PassNode.h"
 #include "trovio/Exception.h"
-#include "trovio/InSlot.h"
-#include "trovio/Node.h"
-#include "trovio/OutSlot.h"
 #include <gtest/gtest.h>
 
-using Trovio::InSlot;
 using Trovio::Namespace;
-using Trovio::OutSlot;
 
 namespace {
 
-/// A node with one slot at each end.
-class Box : public Trovio::Node {
-public:
-    enum class Kind { Relay, Device };
-
-    explicit Box(Kind kind = Kind::Relay)
-    {
-        setType(type());
-        if (kind == Kind::Relay)
-            declareRelay();
-        addInSlot("in", &_in);
-        addOutSlot("out", &_out);
-    }
-
-private:
-    static const Trovio::NodeTypeEntry& type()
-    {
-        static const Trovio::NodeTypeEntry entry{"Box", "has two slots"};
-        return entry;
-    }
-    InSlot<float> _in{"in"};
-    OutSlot<float> _out{"out"};
-};
-
 class Loop : public ::testing::Test {
 protected:
-    void addBox(const std::string& label, Box::Kind kind = Box::Kind::Relay)
+    void addNode(const std::string& label, bool isRelay = true)
     {
-        _scene.addNamespace(label, std::make_unique<Box>(kind));
+        _scene.addNamespace(label, std::make_unique<PassNode>(isRelay));
     }
 
     std::string refusal(const std::string& from, const std::string& to)
@@ -58,7 +30,7 @@ protected:
 TEST_F(Loop, IsSpelledOutAndRefused)
 {
     for (const char* label : {"a", "b", "c"})
-        addBox(label);
+        addNode(label);
     EXPECT_EQ(refusal("a/out", "b/in"), "");
     EXPECT_EQ(refusal("b/out", "c/in"), "");
     EXPECT_EQ(refusal("a/out", "c/in"), "") << "two ways to one place are no loop";
@@ -76,7 +48,7 @@ TEST_F(Loop, IsSpelledOutAndRefused)
 TEST_F(Loop, OfOnePatternIsRefusedAsAWhole)
 {
     for (const char* label : {"xin/out", "x", "inx"})
-        addBox(label);
+        addNode(label);
     // Each of the two pairs alone would do: x/out -> inx/in and inx/out -> x/in.
     _scene.addRoute("inx/out", "x/in");
     EXPECT_NE(refusal("*/out", "in*/in"), "");
@@ -86,8 +58,8 @@ TEST_F(Loop, OfOnePatternIsRefusedAsAWhole)
 
 TEST_F(Loop, ThroughADeviceIsNone)
 {
-    addBox("device", Box::Kind::Device);
-    addBox("filter");
+    addNode("device", false);
+    addNode("filter");
     EXPECT_EQ(refusal("device/out", "filter/in"), "");
     EXPECT_EQ(refusal("filter/out", "device/in"), "");
     EXPECT_EQ(refusal("device/out", "device/in"), "");
@@ -98,8 +70,8 @@ TEST_F(Loop, ThatComesLaterStaysApartUntilAnotherRouteGoes)
     const LogCapture log;
     _scene.addRoute("a/out", "b/in");
     _scene.addRoute("b/out", "a/in");
-    addBox("a");
-    addBox("b");
+    addNode("a");
+    addNode("b");
     const auto apart = [this] {
         std::string reasons;
         for (const auto& route : _scene.inspect()._routes)
@@ -124,8 +96,8 @@ TEST_F(Loop, IsSeenAcrossLevels)
 {
     auto inner = std::make_unique<Namespace>();
     inner->addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
-    inner->addNamespace("a", std::make_unique<Box>());
-    inner->addNamespace("b", std::make_unique<Box>());
+    inner->addNamespace("a", std::make_unique<PassNode>());
+    inner->addNamespace("b", std::make_unique<PassNode>());
     inner->addRoute("a/out", "b/in");
     _scene.addNamespace("inner", std::move(inner));
     EXPECT_NE(refusal("inner/b/out", "inner/a/in").find("'a/out' -> 'b/in'"), std::string::npos);
@@ -139,8 +111,8 @@ TEST_F(Loop, IsLookedForAmongThousandsOfRoutes)
     constexpr int count = 10'000;
     const auto label = [](int number) { return "n" + std::to_string(number); };
     for (int i = 0; i < count; ++i)
-        addBox(label(i));
-    addBox("hub");
+        addNode(label(i));
+    addNode("hub");
     constexpr int quarter = count / 4;
     for (int i = 1; i < quarter; ++i)
         _scene.addRoute(label(i) + "/out", label(i - 1) + "/in");

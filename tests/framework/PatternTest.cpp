@@ -7,44 +7,34 @@ using Trovio::Pattern;
 
 namespace {
 
-struct Expansion {
-    const char* _name;
-    const char* _pattern;
-    const char* _target;
-    const char* _label;
-    std::optional<std::string> _expected; // nothing: the label does not match
-};
-
-class PatternExpands : public ::testing::TestWithParam<Expansion> {};
-
-TEST_P(PatternExpands, InTurn)
+TEST(PatternExpands, InTurn)
 {
-    const auto& row = GetParam();
-    const Pattern pattern(row._pattern);
-    const LabelTemplate target(row._target, pattern, LabelTemplate::Placeholders::NamespaceAndSlot);
-    const std::string label = row._label;
-    const auto matched = pattern.match(label);
-    EXPECT_EQ(matched ? target.expand(*matched, "N*{SlotLabel}", label) : std::nullopt, row._expected);
+    const struct {
+        const char *_name, *_pattern, *_target, *_label;
+        std::optional<std::string> _expected; // nothing: the label does not match
+    } rows[] = {{"Literal", "OSC/a", "Wand", "OSC/a", "Wand"},
+                {"LiteralLonger", "OSC/a", "Wand", "OSC/ab", {}},
+                {"StarTakesSlashesToo", "*", "x/*", "a/b/c", "x/a/b/c"},
+                {"StarTakesNothing", "a*b", "<*>", "ab", "<>"},
+                {"LastPieceMustEnd", "a*b", "*", "axbc", {}},
+                {"EndsMayNotOverlap", "ab*ba", "*", "aba", {}},
+                {"EachStarInTurn", "*/*", "*<*", "wand/grip", "wand<grip"},
+                {"FirstStarTakesLeast", "*/*", "*", "a/b/c", "a"},
+                {"LastStarTakesTheRest", "*/*", "*|*", "a/b/c", "a|b/c"},
+                {"AdjacentStars", "**", "*|*", "ab", "|ab"},
+                {"MiddlePieceTwice", "*ab*ab", "*|*", "xabyab", "x|y"},
+                {"MiddlePieceNeedsRoom", "*ab*ab", "*", "xab", {}},
+                {"FewerStarsInTarget", "*/*", "all", "a/b", "all"},
+                {"PlaceholdersAreNotExpandedAgain", "*", "{NamespaceLabel}/{SlotLabel}", "a*", "N*{SlotLabel}/a*"},
+                {"UnknownPlaceholderIsText", "a", "{Nobody}", "a", "{Nobody}"}};
+    for (const auto& row : rows) {
+        const Pattern pattern(row._pattern);
+        const LabelTemplate target(row._target, pattern, LabelTemplate::Placeholders::NamespaceAndSlot);
+        const std::string label = row._label;
+        const auto matched = pattern.match(label);
+        EXPECT_EQ(matched ? target.expand(*matched, "N*{SlotLabel}", label) : std::nullopt, row._expected) << row._name;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Labels, PatternExpands,
-                         ::testing::Values(Expansion{"Literal", "OSC/a", "Wand", "OSC/a", "Wand"},
-                                           Expansion{"LiteralLonger", "OSC/a", "Wand", "OSC/ab", {}},
-                                           Expansion{"StarTakesSlashesToo", "*", "x/*", "a/b/c", "x/a/b/c"},
-                                           Expansion{"StarTakesNothing", "a*b", "<*>", "ab", "<>"},
-                                           Expansion{"LastPieceMustEnd", "a*b", "*", "axbc", {}},
-                                           Expansion{"EndsMayNotOverlap", "ab*ba", "*", "aba", {}},
-                                           Expansion{"EachStarInTurn", "*/*", "*<*", "wand/grip", "wand<grip"},
-                                           Expansion{"FirstStarTakesLeast", "*/*", "*", "a/b/c", "a"},
-                                           Expansion{"LastStarTakesTheRest", "*/*", "*|*", "a/b/c", "a|b/c"},
-                                           Expansion{"AdjacentStars", "**", "*|*", "ab", "|ab"},
-                                           Expansion{"MiddlePieceTwice", "*ab*ab", "*|*", "xabyab", "x|y"},
-                                           Expansion{"MiddlePieceNeedsRoom", "*ab*ab", "*", "xab", {}},
-                                           Expansion{"FewerStarsInTarget", "*/*", "all", "a/b", "all"},
-                                           Expansion{"PlaceholdersAreNotExpandedAgain", "*",
-                                                     "{NamespaceLabel}/{SlotLabel}", "a*", "N*{SlotLabel}/a*"},
-                                           Expansion{"UnknownPlaceholderIsText", "a", "{Nobody}", "a", "{Nobody}"}),
-                         [](const auto& row) { return std::string(row.param._name); });
 
 TEST(Pattern, RefusesEmptyLongAndUnbalancedTexts)
 {
@@ -64,14 +54,6 @@ TEST(Pattern, HardestTextsAreMatchedInBoundedWork)
     const std::string label(4096, 'a');
     for (int i = 0; i < 1000; ++i) // with backtracking not even one would end
         ASSERT_FALSE(Pattern(stars + "*b*c").match(label));
-}
-
-TEST(Pattern, MakesNoLabelOverTheLimit)
-{
-    const Pattern pattern("*");
-    const LabelTemplate target("{SlotLabel}{SlotLabel}", pattern, LabelTemplate::Placeholders::NamespaceAndSlot);
-    EXPECT_TRUE(target.expand({}, "", std::string(2048, 'a')));
-    EXPECT_FALSE(target.expand({}, "", std::string(2049, 'a')));
 }
 
 } // namespace

@@ -245,26 +245,4 @@ TEST_F(Route, LabelsThatGrowWithEveryLevelEndAtTheLimit)
     EXPECT_EQ(log.texts().size(), 1U);
 }
 
-TEST_F(Route, ThousandsOfSlotsFindTheirOwnPartner)
-{
-    constexpr std::size_t count = 10000;
-    std::vector<std::unique_ptr<OutSlot<float>>> outs;
-    std::vector<std::unique_ptr<InSlot<float>>> ins;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::string number = std::to_string(i);
-        _namespace.addRoute("out" + number, "in" + number);
-        outs.push_back(std::make_unique<OutSlot<float>>("out"));
-        ins.push_back(std::make_unique<InSlot<float>>("in"));
-        _namespace.addOutSlot("out" + number, outs.back().get());
-        _namespace.addInSlot("in" + number, ins.back().get());
-    }
-    for (std::size_t i = 0; i < count; ++i)
-        outs[i]->push(Trovio::Data<float>(static_cast<float>(i)));
-    for (std::size_t i = 0; i < count; ++i)
-        ASSERT_EQ(ins[i]->pop().getValue(), static_cast<float>(i));
-    for (std::size_t i = 0; i < count; ++i)
-        _namespace.removeSlot("out" + std::to_string(i));
-    EXPECT_FALSE(delivers(*outs[1], *ins[1]));
-}
-
 } // namespace

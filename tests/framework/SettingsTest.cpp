@@ -112,11 +112,4 @@ TEST(Settings, OneWithoutDefaultMustBeGiven)
     EXPECT_EQ(problemOf("port=1", rows), "");
 }
 
-TEST(Settings, AskingForWhatTheTableDoesNotHaveIsAMistakeOfTheNode)
-{
-    const Settings settings(table, "");
-    EXPECT_THROW(settings.text("nothing"), std::logic_error);
-    EXPECT_THROW(settings.number("count"), std::logic_error);
-}
-
 } // namespace

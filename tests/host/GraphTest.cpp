@@ -1,10 +1,8 @@
 #include "explain/Graph.h"
 #include "scene/check/SceneGraph.h"
 #include "scene/file/SceneReader.h"
-#include "trovio/InSlot.h"
-#include "trovio/Node.h"
+#include "tests/support/PassNode.h"
 #include "trovio/NodeType.h"
-#include "trovio/OutSlot.h"
 #include "trovio/Root.h"
 
 #include <gtest/gtest.h>
@@ -14,19 +12,8 @@ using namespace Scenes;
 
 namespace {
 
-class Doubler final : public Trovio::Node {
-public:
-    Doubler()
-    {
-        declareRelay();
-        addInSlot("in", &_in);
-        addOutSlot("out", &_out);
-    }
-
-private:
+class Doubler final : public PassNode {
     void start() override { ADD_FAILURE() << "whoever looks at a graph starts nothing"; }
-    Trovio::InSlot<float> _in{"in"};
-    Trovio::OutSlot<float> _out{"out"};
 };
 
 const Trovio::NodeTypeEntry doubler{

@@ -118,8 +118,3 @@ TEST_F(BridgeNodes, TakenLabelPassesTheExceptionAndKeepsTheFirstSensor)
     EXPECT_NE(_handler->getSlot(&first), nullptr);
     EXPECT_EQ(_handler->getSlot(second.get()), nullptr);
 }
-
-TEST(BridgeDeathTest, ClosedRootEndsTheProcess)
-{
-    EXPECT_DEATH(TrovioSensorHandler("bridge", someURL()), "^FATAL: Accessed Trovio::Root that is not initialized!\n$");
-}

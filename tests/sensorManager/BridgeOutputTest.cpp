@@ -1,6 +1,5 @@
 #include "BridgeFixture.h"
 
-#include <numbers>
 #include <numeric>
 
 namespace {
@@ -40,23 +39,6 @@ TEST_F(BridgeOutput, EveryNotificationSendsTheValueWithTheCurrentTime)
     EXPECT_GE(in.top().getTimeStamp().getSeconds(), before);
     EXPECT_EQ(in.pop().getValue(), Vec3<float>(1, 2, 3));
     out.disconnect(&in);
-}
-
-TEST_F(BridgeOutput, MatricesAreTransposed)
-{
-    DirectSensor& sensor = add("SFMatrix4f", "m", true);
-    std::iota(field<SFMatrix4f>(sensor).value().data(), field<SFMatrix4f>(sensor).value().data() + 16, 0.0F);
-    const float expected[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
-    EXPECT_EQ(sent<Matrix4<float>>(sensor), Matrix4<float>(expected, false));
-}
-
-TEST_F(BridgeOutput, RotationsGoOutAsQuaternions)
-{
-    DirectSensor& sensor = add("SFRotation", "r", true);
-    field<SFRotation>(sensor).value().setAxisAngle(0, 0, 0, 1);
-    EXPECT_EQ(sent<Trovio::Rotation>(sensor), Trovio::Rotation(0, 0, 0, 1));
-    field<SFRotation>(sensor).value().setAxisAngle(0, 2, 0, std::numbers::pi_v<float>);
-    EXPECT_NEAR(sent<Trovio::Rotation>(sensor)[1], 1.0F, 1e-6);
 }
 
 TEST_F(BridgeOutput, MultipleValuesTravelInVectorsOfTheirOwn)

@@ -3,10 +3,8 @@
 #include "ostrel/Scene.h"
 #include "sensorManager/TrovioSensorHandler.h"
 #include "tests/support/AllocationCount.h"
-#include "trovio/InSlot.h"
-#include "trovio/Node.h"
+#include "tests/support/PassNode.h"
 #include "trovio/NodeType.h"
-#include "trovio/OutSlot.h"
 #include "trovio/Root.h"
 #include <functional>
 #include <gtest/gtest.h>
@@ -17,21 +15,6 @@ namespace {
 using Trovio::Root;
 
 const std::string longText(100, 'x'); // longer than what a string holds without memory of its own
-
-/// Passes floats on, so that routes among such nodes can close loops.
-class PassNode : public Trovio::Node {
-public:
-    PassNode()
-    {
-        declareRelay();
-        addInSlot("in", &_in);
-        addOutSlot("out", &_out);
-    }
-
-private:
-    Trovio::InSlot<float> _in{"in"};
-    Trovio::OutSlot<float> _out{"out"};
-};
 
 std::string pictureOf(const Trovio::NamespaceInfo& info)
 {
@@ -60,7 +43,7 @@ protected:
         std::string problem;
         osg::osgLogP->setLogFile("/dev/null", problem); // what is lost for want of memory is not what is tested
         Root::init();
-        Trovio::NodeType::add({"Pass", "", {}, [] { return std::unique_ptr<Trovio::Node>(new PassNode); }});
+        Trovio::NodeType::add({"Pass", "", {}, [] { return std::unique_ptr<Trovio::Node>(new PassNode()); }});
         Root::get().addRoute("Context/in/*", "elsewhere/*");
         _handler = addHandler("first");
         const char* const routes[][2] = {
