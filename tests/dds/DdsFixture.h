@@ -2,7 +2,6 @@
 
 #include "nodes/dds/DdsNode.h"
 #include "tests/nodes/NodeFixture.h"
-#include <thread>
 #include <unistd.h>
 
 namespace Trovio::Nodes {
@@ -20,14 +19,6 @@ inline std::string partitionOfTest()
 inline std::string apart(const std::string& lease = "0.5")
 {
     return " domain=" + std::to_string(domainOfTest()) + " partition=" + partitionOfTest() + " lease=" + lease;
-}
-
-/// Waits for what another thread or process is about to do; a hang ends with the test's time.
-template <class Condition>
-void await(Condition condition)
-{
-    while (!condition())
-        std::this_thread::yield();
 }
 
 /// A DDS node under the root of this process, and ways to feed it.

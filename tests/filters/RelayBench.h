@@ -69,37 +69,4 @@ inline void expectNear(const std::vector<double>& values, const std::vector<doub
         EXPECT_NEAR(values[i], expected[i], tolerance) << "number " << i;
 }
 
-/// Why a node refuses the settings, which must leave its slots as they were.
-template <class NodeT>
-std::string refusalBy(const std::string& settings)
-{
-    ManualClock clock;
-    NodeT node(clock);
-    node.setType(NodeT::getEntry());
-    node.setFieldValues("type=Vec2f");
-    std::string refusal = "accepted";
-    try {
-        node.setFieldValues(settings);
-    } catch (const InvalidFieldException& problem) {
-        refusal = problem.getMessage();
-    }
-    for (const SlotInfo& slot : node.inspect()._slots)
-        EXPECT_TRUE(slot._label == "alive" || slot._typeName == "Vec2f") << slot._label << " " << slot._typeName;
-    return refusal;
-}
-
-/// One row of a table of settings that are refused.
-struct RefusedSettings {
-    const char* _name;
-    std::string (*_refuse)(const std::string& settings);
-    const char* _settings;
-    const char* _mentioned;
-};
-
-inline void expectRefused(const RefusedSettings& row)
-{
-    const std::string refusal = row._refuse(row._settings);
-    EXPECT_NE(refusal.find(row._mentioned), std::string::npos) << refusal;
-}
-
 } // namespace Trovio::Nodes

@@ -4,6 +4,7 @@
 #include "trovio/Node.h"
 #include "trovio/Root.h"
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace Trovio::Nodes {
 
@@ -54,6 +55,42 @@ private:
     std::string _label;
     std::unique_ptr<Namespace> _taken;
 };
+
+/// The node refuses all these settings, each with a text that holds what stands beside it, and keeps the slots that it
+/// has with the good ones.
+template <class NodeT>
+void expectRefused(std::unique_ptr<NodeT> node, const std::string& good,
+                   std::initializer_list<std::pair<const char*, const char*>> bad)
+{
+    const auto slots = [&node] {
+        std::string all;
+        for (const SlotInfo& slot : node->inspect()._slots)
+            all += slot._label + " " + slot._typeName + "; ";
+        return all;
+    };
+    node->setType(NodeT::getEntry());
+    if (!good.empty())
+        node->setFieldValues(good);
+    const std::string before = slots();
+    for (const auto& [settings, mentioned] : bad) {
+        std::string refusal = "accepted";
+        try {
+            node->setFieldValues(settings);
+        } catch (const InvalidFieldException& problem) {
+            refusal = problem.getMessage();
+        }
+        EXPECT_NE(refusal.find(mentioned), std::string::npos) << settings << ": " << refusal;
+        EXPECT_EQ(slots(), before) << settings;
+    }
+}
+
+/// Waits for what another thread is about to do; a hang ends with the test's time.
+template <class Condition>
+void await(Condition condition)
+{
+    while (!condition())
+        std::this_thread::yield();
+}
 
 /// Reads what a node pushes, through a route.
 template <class T>

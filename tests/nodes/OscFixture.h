@@ -5,17 +5,8 @@
 #include "tests/nodes/NodeFixture.h"
 #include "tests/nodes/OscMessages.h"
 #include "tests/nodes/UdpPeer.h"
-#include <thread>
 
 namespace Trovio::Nodes {
-
-/// Waits for what another thread is about to do; a hang ends with the test's time.
-template <class Condition>
-void await(Condition condition)
-{
-    while (!condition())
-        std::this_thread::yield();
-}
 
 /// One OSC node on a clock that is moved by hand, and another program on the same machine.
 class OscFixture : public ::testing::Test {
