@@ -2,9 +2,7 @@
 
 #include "benchmarks/road/Road.h"
 #include "benchmarks/start/Steps.h"
-#include "trovio/InSlot.h"
 #include <map>
-#include <set>
 #include <unordered_map>
 
 namespace Bench {
@@ -49,106 +47,43 @@ inline Sample registerByLibrary(std::size_t count)
     return steps.sample();
 }
 
-/// The same by hand, in the same containers: a set of sensors; for each handler a map from sensor to observer, which is
-/// attached to the sensor's subject and owns a slot; the slot's label in the handler's namespace, and again, with the
-/// namespace's label before it, in the root.
-class Registry {
-public:
-    static Sample run(std::size_t count)
-    {
-        const SensorList sensors = makeSensors(count);
-        Registry registry;
-        const auto all = [&](auto step) {
+/// What no registration can do without: for each sensor an entry by its address in each handler, and its label in the
+/// handler's namespace and, with the namespace's label before it, in the root. Nobody is told, and there are no slots.
+inline Sample registerInContainers(std::size_t count)
+{
+    const SensorList sensors = makeSensors(count);
+    std::map<const Ostrel::DirectSensor*, std::string> labels[handlers];
+    std::unordered_map<std::string, const Ostrel::DirectSensor*> namespaces[handlers], root;
+    const auto shown = [](int handler, const std::string& label) {
+        return "Context" + std::to_string(handler) + "/" + label;
+    };
+    const auto add = [&](int handler, const Ostrel::DirectSensor& sensor) {
+        const std::string& label = labels[handler].emplace(&sensor, sensor.getLabel()).first->second;
+        namespaces[handler].emplace(label, &sensor);
+        root.emplace(shown(handler, label), &sensor);
+    };
+    const auto remove = [&](int handler, const Ostrel::DirectSensor& sensor) {
+        const auto found = labels[handler].find(&sensor);
+        root.erase(shown(handler, found->second));
+        namespaces[handler].erase(found->second);
+        labels[handler].erase(found);
+    };
+    const auto byHandler = [&](auto step) {
+        for (int handler = 0; handler < handlers; ++handler)
             for (const auto& sensor : sensors)
-                step(*sensor);
-        };
-        all([&](auto& sensor) { registry._sensors.insert(&sensor); });
-        Steps steps(count);
-        steps.time([&] {
-            for (Handler& handler : registry._handlers)
-                all([&](auto& sensor) { handler.add(sensor, registry._labels); });
-        });
-        steps.time([&] { all([&](auto& sensor) { registry.remove(sensor); }); });
-        steps.time([&] { all([&](auto& sensor) { registry.add(sensor); }); });
-        steps.time([&] {
-            for (Handler& handler : registry._handlers)
-                handler.clear(registry._labels);
-        });
-        return steps.sample();
-    }
-
-private:
-    using Labels = std::unordered_map<std::string, Trovio::BasicInSlot*>;
-
-    struct Observer final : Ostrel::Observer {
-        explicit Observer(const Ostrel::DirectSensor& sensor)
-            : Ostrel::Observer(nullptr),
-              _label(sensor.getLabel()),
-              _slot(std::make_unique<Trovio::InSlot<Trovio::Vec3<float>>>(sensor.getDescription()))
-        {
-        }
-        void notify(const Ostrel::TimeStamp&, Ostrel::BaseObject*, Ostrel::BaseObject*, Ostrel::BaseObject*) override {}
-
-        const std::string _label;
-        const std::unique_ptr<Trovio::BasicInSlot> _slot;
+                step(handler, *sensor);
     };
-
-    struct Handler {
-        std::map<Ostrel::DirectSensor*, std::unique_ptr<Observer>> _observers;
-        Labels _labels;
-
-        void add(Ostrel::DirectSensor& sensor, Labels& root)
-        {
-            auto observer = std::make_unique<Observer>(sensor);
-            _labels.emplace(observer->_label, observer->_slot.get());
-            root.emplace(shown(observer->_label), observer->_slot.get());
-            sensor.getDirectSensorProc()->getUpdateSubject().attach(*observer);
-            _observers.emplace(&sensor, std::move(observer));
-        }
-        void forget(const Observer& observer, Labels& root)
-        {
-            root.erase(shown(observer._label));
-            _labels.erase(observer._label);
-        }
-        void remove(Ostrel::DirectSensor& sensor, Labels& root)
-        {
-            const auto found = _observers.find(&sensor);
-            forget(*found->second, root);
-            _observers.erase(found);
-        }
-        void clear(Labels& root)
-        {
-            for (auto& [sensor, observer] : _observers) {
-                forget(*observer, root);
-                observer.reset();
-            }
-            _observers.clear();
-        }
-        std::string shown(const std::string& label) const { return _label + "/" + label; }
-        std::string _label;
+    const auto bySensor = [&](auto step) {
+        for (const auto& sensor : sensors)
+            for (int handler = 0; handler < handlers; ++handler)
+                step(handler, *sensor);
     };
-
-    Registry()
-    {
-        for (int i = 0; i < handlers; ++i)
-            _handlers[i]._label = "Context" + std::to_string(i);
-    }
-    void add(Ostrel::DirectSensor& sensor)
-    {
-        _sensors.insert(&sensor);
-        for (Handler& handler : _handlers)
-            handler.add(sensor, _labels);
-    }
-    void remove(Ostrel::DirectSensor& sensor)
-    {
-        _sensors.erase(&sensor);
-        for (Handler& handler : _handlers)
-            handler.remove(sensor, _labels);
-    }
-
-    std::set<Ostrel::DirectSensor*> _sensors;
-    Handler _handlers[handlers];
-    Labels _labels; // as the root sees them
-};
+    Steps steps(count);
+    steps.time([&] { byHandler(add); });
+    steps.time([&] { bySensor(remove); });
+    steps.time([&] { bySensor(add); });
+    steps.time([&] { byHandler(remove); });
+    return steps.sample();
+}
 
 } // namespace Bench

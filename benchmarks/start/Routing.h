@@ -1,9 +1,12 @@
 #pragma once
 
 #include "benchmarks/road/Road.h"
-#include "benchmarks/start/RoutesByHand.h"
 #include "benchmarks/start/Steps.h"
+#include "trovio/InSlot.h"
 #include "trovio/Namespace.h"
+#include "trovio/OutSlot.h"
+#include <memory>
+#include <unordered_map>
 
 namespace Bench {
 
@@ -26,8 +29,12 @@ public:
     {
         const OpenRoot root;
         Trovio::Namespace ns;
-        return run([&](const auto& from, const auto& to) { ns.addRoute(from, to); },
-                   [&](const auto& from, const auto& to) { ns.removeRoute(from, to); },
+        const auto eachRoute = [](auto step) {
+            for (std::size_t i = 0; i < patterns; ++i)
+                step("device" + std::to_string(i) + "/*", "sink" + std::to_string(i) + "/*");
+        };
+        return run([&] { eachRoute([&](const auto& from, const auto& to) { ns.addRoute(from, to); }); },
+                   [&] { eachRoute([&](const auto& from, const auto& to) { ns.removeRoute(from, to); }); },
                    [&](const Pair& pair) {
                        ns.addOutSlot(pair._from, pair._out.get());
                        ns.addInSlot(pair._to, pair._in.get());
@@ -38,19 +45,34 @@ public:
                    });
     }
 
-    Sample byHand() const
+    /// What no routing can do without: the labels of both sides, found once for each pair, and the connections. Nobody
+    /// looks which pattern matches what.
+    Sample inContainers() const
     {
-        RoutesByHand<Value> routes;
-        return run([&](const auto& from, const auto& to) { routes.addRoute(from, to); },
-                   [&](const auto& from, const auto&) { routes.removeRoute(from); },
-                   [&](const Pair& pair) {
-                       routes.addSlot(pair._from, *pair._out);
-                       routes.addSlot(pair._to, *pair._in);
-                   },
-                   [&](const Pair& pair) {
-                       routes.removeOut(pair._from);
-                       routes.removeIn(pair._to);
-                   });
+        std::unordered_map<std::string, const Pair*> outs, ins;
+        bool routed = false;
+        return run(
+            [&] {
+                routed = true;
+                for (const auto& [label, pair] : outs)
+                    pair->_out->connect(ins.find(pair->_to)->second->_in.get());
+            },
+            [&] {
+                routed = false;
+                for (const auto& [label, pair] : outs)
+                    pair->_out->disconnect(ins.find(pair->_to)->second->_in.get());
+            },
+            [&](const Pair& pair) {
+                outs.emplace(pair._from, &pair);
+                ins.emplace(pair._to, &pair);
+                if (routed)
+                    pair._out->connect(pair._in.get());
+            },
+            [&](const Pair& pair) {
+                outs.erase(pair._from);
+                ins.erase(pair._to);
+                pair._out->disconnect(pair._in.get());
+            });
     }
 
 private:
@@ -61,24 +83,20 @@ private:
     };
 
     /// All slots come, under routes that stand; the routes go, and come back to slots that stand; all slots go.
-    template <class AddRoute, class RemoveRoute, class AddPair, class RemovePair>
-    Sample run(AddRoute addRoute, RemoveRoute removeRoute, AddPair addPair, RemovePair removePair) const
+    template <class AddRoutes, class RemoveRoutes, class AddPair, class RemovePair>
+    Sample run(AddRoutes addRoutes, RemoveRoutes removeRoutes, AddPair addPair, RemovePair removePair) const
     {
-        const auto eachRoute = [](auto step) {
-            for (std::size_t i = 0; i < patterns; ++i)
-                step("device" + std::to_string(i) + "/*", "sink" + std::to_string(i) + "/*");
-        };
         const auto eachPair = [&](auto step) {
             for (const Pair& pair : _pairs)
                 step(pair);
         };
-        eachRoute(addRoute);
+        addRoutes();
         Steps steps(2 * _pairs.size());
         steps.time([&] { eachPair(addPair); });
         expectJoined(true);
-        steps.time([&] { eachRoute(removeRoute); });
+        steps.time(removeRoutes);
         expectJoined(false);
-        steps.time([&] { eachRoute(addRoute); });
+        steps.time(addRoutes);
         expectJoined(true);
         steps.time([&] { eachPair(removePair); });
         expectJoined(false);
