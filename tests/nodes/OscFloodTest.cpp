@@ -6,24 +6,8 @@ namespace {
 
 using OscFlood = OscFixture;
 
-const Packet malformed[] = {
-    raw(""),
-    raw("odd"),
-    raw("no slash, no comma ."),
-    raw("/a"),
-    raw(std::string("/a\0\0noti", 8)),
-    raw(std::string("/a\0\0,h\0\0\0\0\0\1", 12)),
-    raw(std::string("/a\0\0,Q\0\0\0\0\0\1", 12)),
-    raw(std::string("/a\0\0,b\0\0\x7f\xff\xff\xff", 12)),
-    raw(std::string("/a\0\0,b\0\0\xff\xff\xff\xff", 12)),
-    raw(std::string("/a\0\0,s\0\0endless!", 16)),
-    raw(std::string("/a\0\0,[[[[[[[[[[[[[[", 19)),
-    raw(std::string("#bundle\0", 8)),
-    raw(std::string("#bundle\0\0\0\0\0\0\0\0\1\0\0\0\x7f", 20)),
-    raw(std::string("#bundle\0\0\0\0\0\0\0\0\1\xff\xff\xff\xf0/a\0\0", 24)),
-    Packet(65'000, 0xff),
-    Packet(65'000, '/'),
-};
+const Packet malformed[] = {raw(""), raw("odd"), raw(std::string("/a\0\0,b\0\0\xff\xff\xff\xff", 12)),
+                            raw(std::string("#bundle\0\0\0\0\0\0\0\0\1\0\0\0\x7f", 20)), Packet(65'000, 0xff)};
 
 // OSTREL_FLOOD_PACKETS and OSTREL_FLOOD_RATE (a second) make it longer, and steady. The reader is always slower than a
 // sender that does not wait, so that the kernel drops some.

@@ -28,22 +28,6 @@ protected:
 
 } // namespace
 
-TEST_F(Counts, TellWhatBecameOfEveryRecord)
-{
-    push(1);
-    _out.connect(&_single); // delivers the last record
-    _out.connect(&_ring);
-    push(9);
-    _single.pop();
-    _ring.pop();
-    _ring.pop();
-    _ring.interrupt();
-    EXPECT_THROW(_ring.pop(), InterruptedException);
-    EXPECT_EQ(_out.getWritten(), 10U);
-    EXPECT_EQ(_single.getCounts(), (InSlotCounts{10, 9, 1, 0}));
-    EXPECT_EQ(_ring.getCounts(), (InSlotCounts{10, 6, 2, 2})) << "an interrupt is no record";
-}
-
 TEST_F(Counts, TellHowFarTheReaderIsBehind)
 {
     _out.connect(&_ring);

@@ -31,29 +31,6 @@ TEST(SlotThreads, PopSleepsUntilTheNextPush)
     pong.disconnect(&pongIn);
 }
 
-TEST(SlotThreads, InterruptReleasesASleepingReaderEachTime)
-{
-    constexpr int rounds = 2'000;
-    BufferedInSlot<long> slot("in", 4);
-    std::atomic<int> released{0};
-    std::thread reader([&] {
-        while (released < rounds) {
-            try {
-                slot.pop();
-            } catch (const InterruptedException&) {
-                ++released;
-                released.notify_one();
-            }
-        }
-    });
-    for (int round = 0; round < rounds; ++round) {
-        slot.interrupt();
-        released.wait(round);
-    }
-    reader.join();
-    EXPECT_TRUE(slot.empty());
-}
-
 // top() takes interrupts away from under a reader that they have already woken: it must neither return nor hang.
 TEST(SlotThreads, InterruptTakenByTopInventsNoValue)
 {

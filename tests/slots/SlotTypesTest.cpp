@@ -51,11 +51,3 @@ TEST(SlotTypes, MatrixFromAnArrayIsTransposedIfAsked)
         EXPECT_EQ(Matrix3<float>(source, false)[i], source[i]);
     }
 }
-
-TEST(SlotTypes, RecordMadeFromAValueCarriesTheCurrentTime)
-{
-    const double before = Time::getCurrentTime().getSeconds();
-    const double stamp = Data<long>(1).getTimeStamp().getSeconds();
-    EXPECT_GE(stamp, before);
-    EXPECT_LE(stamp, Time::getCurrentTime().getSeconds());
-}
