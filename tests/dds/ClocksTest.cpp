@@ -169,23 +169,5 @@ TEST(DdsTiming, TakesOutHowFarTheClocksAreApart)
     EXPECT_EQ(reader->getRemarks()[0]._text, last[0]._text) << "as of the stop";
 }
 
-TEST(DdsTiming, IsNotKnownOfAPublisherThatAnswersNoQuestions)
-{
-    const OpenRoot root;
-    DdsPeer writer("publish='Wand Float' timing=no label=writer");
-    DdsPeer reader("subscribe='Wand Float' label=reader");
-    Feed<float> feed("writer/Wand");
-    feed.push(1.0F, Time::getCurrentTime().getSeconds());
-    const auto remark = [&] {
-        const auto remarks = reader->getRemarks();
-        return remarks.empty() ? std::string() : remarks[0]._text;
-    };
-    await([&] { return remark().find("it has not answered 8 questions") != std::string::npos; });
-    DdsPeer deaf("subscribe='Wand Float' timing=no label=deaf");
-    deaf.awaitCount("in samples", 1);
-    EXPECT_TRUE(deaf->getRemarks().empty());
-    EXPECT_EQ(deaf->inspect()._slots.size(), 2U) << "no slot for the timing";
-}
-
 } // namespace
 } // namespace Trovio::Nodes

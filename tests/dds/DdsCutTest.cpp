@@ -23,7 +23,6 @@ public:
     {
         const Data<long> record = _probe.next();
         EXPECT_GT(record.getValue(), _last);
-        _gaps += _last >= 0 && record.getValue() != _last + 1;
         _last = record.getValue();
         return record;
     }
@@ -38,12 +37,10 @@ public:
         }
     }
     long getLast() const { return _last; }
-    int getGaps() const { return _gaps; }
 
 private:
     Probe<long> _probe{"reader/Count", 65536};
     long _last = -1;
-    int _gaps = 0;
 };
 
 /// A host on the other machine counts; a node in this process subscribes to it.
@@ -83,7 +80,7 @@ protected:
         _host.emplace("nsenter", arguments);
     }
 
-    TwoMachines _machines{20260};
+    TwoMachines _machines;
     const std::filesystem::path _scene =
         std::filesystem::path(::testing::TempDir()) / ("count-" + std::to_string(::getpid()) + ".toml");
     std::optional<OpenRoot> _root;
@@ -139,17 +136,6 @@ INSTANTIATE_TEST_SUITE_P(
                       Cut{"LongWithoutMulticast", 15.0, Line::Way::Both, 5, {" host='10.77.0.1 10.77.0.2'"}}),
     [](const auto& row) { return std::string(row.param._name); });
 
-TEST_F(DdsTwoMachines, LossesAndRepetitionsOfTheLineAreMadeGood)
-{
-    constexpr long last = 3000;
-    start(last, {" depth=4096"});
-    _count->takeUntil(10);
-    _machines.line().setFaults(0.10, 0.05);
-    _count->takeUntil(last);
-    EXPECT_EQ(_count->getGaps(), 0);
-    EXPECT_EQ(_reader->count("in missed"), 0U);
-    EXPECT_EQ(_reader->count("in repeated"), 0U);
-}
 #else
 // After a cut only from the publisher, which goes on knowing its subscriber, that is sent anew what is still kept.
 INSTANTIATE_TEST_SUITE_P(Short, DdsCut,
@@ -166,17 +152,6 @@ TEST_F(DdsTwoMachines, PublisherThatDoesNotHearUsIsNamed)
     _machines.line().mend();
     _reader->awaitRunning();
     _count->takeUntil(Time::getCurrentTime());
-}
-
-TEST_F(DdsTwoMachines, LateJoinerGetsNothingOlderThanTheLast)
-{
-    constexpr long atOnce = 10; // that come while the late one waits for older ones
-    start(100000);
-    _count->takeUntil(100);
-    _count->takeUntil(Time::getCurrentTime());
-    DdsPeer late("subscribe='Count Long' label=late interface=cable0", Traffic()._lease);
-    Probe<long> probe("late/Count");
-    EXPECT_GE(probe.next().getValue(), _count->getLast() - atOnce);
 }
 
 TEST_F(DdsTwoMachines, MeetWithoutMulticast)
@@ -199,9 +174,7 @@ TEST_F(DdsTwoMachines, InterfaceThatComesLaterOrChangesItsAddressIsOpenedAgain)
     }
 }
 
-class DdsPublisherWithoutAddress : public DdsTwoMachines, public ::testing::WithParamInterface<const char*> {};
-
-TEST_P(DdsPublisherWithoutAddress, LastValueArrivesOnceItHasOne)
+TEST_F(DdsTwoMachines, LastValueOfAPublisherWithoutAddressArrivesOnceItHasOne)
 {
     constexpr long last = 200;
     start(last);
@@ -210,12 +183,10 @@ TEST_P(DdsPublisherWithoutAddress, LastValueArrivesOnceItHasOne)
     std::this_thread::sleep_for(std::chrono::seconds(1 + last / Traffic()._rate)); // all is written by then
     _machines.runThere("ip address flush dev cable0");
     std::this_thread::sleep_for(std::chrono::seconds(3)); // the node looks every two
-    _machines.runThere(std::string("ip address add dev cable0 ") + GetParam());
+    _machines.runThere("ip address add dev cable0 10.77.0.5/24");
     _machines.line().mend();
     _count->takeUntil(last);
 }
-INSTANTIATE_TEST_SUITE_P(Dds, DdsPublisherWithoutAddress, ::testing::Values("10.77.0.2/24", "10.77.0.5/24"),
-                         [](const auto& row) { return row.index == 0 ? "TheSame" : "Another"; });
 #endif
 
 } // namespace

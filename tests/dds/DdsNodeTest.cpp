@@ -66,22 +66,6 @@ TEST_F(DdsNodeTest, LateJoinerGetsTheLastValueOnly)
     EXPECT_EQ(reader.count("in missed"), 0U);
 }
 
-TEST_F(DdsNodeTest, BurstArrivesWholeAndInOrder)
-{
-    constexpr int length = 2000;
-    DdsPeer reader("subscribe='Wand Long' label=reader");
-    DdsPeer writer("publish='Wand Long' label=writer depth=4096");
-    Probe<long> probe("reader/Wand");
-    Feed<long> feed("writer/Wand");
-    Probe<bool> alive("reader/Wand/alive");
-    while (!alive.next().getValue()) {
-    }
-    for (int i = 0; i < length; ++i)
-        feed.push(i, i);
-    for (int i = 0; i < length; ++i)
-        ASSERT_EQ(probe.next().getValue(), i);
-}
-
 /// Holds up whoever pushes into it while it is closed.
 class Gate final : public BufferedInSlot<long> {
 public:
@@ -186,70 +170,52 @@ TEST_F(DdsNodeTest, TroubleOfOneTopicIsNotThatOfAnother)
     EXPECT_NE(reader->getStateOf(buzz)._reason.find("nobody publishes Buzz"), std::string::npos);
 }
 
-struct Apart {
-    const char* _name;
-    const char* _reader;
-    const char* _writer;
-    const char* _seenByReader;
-    const char* _seenByWriter;
-};
-class DdsEndsThatDoNotMeet : public DdsFixture, public ::testing::WithParamInterface<Apart> {};
-
-TEST_P(DdsEndsThatDoNotMeet, BothSayWhy)
+TEST(DdsEndsThatDoNotMeet, BothSayWhy)
 {
-    const Apart& row = GetParam();
-    DdsPeer reader(std::string("subscribe=") + row._reader + " label=reader");
-    DdsPeer writer(std::string("publish=") + row._writer + " label=writer");
-    const std::string process = "(process " + std::to_string(::getpid()) + " on ";
-    reader.awaitReason(row._seenByReader);
-    writer.awaitReason(row._seenByWriter);
-    EXPECT_NE(reader.state()._reason.find(process), std::string::npos) << reader.state()._reason;
-    writer.stop();
-    reader.awaitReason("nobody publishes Wand");
+    const struct {
+        const char *_reader, *_writer, *_seenByReader, *_seenByWriter;
+    } rows[] = {
+        {"'Wand Color'", "'Wand Vec3f'", "publishes Vec3f, here it is Color", "subscribes to Color, here it is Vec3f"},
+        {"'Wand Float'", "'Wand Float[]'", "publishes Float[], here it is Float",
+         "subscribes to Float, here it is Float[]"},
+        {"'Wand Float'", "'Wand Float' reliable=no", "publishes Float with reliable=no, here it is reliable=yes",
+         "subscribes to Float with reliable=yes, here it is reliable=no"}};
+    for (const auto& row : rows) {
+        const OpenRoot root;
+        DdsPeer reader(std::string("subscribe=") + row._reader + " label=reader");
+        DdsPeer writer(std::string("publish=") + row._writer + " label=writer");
+        const std::string process = "(process " + std::to_string(::getpid()) + " on ";
+        reader.awaitReason(row._seenByReader);
+        writer.awaitReason(row._seenByWriter);
+        EXPECT_NE(reader.state()._reason.find(process), std::string::npos) << reader.state()._reason;
+        writer.stop();
+        reader.awaitReason("nobody publishes Wand");
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Dds, DdsEndsThatDoNotMeet,
-    ::testing::Values(Apart{"OtherType", "'Wand Color'", "'Wand Vec3f'", "publishes Vec3f, here it is Color",
-                            "subscribes to Color, here it is Vec3f"},
-                      Apart{"ManyForOne", "'Wand Float'", "'Wand Float[]'", "publishes Float[], here it is Float",
-                            "subscribes to Float, here it is Float[]"},
-                      Apart{"Reliability", "'Wand Float'", "'Wand Float' reliable=no",
-                            "publishes Float with reliable=no, here it is reliable=yes",
-                            "subscribes to Float with reliable=yes, here it is reliable=no"}),
-    [](const auto& row) { return std::string(row.param._name); });
-
-struct Elsewhere {
-    const char* _name;
-    const char* _writer;
-    const char* _partition;
-    const char* _told;
-};
-class DdsTopicThatNobodyPublishes : public DdsFixture, public ::testing::WithParamInterface<Elsewhere> {};
-
-TEST_P(DdsTopicThatNobodyPublishes, NamesWhoMayMeanIt)
+TEST(DdsTopicThatNobodyPublishes, NamesWhoMayMeanIt)
 {
-    const Elsewhere& row = GetParam();
-    const std::string partition = *row._partition ? row._partition : partitionOfTest();
-    const StandingNode<DdsNode> writer(std::make_unique<DdsNode>(Clock::system()),
-                                       std::string(row._writer) + " label=writer lease=0.5 domain=" +
-                                           std::to_string(domainOfTest()) + " partition=" + partition);
-    DdsPeer reader("subscribe='Wand Float' label=reader");
-    reader.awaitReason(row._told);
-    EXPECT_NE(reader.state()._reason.find("nobody publishes Wand in domain"), std::string::npos);
-    const bool isMeant = std::string(row._told).find("of 1 other node") == std::string::npos;
-    EXPECT_EQ(reader.state()._reason.find("interface=NAME") == std::string::npos, isMeant) << reader.state()._reason;
+    const struct {
+        const char *_writer, *_partition, *_told;
+    } rows[] = {
+        {"publish='Wand Float'", "stage", "publishes it (Float) in partition stage, here it is in partition test-"},
+        {"publish='wand Float'", "", "publishes wand (Float) in partition test-"},
+        {"publish='Wand Float' ros2=yes", "", "here it is Wand; set ros2=yes here"},
+        {"publish='Quaternion Float'", "", "of 1 other node there these are published: Quaternion (Float)"}};
+    for (const auto& row : rows) {
+        const OpenRoot root;
+        const std::string partition = *row._partition ? row._partition : partitionOfTest();
+        const StandingNode<DdsNode> writer(std::make_unique<DdsNode>(Clock::system()),
+                                           std::string(row._writer) + " label=writer lease=0.5 domain=" +
+                                               std::to_string(domainOfTest()) + " partition=" + partition);
+        DdsPeer reader("subscribe='Wand Float' label=reader");
+        reader.awaitReason(row._told);
+        const std::string reason = reader.state()._reason;
+        EXPECT_NE(reason.find("nobody publishes Wand in domain"), std::string::npos);
+        const bool isMeant = std::string(row._told).find("of 1 other node") == std::string::npos;
+        EXPECT_EQ(reason.find("interface=NAME") == std::string::npos, isMeant) << reason;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Dds, DdsTopicThatNobodyPublishes,
-    ::testing::Values(Elsewhere{"OtherPartition", "publish='Wand Float'", "stage",
-                                "publishes it (Float) in partition stage, here it is in partition test-"},
-                      Elsewhere{"NearName", "publish='wand Float'", "", "publishes wand (Float) in partition test-"},
-                      Elsewhere{"Ros", "publish='Wand Float' ros2=yes", "", "here it is Wand; set ros2=yes here"},
-                      Elsewhere{"OtherTopic", "publish='Quaternion Float'", "",
-                                "of 1 other node there these are published: Quaternion (Float)"}),
-    [](const auto& row) { return std::string(row.param._name); });
 
 TEST_F(DdsNodeTest, WhatIsMissingIsToldBeforeTheLeaseIsOver)
 {

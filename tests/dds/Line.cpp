@@ -26,10 +26,8 @@ FileDescriptor newInterface(const std::string& name)
 
 } // namespace
 
-Line::Line(const std::string& firstInterface, const std::string& secondInterface, unsigned seed)
-    : _plugs{newInterface(firstInterface), newInterface(secondInterface)},
-      _end(::eventfd(0, EFD_CLOEXEC)),
-      _chance(seed)
+Line::Line(const std::string& firstInterface, const std::string& secondInterface)
+    : _plugs{newInterface(firstInterface), newInterface(secondInterface)}, _end(::eventfd(0, EFD_CLOEXEC))
 {
     _thread = std::thread([this] { carry(); });
 }
@@ -52,13 +50,6 @@ void Line::mend()
     _cut = {};
 }
 
-void Line::setFaults(double lost, double repeated)
-{
-    const Ostrel::LockGuard guard(_lock);
-    _lost = lost;
-    _repeated = repeated;
-}
-
 void Line::carry()
 {
     std::array<pollfd, 3> waiting{
@@ -74,19 +65,10 @@ void Line::pass(std::size_t from)
 {
     std::array<char, 65536> packet{};
     const ssize_t length = ::read(_plugs[from].get(), packet.data(), packet.size());
-    for (unsigned left = length > 0 ? copies(from) : 0; left > 0; --left)
-        [[maybe_unused]] const auto written =
-            ::write(_plugs[1 - from].get(), packet.data(), static_cast<std::size_t>(length)); // an interface that is
-                                                                                              // down takes nothing
-}
-
-unsigned Line::copies(std::size_t from)
-{
     const Ostrel::LockGuard guard(_lock);
-    std::uniform_real_distribution<double> share;
-    if (_cut[from] || share(_chance) < _lost)
-        return 0;
-    return share(_chance) < _repeated ? 2 : 1;
+    if (length > 0 && !_cut[from]) // an interface that is down takes nothing
+        [[maybe_unused]]
+        const auto written = ::write(_plugs[1 - from].get(), packet.data(), static_cast<std::size_t>(length));
 }
 
 } // namespace Trovio::Nodes

@@ -40,37 +40,31 @@ TEST(PeerClocks, AskInAHurryAndThenNowAndThenWhileWanted)
     EXPECT_EQ(askAt(peers, 1002.8), 7U);
 }
 
-struct FalseAnswer {
-    const char* _name;
-    void (*_change)(PeerClocks::Answer& answer);
-};
-class FalseAnswers : public ::testing::TestWithParam<FalseAnswer> {};
-
-TEST_P(FalseAnswers, ChangeNothing)
+TEST(FalseAnswers, ChangeNothing)
 {
-    PeerClocks peers;
-    peers.want(7);
-    askAt(peers, 999.0);
-    ASSERT_TRUE(peers.note(answerTo(7, 999.0)));
-    askAt(peers, 1000.0);
-    PeerClocks::Answer answer = answerTo(7, 1000.0);
-    answer._received += 100.0;
-    answer._answered += 100.0;
-    GetParam()._change(answer);
-    EXPECT_FALSE(peers.note(answer));
-    EXPECT_NEAR(peers.getKnowledge(7, 1000.0)._estimate->_offset, ahead, 0.1);
-    EXPECT_TRUE(peers.note(answerTo(7, 1000.0))) << "the true one still counts";
+    using Answer = PeerClocks::Answer;
+    const std::pair<const char*, void (*)(Answer&)> rows[] = {
+        {"to no question", [](Answer& answer) { answer._asked += 0.001; }},
+        {"to one that is answered", [](Answer& answer) { answer._asked = 999.0; }},
+        {"for a peer that is none", [](Answer& answer) { answer._peer = 8; }},
+        {"of another sender", [](Answer& answer) { ++answer._sender; }},
+        {"of a clock that shows no date", [](Answer& answer) { answer._received = answer._answered = 1e15; }}};
+    for (const auto& [name, change] : rows) {
+        SCOPED_TRACE(name);
+        PeerClocks peers;
+        peers.want(7);
+        askAt(peers, 999.0);
+        ASSERT_TRUE(peers.note(answerTo(7, 999.0)));
+        askAt(peers, 1000.0);
+        Answer answer = answerTo(7, 1000.0);
+        answer._received += 100.0;
+        answer._answered += 100.0;
+        change(answer);
+        EXPECT_FALSE(peers.note(answer));
+        EXPECT_NEAR(peers.getKnowledge(7, 1000.0)._estimate->_offset, ahead, 0.1);
+        EXPECT_TRUE(peers.note(answerTo(7, 1000.0))) << "the true one still counts";
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Dds, FalseAnswers,
-    ::testing::Values(FalseAnswer{"ToNoQuestion", [](PeerClocks::Answer& answer) { answer._asked += 0.001; }},
-                      FalseAnswer{"ToOneThatIsAnswered", [](PeerClocks::Answer& answer) { answer._asked = 999.0; }},
-                      FalseAnswer{"ForAPeerThatIsNone", [](PeerClocks::Answer& answer) { answer._peer = 8; }},
-                      FalseAnswer{"OfAnotherSender", [](PeerClocks::Answer& answer) { ++answer._sender; }},
-                      FalseAnswer{"OfAClockThatShowsNoDate",
-                                  [](PeerClocks::Answer& answer) { answer._received = answer._answered = 1e15; }}),
-    [](const auto& row) { return std::string(row.param._name); });
 
 TEST(PeerClocks, PeerThatComesAgainMayHaveAnotherSender)
 {
@@ -114,38 +108,23 @@ TEST(PeerClocks, ForgetWhoNeverAnsweredAndThenWhoWasSilentLongest)
     EXPECT_TRUE(peers.want(3));
 }
 
-struct Told {
-    const char* _name;
-    PeerClocks::Knowledge _clock;
-    const char* _text;
-};
-class DescribeTiming : public ::testing::TestWithParam<Told> {};
-
-TEST_P(DescribeTiming, SaysWhatIsKnownAndWhatIsNot)
+TEST(DescribeTiming, SaysWhatIsKnownAndWhatIsNot)
 {
-    const SampleArrival arrival{7, 1003.2, 1000.0008};
-    EXPECT_EQ(describeTiming(arrival, GetParam()._clock, 1000.012), GetParam()._text);
+    const std::pair<PeerClocks::Knowledge, const char*> rows[] = {
+        {{ClockOffset::Estimate{3.2, 0.000121}, 1.0, 0},
+         "0.80 ms from its source to here, 12 ms old, wrong by 0.13 ms at most; its source's clock "
+         "is 3.2 s ahead"},
+        {{ClockOffset::Estimate{-250.0, 0.5}, 1.0, 0},
+         "-253 s from its source to here, -253 s old, wrong by 501 ms at most; its source's clock is "
+         "250 s behind"},
+        {{}, "-3.2 s old by our clock; its source's clock is not known: it was not asked yet"},
+        {{std::nullopt, std::nullopt, 5},
+         "-3.2 s old by our clock; its source's clock is not known: it has not answered 5 questions"},
+        {{std::nullopt, 75.0, 30},
+         "-3.2 s old by our clock; its source's clock is not known: it last answered 75.0 s ago"}};
+    for (const auto& [clock, text] : rows)
+        EXPECT_EQ(describeTiming({7, 1003.2, 1000.0008}, clock, 1000.012), text);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Dds, DescribeTiming,
-    ::testing::Values(
-        Told{"Ahead",
-             {ClockOffset::Estimate{3.2, 0.000121}, 1.0, 0},
-             "0.80 ms from its source to here, 12 ms old, wrong by 0.13 ms at most; its source's clock "
-             "is 3.2 s ahead"},
-        Told{"Behind",
-             {ClockOffset::Estimate{-250.0, 0.5}, 1.0, 0},
-             "-253 s from its source to here, -253 s old, wrong by 501 ms at most; its source's clock is "
-             "250 s behind"},
-        Told{"NotAsked", {}, "-3.2 s old by our clock; its source's clock is not known: it was not asked yet"},
-        Told{"NoAnswer",
-             {std::nullopt, std::nullopt, 5},
-             "-3.2 s old by our clock; its source's clock is not known: it has not answered 5 questions"},
-        Told{"Silent",
-             {std::nullopt, 75.0, 30},
-             "-3.2 s old by our clock; its source's clock is not known: it last answered 75.0 s ago"}),
-    [](const auto& row) { return std::string(row.param._name); });
 
 } // namespace
 } // namespace Trovio::Nodes

@@ -28,23 +28,23 @@ void leaveNetwork()
 
 } // namespace
 
-TwoMachines::TwoMachines(unsigned seed)
+TwoMachines::TwoMachines()
 {
     try {
-        setUp(seed);
+        setUp();
     } catch (const std::exception& problem) {
         _hindrance = problem.what();
     }
 }
 
-void TwoMachines::setUp(unsigned seed)
+void TwoMachines::setUp()
 {
     leaveNetwork();
     _there.emplace("unshare", std::vector<std::string>{"--net", "sh", "-c", "echo $$; exec sleep 1000000"});
     if (!_there->waitFor("\n"))
         throw std::runtime_error("no second network namespace: " + _there->err());
     _pid = _there->out().substr(0, _there->out().find('\n'));
-    _line.emplace("cable0", "plug0", seed);
+    _line.emplace("cable0", "plug0");
     run("ip link set plug0 netns " + _pid + " name cable0");
     run("ip address add 10.77.0.1/24 dev cable0 && ip link set cable0 up && ip link set lo up");
     runThere("ip address add 10.77.0.2/24 dev cable0");

@@ -11,7 +11,7 @@ namespace Trovio::Nodes {
 /// Make it before the process has a second thread: the process moves into a network namespace of its own.
 class TwoMachines {
 public:
-    explicit TwoMachines(unsigned seed);
+    TwoMachines();
 
     /// Why this machine cannot do it; empty if it could.
     const std::string& getHindrance() const { return _hindrance; }
@@ -27,7 +27,7 @@ public:
     void runThere(const std::string& command) { run("nsenter --target " + _pid + " --net " + command); }
 
 private:
-    void setUp(unsigned seed);
+    void setUp();
 
     std::string _hindrance;
     std::optional<HostProcess> _there; // sleeps, and keeps the other namespace
