@@ -39,54 +39,49 @@ const std::map<std::string, DeviceIdentity> devices = {{"p1", {std::string(32, '
                                                        {"p3", {std::string(32, 'b'), "", "p3", "Old Pad"}},
                                                        {"p4", {std::string(32, 'b'), "", "p4", "Old Pad"}}};
 
-struct Assignment {
-    const char* _name;
-    std::vector<std::string> _filters; // of the users
-    const char* _script;               // + plugs a device in, - out, * attaches the next user
-    std::vector<std::string> _expected;
-};
-class BrokerGives : public ::testing::TestWithParam<Assignment> {};
-
-TEST_P(BrokerGives, TheRightDeviceToTheRightUser)
+TEST(BrokerGives, TheRightDeviceToTheRightUser)
 {
-    auto* fake = new FakeDevices;
-    DeviceBroker broker{std::unique_ptr<ControllerDevices>(fake)};
-    std::list<Holder> holders(GetParam()._filters.begin(), GetParam()._filters.end());
-    auto next = holders.begin();
-    std::map<std::string, int> numbers;
-    std::istringstream words(GetParam()._script);
-    for (std::string word; words >> word; broker.poll(Time(1.0))) {
-        const std::string port = word.substr(1);
-        if (word.front() == '*')
-            broker.attach(*next++);
-        else if (word.front() == '-')
-            fake->unplug(numbers.at(port));
-        else
-            numbers[port] = fake->plugIn(devices.at(port));
+    const struct {
+        const char* _name;
+        std::vector<std::string> _filters; // of the users
+        const char* _script;               // + plugs a device in, - out, * attaches the next user
+        std::vector<std::string> _expected;
+    } rows[] = {{"Order", {"", "", ""}, "* * * +p1 +p2", {"p1", "p2", "none"}},
+                {"Serial", {"serial=S2"}, "* +p1 +p2", {"p2"}},
+                {"Port", {"port=p4"}, "+p3 +p4 *", {"p4"}},
+                {"Name", {"name='Old Pad'"}, "+p1 * +p3", {"p3"}},
+                {"GuidInCapitals", {"guid=" + std::string(32, 'B')}, "+p1 * +p3", {"p3"}},
+                {"AllThatIsNamed", {"name=Pad serial=S3"}, "* +p1 +p2", {"none"}},
+                {"WhoNamesItFirst", {"", "serial=S1"}, "* * +p1 +p2", {"p2", "p1"}},
+                {"WhoNamesItEvenLater", {"", "serial=S1"}, "+p1 +p2 * *", {"p2", "p1"}},
+                {"WhoNamesItOnly", {"", "serial=S1"}, "+p1 * *", {"none", "p1"}},
+                {"WhoNamesMore", {"name=Pad", "name=Pad serial=S1", ""}, "* +p1 * +p2 *", {"p2", "p1", "none"}},
+                {"SerialComingBack", {"", ""}, "* * +p1 +p2 -p1 -p2 +p2 +p1", {"p1", "p2"}},
+                {"PortComingBack", {"", ""}, "* * +p3 +p4 -p3 -p4 +p4 +p3", {"p3", "p4"}},
+                {"AnotherInItsPlace", {""}, "* +p1 -p1 +p3", {"p3"}},
+                {"NobodyElseInItsPlace", {"serial=S1"}, "* +p1 -p1 +p2", {"none"}}};
+    for (const auto& row : rows) {
+        auto* fake = new FakeDevices;
+        DeviceBroker broker{std::unique_ptr<ControllerDevices>(fake)};
+        std::list<Holder> holders(row._filters.begin(), row._filters.end());
+        auto next = holders.begin();
+        std::map<std::string, int> numbers;
+        std::istringstream words(row._script);
+        for (std::string word; words >> word; broker.poll(Time(1.0))) {
+            const std::string port = word.substr(1);
+            if (word.front() == '*')
+                broker.attach(*next++);
+            else if (word.front() == '-')
+                fake->unplug(numbers.at(port));
+            else
+                numbers[port] = fake->plugIn(devices.at(port));
+        }
+        std::vector<std::string> has;
+        for (const Holder& holder : holders)
+            has.push_back(holder._has);
+        EXPECT_EQ(has, row._expected) << row._name;
     }
-    std::vector<std::string> has;
-    for (const Holder& holder : holders)
-        has.push_back(holder._has);
-    EXPECT_EQ(has, GetParam()._expected);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    From, BrokerGives,
-    ::testing::Values(
-        Assignment{"Order", {"", "", ""}, "* * * +p1 +p2", {"p1", "p2", "none"}},
-        Assignment{"Serial", {"serial=S2"}, "* +p1 +p2", {"p2"}}, Assignment{"Port", {"port=p4"}, "+p3 +p4 *", {"p4"}},
-        Assignment{"Name", {"name='Old Pad'"}, "+p1 * +p3", {"p3"}},
-        Assignment{"GuidInCapitals", {"guid=" + std::string(32, 'B')}, "+p1 * +p3", {"p3"}},
-        Assignment{"AllThatIsNamed", {"name=Pad serial=S3"}, "* +p1 +p2", {"none"}},
-        Assignment{"WhoNamesItFirst", {"", "serial=S1"}, "* * +p1 +p2", {"p2", "p1"}},
-        Assignment{"WhoNamesItEvenLater", {"", "serial=S1"}, "+p1 +p2 * *", {"p2", "p1"}},
-        Assignment{"WhoNamesItOnly", {"", "serial=S1"}, "+p1 * *", {"none", "p1"}},
-        Assignment{"WhoNamesMore", {"name=Pad", "name=Pad serial=S1", ""}, "* +p1 * +p2 *", {"p2", "p1", "none"}},
-        Assignment{"SerialComingBack", {"", ""}, "* * +p1 +p2 -p1 -p2 +p2 +p1", {"p1", "p2"}},
-        Assignment{"PortComingBack", {"", ""}, "* * +p3 +p4 -p3 -p4 +p4 +p3", {"p3", "p4"}},
-        Assignment{"AnotherInItsPlace", {""}, "* +p1 -p1 +p3", {"p3"}},
-        Assignment{"NobodyElseInItsPlace", {"serial=S1"}, "* +p1 -p1 +p2", {"none"}}),
-    [](const auto& row) { return std::string(row.param._name); });
 
 TEST(DeviceBroker, TriesAgainWhatDoesNotOpen)
 {

@@ -4,12 +4,13 @@
 #include "trovio/Node.h"
 #include "trovio/Root.h"
 #include "trovio/modules/NodeModuleFile.h"
-#include <algorithm>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
+#include <map>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,14 +42,19 @@ protected:
         unsetenv("TROVIO_NODE_PATH");
     }
 
-    static std::string problemOf(const std::string& name)
+    template <class Problem = Trovio::InvalidNodeException>
+    static std::string problemWhen(const std::function<void()>& action)
     {
         try {
-            NodeType::newInstance(name);
-        } catch (const Trovio::InvalidNodeException& problem) {
+            action();
+        } catch (const Problem& problem) {
             return problem.getMessage();
         }
         return {};
+    }
+    static std::string problemOf(const std::string& name)
+    {
+        return problemWhen([&name] { NodeType::newInstance(name); });
     }
 };
 
@@ -138,20 +144,12 @@ TEST_F(Modules, WhatIsNoExceptionBecomesARefusal)
 {
     const LogCapture log;
     auto node = NodeType::newInstance("Rude");
-    try {
-        node->setFieldValues("where=configure");
-        ADD_FAILURE() << "it throws";
-    } catch (const Trovio::InvalidFieldException& problem) {
-        EXPECT_EQ(problem.getMessage(), "node 'Rude' of type 'Rude' threw in configure() something that is no "
-                                        "exception; correct the module of this type");
-    }
+    EXPECT_EQ(problemWhen<Trovio::InvalidFieldException>([&node] { node->setFieldValues("where=configure"); }),
+              "node 'Rude' of type 'Rude' threw in configure() something that is no exception; correct the module of "
+              "this type");
     node->setFieldValues("where=start label=loud");
-    try {
-        Root::get().addNamespace(std::move(node));
-        ADD_FAILURE() << "it throws";
-    } catch (const Trovio::InvalidNodeException& problem) {
-        EXPECT_NE(problem.getMessage().find("node 'loud' of type 'Rude' threw in start()"), std::string::npos);
-    }
+    const std::string problem = problemWhen([&node] { Root::get().addNamespace(std::move(node)); });
+    EXPECT_NE(problem.find("node 'loud' of type 'Rude' threw in start()"), std::string::npos) << problem;
     node = NodeType::newInstance("Rude");
     node->setFieldValues("where=remarks");
     Root::get().addNamespace(std::move(node));
@@ -164,19 +162,14 @@ TEST_F(Modules, WhatIsNoExceptionBecomesARefusal)
 
 TEST_F(Modules, ListShowsTypesAndProblems)
 {
-    const auto types = NodeType::list();
-    const auto find = [&types](const std::string& name) {
-        const auto found =
-            std::find_if(types.begin(), types.end(), [&name](const auto& type) { return type._name == name; });
-        return found == types.end() ? Trovio::NodeTypeInfo{"not listed", {}, {}, {}, "not listed"} : *found;
-    };
-    const auto good = find("Good");
-    EXPECT_TRUE(good._problem.empty() && good._origin == goodModule) << good._problem;
-    ASSERT_EQ(good._settings.size(), 1U);
-    EXPECT_EQ(Trovio::describeAllowed(good._settings[0]), "number from 0.5 to 2");
-    EXPECT_TRUE(find("Throws")._problem.empty()) << "what a factory does is not known before it is called";
+    std::map<std::string, Trovio::NodeTypeInfo> types;
+    for (const auto& type : NodeType::list())
+        types[type._name] = type;
+    EXPECT_TRUE(types["Good"]._problem.empty() && types["Good"]._origin == goodModule) << types["Good"]._problem;
+    EXPECT_EQ(Trovio::describeAllowed(types["Good"]._settings.at(0)), "number from 0.5 to 2");
+    EXPECT_TRUE(types.contains("Throws") && types["Throws"]._problem.empty()) << "not known before it is called";
     for (const char* name : {"OldVersion", "NoEntry", "EntryThrows", "LacksLibrary"})
-        EXPECT_EQ(find(name)._problem, problemOf(name));
+        EXPECT_EQ(types[name]._problem, problemOf(name));
 }
 
 TEST_F(Modules, ProgramMayAddItsOwnTypes)
@@ -195,7 +188,6 @@ TEST(NodeModuleFile, KnowsThePackagesOfLibraries)
 {
     const std::pair<const char*, const char*> rows[] = {{"liblo.so.7", "liblo7"},
                                                         {"libSDL2-2.0.so.0", "libsdl2-2.0-0"},
-                                                        {"libmosquitto.so.1", "libmosquitto1"},
                                                         {"libsqlite3.so.0", "libsqlite3-0"},
                                                         {"libddsc.so.0", "libddsc0debian"},
                                                         {"libplain.so", ""},

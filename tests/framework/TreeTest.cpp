@@ -184,29 +184,6 @@ TEST_F(Tree, SettingsAreAppliedWholeOrNotAtAll)
     EXPECT_EQ(configured._size, 3) << "without settings it is configured with its defaults";
 }
 
-TEST_F(Tree, DirtyTellsOfChangesToRoutesNodesAndSettings)
-{
-    auto node = make("a");
-    TestNode& child = *node;
-    const std::pair<const char*, std::function<void()>> changes[] = {
-        {"route", [&] { _root.addRoute("a", "b"); }},
-        {"route gone", [&] { _root.removeRoute("a", "b"); }},
-        {"external route", [&] { _root.addExternalRoute("a", "b"); }},
-        {"external route gone", [&] { _root.removeExternalRoute("a", "b"); }},
-        {"node", [&] { _root.addNamespace(std::move(node)); }},
-        {"node gone", [&] { _root.removeNamespace("Test"); }}};
-    child.setFieldValues("size=4");
-    EXPECT_TRUE(child.isDirty());
-    for (const auto& [what, change] : changes) {
-        _root.setDirty(false);
-        _root.addInSlot("in", &_in); // slots are the scene's, not the tree's set-up
-        _root.removeSlot("in");
-        EXPECT_FALSE(_root.isDirty()) << what;
-        change();
-        EXPECT_TRUE(_root.isDirty()) << what;
-    }
-}
-
 TEST_F(Tree, InspectionShowsStateCountersSlotsAndRoutes)
 {
     auto node = make("a");

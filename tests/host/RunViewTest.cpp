@@ -36,17 +36,6 @@ TEST(RunLog, ShowsWhatConcernsThePersonAtTheTerminal)
         }
 }
 
-TEST(RunLog, WritesWhatNobodyTook)
-{
-    testing::internal::CaptureStderr();
-    {
-        RunLog runLog(false);
-        runLog.hold(true);
-        log(osg::LogWarning, "Ostrel", "odd");
-    }
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "WARNING Ostrel unit:7: odd\n");
-}
-
 /// The bytes that a table view wrote, and the sensor that it shows.
 class TableViewTest : public ::testing::Test {
 protected:

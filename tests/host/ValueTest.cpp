@@ -87,14 +87,6 @@ TEST(ValueText, OfWhatNoSceneCanSay)
     EXPECT_EQ(valueText(many, Digits::Few, 10), "[1000] 7, 7, …");
 }
 
-// The quaternion is what a scene writes and OSC carries, also where a field was given an axis and an angle.
-TEST(ValueText, OfRotationIsItsQuaternion)
-{
-    Ostrel::SFRotation rotation;
-    rotation.value().setAxisAngle(0, 2, 0, 0);
-    EXPECT_EQ(jsonOf(rotation), "[0.0,0.0,0.0,1.0]");
-}
-
 // Flat positions: what a scene writes as row 0, column 1 is where the runtime keeps it, column by column.
 TEST(ValueText, OfMatrixIsRowByRow)
 {

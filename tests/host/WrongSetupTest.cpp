@@ -1,5 +1,6 @@
 #include "tests/host/HostProcess.h"
 #include "tests/host/SceneOnDisk.h"
+#include "tests/nodes/OscMessages.h"
 #include "tests/nodes/UdpPeer.h"
 
 #include <algorithm>
@@ -14,8 +15,7 @@
 // What users get wrong, and what `why` says to it: each row is a scene that carries nothing, or not what was meant.
 namespace {
 
-using Packet = std::vector<std::uint8_t>;
-using Trovio::Nodes::UdpPeer;
+using namespace Trovio::Nodes;
 using Words = std::vector<std::string>;
 
 const std::string host = HOST_PROGRAM;
@@ -56,29 +56,17 @@ struct WrongSetup {
     std::string _beside;            // the scene of a program that runs meanwhile
 };
 
-Packet packetOf(const std::string& bytes)
+Packet vectorTo(const std::string& address)
 {
-    return {bytes.begin(), bytes.end()};
+    return numbersMessage(address, 'f', {0, 0, 0});
 }
 
-/// A message with three numbers, to an address of five characters.
-std::string messageTo(const std::string& address)
-{
-    return address + std::string("\0\0\0,fff\0\0\0\0", 11) + std::string(12, '\0');
-}
-
-/// A bundle of one message to /wand with three numbers, stamped that far from now.
+/// A bundle of one message to /wand, stamped that far from now.
 Packet wandAt(int secondsFromNow)
 {
-    constexpr std::uint32_t toEpochOf1900 = 2208988800U;
-    const std::uint32_t seconds =
-        static_cast<std::uint32_t>(std::time(nullptr)) + toEpochOf1900 + static_cast<std::uint32_t>(secondsFromNow);
-    const std::string message = messageTo("/wand");
-    std::string bundle("#bundle\0", 8);
-    for (int shift = 24; shift >= 0; shift -= 8)
-        bundle += static_cast<char>(seconds >> shift);
-    bundle += std::string(7, '\0') + static_cast<char>(message.size()) + message;
-    return packetOf(bundle);
+    constexpr std::uint64_t toEpochOf1900 = 2208988800U;
+    const auto seconds = toEpochOf1900 + static_cast<std::uint64_t>(std::time(nullptr) + secondsFromNow);
+    return bundleOf(seconds << 32U, {vectorTo("/wand")});
 }
 
 /// Both ends of a topic, each in a program of its own.
@@ -190,8 +178,7 @@ const WrongSetup setups[] = {
         [] { return wandAt(-3600); }),
     // Other programs.
     row("address misspelt", handler(osc("listen=127.0.0.1:PORT in='/wand Vec3f'"), oscRoute) + wand, toWand, 3,
-        {"never written", "none for /wand", " for /wond (fff)"}, {"no packets"},
-        [] { return packetOf(messageTo("/wond")); }),
+        {"never written", "none for /wand", " for /wond (fff)"}, {"no packets"}, [] { return vectorTo("/wond"); }),
     row("sends, and was to receive", handler(osc("send=127.0.0.1:PORT out='/wand Vec3f'"), oscRoute) + wand, toWand, 3,
         {"'OSC/wand' is an in-slot", "ostrel-host nodes OSC says which slots"}, {"swap"}),
 #ifdef HAS_DDS
@@ -251,7 +238,7 @@ private:
     }
 
     const WrongSetup& _setup;
-    const Trovio::Nodes::SocketAddress _to;
+    const SocketAddress _to;
     const SceneOnDisk _besideFile, _file;
     const UdpPeer _peer;
     std::optional<HostProcess> _beside;

@@ -23,20 +23,6 @@ TEST_F(OscInput, APatternReachesEverySlotThatItMeans)
     EXPECT_EQ(_node->count("in values"), 2U);
 }
 
-TEST_F(OscInput, AMismatchIsReportedOnceForEachAddress)
-{
-    const LogCapture log;
-    run("listen=127.0.0.1:0 in='/wand/position Vec3f, /cloud Vec3f[]'");
-    for (int i = 0; i < 3; ++i) {
-        send(numbersMessage("/wand/position", 'f', {1, 2}));
-        send(numbersMessage("/cloud", 'd', {1, 2}));
-    }
-    awaitCount("in mismatched", 6);
-    const auto texts = log.texts();
-    EXPECT_EQ(std::count(texts.begin(), texts.end(), "/wand/position: expected fff, got ff\n"), 1);
-    EXPECT_EQ(std::count(texts.begin(), texts.end(), "/cloud: expected (fff)*, got dd\n"), 1);
-}
-
 TEST_F(OscInput, AddressesWithoutASlotAreNamedOnceWithTheEntryThatWouldTakeThem)
 {
     const LogCapture log;

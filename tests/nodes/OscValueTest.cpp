@@ -10,7 +10,7 @@
 #include "trovio/SlotTypes.h"
 #include <cmath>
 #include <gtest/gtest.h>
-#include <map>
+#include <sstream>
 
 namespace Trovio::Nodes {
 namespace {
@@ -54,33 +54,11 @@ TEST(OscValue, EveryNumberTagFeedsEveryNumericType)
 
 TEST(OscValue, TheTypeThatIsGuessedFromTheTagsTakesTheMessage)
 {
-    const std::map<std::string, std::string> expected{{"f", "Float"},
-                                                      {"i", "Long"},
-                                                      {"h", "Long"},
-                                                      {"d", "Double"},
-                                                      {"T", "Bool"},
-                                                      {"I", "Bool"},
-                                                      {"N", "Bool"},
-                                                      {"FFN", "Bool[]"},
-                                                      {"s", "String"},
-                                                      {"S", "String"},
-                                                      {"b", "String"},
-                                                      {"sss", "String[]"},
-                                                      {"t", "Time"},
-                                                      {"tt", "Time[]"},
-                                                      {"r", "ColorRGBA"},
-                                                      {"ff", "Vec2f"},
-                                                      {"[fff]", "Vec3f"},
-                                                      {"iii", "Vec3d"},
-                                                      {"fffd", "Vec4d"},
-                                                      {"fffff", "Float[]"},
-                                                      {"iiiii", "Long[]"},
-                                                      {"fiiii", "Double[]"},
-                                                      {"fffffffff", "Matrix3f"},
-                                                      {"iiib", "Image"},
-                                                      {"dddddddddddddddd", "Matrix4d"},
-                                                      {"rr", "ColorRGBA[]"}};
-    for (const auto& [tags, type] : expected) {
+    std::istringstream rows("f Float i Long h Long d Double T Bool I Bool N Bool FFN Bool[] s String S String b String "
+                            "sss String[] t Time tt Time[] r ColorRGBA ff Vec2f [fff] Vec3f iii Vec3d fffd Vec4d "
+                            "fffff Float[] iiiii Long[] fiiii Double[] fffffffff Matrix3f iiib Image "
+                            "dddddddddddddddd Matrix4d rr ColorRGBA[]");
+    for (std::string tags, type; rows >> tags >> type;) {
         EXPECT_EQ(guessSlotType(tags), type) << tags;
         const std::vector<std::uint8_t> zeros(256);
         std::size_t size = 0;

@@ -69,21 +69,6 @@ TEST_F(BridgeNodes, BadNodesAreWarningsThatNameThemAndChangeNothing)
     EXPECT_EQ(space("Context")->inspect()._children.size(), 0U);
 }
 
-TEST_F(BridgeNodes, LabelsJoinANodeWithASensorUntilTheyAreRemoved)
-{
-    DirectSensor& sensor = add("SFFloat", "Speed");
-    addParameter(*_handler, "Plain", "");
-    addLabel(*_handler, "Plain/value", "Speed");
-    auto& in = slot<Trovio::InSlot<float>>(sensor);
-    EXPECT_TRUE(in.isActive());
-    std::string from = "Plain/value";
-    std::string to = "Speed";
-    _handler->removeLabel(from, to);
-    EXPECT_FALSE(in.isActive());
-    std::string bad;
-    EXPECT_THROW(_handler->addLabel(bad, to), Trovio::Exception) << "the framework's exceptions pass through";
-}
-
 TEST_F(BridgeNodes, OperationsOnALostNamespaceDoNothing)
 {
     LogCapture log(2);

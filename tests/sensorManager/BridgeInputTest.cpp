@@ -61,28 +61,6 @@ TEST_F(BridgeInput, BufferSizeChoosesTheSlotAndTheDescriptionNamesIt)
     EXPECT_EQ(ring.getCounts().waiting, 2U);
 }
 
-TEST_F(BridgeInput, EveryQueuedValueIsAChangeOfItsOwnWithTheFramesTime)
-{
-    struct Recorder : Observer {
-        explicit Recorder(SFFloat& field) : Observer("recorder"), _field(field) {}
-        void notify(const TimeStamp& now, BaseObject*, BaseObject*, BaseObject*) override
-        {
-            _changes.emplace_back(now, _field.value());
-        }
-        SFFloat& _field;
-        std::vector<std::pair<double, float>> _changes;
-    };
-    DirectSensor& sensor = add("SFFloat", "speed", false, 8);
-    Recorder recorder(field<SFFloat>(sensor));
-    recorder._field.getSendSubject().attach(recorder);
-    notify(sensor, 4.0);
-    for (const float value : {1.0F, 2.0F, 2.0F})
-        slot<BufferedInSlot<float>>(sensor).push(Data<float>(value, Time(1)));
-    notify(sensor, 5.0);
-    notify(sensor, 6.0);
-    EXPECT_EQ(recorder._changes, (std::vector<std::pair<double, float>>{{5.0, 1.0F}, {5.0, 2.0F}, {5.0, 2.0F}}));
-}
-
 TEST_F(BridgeInput, IntegersKeepTheirLow32Bits)
 {
     EXPECT_EQ(received<SFInt32>((1L << 32) + 1).value(), 1);
