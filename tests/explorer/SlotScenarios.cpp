@@ -85,49 +85,10 @@ void fullRing(Scheduler& scheduler)
     expect(taken.back() % 100 == 3, "a full ring dropped the newest record");
 }
 
-void interruptWhileAValueWaits(Scheduler& scheduler)
-{
-    In in("in");
-    push(in, 1);
-    int interrupted = 0;
-    long number = 0;
-    scheduler.spawn([&] { in.interrupt(); });
-    scheduler.spawn([&] {
-        while (!popUnlessInterrupted(in, number))
-            ++interrupted;
-    });
-    scheduler.run();
-    expect(number == 1, "the value that waited did not come");
-    expect(interrupted + topIsInterrupted(in) == 1, "an interrupt was lost or came twice");
-    expectAccounts(in, 1, 1);
-}
-
-void twoReaders(Scheduler& scheduler)
-{
-    Ring ring("ring", 4);
-    std::vector<long> taken;
-    for (int reader = 0; reader < 2; ++reader)
-        scheduler.spawn([&] {
-            for (int i = 0; i < 2; ++i)
-                taken.push_back(pop(ring));
-        });
-    for (const long first : {1, 3})
-        scheduler.spawn([&ring, first] {
-            push(ring, first);
-            push(ring, first + 1);
-        });
-    scheduler.run();
-    std::sort(taken.begin(), taken.end());
-    expect(taken == std::vector<long>{1, 2, 3, 4}, "two readers did not get each record once");
-    expectAccounts(ring, 4, 4);
-}
-
 constexpr Scenario scenarios[] = {
     {"push_against_pop", "a producer and a reader that sleeps", pushAgainstPop},
     {"pop_interrupt_top", "top() takes interrupts from a sleeping reader, and both are pushed to", popInterruptAndTop},
     {"full_ring", "two producers overrun a ring under its reader", fullRing},
-    {"interrupt_while_a_value_waits", "neither gets lost, whichever the reader sees first", interruptWhileAValueWaits},
-    {"two_readers", "two sleeping readers share what two producers push", twoReaders},
 };
 
 } // namespace

@@ -127,17 +127,5 @@ TEST(Filter, PushesFromItsOwnThreadInOrder)
     EXPECT_EQ(listener._onPusher, 0);
 }
 
-TEST(Filter, WorksOnAfterItStoodElsewhere)
-{
-    RelayBench<Scale, double> bench("gain=3");
-    EXPECT_EQ(bench.pass(1.0), 3.0);
-    bench.node().stop();
-    bench.send(2.0); // kept by the out-slot, and delivered to whoever connects next
-    bench.node().standAgain();
-    while (bench.next().getValue() != 6.0) { // its own last record comes again first, as to every new reader
-    }
-    EXPECT_EQ(bench.pass(4.0), 12.0);
-}
-
 } // namespace
 } // namespace Trovio::Nodes

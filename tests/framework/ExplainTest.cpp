@@ -278,29 +278,4 @@ TEST_F(Explain, CountsSinceTheScenesStart)
     EXPECT_EQ(_scene.explain("device/out", "filter/in", 1e9)._verdict, Verdict::Overwritten);
 }
 
-TEST_F(Explain, SeesThroughLevels)
-{
-    Namespace top;
-    auto context = std::make_unique<Namespace>();
-    context->addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
-    auto device = std::make_unique<TestNode>("inner", _events);
-    OutSlot<float> out("out");
-    InSlot<float> in("in");
-    device->addOutSlot("out", &out);
-    context->addNamespace("device", std::move(device));
-    context->addInSlot("sensor", &in);
-    context->addRoute("devise/out", "sensor");
-    Namespace& kept = *context;
-    top.addNamespace("Context", std::move(context));
-    const auto verdict = [&top] { return top.explain("Context/device/out", "Context/sensor"); };
-    EXPECT_EQ(*verdict().findText("nearest"), "device/out") << verdict()._text;
-    kept.addRoute("device/out", "sensor");
-    out.push(Data<float>(1));
-    in.pop();
-    EXPECT_EQ(verdict()._verdict, Verdict::Flowing) << verdict()._text;
-    const auto gone = top.removeNamespace("Context");
-    EXPECT_EQ(gone->explain("device/out", "sensor")._verdict, Verdict::NoRoute);
-    gone->removeSlot("sensor");
-}
-
 } // namespace

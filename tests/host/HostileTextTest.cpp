@@ -18,26 +18,15 @@ struct Hostile {
 };
 
 const std::string longText(1U << 16U, 'x');
-// Names begin with "<" and end in "bZ", so that a line that begins with "bZ" was broken in two.
+// Texts begin with "<" and end in "bZ", so that a line that begins with "bZ" was broken in two.
 const Hostile texts[] = {
-    {"Format", "<%n%s%99999999d {} {0}bZ", "<%n%s%99999999d {} {0}bZ"},
-    {"Terminal",
-     "<\x1b[2J\x1b]0;t\x07\xc2\x9b"
-     "31mbZ",
-     "<\\u001b[2J\\u001b]0;t\\u0007\\u009b31mbZ"},
-    {"Lines", "<\nbZ\rbZ\tbZ\x7f", "<\\nbZ\\rbZ\\tbZ\\u007f"},
-    {"Direction",
-     "<\xe2\x80\xa8\xe2\x80\xae\xe2\x81\xa6\xe2\x80\x8f\xd8\x9c"
-     "bZ",
-     "<\\u2028\\u202e\\u2066\\u200f\\u061cbZ"},
-    {"Quotes", "<\"'\\]};//bZ", "<\\\"'\\\\]};//bZ"},
+    {"FormatsLinesTerminalsDirectionsQuotes",
+     "<%n%s%99999999d {} {0}bZ\nbZ\rbZ\tbZ\x7f\x1b[2J\x1b]0;t\x07\xc2\x9b"
+     "31m\xe2\x80\xa8\xe2\x80\xae\xe2\x81\xa6\xe2\x80\x8f\xd8\x9c\"'\\]};//bZ",
+     "<%n%s%99999999d {} {0}bZ\\nbZ\\rbZ\\tbZ\\u007f\\u001b[2J\\u001b]0;t\\u0007\\u009b31m"
+     "\\u2028\\u202e\\u2066\\u200f\\u061c\\\"'\\\\]};//bZ"},
     {"Long", "<" + longText + "bZ", "<" + longText + "bZ", false},
-    {"NotUtf8",
-     "<\xff\xc0\xaf\xed\xa0\x80\xe2\x82"
-     "bZ",
-     "<\xff\xc0\xaf\xed\xa0\x80\xe2\x82"
-     "bZ",
-     false},
+    {"NotUtf8", "<\xff\xc0\xaf\xed\xa0\x80\xe2\x82]bZ", "<\xff\xc0\xaf\xed\xa0\x80\xe2\x82]bZ", false},
 };
 
 std::string sceneOf(const std::string& text)
@@ -63,41 +52,38 @@ std::vector<std::string> badScenes(const std::string& text)
             "[[handler]]\nkind = \"Trovio\"\nname = \"h\"\nurl = " + quoted + "\n"};
 }
 
-class HostileText : public ::testing::TestWithParam<Hostile> {
-protected:
-    /// Runs the program and looks at everything that it wrote; returns its standard output.
-    std::string run(const std::vector<std::string>& arguments)
-    {
-        const std::string logFile = ::testing::TempDir() + "hostile" + std::to_string(getpid()) + ".log";
-        std::vector<std::string> all = {"OSG_LOG_FILE=" + logFile, "OSG_LOG_LEVEL=5", HOST_PROGRAM};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        HostProcess process("/usr/bin/env", all);
-        EXPECT_LT(process.wait(), 128) << process.err().substr(0, 1000);
-        std::stringstream log;
-        log << std::ifstream(logFile).rdbuf();
-        std::remove(logFile.c_str());
-        expectHarmless("log", log.str());
-        expectHarmless("out", process.out());
-        expectHarmless("err", process.err());
-        return process.out();
-    }
+void expectHarmless(const char* where, const std::string& said)
+{
+    SCOPED_TRACE(where);
+    EXPECT_NO_THROW(Json(said).dump()) << "not UTF-8";
+    for (const char* obeyed : {"\x1b", "\r", "\t", "\x7f", "\a", "\xc2\x9b", "\xe2\x80\xa8", "\xe2\x80\xae", "\nbZ"})
+        EXPECT_EQ(said.find(obeyed), std::string::npos) << Json(obeyed).dump(-1, ' ', true);
+}
 
-    void expectJson(const std::string& text)
-    {
-        EXPECT_FALSE(text.empty());
-        EXPECT_TRUE(Json::accept(text)) << text.substr(0, 1000);
-    }
+/// Runs the program and looks at everything that it wrote; returns its standard output.
+std::string run(const std::vector<std::string>& arguments)
+{
+    const std::string logFile = ::testing::TempDir() + "hostile" + std::to_string(getpid()) + ".log";
+    std::vector<std::string> all = {"OSG_LOG_FILE=" + logFile, "OSG_LOG_LEVEL=5", HOST_PROGRAM};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    HostProcess process("/usr/bin/env", all);
+    EXPECT_LT(process.wait(), 128) << process.err().substr(0, 1000);
+    std::stringstream log;
+    log << std::ifstream(logFile).rdbuf();
+    std::remove(logFile.c_str());
+    expectHarmless("log", log.str());
+    expectHarmless("out", process.out());
+    expectHarmless("err", process.err());
+    return process.out();
+}
 
-private:
-    static void expectHarmless(const char* where, const std::string& said)
-    {
-        SCOPED_TRACE(where);
-        EXPECT_NO_THROW(Json(said).dump()) << "not UTF-8";
-        for (const char* obeyed :
-             {"\x1b", "\r", "\t", "\x7f", "\a", "\xc2\x9b", "\xe2\x80\xa8", "\xe2\x80\xae", "\nbZ"})
-            EXPECT_EQ(said.find(obeyed), std::string::npos) << Json(obeyed).dump(-1, ' ', true);
-    }
-};
+void expectJson(const std::string& text)
+{
+    EXPECT_FALSE(text.empty());
+    EXPECT_TRUE(Json::accept(text)) << text.substr(0, 1000);
+}
+
+class HostileText : public ::testing::TestWithParam<Hostile> {};
 
 TEST_P(HostileText, ComesOutOnOneLineAndIsObeyedByNobody)
 {

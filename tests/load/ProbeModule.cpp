@@ -8,17 +8,11 @@
 #include "trovio/InSlot.h"
 #include "trovio/Node.h"
 #include "trovio/NodeType.h"
-#include "trovio/OutSlot.h"
 #include "trovio/Root.h"
 
 PROBE_ENTRY void probePools(std::vector<PoolView>& views)
 {
     views = viewPools();
-}
-
-PROBE_ENTRY Trovio::BasicOutSlot* probeOutSlot()
-{
-    return new Trovio::OutSlot<Trovio::SharedVector<float>>("probe");
 }
 
 /// Lets the generator run until it has sent some.

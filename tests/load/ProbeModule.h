@@ -2,15 +2,9 @@
 
 #include "tests/load/PoolViews.h"
 
-namespace Trovio {
-class BasicOutSlot;
-}
-
 #define PROBE_ENTRY extern "C" [[gnu::visibility("default")]]
 
 /// The pools as the module sees them.
 PROBE_ENTRY void probePools(std::vector<PoolView>& views);
-/// A new out-slot of shared float vectors; the caller owns it.
-PROBE_ENTRY Trovio::BasicOutSlot* probeOutSlot();
 /// Opens the framework, makes a handler and a node from another module, and takes all of it down. Null, or what failed.
 PROBE_ENTRY const char* probeUse();

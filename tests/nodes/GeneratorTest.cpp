@@ -2,6 +2,7 @@
 #include "tests/nodes/ManualClock.h"
 #include "tests/nodes/NodeFixture.h"
 #include "trovio/OutSlot.h"
+#include <array>
 #include <set>
 
 namespace Trovio::Nodes {
@@ -78,6 +79,22 @@ TEST(Signal, ValuesOfEveryKind)
     EXPECT_EQ(*produced<SharedVector<double>>("shape=ramp elements=4"), (std::vector<double>{-1, -.5, 0, .5}));
     EXPECT_TRUE(produced<SharedVector<long>>("elements=0")->empty());
     EXPECT_EQ(produced<SharedVector<Image>>("elements=2 width=3 height=5")->at(1).getDataSize(), 45U);
+}
+
+// Red is full at the right, green at the bottom, alpha at the left.
+TEST(Signal, PicturesShowTheSameInEveryFormat)
+{
+    for (const std::string format : {"BGR", "RGB", "BGRA", "RGBA", "ARGB"}) {
+        Image picture;
+        ASSERT_TRUE(produced<SharedImage>("width=64 height=48 format=" + format)->convertFormat(Image::RGBA, picture));
+        const auto pixel = [&picture](std::size_t x, std::size_t y) {
+            const auto* const at = picture.getData() + (y * 64 + x) * 4;
+            return std::array<int, 3>{at[0], at[1], at[3]};
+        };
+        const int transparent = format.size() == 3 ? 255 : 0;
+        EXPECT_EQ(pixel(63, 0), (std::array<int, 3>{255, 0, transparent})) << format;
+        EXPECT_EQ(pixel(0, 47), (std::array<int, 3>{0, 255, 255})) << format;
+    }
 }
 
 TEST(GeneratorSettings, AreRefusedWithTheirReasonAndTheSlotKept)

@@ -3,7 +3,6 @@
 #include "ostrel/FieldTypes.h"
 #include "tests/ostrel/Recorder.h"
 #include <gtest/gtest.h>
-#include <stdexcept>
 
 using namespace Ostrel;
 
@@ -93,18 +92,6 @@ TEST(Scene, TellsWhatChangedOnce)
     c.getField()->processValueChange(1.0, CallerOutside);
     scene.remove(c);
     EXPECT_EQ(namesOf(scene.takeChanged()), "") << "it is gone";
-}
-
-TEST(Scene, TakesBackASensorWhoseRegistrationFails)
-{
-    Scene scene;
-    Recorder throws([](auto*) { throw std::runtime_error("no"); });
-    Recorder unregisters;
-    DirectSensorProc::registerSubject().attach(throws);
-    DirectSensorProc::unregisterSubject().attach(unregisters);
-    EXPECT_THROW(addSensor(scene, "a"), std::runtime_error);
-    EXPECT_EQ(scene.size(), 0U);
-    EXPECT_EQ(unregisters.count(), 1U);
 }
 
 TEST(Scene, UnregistersAllSensorsBeforeTheContextEnds)

@@ -104,8 +104,12 @@ TEST_F(BridgeInput, ImagesRefillTheImageThatIsThere)
 {
     DirectSensor& sensor = add("SFImage", "p");
     const osg::Image& image = *field<SFImage>(sensor).value();
-    for (const auto& [format, expected] :
-         {std::pair{Image::RGBA, 0x1908U}, std::pair{Image::LuminanceAlpha, 0x1907U}}) { // the second is converted
+    for (const auto& [format, expected] : {std::pair{Image::RGBA, 0x1908U},
+                                           {Image::BGR, 0x80E0U},
+                                           {Image::RGB, 0x1907U},
+                                           {Image::BGRA, 0x80E1U},
+                                           {Image::Luminance, 0x1909U},
+                                           {Image::LuminanceAlpha, 0x1907U}}) { // the last one is converted
         SharedImage picture;
         *picture = Image(format, 3, 2);
         picture->getData()[0] = 200;
@@ -206,18 +210,4 @@ TEST_F(BridgeInput, FrameEndsHoweverFastValuesCome)
         EXPECT_EQ(in.getCounts().taken, 2 * rounds);
         EXPECT_EQ(in.getActivity()._cutShort, 2U);
     }
-}
-
-TEST_F(BridgeInput, FrameEndsWhereNothingCanBeTaken)
-{
-    DirectSensor& sensor = *_sensors.emplace_back(std::make_unique<DirectSensor>(std::make_unique<ShiftingField>()));
-    sensor.setLabel("shifting");
-    sensor.setContext(&_context);
-    auto& in = slot<InSlot<float>>(sensor);
-    field<ShiftingField>(sensor)._codes = {23};
-    in.push(Data<float>(1, Time(1)));
-    const LogCapture log(1);
-    notify(sensor, 1.0);
-    EXPECT_EQ(log.texts().size(), 64U);
-    EXPECT_EQ(in.getActivity()._cutShort, 1U);
 }

@@ -31,40 +31,6 @@ TEST(SlotThreads, PopSleepsUntilTheNextPush)
     pong.disconnect(&pongIn);
 }
 
-// top() takes interrupts away from under a reader that they have already woken: it must neither return nor hang.
-TEST(SlotThreads, InterruptTakenByTopInventsNoValue)
-{
-    constexpr long values = 5'000;
-    BufferedInSlot<long> slot("in", 8);
-    std::atomic<long> taken{0};
-    const auto unlessInterrupted = [](auto&& read) {
-        try {
-            read();
-        } catch (const InterruptedException&) {
-        }
-    };
-    std::thread reader([&] {
-        while (taken < values)
-            unlessInterrupted([&] {
-                EXPECT_EQ(slot.pop().getValue(), taken + 1);
-                ++taken;
-                taken.notify_one();
-            });
-    });
-    std::thread interrupter([&] {
-        while (taken < values) {
-            slot.interrupt();
-            unlessInterrupted([&] { slot.top(); });
-        }
-    });
-    for (long i = 1; i <= values; ++i) {
-        slot.push(Data<long>(i, Time(0)));
-        taken.wait(i - 1);
-    }
-    reader.join();
-    interrupter.join();
-}
-
 // The mutexes tell the thread sanitizer what they order, whether they do or not. The lock below them tells it nothing.
 TEST(FutexLock, OrdersWhatItGuards)
 {

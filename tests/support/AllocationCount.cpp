@@ -22,15 +22,14 @@ bool fails()
     return true;
 }
 
-void* counted(std::size_t size, std::size_t alignment)
+void* counted(std::size_t size)
 {
     calls.fetch_add(1, std::memory_order_relaxed);
     if (fails())
         throw std::bad_alloc();
-    void* memory = nullptr;
-    if (posix_memalign(&memory, alignment < sizeof(void*) ? sizeof(void*) : alignment, size ? size : 1) != 0)
-        throw std::bad_alloc();
-    return memory;
+    if (void* const memory = std::malloc(size ? size : 1))
+        return memory;
+    throw std::bad_alloc();
 }
 
 } // namespace
@@ -58,17 +57,12 @@ bool AllocationFailure::happened() const
 
 void* operator new(std::size_t size)
 {
-    return counted(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+    return counted(size);
 }
 
 void* operator new[](std::size_t size)
 {
-    return counted(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
-}
-
-void* operator new(std::size_t size, std::align_val_t alignment)
-{
-    return counted(size, static_cast<std::size_t>(alignment));
+    return counted(size);
 }
 
 void operator delete(void* memory) noexcept
@@ -87,16 +81,6 @@ void operator delete(void* memory, std::size_t) noexcept
 }
 
 void operator delete[](void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::align_val_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept
 {
     std::free(memory);
 }
