@@ -118,7 +118,7 @@ void EndWatch::endAtOnce() const
             _say("ended by a second signal: " + described(*move));
     });
     QueuedOutput::waitForAll(patience);
-    Keyboard::restore();
+    Keyboard::restoreForGood();
     _exit(128 + _stop.second());
 }
 } // namespace Host

@@ -31,7 +31,7 @@ void onSignal(int number)
     // A terminal that closes hangs up twice: its shell, and then the kernel.
     if (stopRequested.exchange(true) && number != SIGHUP)
         if (secondNumber.exchange(number) != 0 || !isWatched) {
-            Keyboard::restore();
+            Keyboard::restoreForGood();
             _exit(128 + number);
         }
     sem_post(&news);

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <csignal>
 #include <poll.h>
+#include <sched.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -18,7 +19,8 @@ constexpr std::array ofJobs = {SIGTTIN, SIGTTOU};
 
 // Reached from signal handlers, which get no argument of ours.
 std::atomic<bool> isChanged{false}, isKnown{false};
-termios before; // once known, as the shell gave it to the program
+std::atomic<bool> isOver{false}, isTaking{false}; // the program ends; a thread is about to take the keys
+termios before;                                   // once known, as the shell gave it to the program
 std::array<struct sigaction, NSIG> replaced;
 
 void install(int number, void (*handler)(int))
@@ -37,7 +39,7 @@ void putBack(int number)
 // The signal is blocked until this returns, and then does what it would have done.
 void onFatal(int number)
 {
-    Keyboard::restore();
+    Keyboard::restoreForGood();
     putBack(number);
     raise(number);
 }
@@ -59,7 +61,7 @@ void onStop(int number)
 
 // False where they were taken already.
 // Again where another program at this terminal has set it back.
-bool takeKeys()
+bool takeKeysNow()
 {
     termios keys{};
     if (tcgetattr(STDIN_FILENO, &keys) != 0 || (isChanged && (keys.c_lflag & ICANON) == 0))
@@ -75,6 +77,14 @@ bool takeKeys()
     tcsetattr(STDIN_FILENO, TCSANOW, &keys);
     isChanged = true; // also if a signal has just restored it
     return true;
+}
+
+bool takeKeys()
+{
+    isTaking = true;
+    const bool areTaken = !isOver && takeKeysNow();
+    isTaking = false;
+    return areTaken;
 }
 } // namespace
 
@@ -120,5 +130,14 @@ void Keyboard::restore()
 {
     if (isChanged.exchange(false) && isInFront(STDIN_FILENO))
         tcsetattr(STDIN_FILENO, TCSANOW, &before);
+}
+
+void Keyboard::restoreForGood()
+{
+    isOver = true;
+    // Not for ever: in a signal handler it may be this thread that is about to take them.
+    for (int i = 0; isTaking && i < 10'000; ++i)
+        sched_yield();
+    restore();
 }
 } // namespace Host

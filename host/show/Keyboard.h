@@ -21,9 +21,10 @@ public:
     /// Whether the last read() took the terminal over anew, at first or from a shell.
     bool isBack() const { return _isBack; }
 
-    /// Gives the terminal its settings back, for a way out that runs no destructors. Safe in a signal handler; any
-    /// thread.
+    /// Gives the terminal its settings back, without a destructor that runs. Safe in a signal handler; any thread.
     static void restore();
+    /// The same where the program ends now: a read() on another thread does not take it over again.
+    static void restoreForGood();
 
 private:
     const bool _isThere;
