@@ -23,23 +23,14 @@ namespace rtps = eprosima::fastrtps::rtps;
 using eprosima::fastcdr::Cdr;
 
 /// Members in their order on the wire, one after another: each(f) calls f for every one.
-template <class T>
-struct Plain {
-    T _data;
+template <class T, std::size_t count = 1>
+struct Run {
+    std::array<T, count> _members;
     template <class F>
     void each(F f)
     {
-        f(_data);
-    }
-};
-template <class T, std::size_t count>
-struct Numbers {
-    std::array<T, count> _numbers;
-    template <class F>
-    void each(F f)
-    {
-        for (T& number : _numbers)
-            f(number);
+        for (T& member : _members)
+            f(member);
     }
 };
 struct Stamp {
@@ -170,19 +161,19 @@ int main(int, char** arguments)
     auto* participant = factory.create_participant(static_cast<std::uint32_t>(std::stoul(arguments[1])), makeQos());
     if (!participant)
         return 1;
-    const Echo<Plain<bool>> truth(*participant, "std_msgs", "Bool");
-    const Echo<Numbers<float, 4>> color(*participant, "std_msgs", "ColorRGBA");
-    const Echo<Plain<double>> wide(*participant, "std_msgs", "Float64");
-    const Echo<Plain<float>> narrow(*participant, "std_msgs", "Float32");
-    const Echo<Plain<std::int64_t>> whole(*participant, "std_msgs", "Int64");
-    const Echo<Plain<std::string>> text(*participant, "std_msgs", "String");
+    const Echo<Run<bool>> truth(*participant, "std_msgs", "Bool");
+    const Echo<Run<float, 4>> color(*participant, "std_msgs", "ColorRGBA");
+    const Echo<Run<double>> wide(*participant, "std_msgs", "Float64");
+    const Echo<Run<float>> narrow(*participant, "std_msgs", "Float32");
+    const Echo<Run<std::int64_t>> whole(*participant, "std_msgs", "Int64");
+    const Echo<Run<std::string>> text(*participant, "std_msgs", "String");
     const Echo<MultiArray<double>> wides(*participant, "std_msgs", "Float64MultiArray");
     const Echo<MultiArray<float>> narrows(*participant, "std_msgs", "Float32MultiArray");
     const Echo<MultiArray<std::int64_t>> wholes(*participant, "std_msgs", "Int64MultiArray");
-    const Echo<Numbers<double, 7>> pose(*participant, "geometry_msgs", "Pose");
-    const Echo<Numbers<double, 4>> turn(*participant, "geometry_msgs", "Quaternion");
-    const Echo<Numbers<double, 3>> point(*participant, "geometry_msgs", "Point");
-    const Echo<Numbers<float, 3>> point32(*participant, "geometry_msgs", "Point32");
+    const Echo<Run<double, 7>> pose(*participant, "geometry_msgs", "Pose");
+    const Echo<Run<double, 4>> turn(*participant, "geometry_msgs", "Quaternion");
+    const Echo<Run<double, 3>> point(*participant, "geometry_msgs", "Point");
+    const Echo<Run<float, 3>> point32(*participant, "geometry_msgs", "Point32");
     const Echo<Stamp> time(*participant, "builtin_interfaces", "Time");
     const Echo<Image> image(*participant, "sensor_msgs", "Image");
     std::puts("ready");

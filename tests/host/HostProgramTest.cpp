@@ -124,6 +124,19 @@ TEST(HostProgram, RunsWithoutStandardStreams)
     }
 }
 
+// The values are more than a pipe holds.
+TEST(HostProgram, NeverWaitsForWhoReadsAlong)
+{
+    const SceneOnDisk scene("[[handler]]\nkind = \"Trovio\"\nname = \"h\"\n"
+                            "nodes = [[\"Generator\", \"type=Float[] elements=2000 rate=60\"]]\n"
+                            "routes = [[\"Generator/value\", \"Wave\"]]\n"
+                            "[[sensor]]\nname = \"wave\"\ntype = \"MFFloat\"\nlabel = \"Wave\"\n");
+    HostProcess running(host, {"run", scene.path(), "--format", "json", "--frames", "30"});
+    running.pauseReading(true);
+    EXPECT_EQ(running.wait(), 0);
+    EXPECT_GT(numberBehind(running.err(), "standard output: "), 0) << running.err();
+}
+
 TEST(HostProgram, EndsInOrderWhenItsReaderGoes)
 {
     const SceneOnDisk scene("[[handler]]\nkind = \"Trovio\"\nname = \"h\"\nnodes = [[\"Generator\", \"\"]]\n"
