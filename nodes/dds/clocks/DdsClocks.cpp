@@ -3,6 +3,7 @@
 #include "nodes/dds/net/DdsSamples.h"
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <utility>
 
 namespace Trovio::Nodes {
@@ -149,7 +150,7 @@ void DdsClocks::onAnswererChange(dds_entity_t, dds_subscription_matched_status_t
 }
 
 void DdsClocks::takeQuestion(const Probe& probe, double arrived)
-{
+try {
     {
         const Ostrel::LockGuard guard(_lock);
         if (const double second = std::floor(_clock.now()); second != std::exchange(_second, second))
@@ -161,6 +162,8 @@ void DdsClocks::takeQuestion(const Probe& probe, double arrived)
         _questions.back().received = arrived;
     }
     _wake();
+} catch (const std::bad_alloc&) {
+    // The library calls this and can take no exception. Whoever asked will ask again.
 }
 
 void DdsClocks::takeAnswer(const Probe& probe, std::uint64_t sender, double arrived)
