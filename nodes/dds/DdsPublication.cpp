@@ -4,6 +4,7 @@
 #include "nodes/dds/net/DdsSamples.h"
 #include "nodes/dds/wire/WireItem.h"
 #include "nodes/shared/Report.h"
+#include <new>
 #include <utility>
 
 namespace Trovio::Nodes {
@@ -153,9 +154,11 @@ try {
 }
 
 void DdsPublication::tell(const std::string& complaint) const
-{
+try {
     if (!complaint.empty())
         report(osg::LogWarning, "DDS: topic " + _topic._name + ": " + complaint);
+} catch (const std::bad_alloc&) {
+    // As above.
 }
 
 } // namespace Trovio::Nodes

@@ -79,7 +79,7 @@ bool DdsSession::open()
     _domain = DdsDomain::open(domain);
     try {
         openTopics();
-    } catch (const DdsProblem&) {
+    } catch (...) { // also without memory: what is open in part must not count as open
         close();
         throw;
     }

@@ -24,7 +24,7 @@ public:
     void forEachInSlot(const std::function<void(BasicInSlot&)>& use);
     void forEachOutSlot(const std::function<void(BasicOutSlot&)>& use);
 
-    /// False while hosts are looked up: call it again soon. Throws DdsProblem, and is closed then.
+    /// False while hosts are looked up: call it again soon. Throws DdsProblem or std::bad_alloc, and is closed then.
     bool open();
     /// The domain that is open, with the addresses of its hosts.
     const DdsDomain& getDomain() const { return *_domain; }
