@@ -1,11 +1,11 @@
 #include "host/cli/CommandLine.h"
 
 #include "explain/text/Escape.h"
+#include "explain/text/Failure.h"
 #include "explain/text/NearestName.h"
 #include "host/cli/ExitCode.h"
 #include "host/show/SensorFilter.h"
 #include "scene/file/SceneFile.h"
-#include "scene/file/SceneMemory.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -155,10 +155,10 @@ int runVerb(const Verb& verb, const Options& options)
 {
     try {
         return verb._run(options);
-    } catch (const OutOfMemory& error) {
-        std::fprintf(stderr, "%s\n", error.what());
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "memory ran out\n");
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", textOf(error).c_str());
     }
     return Failed;
 }

@@ -27,8 +27,8 @@ int runWatched(std::vector<SceneFile> files, bool json,
         code = output.finish(code);
     });
     if (failure)
-        std::fprintf(stderr, "the run cannot start: %s; it needs three threads, and some for its nodes: %s%s\n",
-                     escaped(*failure).c_str(), asked.c_str(), memoryCure);
+        std::fprintf(stderr, "the run cannot start: %s; it needs some threads beside those of its nodes; %s\n",
+                     escaped(*failure, 1000).c_str(), asked.c_str());
     return code;
 }
 } // namespace Host

@@ -119,8 +119,10 @@ std::string SceneMemory::largestText() const
         text += (text.empty() ? "" : ", ") + bytesText(memory._slots) + " for sensor " + inQuotes(sensor._name._value);
         if (_several)
             text += " of " + escaped(memory._scene->_path);
-        text += " (a buffer of " + counted(sensor._buffer._value, "value") + " of " + std::to_string(memory._record) +
-                " bytes" + (memory._handlers > 1 ? ", in each of " + counted(memory._handlers, "handler") : "") + ")";
+        text += sensor._buffer._value == 0 ? " (no buffer"
+                                           : " (a buffer of " + counted(sensor._buffer._value, "value") + " of " +
+                                                 std::to_string(memory._record) + " bytes";
+        text += (memory._handlers > 1 ? ", in each of " + counted(memory._handlers, "handler") : "") + ")";
     }
     return text.empty() ? "0 bytes" : text;
 }
