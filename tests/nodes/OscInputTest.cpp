@@ -186,7 +186,7 @@ TEST(OscSettings, AreRefusedWithTheirReasonAndTheSlotsKept)
                    {"listen=9000 in='/a Float x'", "Float x"},
                    {"listen=9000 in='/a Float, , /b Float'", "entry ''"},
                    {"listen=9000 in='/a Float,'", "comma"},
-                   {"listen=9000 in='/a Float, /a Bool'", "twice"},
+                   {"listen=9000 in='/a Float, /a Bool'", "duplicate name '/a'"},
                    {"listen=9000 in='/a Float' send=9001 out='/a Float'", "both have /a"}});
 }
 
