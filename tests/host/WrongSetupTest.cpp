@@ -10,7 +10,6 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
-#include <optional>
 
 // What users get wrong, and what `why` says to it: each row is a scene that carries nothing, or not what was meant.
 namespace {
@@ -204,11 +203,10 @@ public:
           _to(UdpPeer().getAddress()), // free again at once
           _besideFile(filled(setup._beside)),
           _file(filled(setup._scene)),
+          _beside(setup._beside.empty() ? nullptr : started(_besideFile)),
           _process("sh",
                    {"-c", "exec \"$0\" why \"$1\" $2 --patience 0.4 --seconds 15", host, _file.path(), setup._question})
     {
-        if (!setup._beside.empty())
-            _beside.emplace(host, std::vector<std::string>{"run", _besideFile.path(), "--quiet"});
     }
 
     /// Whether it still goes on. Waits a while for the answer.
@@ -233,6 +231,14 @@ public:
     const char* name() const { return _setup._name; }
 
 private:
+    /// Its nodes run: on a machine with much to do, an answer within the patience would come before that.
+    static std::unique_ptr<HostProcess> started(const SceneOnDisk& scene)
+    {
+        auto process = std::make_unique<HostProcess>(host, std::vector<std::string>{"run", scene.path(), "--quiet"});
+        EXPECT_TRUE(process->waitFor("running")) << process->err();
+        return process;
+    }
+
     std::string filled(std::string scene) const
     {
         const unsigned domain = _to.getPort() % 230U;
@@ -246,7 +252,7 @@ private:
     const SocketAddress _to;
     const SceneOnDisk _besideFile, _file;
     const UdpPeer _peer;
-    std::optional<HostProcess> _beside;
+    const std::unique_ptr<HostProcess> _beside;
     HostProcess _process;
 };
 
