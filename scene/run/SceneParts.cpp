@@ -47,7 +47,7 @@ bool takesLabel(const std::string& kind)
 
 std::optional<NodeFault> addNode(Trovio::Namespace& space, const LabelledNode& node, const Merid::URL& baseURL)
 {
-    const auto& [type, settings] = *node._entry;
+    const LocatedText &type = node._entry->_first, &settings = node._entry->_second;
     std::unique_ptr<Trovio::Node> made;
     if (const auto failure = failureOf([&] { made = Trovio::NodeType::newInstance(type._value); })) {
         const bool isKnown = std::ranges::count(Trovio::NodeType::names(), type._value) != 0;
