@@ -37,11 +37,11 @@ private:
 class OscOutput : public OscFixture {
 protected:
     /// Sends to a name that only the returned lookup knows.
-    FakeLookup& runWithLookup()
+    FakeLookup& runWithLookup(const std::string& settings = "")
     {
         auto lookup = std::make_unique<FakeLookup>();
         FakeLookup& fake = *lookup;
-        run("send=tracker.example:9000 out='/a Float'", std::move(lookup));
+        run("send=tracker.example:9000 out='/a Float'" + settings, std::move(lookup));
         await([&] { return fake._begun == 1; });
         return fake;
     }
@@ -65,6 +65,20 @@ TEST_F(OscOutput, AnUnknownHostDegradesTheNodeAndIsAskedForAgain)
     advanceUntil([&] { return lookup._begun == 2; });
     lookup.answer({_peer.getAddress(), {}});
     advanceUntil([&] { return !state()._degraded; });
+}
+
+TEST_F(OscOutput, EachHalfFailsAndRecoversAlone)
+{
+    const LogCapture log;
+    auto other = std::make_unique<UdpPeer>();
+    const std::string missing = "cannot find the host 'tracker.example': no such name";
+    FakeLookup& lookup = runWithLookup(" in='/b Float' listen=" + other->getAddress().str());
+    lookup.answer({{}, "no such name"});
+    advanceUntil([&] { return state()._reason.ends_with("taken by another program; " + missing); });
+    other.reset();
+    advanceUntil([&] { return state()._reason == missing; });
+    const auto texts = log.texts();
+    EXPECT_NE(std::find(texts.begin(), texts.end(), "OSC: receives again\n"), texts.end());
 }
 
 TEST_F(OscOutput, StopsWhileTheNameServerThinks)
