@@ -46,7 +46,8 @@ void SceneNotes::checkParts(const SceneGraph& graph)
         note({}, "the scene has no handler of kind " + inQuotes(std::string(bridgeKind)) +
                      ", without which no sensor has a slot");
     for (const HandlerEntry& handler : _scene._handlers)
-        if (handler._kind._value != bridgeKind && handler._nodes.size() + handler._routes.size() > 0)
+        if (isKnownKind(handler._kind._value) && handler._kind._value != bridgeKind &&
+            handler._nodes.size() + handler._routes.size() > 0)
             note(handler._kind._position, "a handler of kind " + inQuotes(handler._kind._value) +
                                               " feeds nothing; its nodes and routes are not used");
     if (bridges > 1)

@@ -12,6 +12,7 @@
 #include "sensorManager/TrovioSensorHandler.h"
 #include "trovio/Root.h"
 
+#include <optional>
 #include <unordered_map>
 
 namespace Scenes {
@@ -70,9 +71,11 @@ LoadedHandler LoadedScene::madeHandler(const HandlerEntry& entry, const Say& say
     LoadedHandler loaded{&entry, nullptr, {}};
     const std::string& kind = entry._kind._value;
     auto& manager = *Ostrel::SensorManager::requestManager(_scene.context());
-    const auto failure = failureOf([&] {
-        loaded._handler = manager.addHandler(kind, entry._name._value, sceneURL(entry._url._value, _file._path));
-    });
+    std::optional<std::string> failure;
+    if (isKnownKind(kind)) // else the log would say so, too
+        failure = failureOf([&] {
+            loaded._handler = manager.addHandler(kind, entry._name._value, sceneURL(entry._url._value, _file._path));
+        });
     if (loaded._handler != nullptr)
         return loaded;
     if (takesLabel(kind))

@@ -154,13 +154,14 @@ Explanation replaced(Explanation found, Verdict verdict, const std::string& caus
     return found;
 }
 
-/// That no route leads from one end to the other, and what is to be said of the one that looked as if it should.
-Explanation withoutRoute(Explanation found, const std::string& remark)
+/// That no route leads from one end to the other, and why the one that looked as if it should carries nothing either.
+Explanation withoutRoute(Explanation found, const std::string& why)
 {
     Explanation answer = found;
     answer = replaced(std::move(answer), Verdict::NoRoute,
                       "no route leads from " + inQuotes(*found.findText("cure from")) + " to " +
-                          inQuotes(*found.findText("cure to")) + "; of " + *found.findText("route") + ": " + remark);
+                          inQuotes(*found.findText("cure to")) + "; " + *found.findText("route") +
+                          " begins elsewhere: " + why);
     for (const char* const name : {"cure from", "cure to", "cure in"})
         answer._details.push_back({name, *found.findText(name)});
     return answer;
@@ -191,7 +192,7 @@ Explanation inSceneWords(Explanation found, const Session& session, const Asked&
         if (!start || *start != *label || *label == asked._from)
             return replaced(std::move(found), Verdict::NotMade, why);
         // The route is not misspelt: it begins at another node than was asked about.
-        return withoutRoute(std::move(found), "it begins elsewhere, " + why);
+        return withoutRoute(std::move(found), why);
     }
     if (found._verdict == Verdict::NoSuchLabel)
         if (const std::string why = whyOnlyName(session, *label); !why.empty())

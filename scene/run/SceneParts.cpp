@@ -25,21 +25,25 @@ bool isUsable(const std::string& kind)
 }
 } // namespace
 
+bool isKnownKind(const std::string& kind)
+{
+    return Ostrel::SensorHandlerType::find(kind) != nullptr;
+}
+
 std::string handlerFault(const std::string& kind)
 {
     constexpr std::string_view usable[] = {bridgeKind, "OT", "ORDAN"};
     if (isUsable(kind))
         return {};
-    const bool isKnown = Ostrel::SensorHandlerType::find(kind) != nullptr;
-    return (isKnown ? "no handler of kind " + inQuotes(kind) + " can be made by this program"
-                    : "unknown handler kind " + inQuotes(kind)) +
+    return (isKnownKind(kind) ? "no handler of kind " + inQuotes(kind) + " can be made by this program"
+                              : "unknown handler kind " + inQuotes(kind)) +
            "; allowed: " + listed(usable) + nearestHint(kind, usable);
 }
 
 bool takesLabel(const std::string& kind)
 {
     constexpr std::string_view known[] = {bridgeKind, "OT", "ORDAN", "TORVA"};
-    if (Ostrel::SensorHandlerType::find(kind) != nullptr)
+    if (isKnownKind(kind))
         return kind == bridgeKind;
     const std::string_view nearest = nearestName(kind, known);
     return nearest.empty() || nearest == bridgeKind;

@@ -11,6 +11,9 @@ namespace Scenes {
 
 constexpr std::string_view bridgeKind = "Trovio"; // the kind of handler that has nodes and routes between labels
 
+/// Whether there is such a kind of handler; also where none of it can be made.
+bool isKnownKind(const std::string& kind);
+
 /// Why no handler of that kind can be made: what is allowed, and the nearest name. Empty if one can.
 std::string handlerFault(const std::string& kind);
 
