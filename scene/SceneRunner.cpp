@@ -38,7 +38,7 @@ public:
     double _rate = 0;
 };
 
-SceneRunner::SceneRunner(const std::vector<std::string>& paths, const Say& say)
+SceneRunner::SceneRunner(const std::vector<std::string>& paths, const Explain::Say& say)
     : _state(std::make_unique<State>(paths, say))
 {
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "explain/text/Say.h"
 #include "ostrel/Field.h"
 #include "scene/SceneError.h"
 #include <cstdint>
@@ -25,14 +26,12 @@ namespace Scenes {
 /// Errors:    every exception is a std::exception; after one that a constructor threw nothing is left behind.
 class SceneRunner {
 public:
-    /// Gets a line without its end about each handler and node that could not be made, during construction only.
-    using Say = std::function<void(const std::string& line)>;
-
-    /// Each path names a scene file, which gets a context of its own. Blocks while the nodes start.
+    /// Each path names a scene file, which gets a context of its own. Blocks while the nodes start; `say`, which may be
+    /// empty, gets a line about each handler and node that could not be made.
     /// Throws SceneError where a file cannot be read or is no good, with a line "file:line:column: …" for everything
     /// that is wrong, or where the scenes cannot be connected; std::runtime_error where there is no memory for what
     /// they ask.
-    explicit SceneRunner(const std::vector<std::string>& paths, const Say& say = {});
+    explicit SceneRunner(const std::vector<std::string>& paths, const Explain::Say& say = {});
     ~SceneRunner();
     SceneRunner(const SceneRunner&) = delete;
     SceneRunner& operator=(const SceneRunner&) = delete;

@@ -1,10 +1,11 @@
 #include "host/report/Report.h"
 
+#include "explain/Counts.h"
 #include "explain/RouteEnds.h"
+#include "explain/TreeReport.h"
 #include "explain/text/TextWrap.h"
 #include "host/report/RunCounts.h"
 #include "host/report/SensorReport.h"
-#include "host/report/TreeReport.h"
 #include "trovio/Root.h"
 
 namespace Host {

@@ -12,10 +12,6 @@ struct RunTotals {
     std::uint64_t _frames = 0, _leftOut = 0;
 };
 
-/// Says what became of the records in every slot that had any: as a table with a head line where `width` columns are
-/// enough for it, else one slot after the other.
-void reportSlots(const Trovio::NamespaceInfo& root, std::size_t width, const Scenes::Say& say);
-
 /// Everything that was counted in a run as one JSON object on a line: {"counts":{"frames":…,"sensors":[…],"slots":[…],
 /// "nodes":[…]}}. While the session still stands.
 std::string countsLine(const Scenes::Session& session, const RunTotals& totals);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "explain/text/Say.h"
 #include "ostrel/Scene.h"
 #include "scene/file/SceneFile.h"
 #include "scene/run/NodeLabels.h"
@@ -18,8 +19,7 @@ class SensorHandler;
 
 namespace Scenes {
 
-/// Where a line for the person at the terminal goes.
-using Say = std::function<void(const std::string& line)>;
+using Explain::Say;
 
 /// One handler of a scene; null where none could be made. The sensor manager owns it.
 struct LoadedHandler {

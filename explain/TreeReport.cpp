@@ -1,13 +1,9 @@
-#include "host/report/TreeReport.h"
+#include "explain/TreeReport.h"
 
 #include "explain/TreeWalk.h"
 #include "explain/text/Escape.h"
 
-namespace Host {
-
-using namespace Explain;
-using namespace Scenes;
-
+namespace Explain {
 namespace {
 
 std::string where(const std::string& path)
@@ -71,4 +67,4 @@ void reportRemarks(const Trovio::NamespaceInfo& root, const Say& say)
             say("slot " + inQuotes(pathBelow(path, remark._slot)) + ": " + escaped(remark._text));
     });
 }
-} // namespace Host
+} // namespace Explain
