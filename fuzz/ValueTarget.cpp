@@ -6,7 +6,7 @@
 #include "scene/file/InitialValue.h"
 #include "scene/file/Problems.h"
 #include "scene/file/SceneText.h"
-#include "scene/file/TomlText.h"
+#include "scene/file/TomlValue.h"
 #include "scene/file/ValueForm.h"
 
 namespace Fuzz {

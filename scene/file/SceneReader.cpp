@@ -4,7 +4,7 @@
 #include "scene/file/SceneRules.h"
 #include "scene/file/SceneText.h"
 #include "scene/file/TableReader.h"
-#include "scene/file/TomlText.h"
+#include "scene/file/TomlValue.h"
 
 #include <cmath>
 

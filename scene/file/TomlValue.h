@@ -35,4 +35,9 @@ struct TomlEntry {
 
 /// "a text ('abc')", "a whole number (7)", "a list of 3": a value as a message shows it.
 std::string described(const TomlValue& value);
+
+class Problems;
+
+/// The root table of TOML text that checkNesting has passed. A syntax error becomes a problem and an empty table.
+TomlValue parseToml(std::string_view text, Problems& problems);
 } // namespace Scenes

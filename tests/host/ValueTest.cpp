@@ -3,7 +3,7 @@
 #include "ostrel/FieldTypes.h"
 #include "scene/file/InitialValue.h"
 #include "scene/file/Problems.h"
-#include "scene/file/TomlText.h"
+#include "scene/file/TomlValue.h"
 
 #include <gtest/gtest.h>
 
