@@ -6,7 +6,7 @@
 #include "host/cli/ExitCode.h"
 #include "host/output/RunLog.h"
 #include "host/run/EndWatch.h"
-#include "scene/check/SceneNotes.h"
+#include "scene/check/SceneWarnings.h"
 #include "scene/file/SceneMemory.h"
 #include "sensorManager/SensorHandlerType.h"
 #include "trovio/Root.h"
@@ -81,7 +81,7 @@ int checkScenes(const std::vector<SceneFile>& files, const Options& options, con
     const bool printsGraph = options._graph != Format::Automatic; // then standard output holds nothing else
     int code = Done;
     for (const SceneFile& file : files) {
-        SceneNotes notes(file);
+        SceneWarnings notes(file);
         notes.checkParts(*graph);
         notes.checkRoutes(*graph, root, [&around] { return around.isInterrupted(); });
         if (around.isInterrupted())

@@ -1,8 +1,8 @@
 #include "scene/file/SceneReader.h"
 
 #include "scene/file/SceneMemory.h"
-#include "scene/file/SceneRules.h"
 #include "scene/file/SceneText.h"
+#include "scene/file/SceneValidator.h"
 #include "scene/file/TableReader.h"
 #include "scene/file/TomlValue.h"
 
@@ -176,7 +176,7 @@ SceneFile parseScene(std::string_view text, const std::string& path)
     scene._path = path;
     for (const TomlEntry& found : std::get<TomlValue::Table>(root._data))
         readEntry(found, problems, scene);
-    checkScene(scene, problems);
+    validateScene(scene, problems);
     problems.throwIfAny();
     return scene;
 }

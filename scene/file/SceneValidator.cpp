@@ -1,4 +1,4 @@
-#include "scene/file/SceneRules.h"
+#include "scene/file/SceneValidator.h"
 
 #include "explain/text/Escape.h"
 #include "explain/text/NearestName.h"
@@ -183,7 +183,7 @@ void SceneCheck::checkLink(const LocatedPair& link)
 }
 } // namespace
 
-void checkScene(const SceneFile& scene, Problems& problems)
+void validateScene(const SceneFile& scene, Problems& problems)
 {
     SceneCheck(scene, problems).run();
 }

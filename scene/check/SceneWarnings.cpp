@@ -1,4 +1,4 @@
-#include "scene/check/SceneNotes.h"
+#include "scene/check/SceneWarnings.h"
 
 #include "explain/RouteEnds.h"
 #include "explain/TreeWalk.h"
@@ -21,14 +21,14 @@ constexpr std::size_t longestReason = 1000;
 constexpr std::size_t mostNotes = 200; // printed; the rest is counted
 } // namespace
 
-void SceneNotes::note(Position position, const std::string& text)
+void SceneWarnings::note(Position position, const std::string& text)
 {
     if (++_notes > mostNotes)
         return;
     std::fprintf(stderr, "%s: note: %s\n", placeText(_scene._path, position).c_str(), text.c_str());
 }
 
-void SceneNotes::checkParts(const SceneGraph& graph)
+void SceneWarnings::checkParts(const SceneGraph& graph)
 {
     for (const GraphFault& fault : graph.faults()) {
         if (fault._scene != &_scene)
@@ -60,7 +60,7 @@ void SceneNotes::checkParts(const SceneGraph& graph)
         note(pinned->_position, pinned->_text);
 }
 
-void SceneNotes::checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped)
+void SceneWarnings::checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped)
 {
     const auto checkAll = [&](const std::vector<LocatedPair>& routes, RouteCheck&& check) {
         for (const LocatedPair& route : routes)
@@ -79,7 +79,7 @@ void SceneNotes::checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInf
 }
 
 // What is wrong with a route that names a sensor is said of the route.
-void SceneNotes::checkSensors(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped)
+void SceneWarnings::checkSensors(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped)
 {
     std::vector<std::string> spaces;
     for (const GraphHandler& handler : graph.handlers())
@@ -103,8 +103,8 @@ void SceneNotes::checkSensors(const SceneGraph& graph, const Trovio::NamespaceIn
 }
 
 // Several that write into a sensor without a buffer overwrite each other within a frame.
-void SceneNotes::checkRivals(const SceneGraph& graph, const Trovio::NamespaceInfo& root,
-                             const Trovio::NamespaceInfo& space)
+void SceneWarnings::checkRivals(const SceneGraph& graph, const Trovio::NamespaceInfo& root,
+                                const Trovio::NamespaceInfo& space)
 {
     std::map<std::string, std::set<std::string>> writers; // labels in the root, by the sensor's label in the handler
     const auto collect = [&](const std::string& path, const Trovio::NamespaceInfo& info) {
@@ -134,7 +134,7 @@ void SceneNotes::checkRivals(const SceneGraph& graph, const Trovio::NamespaceInf
     }
 }
 
-bool SceneNotes::finish(std::FILE* out, bool strict) const
+bool SceneWarnings::finish(std::FILE* out, bool strict) const
 {
     const std::string path = escaped(_scene._path);
     if (_notes > mostNotes)
@@ -147,7 +147,7 @@ bool SceneNotes::finish(std::FILE* out, bool strict) const
     return true;
 }
 
-void SceneNotes::printSum(std::FILE* out) const
+void SceneWarnings::printSum(std::FILE* out) const
 {
     std::size_t routes = _scene._routes.size();
     for (const HandlerEntry& handler : _scene._handlers)

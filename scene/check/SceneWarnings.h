@@ -10,9 +10,9 @@ namespace Scenes {
 /// Tells the person at the terminal what is wrong with a scene that could be read, and what is odd. A note is printed
 /// on standard error at once; what is wrong is kept for the end.
 /// Ownership: refers to the scene, which must live as long.
-class SceneNotes {
+class SceneWarnings {
 public:
-    explicit SceneNotes(const SceneFile& scene) : _scene(scene), _problems(scene._path) {}
+    explicit SceneWarnings(const SceneFile& scene) : _scene(scene), _problems(scene._path) {}
 
     /// Of handlers, nodes and sensors.
     void checkParts(const SceneGraph& graph);

@@ -7,5 +7,5 @@ namespace Scenes {
 
 /// What spans several keys or needs the runtime's knowledge: names and labels used twice, field types, initial
 /// values, URLs, patterns of routes, ends of links. Takes n log n time or less.
-void checkScene(const SceneFile& scene, Problems& problems);
+void validateScene(const SceneFile& scene, Problems& problems);
 } // namespace Scenes
