@@ -7,11 +7,11 @@
 #include "host/output/RunLog.h"
 #include "host/run/EndWatch.h"
 #include "scene/check/SceneWarnings.h"
+#include "scene/file/Problems.h"
 #include "scene/file/SceneMemory.h"
-#include "sensorManager/SensorHandlerType.h"
-#include "trovio/Root.h"
+#include "scene/run/OpenRoot.h"
 
-#include <algorithm>
+#include <cstdio>
 
 namespace Host {
 
@@ -28,20 +28,59 @@ void say(const std::string& line)
 // What a graph needs around it. Nothing in it starts, but nodes are made, which may take their time.
 class Surroundings {
 public:
-    Surroundings()
-    {
-        Ostrel::initSensorManager();
-        Trovio::Root::init();
-    }
-    ~Surroundings() { Trovio::Root::shutdown(); }
-    Surroundings(const Surroundings&) = delete;
-    Surroundings& operator=(const Surroundings&) = delete;
-
     bool isInterrupted() const { return _stop.requested(); }
 
 private:
     const StopSignal _stop;
     const EndWatch _watch{_stop, say};
+    const OpenRoot _root; // closes before the watch ends, for nodes may hang then, too
+};
+
+// What was found in one scene: notes are printed at once, what is wrong at the end.
+class CheckReport {
+public:
+    explicit CheckReport(const SceneFile& scene) : _scene(scene), _problems(scene._path) {}
+
+    void take(const SceneFinding& finding)
+    {
+        constexpr std::size_t mostNotes = 200; // printed; the rest is counted
+        const Position position{finding._line, finding._column};
+        if (finding._isError)
+            _problems.add(position, finding._text);
+        else if (++_notes <= mostNotes)
+            say(placeText(_scene._path, position) + ": note: " + finding._text);
+        else
+            ++_notPrinted;
+    }
+
+    // Says what is wrong, or else on `out` that the scene is good, how much there is in it, and how many notes there
+    // were. Whether it is good; where `strict`, notes are wrong, too.
+    bool finish(std::FILE* out, bool strict) const
+    {
+        const std::string path = escaped(_scene._path);
+        if (_notPrinted > 0)
+            say(path + ": and " + std::to_string(_notPrinted) + " more notes");
+        if (const std::string text = _problems.text(); !text.empty())
+            return say(text), false;
+        if (strict && _notes > 0)
+            return say(path + ": refused, as --strict asks: notes " + std::to_string(_notes)), false;
+        printSum(path, out);
+        return true;
+    }
+
+private:
+    void printSum(const std::string& path, std::FILE* out) const
+    {
+        std::size_t routes = _scene._routes.size();
+        for (const HandlerEntry& handler : _scene._handlers)
+            routes += handler._routes.size();
+        std::fprintf(out, "%s: good: sensors %zu, handlers %zu, routes %zu, links %zu, notes %zu\n", path.c_str(),
+                     _scene._sensors.size(), _scene._handlers.size(), routes, _scene._links.size(), _notes);
+    }
+
+    const SceneFile& _scene;
+    Problems _problems;
+    std::size_t _notes = 0, _notPrinted = 0;
 };
 
 // Without the log's lines, which the notes and the graph tell, too. Null, which is said, where routes cannot be made,
@@ -81,12 +120,13 @@ int checkScenes(const std::vector<SceneFile>& files, const Options& options, con
     const bool printsGraph = options._graph != Format::Automatic; // then standard output holds nothing else
     int code = Done;
     for (const SceneFile& file : files) {
-        SceneWarnings notes(file);
-        notes.checkParts(*graph);
-        notes.checkRoutes(*graph, root, [&around] { return around.isInterrupted(); });
+        CheckReport report(file);
+        SceneWarnings warnings(file, [&report](const SceneFinding& finding) { report.take(finding); });
+        warnings.checkParts(*graph);
+        warnings.checkRoutes(*graph, root, [&around] { return around.isInterrupted(); });
         if (around.isInterrupted())
             return interrupted();
-        if (!notes.finish(printsGraph ? stderr : stdout, options._strict))
+        if (!report.finish(printsGraph ? stderr : stdout, options._strict))
             code = BadUsage;
     }
     if (printsGraph)

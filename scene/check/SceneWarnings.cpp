@@ -18,26 +18,18 @@ using namespace Explain;
 
 namespace {
 constexpr std::size_t longestReason = 1000;
-constexpr std::size_t mostNotes = 200; // printed; the rest is counted
 } // namespace
 
-void SceneWarnings::note(Position position, const std::string& text)
+void SceneWarnings::tell(Position position, bool isError, const std::string& text)
 {
-    if (++_notes > mostNotes)
-        return;
-    std::fprintf(stderr, "%s: note: %s\n", placeText(_scene._path, position).c_str(), text.c_str());
+    _tell({_scene._path, position._line, position._column, isError, text});
 }
 
 void SceneWarnings::checkParts(const SceneGraph& graph)
 {
-    for (const GraphFault& fault : graph.faults()) {
-        if (fault._scene != &_scene)
-            continue;
-        if (fault._fromOutside)
-            note(fault._position, escaped(fault._text, longestReason));
-        else
-            _problems.add(fault._position, escaped(fault._text, longestReason));
-    }
+    for (const GraphFault& fault : graph.faults())
+        if (fault._scene == &_scene)
+            tell(fault._position, !fault._fromOutside, escaped(fault._text, longestReason));
     const auto bridges = std::ranges::count_if(
         _scene._handlers, [](const HandlerEntry& handler) { return handler._kind._value == bridgeKind; });
     const bool hasLabels =
@@ -132,28 +124,5 @@ void SceneWarnings::checkRivals(const SceneGraph& graph, const Trovio::Namespace
                                          " write into it, one over the other: " + escaped(all, longestReason) +
                                          "; route only one of them to it, or give it a `buffer`");
     }
-}
-
-bool SceneWarnings::finish(std::FILE* out, bool strict) const
-{
-    const std::string path = escaped(_scene._path);
-    if (_notes > mostNotes)
-        std::fprintf(stderr, "%s: and %zu more notes\n", path.c_str(), _notes - mostNotes);
-    if (const std::string text = _problems.text(); !text.empty())
-        return std::fprintf(stderr, "%s\n", text.c_str()), false;
-    if (strict && _notes > 0)
-        return std::fprintf(stderr, "%s: refused, as --strict asks: notes %zu\n", path.c_str(), _notes), false;
-    printSum(out);
-    return true;
-}
-
-void SceneWarnings::printSum(std::FILE* out) const
-{
-    std::size_t routes = _scene._routes.size();
-    for (const HandlerEntry& handler : _scene._handlers)
-        routes += handler._routes.size();
-    std::fprintf(out, "%s: good: sensors %zu, handlers %zu, routes %zu, links %zu, notes %zu\n",
-                 escaped(_scene._path).c_str(), _scene._sensors.size(), _scene._handlers.size(), routes,
-                 _scene._links.size(), _notes);
 }
 } // namespace Scenes

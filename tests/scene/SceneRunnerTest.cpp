@@ -2,7 +2,7 @@
 #include "explain/Graph.h"
 #include "ostrel/DirectSensor.h"
 #include "ostrel/FieldTypes.h"
-#include "scene/SceneError.h"
+#include "scene/SceneCheck.h"
 #include "sensorManager/SensorHandler.h"
 #include "tests/host/SceneOnDisk.h"
 #include "trovio/Exception.h"
@@ -75,5 +75,16 @@ TEST(SceneRunner, ThrowsWhatItsHeaderSays)
     EXPECT_EQ(scene.handler("other"), nullptr);
     std::string from, to;
     EXPECT_THROW(scene.handler("devices")->addLabel(from, to), Trovio::Exception);
+}
+
+TEST(SceneCheck, TellsWhatIsWrongAndWhatIsOdd)
+{
+    const SceneOnDisk file(good);
+    const std::vector<SceneFinding> findings = checkScenes({file.path()});
+    ASSERT_EQ(findings.size(), 2U);
+    EXPECT_TRUE(findings[0]._isError);
+    EXPECT_EQ(findings[0]._line, 6U);
+    EXPECT_FALSE(findings[1]._isError);
+    EXPECT_NE(findings[1]._text.find("'more'"), std::string::npos) << findings[1]._text;
 }
 } // namespace
