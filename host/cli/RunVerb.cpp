@@ -6,7 +6,6 @@
 #include "host/cli/ExitCode.h"
 #include "host/output/RunLog.h"
 #include "host/report/Report.h"
-#include "host/report/RunCounts.h"
 #include "host/run/StoppableClock.h"
 #include "host/run/WallSteps.h"
 #include "host/run/WatchedRun.h"

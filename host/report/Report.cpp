@@ -3,10 +3,12 @@
 #include "explain/Counts.h"
 #include "explain/RouteEnds.h"
 #include "explain/TreeReport.h"
+#include "explain/text/JsonText.h"
 #include "explain/text/TextWrap.h"
-#include "host/report/RunCounts.h"
 #include "host/report/SensorReport.h"
 #include "trovio/Root.h"
+
+#include <nlohmann/json.hpp>
 
 namespace Host {
 
@@ -67,5 +69,15 @@ void reportEnd(const Session& session, const RunTotals& totals, std::size_t widt
                 line(missing + "; the run went without it");
         });
     say("frames: " + std::to_string(totals._frames) + " run, " + std::to_string(totals._leftOut) + " left out");
+}
+
+std::string countsLine(const Session& session, const RunTotals& totals)
+{
+    const nlohmann::ordered_json counts{{"frames", totals._frames},
+                                        {"leftOut", totals._leftOut},
+                                        {"sensors", sensorsJson(session, totals._now)},
+                                        {"slots", slotsJson(totals._root)},
+                                        {"nodes", nodesJson(totals._root)}};
+    return jsonText(nlohmann::ordered_json{{"counts", counts}}) + "\n";
 }
 } // namespace Host

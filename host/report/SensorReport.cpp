@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <nlohmann/json.hpp>
 
 namespace Host {
 
@@ -81,6 +82,21 @@ std::string whyUnbound(const SensorEntry& entry, const SensorWatch& watch, const
                                  std::string("the route ") + (isOutput ? "from" : "to") + " its label does not connect")
                    : whyUnreached(entry, linked);
 }
+
+nlohmann::ordered_json toJson(const SensorWatch& watch, double now)
+{
+    nlohmann::ordered_json object{{"sensor", watch.sensor().getName()},
+                                  {"label", watch.sensor().getLabel()},
+                                  {"type", watch.field().getTypeName()},
+                                  {"values", watch.changes()},
+                                  {"rate", watch.rate()},
+                                  {"age", nullptr}};
+    if (watch.changes() != 0)
+        object["age"] = watch.age(now);
+    if (!watch.scene().empty())
+        object["scene"] = watch.scene();
+    return object;
+}
 } // namespace
 
 void reportUnbound(LoadedScene& scene, const std::set<std::string>& apart, const Say& say)
@@ -106,5 +122,13 @@ void reportValues(LoadedScene& scene, double now, const Say& say)
             line += slotCounts(*slot);
         say(line + paceOf(watch, now));
     }
+}
+
+nlohmann::ordered_json sensorsJson(const Session& session, double now)
+{
+    auto sensors = nlohmann::ordered_json::array();
+    for (const SensorWatch* watch : session.watches())
+        sensors.push_back(toJson(*watch, now));
+    return sensors;
 }
 } // namespace Host

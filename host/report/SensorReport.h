@@ -1,7 +1,8 @@
 #pragma once
 
-#include "scene/run/LoadedScene.h"
+#include "scene/run/Session.h"
 
+#include <nlohmann/json_fwd.hpp>
 #include <set>
 
 namespace Host {
@@ -13,4 +14,7 @@ void reportUnbound(Scenes::LoadedScene& scene, const std::set<std::string>& apar
 /// Says for each sensor how many values it had, its last one, and what became of the records in its slots.
 /// `now` is in wall-clock seconds.
 void reportValues(Scenes::LoadedScene& scene, double now, const Scenes::Say& say);
+
+/// What every sensor of the session came to, a list of {"sensor":…,"label":…,"type":…,"values":…,"rate":…,"age":…}.
+nlohmann::ordered_json sensorsJson(const Scenes::Session& session, double now);
 } // namespace Host
