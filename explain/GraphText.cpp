@@ -12,7 +12,7 @@ using Trovio::NamespaceInfo;
 using Trovio::RouteInfo;
 using Trovio::SlotInfo;
 
-constexpr std::size_t longestReason = 1000;
+constexpr std::size_t maxReason = 1000;
 
 // "handler 'devices' (Trovio), in the root as 'Context'", or the node's type.
 std::string titleOf(const ScenePlaces& places, const std::string& path, const NamespaceInfo& info)
@@ -36,12 +36,12 @@ std::string routeText(const RouteInfo& route)
 {
     std::string text = "    route " + inQuotes(route._from) + " -> " + inQuotes(route._to) + ": ";
     if (route.isPending())
-        return text + "pending, " + escaped(route._reason, longestReason) + "\n";
+        return text + "pending, " + escaped(route._reason, maxReason) + "\n";
     text += "connects " + std::to_string(route._connections) + "\n";
     for (const Trovio::RoutePair& pair : route._pairs)
         if (!pair._reason.empty())
             text += "        not " + inQuotes(pair._from) + " -> " + inQuotes(pair._to) + ": " +
-                    escaped(pair._reason, longestReason) + "\n";
+                    escaped(pair._reason, maxReason) + "\n";
     return text;
 }
 

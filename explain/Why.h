@@ -40,8 +40,8 @@ private:
     Trovio::Explanation _last;
     double _since = 0;                            // when its verdict was first seen
     double _writtenBefore = 0;                    // by then
-    std::optional<Trovio::Explanation> _flowing;  // the newest look at which records flowed
-    std::optional<Trovio::Explanation> _stopping; // and at which they did not
+    std::optional<Trovio::Explanation> _flowing;  // the newest answer while records flowed
+    std::optional<Trovio::Explanation> _stopping; // and while they did not
     bool _changesAlways = false;                  // no verdict lasts
 };
 } // namespace Explain

@@ -43,11 +43,10 @@ void checkRefusal(std::string_view text, const std::string& path)
 
 void checkScene(Scenes::SceneFile scene)
 {
-    require(scene._host._rate._value > 0 && scene._host._rate._value <= Scenes::highestRate,
-            "the rate is in its range");
+    require(scene._host._rate._value > 0 && scene._host._rate._value <= Scenes::maxRate, "the rate is in its range");
     for (const Scenes::SensorEntry& sensor : scene._sensors) {
         require(sensor._label._value.size() <= Trovio::MaxLabelLength, "labels end at their limit");
-        require(sensor._buffer._value <= Scenes::largestBuffer, "buffers end at their limit");
+        require(sensor._buffer._value <= Scenes::maxBuffer, "buffers end at their limit");
         require(sensor._name._position._line > 0, "what was read knows its line");
     }
     const std::size_t count = scene._sensors.size();

@@ -43,11 +43,11 @@ public:
 
     void take(const SceneFinding& finding)
     {
-        constexpr std::size_t mostNotes = 200; // printed; the rest is counted
+        constexpr std::size_t maxNotes = 200; // printed; the rest is counted
         const Position position{finding._line, finding._column};
         if (finding._isError)
             _problems.add(position, finding._text);
-        else if (++_notes <= mostNotes)
+        else if (++_notes <= maxNotes)
             say(placeText(_scene._path, position) + ": note: " + finding._text);
         else
             ++_notPrinted;

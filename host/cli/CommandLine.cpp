@@ -76,7 +76,7 @@ void addRunOptions(CLI::App& app, Options& options)
         ->check(between(0, 1e15, "a number of frames above 0"));
     app.add_option("--rate", options._rate, "frames per second, instead of the scene's")
         ->type_name("HZ")
-        ->check(between(0, highestRate, "a rate above 0 and up to 10000 frames per second"));
+        ->check(between(0, maxRate, "a rate above 0 and up to 10000 frames per second"));
     addFormat(app, "--format", "how values are shown: table, lines or json", options._format,
               {{"table", Format::Table}, {"lines", Format::Lines}, {"json", Format::Json}});
     app.add_option("--filter", options._filter,

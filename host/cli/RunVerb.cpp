@@ -6,8 +6,8 @@
 #include "host/cli/ExitCode.h"
 #include "host/output/RunLog.h"
 #include "host/report/Report.h"
+#include "host/run/ClockStepDetector.h"
 #include "host/run/StoppableClock.h"
-#include "host/run/WallSteps.h"
 #include "host/run/WatchedRun.h"
 #include "host/show/Terminal.h"
 #include "host/show/View.h"
@@ -78,12 +78,12 @@ void tellOfStep(double step, const Session& session, View& view)
 void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view, const SensorFilter& filter,
                const RunOutput& output)
 {
-    WallSteps steps;
+    ClockStepDetector steps;
     for (SensorWatch* watch : session.watches())
         if (filter.passes(watch->title(), watch->sensor().getLabel()))
             watch->setListener(&view);
     loop.run([&](double now) {
-        if (const double step = steps.look(now, clock.steady()); step != 0)
+        if (const double step = steps.update(now, clock.steady()); step != 0)
             tellOfStep(step, session, view);
         session.frame(now);
         view.frame(now);

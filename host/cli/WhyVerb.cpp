@@ -28,10 +28,10 @@ namespace {
 using Trovio::Explanation;
 using Trovio::Verdict;
 
-// Seconds from look to look, each of which walks through the whole tree.
-constexpr double shortestInterval = 0.001, longestInterval = 0.05;
+// Seconds from poll to poll, each of which walks through the whole tree.
+constexpr double minInterval = 0.001, maxInterval = 0.05;
 
-constexpr double longestWaitForFrames = 10; // seconds
+constexpr double maxWaitForFrames = 10; // seconds
 
 struct Answer {
     Explanation _explanation;
@@ -39,39 +39,39 @@ struct Answer {
     std::string _fits;
 };
 
-// Looks again and again, until there is an answer, the time is over, or a signal comes.
+// Asks again and again, until there is an answer, the time is over, or a signal comes.
 Answer findAnswer(Session& session, double rate, const Options& options, const StopSignal& stop)
 {
     StoppableClock clock(stop);
     // Whether records are read in time shows after some frames. A cause that lasts for all the time given is an answer,
     // too.
-    const double frames = std::min(2 / rate, longestWaitForFrames);
+    const double frames = std::min(2 / rate, maxWaitForFrames);
     const double patience = std::min(std::max(options._patience, frames), options._seconds / 2);
-    const double lookInterval = std::clamp(patience / 2, shortestInterval, longestInterval);
-    const double looksAFrame = std::ceil(1 / (lookInterval * rate));
-    FrameLoop loop(clock, rate * looksAFrame, {options._seconds, options._frames});
+    const double pollInterval = std::clamp(patience / 2, minInterval, maxInterval);
+    const double pollsPerFrame = std::ceil(1 / (pollInterval * rate));
+    FrameLoop loop(clock, rate * pollsPerFrame, {options._seconds, options._frames});
     Answer answer;
     WhyDecision decision(patience);
     Backlog backlog;
-    const auto look = [&] {
+    const auto poll = [&] {
         const Explanation found = explainLabels(options._from, options._to, options._staleAfter);
         answer._decided = decision.take(found, clock.steady());
     };
-    double nextLook = 0, nextFrame = 0;
+    double nextPoll = 0, nextFrame = 0;
     loop.run([&](double now) {
         if (clock.steady() >= nextFrame) {
-            backlog.look(session);
+            backlog.update(session);
             session.frame(now);
-            nextFrame = clock.steady() + (looksAFrame - 0.5) / (rate * looksAFrame);
+            nextFrame = clock.steady() + (pollsPerFrame - 0.5) / (rate * pollsPerFrame);
         }
-        if (clock.steady() < nextLook)
+        if (clock.steady() < nextPoll)
             return true;
-        nextLook = clock.steady() + lookInterval;
-        look();
+        nextPoll = clock.steady() + pollInterval;
+        poll();
         return !answer._decided;
     });
-    if (nextLook == 0) // a signal came first
-        look();
+    if (nextPoll == 0) // a signal came first
+        poll();
     answer._interrupted = stop.requested();
     answer._explanation = inSceneWords(decision.answer(), session, {options._from, options._to});
     if (answer._explanation._verdict == Verdict::Flowing)
@@ -109,8 +109,8 @@ nlohmann::ordered_json toJson(const std::string& text)
 // A count has nothing behind the point.
 nlohmann::ordered_json toJson(double number)
 {
-    constexpr double mostExact = 9007199254740992; // 2 to the power of 53
-    if (number != std::trunc(number) || std::abs(number) > mostExact)
+    constexpr double maxExact = 9007199254740992; // 2 to the power of 53
+    if (number != std::trunc(number) || std::abs(number) > maxExact)
         return number;
     return static_cast<std::int64_t>(number);
 }

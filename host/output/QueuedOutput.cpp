@@ -299,9 +299,9 @@ std::string QueuedOutput::takeUnwritten()
 void QueuedOutput::waitForAll(std::chrono::milliseconds patience) noexcept
 {
     constexpr timespec step = {0, 10'000'000};
-    const auto mostIdle = patience.count() / 10;
+    const auto maxIdle = patience.count() / 10;
     std::size_t before = unwrittenBytes;
-    for (int steps = 0, idle = 0; steps < 100 && idle < mostIdle && before > 0; ++steps) {
+    for (int steps = 0, idle = 0; steps < 100 && idle < maxIdle && before > 0; ++steps) {
         nanosleep(&step, nullptr);
         idle = unwrittenBytes < before ? 0 : idle + 1;
         before = unwrittenBytes;

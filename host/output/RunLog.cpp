@@ -14,7 +14,7 @@
 namespace Host {
 namespace {
 
-constexpr std::size_t mostHeld = 1u << 16; // bytes; a flood of messages fills no memory
+constexpr std::size_t maxHeld = 1u << 16; // bytes; a flood of messages fills no memory
 constexpr std::string_view nodeModule = "Trovio";
 
 std::atomic<RunLog*> current;
@@ -84,7 +84,7 @@ void RunLog::show(const std::string& lines)
     if (!_held)
         _output != nullptr ? static_cast<void>(_output->messages().put(lines))
                            : static_cast<void>(std::fputs(lines.c_str(), stderr));
-    else if (_lines.size() + lines.size() <= mostHeld)
+    else if (_lines.size() + lines.size() <= maxHeld)
         _lines += lines;
     else
         ++_left;

@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 
 // At the end of a run. The messages come last: they tell what came of the others.
 constexpr auto patienceForOthers = 900ms, patience = 1000ms;
-constexpr auto leastForMessages = 100ms; // on a machine so busy that all of that has passed meanwhile
+constexpr auto minForMessages = 100ms; // on a machine so busy that all of that has passed meanwhile
 
 std::string gapAsJson(std::uint64_t dropped, std::uint64_t inAll)
 {
@@ -117,7 +117,7 @@ int RunOutput::finish(int code)
     if (_messages) {
         sayOfValues(left);
         _messages->tellTotal();
-        _messages->finish(std::max(now + patience, std::chrono::steady_clock::now() + leastForMessages));
+        _messages->finish(std::max(now + patience, std::chrono::steady_clock::now() + minForMessages));
     }
     return _values.state() == QueuedOutput::State::Failed ? Failed : code;
 }

@@ -18,7 +18,7 @@ using namespace Scenes;
 namespace {
 
 // Lines of one kind; a large scene says the rest as a number.
-constexpr std::size_t mostAtStart = 20, mostAtEnd = 200;
+constexpr std::size_t maxLinesAtStart = 20, maxLinesAtEnd = 200;
 
 // Runs a report and lets through its first lines only.
 template <class Report>
@@ -49,22 +49,22 @@ void reportStart(const Session& session, std::size_t width, const Say& sayLine)
     const Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
     const std::set<std::string> apart = endsApart(root);
     for (const auto& scene : session.scenes())
-        limited(say, mostAtStart, "sensors without connection",
+        limited(say, maxLinesAtStart, "sensors without connection",
                 [&](const Say& line) { reportUnbound(*scene, apart, line); });
-    limited(say, mostAtStart, "routes", [&](const Say& line) { reportRoutes(root, line); });
-    limited(say, mostAtStart, "nodes", [&](const Say& line) { reportNodes(root, line); });
+    limited(say, maxLinesAtStart, "routes", [&](const Say& line) { reportRoutes(root, line); });
+    limited(say, maxLinesAtStart, "nodes", [&](const Say& line) { reportNodes(root, line); });
 }
 
 void reportEnd(const Session& session, const RunTotals& totals, std::size_t width, const Say& sayLine)
 {
     const Say say = broken(width, sayLine);
     for (const auto& scene : session.scenes())
-        limited(say, mostAtEnd, "sensors", [&](const Say& line) { reportValues(*scene, totals._now, line); });
-    limited(say, mostAtEnd, "slots", [&](const Say& line) { reportSlots(totals._root, width, line); });
-    limited(say, mostAtEnd, "nodes", [&](const Say& line) { reportCounters(totals._root, line); });
-    limited(say, mostAtEnd, "remarks", [&](const Say& line) { reportRemarks(totals._root, line); });
+        limited(say, maxLinesAtEnd, "sensors", [&](const Say& line) { reportValues(*scene, totals._now, line); });
+    limited(say, maxLinesAtEnd, "slots", [&](const Say& line) { reportSlots(totals._root, width, line); });
+    limited(say, maxLinesAtEnd, "nodes", [&](const Say& line) { reportCounters(totals._root, line); });
+    limited(say, maxLinesAtEnd, "remarks", [&](const Say& line) { reportRemarks(totals._root, line); });
     for (const auto& scene : session.scenes())
-        limited(say, mostAtEnd, "handlers and nodes", [&](const Say& line) {
+        limited(say, maxLinesAtEnd, "handlers and nodes", [&](const Say& line) {
             for (const std::string& missing : scene->missingLines())
                 line(missing + "; the run went without it");
         });

@@ -114,10 +114,10 @@ void reportUnbound(LoadedScene& scene, const std::set<std::string>& apart, const
 
 void reportValues(LoadedScene& scene, double now, const Say& say)
 {
-    constexpr std::size_t longestValue = 80;
+    constexpr std::size_t maxValue = 80;
     for (const SensorWatch& watch : scene.watches()) {
         std::string line = named(watch) + " " + watch.field().getTypeName() + ": " + std::to_string(watch.changes()) +
-                           " values, last " + valueText(watch.field(), Digits::Few, longestValue);
+                           " values, last " + valueText(watch.field(), Digits::Few, maxValue);
         for (const Trovio::Slot* slot : watch.slots())
             line += slotCounts(*slot);
         say(line + paceOf(watch, now));

@@ -92,11 +92,11 @@ void EndWatch::watch()
         if (_over)
             return;
         if (_begun || _stop.requested())
-            withoutMemory([this] { look(); });
+            withoutMemory([this] { tellOfHangingNode(); });
     }
 }
 
-void EndWatch::look()
+void EndWatch::tellOfHangingNode()
 {
     const auto move = Trovio::NodeMove::longest();
     if (!move)

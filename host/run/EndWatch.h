@@ -10,8 +10,9 @@ namespace Host {
 
 /// Sees to it that the end comes: from the first signal on, or once the run ends by itself, it names a node whose
 /// start, stop, settings or destructor has taken a second, again every five; with the second signal it says which one
-/// it was and ends the process with 128 + the signal's number. Threads: one of its own, which only looks, says and
-/// ends; `say` must not block.
+/// it was and ends the process with 128 + the signal's number.
+/// Ownership: refers to the signal, which must live as long.
+/// Threads:   one of its own, which calls `say`; that must not block.
 class EndWatch {
 public:
     /// Throws std::system_error when there can be no more threads.
@@ -25,7 +26,7 @@ public:
 
 private:
     void watch();
-    void look();
+    void tellOfHangingNode();
     void endAtOnce() const;
 
     const StopSignal& _stop;

@@ -6,6 +6,7 @@
 namespace Host {
 
 /// The machine's clocks; a stop signal ends every wait.
+/// Ownership: refers to the signal, which must live as long. Threads: any.
 class StoppableClock final : public Scenes::SystemClock {
 public:
     explicit StoppableClock(const StopSignal& stop) : _stop(stop) {}

@@ -7,7 +7,7 @@ namespace Host {
 namespace {
 
 constexpr char escape = '\x1b';
-constexpr std::size_t longestSequence = 16; // bytes; what is longer comes from no keyboard
+constexpr std::size_t maxSequence = 16; // bytes; what is longer comes from no keyboard
 
 struct Sequence {
     std::string_view _bytes; // behind the escape
@@ -60,7 +60,7 @@ std::vector<KeyPress> KeyPresses::read(std::string_view bytes)
     std::string_view rest = _begun += bytes;
     while (!rest.empty()) {
         std::size_t length = rest[0] == escape ? sequenceLength(rest) : 1;
-        if (length == 0 && !nothingFollowed && rest.size() < longestSequence)
+        if (length == 0 && !nothingFollowed && rest.size() < maxSequence)
             break;
         length = length == 0 ? rest.size() : length;
         if (const auto press = pressOf(rest.substr(0, length)))

@@ -12,7 +12,7 @@ using namespace Scenes;
 
 namespace {
 
-constexpr std::size_t longestValue = 400;
+constexpr std::size_t maxValue = 400;
 
 class LinesView final : public View {
 public:
@@ -23,7 +23,7 @@ public:
         char seconds[32];
         std::snprintf(seconds, sizeof seconds, "%10.3f", time - _start);
         _out << seconds + (" " + escaped(watch.title())) + " " + watch.field().getTypeName() + " " +
-                    valueText(watch.field(), Digits::All, longestValue) + "\n";
+                    valueText(watch.field(), Digits::All, maxValue) + "\n";
     }
 
     void clockStepped(double seconds) override { _start += seconds; }

@@ -12,8 +12,8 @@ using namespace Explain;
 
 namespace {
 
-constexpr std::size_t longestName = 28, shortestName = 12, leastValue = 18, numberWidth = 8, gap = 2;
-constexpr std::size_t mostLinesOfValue = 8, indent = 4;
+constexpr std::size_t maxName = 28, minName = 12, minValue = 18, numberWidth = 8, gap = 2;
+constexpr std::size_t maxLinesOfValue = 8, indent = 4;
 
 std::string number(const char* format, double value)
 {
@@ -39,8 +39,8 @@ std::vector<std::string> valueLines(const std::string& value, std::size_t width)
 {
     const std::size_t start = width > 2 * indent ? indent : 0;
     std::vector<std::string> lines = wrapped(value, width - start, 0);
-    if (lines.size() > mostLinesOfValue) {
-        lines.resize(mostLinesOfValue);
+    if (lines.size() > maxLinesOfValue) {
+        lines.resize(maxLinesOfValue);
         lines.back() = fitted(lines.back() + " …", std::min(displayWidth(lines.back()) + 2, width - start));
     }
     for (std::string& line : lines)
@@ -51,13 +51,13 @@ std::vector<std::string> valueLines(const std::string& value, std::size_t width)
 
 TableLayout::TableLayout(std::size_t width, std::size_t name, std::size_t type)
     : _width(width),
-      _name(std::min({name, longestName, std::max(width / 3, shortestName)})),
+      _name(std::min({name, maxName, std::max(width / 3, minName)})),
       _type(type),
       _rate(numberWidth),
       _age(numberWidth)
 {
     for (std::size_t* column : {&_type, &_rate, &_age})
-        if (others() + leastValue > width)
+        if (others() + minValue > width)
             *column = 0;
     _value = width > others() ? width - others() : 0;
 }

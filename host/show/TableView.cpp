@@ -21,7 +21,7 @@ using namespace Scenes;
 namespace {
 
 constexpr double drawInterval = 0.25, writeInterval = 1, rateInterval = 1, keyInterval = 0.05; // seconds
-constexpr std::size_t longestValue = 1000, widthElsewhere = 120;
+constexpr std::size_t maxValue = 1000, widthElsewhere = 120;
 
 // Whether the time has come that `interval` puts behind `last`, which is now then.
 bool isDue(double& last, double now, double interval)
@@ -172,9 +172,8 @@ TablePage TableView::page(std::size_t first, std::size_t room, double now)
     return tablePage(_selected.size(), first, room, [&](std::size_t row) {
         const std::size_t i = _selected[row];
         const SensorWatch& watch = *_watches[i];
-        const TableRow text{_titles[i], watch.field().getTypeName(),
-                            valueText(watch.field(), Digits::Few, longestValue), _counted[i]._perSecond,
-                            watch.age(now)};
+        const TableRow text{_titles[i], watch.field().getTypeName(), valueText(watch.field(), Digits::Few, maxValue),
+                            _counted[i]._perSecond, watch.age(now)};
         // It stays there, so that the rows below do not jump with each value.
         _below[i] = _below[i] || !_layout.fits(text);
         return _layout.lines(text, _below[i]);

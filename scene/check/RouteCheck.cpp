@@ -14,12 +14,12 @@ namespace {
 using Trovio::Slot;
 using Trovio::SlotInfo;
 
-constexpr std::size_t mostHints = 20;
-constexpr std::size_t longestReason = 400;
+constexpr std::size_t maxHints = 20;
+constexpr std::size_t maxReason = 400;
 } // namespace
 
 RouteCheck::RouteCheck(const SceneGraph& graph, std::string path, const Trovio::NamespaceInfo& info)
-    : _graph(graph), _path(std::move(path)), _info(info), _hintsLeft(mostHints)
+    : _graph(graph), _path(std::move(path)), _info(info), _hintsLeft(maxHints)
 {
     for (const Trovio::RouteInfo& route : info._routes)
         _routes.emplace(std::pair<std::string_view, std::string_view>(route._from, route._to), &route);
@@ -132,9 +132,9 @@ void RouteCheck::checkPairs(const LocatedPair& route, const std::string& quoted,
         if (!pair._reason.empty() && isThere(pair._to)) {
             isApart = true;
             note(route._first._position, inQuotes(pair._from) + " and " + inQuotes(pair._to) +
-                                             " stay apart: " + escaped(pair._reason, longestReason));
+                                             " stay apart: " + escaped(pair._reason, maxReason));
         }
     if (known.isPending() && !isApart && !_graph.isOpen(_path, from) && !_graph.isOpen(_path, to))
-        note(route._first._position, quoted + " is not connected: " + escaped(known._reason, longestReason));
+        note(route._first._position, quoted + " is not connected: " + escaped(known._reason, maxReason));
 }
 } // namespace Scenes

@@ -30,6 +30,7 @@ struct GraphFault {
 /// What scenes would connect if they ran: their handlers, nodes, slots and routes, in a tree of their own beside the
 /// root, so that no node starts. Slots that a node makes only while it runs are not there.
 /// Ownership: owns the tree and the slots of the sensors; refers to the files, which must live as long.
+/// Threads:   one.
 class SceneGraph {
 public:
     /// Leaves out what cannot be made, see faults(). Where `stopped` says so, it leaves off: it is asked before each

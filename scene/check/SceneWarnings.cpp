@@ -17,7 +17,7 @@ namespace Scenes {
 using namespace Explain;
 
 namespace {
-constexpr std::size_t longestReason = 1000;
+constexpr std::size_t maxReason = 1000;
 } // namespace
 
 void SceneWarnings::tell(Position position, bool isError, const std::string& text)
@@ -29,7 +29,7 @@ void SceneWarnings::checkParts(const SceneGraph& graph)
 {
     for (const GraphFault& fault : graph.faults())
         if (fault._scene == &_scene)
-            tell(fault._position, !fault._fromOutside, escaped(fault._text, longestReason));
+            tell(fault._position, !fault._fromOutside, escaped(fault._text, maxReason));
     const auto bridges = std::ranges::count_if(
         _scene._handlers, [](const HandlerEntry& handler) { return handler._kind._value == bridgeKind; });
     const bool hasLabels =
@@ -121,7 +121,7 @@ void SceneWarnings::checkRivals(const SceneGraph& graph, const Trovio::Namespace
             all += (all.empty() ? "" : ", ") + inQuotes(name);
         note(entry->_name._position, "sensor " + inQuotes(sensor->_name) + " keeps the newest value only, and " +
                                          std::to_string(names.size()) +
-                                         " write into it, one over the other: " + escaped(all, longestReason) +
+                                         " write into it, one over the other: " + escaped(all, maxReason) +
                                          "; route only one of them to it, or give it a `buffer`");
     }
 }

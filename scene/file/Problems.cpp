@@ -10,7 +10,7 @@ namespace Scenes {
 using namespace Explain;
 
 namespace {
-constexpr std::size_t mostKept = 20;
+constexpr std::size_t maxKept = 20;
 }
 
 std::string placeText(const std::string& file, Position position)
@@ -30,7 +30,7 @@ void Problems::add(Position position, std::string_view text)
 
 bool Problems::full() const
 {
-    return _problems.size() >= mostKept;
+    return _problems.size() >= maxKept;
 }
 
 std::string Problems::text() const

@@ -12,7 +12,7 @@ namespace Scenes {
 /// "file:line:column", or the file alone for a position without a line. For messages.
 std::string placeText(const std::string& file, Position position);
 
-/// Gathers what is wrong with one scene file, so that its author sees everything at once.
+/// Gathers what is wrong with one scene file, so that its author sees everything at once. Threads: one.
 class Problems {
 public:
     explicit Problems(std::string_view file) : _file(file) {}

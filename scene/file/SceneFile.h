@@ -23,11 +23,11 @@ struct LocatedPair {
 };
 
 constexpr double defaultRate = 60;                // frames per second
-constexpr double highestRate = 10'000;            // frames per second
-constexpr std::int64_t largestBuffer = 1'000'000; // values of one sensor
+constexpr double maxRate = 10'000;                // frames per second
+constexpr std::int64_t maxBuffer = 1'000'000;     // values of one sensor
 constexpr std::uint64_t defaultMemory = 1u << 30; // bytes of the slots and buffers of all sensors
-constexpr std::size_t mostEntries = 100'000;      // of one kind: sensors, links, routes in one place
-constexpr std::size_t mostNodes = 1'000;          // of one handler, each with a thread or two; and handlers
+constexpr std::size_t maxEntries = 100'000;       // of one kind: sensors, links, routes in one place
+constexpr std::size_t maxNodes = 1'000;           // of one handler, each with a thread or two; and handlers
 
 struct HostEntry {
     Located<double> _rate{defaultRate, {}};

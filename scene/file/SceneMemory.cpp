@@ -19,10 +19,10 @@ using namespace Explain;
 namespace {
 
 constexpr std::uint64_t MiB = 1u << 20, GiB = 1u << 30;
-constexpr std::uint64_t longestText = 65'507; // bytes that one OSC packet may carry
+constexpr std::uint64_t maxText = 65'507; // bytes that one OSC packet may carry
 constexpr std::uint64_t worthANote = 64 * MiB;
 
-constexpr std::size_t mostNamed = 3; // sensors
+constexpr std::size_t maxNamed = 3; // sensors
 
 // A sensor of a type without slot takes nothing.
 SensorMemory memoryOf(const SceneFile& scene, const SensorEntry& sensor, std::uint64_t handlers)
@@ -106,7 +106,7 @@ SceneMemory::SceneMemory(std::span<const SceneFile> scenes) : _several(scenes.si
             _bytes += memory._slots;
             _largest.insert(std::ranges::upper_bound(_largest, memory._slots, std::greater(), &SensorMemory::_slots),
                             memory);
-            _largest.resize(std::min(_largest.size(), mostNamed));
+            _largest.resize(std::min(_largest.size(), maxNamed));
         }
     }
 }
@@ -165,16 +165,16 @@ std::optional<PinnedNote> pinnedBy(const SceneFile& scene)
         if (!largest || sensor._buffer._value > largest->_buffer._value)
             largest = &sensor;
     }
-    if (values * longestText < worthANote)
+    if (values * maxText < worthANote)
         return std::nullopt;
     const std::string one = "sensor " + inQuotes(largest->_name._value) + " of type " + largest->_type._value;
     const std::string who =
         sensors == 1 ? "the buffer of " + one + " keeps "
                      : "the buffers of " + std::to_string(sensors) + " sensors, the largest that of " + one + ", keep ";
-    return PinnedNote{bufferPosition(*largest),
-                      who + std::to_string(values) + " values, also when they were taken, until others replace them: " +
-                          bytesText(values * longestText) + " with values of " + std::to_string(longestText) +
-                          " bytes; a smaller `buffer` keeps less"};
+    return PinnedNote{bufferPosition(*largest), who + std::to_string(values) +
+                                                    " values, also when they were taken, until others replace them: " +
+                                                    bytesText(values * maxText) + " with values of " +
+                                                    std::to_string(maxText) + " bytes; a smaller `buffer` keeps less"};
 }
 
 std::string askedFor(const std::vector<SceneFile>& files)

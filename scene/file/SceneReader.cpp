@@ -40,7 +40,7 @@ const TomlValue* takeRate(const TomlValue& value, HostEntry& entry)
     const auto* whole = std::get_if<std::int64_t>(&value._data);
     const auto* number = std::get_if<double>(&value._data);
     const double rate = whole != nullptr ? static_cast<double>(*whole) : number != nullptr ? *number : 0;
-    if (!(rate > 0 && rate <= highestRate))
+    if (!(rate > 0 && rate <= maxRate))
         return &value;
     entry._rate = {rate, value._position};
     return nullptr;
@@ -59,7 +59,7 @@ const TomlValue* takeMemory(const TomlValue& value, HostEntry& entry)
 const TomlValue* takeBuffer(const TomlValue& value, SensorEntry& entry)
 {
     const auto* size = std::get_if<std::int64_t>(&value._data);
-    if (size == nullptr || *size < 0 || *size > largestBuffer)
+    if (size == nullptr || *size < 0 || *size > maxBuffer)
         return &value;
     entry._buffer = {static_cast<unsigned>(*size), value._position};
     return nullptr;
@@ -110,8 +110,8 @@ constexpr KeyRule<HandlerEntry> handlerRules[] = {
     {"name", "a text that is not empty", true, takeName<HandlerEntry, &HandlerEntry::_name>},
     {"url", "a text, a URL such as \"file:.\"", false, takePlain<HandlerEntry, std::string, &HandlerEntry::_url>},
     {"nodes", "a list of up to 1000 [\"node type\", \"settings\"], the settings may be left out", false,
-     takePairs<&HandlerEntry::_nodes, 1, mostNodes>},
-    {"routes", "a list of up to 100000 [\"from\", \"to\"]", false, takePairs<&HandlerEntry::_routes, 2, mostEntries>}};
+     takePairs<&HandlerEntry::_nodes, 1, maxNodes>},
+    {"routes", "a list of up to 100000 [\"from\", \"to\"]", false, takePairs<&HandlerEntry::_routes, 2, maxEntries>}};
 
 constexpr KeyRule<SensorEntry> sensorRules[] = {
     {"name", "a text that is not empty", true, takeName<SensorEntry, &SensorEntry::_name>},
@@ -131,7 +131,7 @@ constexpr std::string_view rootNames[] = {"host", "handler", "sensor", "route", 
 // Reads every table of [[title]] into `entries`; none of them if there are more than `most`.
 template <class Entry>
 void readAll(const TomlEntry& found, std::span<const KeyRule<Entry>> rules, Problems& problems,
-             std::vector<Entry>& entries, std::size_t most = mostEntries)
+             std::vector<Entry>& entries, std::size_t most = maxEntries)
 {
     const std::string title = "[[" + found._key + "]]";
     const auto* list = std::get_if<TomlValue::List>(&found._value._data);
@@ -152,7 +152,7 @@ void readEntry(const TomlEntry& found, Problems& problems, SceneFile& scene)
     if (found._key == "host")
         scene._host = TableReader<HostEntry>("[host]", hostRules, problems).read(found._value);
     else if (found._key == "handler")
-        readAll<HandlerEntry>(found, handlerRules, problems, scene._handlers, mostNodes);
+        readAll<HandlerEntry>(found, handlerRules, problems, scene._handlers, maxNodes);
     else if (found._key == "sensor")
         readAll<SensorEntry>(found, sensorRules, problems, scene._sensors);
     else if (found._key == "route")

@@ -17,7 +17,7 @@ public:
     {
         while (_at < _text.size()) {
             step();
-            if (_depth > deepestNesting)
+            if (_depth > maxNesting)
                 return true;
         }
         return false;
@@ -100,14 +100,14 @@ std::string readSceneText(const std::string& path)
         refuse(path, std::string("cannot be opened: ") + std::strerror(errno));
     std::string text;
     constexpr std::size_t chunk = 1u << 16;
-    while (file && text.size() <= largestSceneFile) {
+    while (file && text.size() <= maxSceneFile) {
         const std::size_t held = text.size();
         text.resize(held + chunk);
         file.read(text.data() + held, chunk);
         text.resize(held + static_cast<std::size_t>(file.gcount()));
     }
-    if (text.size() > largestSceneFile)
-        refuse(path, "is larger than " + std::to_string(largestSceneFile) + " bytes, the most that a scene may have");
+    if (text.size() > maxSceneFile)
+        refuse(path, "is larger than " + std::to_string(maxSceneFile) + " bytes, the most that a scene may have");
     if (file.bad())
         refuse(path, "cannot be read to its end");
     return text;
@@ -118,6 +118,6 @@ void checkNesting(std::string_view text, Problems& problems)
     NestingScan scan(text);
     if (scan.tooDeep())
         problems.add(scan.position(),
-                     "nests deeper than " + std::to_string(deepestNesting) + " levels, the most that a scene may have");
+                     "nests deeper than " + std::to_string(maxNesting) + " levels, the most that a scene may have");
 }
 } // namespace Scenes

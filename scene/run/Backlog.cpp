@@ -8,7 +8,7 @@ namespace Scenes {
 
 using namespace Explain;
 
-void Backlog::look(const Session& session)
+void Backlog::update(const Session& session)
 {
     for (const SensorWatch* watch : session.watches())
         for (const Trovio::Slot* slot : watch->slots())

@@ -14,7 +14,7 @@ namespace Scenes {
 class Backlog {
 public:
     /// Right before a frame, which takes what has come.
-    void look(const Session& session);
+    void update(const Session& session);
 
     /// "; buffer = 17 at sensor 'wave' would have held them" for the sensor with that label, alone or behind that of
     /// its handler's namespace; empty if it lost nothing.
@@ -22,7 +22,7 @@ public:
 
 private:
     struct Seen {
-        std::uint64_t _stored = 0; // at the last look
+        std::uint64_t _stored = 0; // at the last update
         std::uint64_t _most = 0;   // between two
     };
     std::unordered_map<const Trovio::BasicInSlot*, Seen> _seen;

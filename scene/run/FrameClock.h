@@ -3,6 +3,7 @@
 namespace Scenes {
 
 /// The time of a frame loop; tests hand in one that they drive by hand.
+/// Threads: that of the loop.
 class FrameClock {
 public:
     virtual ~FrameClock() = default;

@@ -14,6 +14,8 @@ struct LoopLimits {
 };
 
 /// Calls a function at a steady rate. Frames that come too late are left out, never made up for in a burst.
+/// Ownership: refers to the clock, which must live as long.
+/// Threads:   the scene thread, on which run() calls the function.
 class FrameLoop {
 public:
     /// `rate` in frames per second, above 0.

@@ -22,7 +22,7 @@ using namespace Explain;
 namespace {
 
 constexpr std::string_view fieldSuffix = ".value";
-constexpr std::size_t longestReason = 1000;
+constexpr std::size_t maxReason = 1000;
 } // namespace
 
 LoadedScene::LoadedScene(SceneFile file, std::string title, Stopped stopped)
@@ -161,7 +161,7 @@ std::string LoadedScene::lineOf(const MissingPart& part) const
 
 void LoadedScene::miss(Position at, const std::string& part, const std::string& reason, const Say& say)
 {
-    _missing.push_back({at, part + " could not be made: " + escaped(reason, longestReason)});
+    _missing.push_back({at, part + " could not be made: " + escaped(reason, maxReason)});
     say(lineOf(_missing.back()) + "; the run goes on without it");
 }
 

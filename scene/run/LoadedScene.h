@@ -35,6 +35,7 @@ struct MissingPart {
 };
 
 /// A scene file made into a context with sensors and handlers.
+/// Ownership: owns its context and sensors; the context's manager owns the handlers.
 /// Order:   addSensors, addHandlers, addNodes; then frames; then unregisterSensors, deleteHandlers, destructor.
 /// Threads: the scene thread only.
 class LoadedScene {

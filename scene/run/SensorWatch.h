@@ -28,6 +28,7 @@ protected:
 
 /// Counts the changes of one sensor's field and tells a listener, which may be null.
 /// Ownership: refers to the sensor, which must have a field and live as long; is told by nobody once it is destroyed.
+/// Threads:   the scene thread.
 class SensorWatch final : public Ostrel::Observer {
 public:
     /// `scene` names the sensor's scene where several run, else it is empty.

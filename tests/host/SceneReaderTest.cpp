@@ -92,11 +92,11 @@ TEST(SceneReader, NestsUpToItsLimit)
         return key + " = 1.5 # [[[\ns = \"[.[.[\\\"\"\nt = '''\n[[[''' ";
     };
     const std::string deep = "s:1:133: nests deeper than 128 levels, the most that a scene may have";
-    EXPECT_NE(problemsOf(nested(deepestNesting)), deep);
-    EXPECT_EQ(problemsOf(nested(deepestNesting + 1)), deep);
-    EXPECT_NE(problemsOf(dotted(deepestNesting - 1)).find("unknown key"), std::string::npos);
+    EXPECT_NE(problemsOf(nested(maxNesting)), deep);
+    EXPECT_EQ(problemsOf(nested(maxNesting + 1)), deep);
+    EXPECT_NE(problemsOf(dotted(maxNesting - 1)).find("unknown key"), std::string::npos);
     // A text that ends in quotes of its own must not hide what follows it.
-    for (const std::string& text : {dotted(deepestNesting + 1), "x = {a = \"\"\"b\"\"\"\", " + dotted(200),
+    for (const std::string& text : {dotted(maxNesting + 1), "x = {a = \"\"\"b\"\"\"\", " + dotted(200),
                                     "x = {a = \'\'\'b\'\'\'\', " + dotted(200), nested(1'000'000)})
         EXPECT_NE(problemsOf(text).find("nests deeper"), std::string::npos);
 }

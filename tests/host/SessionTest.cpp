@@ -1,5 +1,5 @@
 #include "host/report/Report.h"
-#include "host/run/WallSteps.h"
+#include "host/run/ClockStepDetector.h"
 #include "host/show/View.h"
 #include "scene/file/SceneReader.h"
 #include "trovio/Node.h"
@@ -108,12 +108,12 @@ TEST_F(SessionTest, AgesRatesAndTimesGoOnWhenTheDateIsSet)
     SensorWatch& watch = *_session.watches()[0];
     const auto view = makeLinesView(_out, 1e9 - 1);
     show(*view);
-    WallSteps steps;
+    ClockStepDetector steps;
     double wall = 1e9, steady = 7;
     const auto frame = [&](double passed, double set) {
         wall += passed + set;
         steady += passed;
-        if (const double step = steps.look(wall, steady); step != 0) {
+        if (const double step = steps.update(wall, steady); step != 0) {
             watch.clockStepped(step);
             view->clockStepped(step);
         }
