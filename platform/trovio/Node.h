@@ -85,8 +85,7 @@ protected:
     Counter& addCounter(const std::string& name);
 
 private:
-    friend class FlowQuery;
-    friend class FlowSearch;
+    friend class FlowRemarks;
     friend class Namespace;
     friend class NodeType;
     bool isConfigured() const;

@@ -1,34 +1,24 @@
 #pragma once
 
-#include "trovio/routing/ByLabel.h"
+#include "trovio/routing/LabelIndex.h"
 #include "trovio/routing/Pattern.h"
-#include <cstdint>
+#include "trovio/routing/Serial.h"
 #include <string>
 #include <vector>
 
 namespace Trovio {
 
-/// Orders things by when they were made, which keeps connections and listings in a fixed order.
-struct BySerial {
-    template <class T>
-    bool operator()(const T* left, const T* right) const
-    {
-        return left->_serial < right->_serial;
-    }
-};
-
 /// A standing rule from a label pattern to a target.
 struct RouteRule {
-    RouteRule(const std::string& from, std::uint64_t serial, const std::string& to,
-              LabelTemplate::Placeholders placeholders)
-        : _serial(serial), _from(from), _to(to, _from, placeholders)
+    RouteRule(const std::string& from, const std::string& to, LabelTemplate::Placeholders placeholders)
+        : _from(from), _to(to, _from, placeholders)
     {
     }
 
     /// For messages.
     std::string quoted() const { return "route '" + _from.getText() + "' -> '" + _to.getText() + "'"; }
 
-    const std::uint64_t _serial;
+    const std::uint64_t _serial = nextSerial();
     const Pattern _from;
     const LabelTemplate _to;
 
@@ -53,8 +43,7 @@ template <class Rule>
 class RouteRules {
 public:
     /// Throws Exception for a bad pattern; nothing was added then.
-    Rule& make(const std::string& from, std::uint64_t serial, const std::string& to,
-               LabelTemplate::Placeholders placeholders);
+    Rule& make(const std::string& from, const std::string& to, LabelTemplate::Placeholders placeholders);
     void erase(Rule& rule);
 
     /// The latest rule with these texts; null if there is none.
@@ -70,16 +59,15 @@ public:
     void clear();
 
 private:
-    ByLabel<Rule, RouteRule::OfText> _byText; // key: text of the pattern
+    LabelIndex<Rule, RouteRule::OfText> _byText; // key: text of the pattern
     Chain<Rule, RouteRule::OfStars> _patterns;
     Chain<Rule, RouteRule::OfAll> _all;
 };
 
 template <class Rule>
-Rule& RouteRules<Rule>::make(const std::string& from, std::uint64_t serial, const std::string& to,
-                             LabelTemplate::Placeholders placeholders)
+Rule& RouteRules<Rule>::make(const std::string& from, const std::string& to, LabelTemplate::Placeholders placeholders)
 {
-    Rule& rule = _byText.make(from, serial, to, placeholders);
+    Rule& rule = _byText.make(from, to, placeholders);
     if (!rule._from.isLiteral())
         _patterns.append(rule);
     _all.append(rule);

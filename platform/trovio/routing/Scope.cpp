@@ -1,60 +1,48 @@
 #include "trovio/routing/Scope.h"
 
-#include "trovio/BasicInSlot.h"
-#include "trovio/BasicOutSlot.h"
 #include "trovio/Exception.h"
 #include "trovio/messages/FrameworkLog.h"
 #include "trovio/routing/AllOrNone.h"
+#include "trovio/routing/RouteProblems.h"
 #include <algorithm>
 
 namespace Trovio {
 
-std::uint64_t Scope::_nextSerial = 1;
-
-void Scope::addSlot(const std::string& label, BasicInSlot& slot)
-{
-    addOwn(label, {&slot, _relay.get()});
-}
-
-void Scope::addSlot(const std::string& label, BasicOutSlot& slot)
-{
-    addOwn(label, {&slot, _relay.get()});
-}
-
-void Scope::addOwn(const std::string& label, const Ends& ends)
+void Scope::addSlot(const std::string& label, Slot& slot)
 {
     if (label.empty() || label.size() > MaxLabelLength)
         throw Exception("a slot label has " + std::to_string(label.size()) + " bytes; allowed are 1 to " +
                         std::to_string(MaxLabelLength));
     if (findOwn(label))
         throw Exception("slot label '" + label + "' is taken; remove that slot first or use another label");
-    insert(label, ends, nullptr, nullptr);
+    insert(label, {&slot, _relay.get()}, nullptr, nullptr);
 }
 
-Scope::Entry* Scope::findOwn(const std::string& label) const
+SlotView* Scope::findOwn(const std::string& label) const
 {
-    for (Entry* entry : _entries.under(label)) {
-        if (!entry->_shownBy)
-            return entry;
+    for (SlotView* view : _views.under(label)) {
+        if (!view->_shownBy)
+            return view;
     }
     return nullptr;
 }
 
 void Scope::removeSlot(const std::string& label) noexcept
 {
-    if (Entry* const own = findOwn(label))
+    if (SlotView* const own = findOwn(label))
         erase(*own);
-    retryLooping();
+    LoopGuard::retryHeld();
 }
 
 void Scope::addRoute(const std::string& from, const std::string& to)
 {
-    Route& route = _routes.make(from, _nextSerial++, to, LabelTemplate::Placeholders::None);
+    Route& route = _routes.make(from, to, LabelTemplate::Placeholders::None);
     try {
-        const std::vector<Entry*> entries = matching(route._from);
-        refuseLoop(route, entries);
-        for (Entry* entry : entries)
-            aim(route, *entry, *route._from.match(entry->_label));
+        const std::vector<SlotView*> sources = matching(route._from);
+        if (_connector.isRunning())
+            LoopGuard::refuseLoop(route, sources, _views);
+        for (SlotView* source : sources)
+            resolve(route, *source, *route._from.match(source->_label));
     } catch (...) {
         erase(route);
         throw;
@@ -67,24 +55,23 @@ bool Scope::removeRoute(const std::string& from, const std::string& to) noexcept
     if (!route)
         return false;
     erase(*route);
-    retryLooping();
+    LoopGuard::retryHeld();
     return true;
 }
 
 void Scope::erase(Route& route) noexcept
 {
-    while (!route._aims.empty())
-        drop(route._aims.front());
+    while (!route._resolved.empty())
+        drop(route._resolved.front());
     _routes.erase(route);
 }
 
 void Scope::addExternalRoute(const std::string& pattern, const std::string& target)
 {
-    ExternalRoute& route =
-        _externalRoutes.make(pattern, _nextSerial++, target, LabelTemplate::Placeholders::NamespaceAndSlot);
+    ExternalRoute& route = _externalRoutes.make(pattern, target, LabelTemplate::Placeholders::NamespaceAndSlot);
     try {
-        for (Entry* entry : matching(route._from))
-            show(route, *entry, *route._from.match(entry->_label));
+        for (SlotView* view : matching(route._from))
+            show(route, *view, *route._from.match(view->_label));
     } catch (...) {
         hide(route);
         _externalRoutes.erase(route);
@@ -99,7 +86,7 @@ bool Scope::removeExternalRoute(const std::string& pattern, const std::string& t
         return false;
     hide(*route);
     _externalRoutes.erase(*route);
-    retryLooping();
+    LoopGuard::retryHeld();
     return true;
 }
 
@@ -109,8 +96,8 @@ void Scope::attach(Scope& parent, const std::string& label)
     _parent = &parent;
     try {
         for (ExternalRoute* route : _externalRoutes.all()) {
-            for (Entry* entry : matching(route->_from))
-                show(*route, *entry, *route->_from.match(entry->_label));
+            for (SlotView* view : matching(route->_from))
+                show(*route, *view, *route->_from.match(view->_label));
         }
     } catch (...) {
         detach();
@@ -124,107 +111,108 @@ void Scope::detach() noexcept
         hide(*route);
     _parent = nullptr;
     _label.clear();
-    retryLooping();
+    LoopGuard::retryHeld();
 }
 
 void Scope::clear() noexcept
 {
-    stopConnecting();
-    _aims.clear();
-    _entries.clear();
+    _connector.stop();
+    _resolved.clear();
+    _views.clear();
     _routes.clear();
     _externalRoutes.clear();
-    _connecting = true;
+    _connector.start(); // finds nothing to do
 }
 
-Scope::Entry& Scope::insert(std::string freshLabel, const Ends& ends, ExternalRoute* shownBy, Entry* origin)
+SlotView& Scope::insert(std::string freshLabel, const SlotRef& ref, ExternalRoute* shownBy, SlotView* origin)
 {
-    Entry& entry = _entries.make(std::move(freshLabel), *this, ends, shownBy, origin);
+    SlotView& view = _views.make(std::move(freshLabel), *this, ref, shownBy, origin);
     try {
         allOrNone(
-            _aims.under(entry._label), [&](const Aim& aim) { join(aim, entry); },
-            [&](const Aim& aim) { part(aim, entry); });
+            _resolved.under(view._label), [&](const ResolvedRoute& route) { _connector.join(route, view); },
+            [&](const ResolvedRoute& route) { _connector.part(route, view); });
     } catch (...) {
-        _entries.erase(entry, entry._label);
+        _views.erase(view, view._label);
         throw;
     }
     if (shownBy) { // from here on erase() undoes everything
-        shownBy->_shown.append(entry);
-        origin->_shown.append(entry);
+        shownBy->_shown.append(view);
+        origin->_shown.append(view);
     }
     try {
-        spread(entry);
+        spread(view);
     } catch (...) {
-        erase(entry);
+        erase(view);
         throw;
     }
-    return entry;
+    return view;
 }
 
 /// To where routes lead from it, and into the parent.
-void Scope::spread(Entry& entry)
+void Scope::spread(SlotView& view)
 {
-    _routes.forEachMatch(entry._label, [&](Route& route, const auto& matched) { aim(route, entry, matched); });
-    _externalRoutes.forEachMatch(entry._label,
-                                 [&](ExternalRoute& route, const auto& matched) { show(route, entry, matched); });
+    _routes.forEachMatch(view._label, [&](Route& route, const auto& matched) { resolve(route, view, matched); });
+    _externalRoutes.forEachMatch(view._label,
+                                 [&](ExternalRoute& route, const auto& matched) { show(route, view, matched); });
 }
 
-void Scope::erase(Entry& entry) noexcept
+void Scope::erase(SlotView& view) noexcept
 {
-    while (!entry._shown.empty())
-        _parent->erase(entry._shown.front());
-    while (!entry._aims.empty())
-        drop(entry._aims.front());
-    for (const Aim* aim : _aims.under(entry._label))
-        part(*aim, entry);
-    if (entry._shownBy) {
-        entry._shownBy->_shown.remove(entry);
-        entry._origin->_shown.remove(entry);
+    while (!view._shown.empty())
+        _parent->erase(view._shown.front());
+    while (!view._leading.empty())
+        drop(view._leading.front());
+    for (const ResolvedRoute* route : _resolved.under(view._label))
+        _connector.part(*route, view);
+    if (view._shownBy) {
+        view._shownBy->_shown.remove(view);
+        view._origin->_shown.remove(view);
     }
-    _entries.erase(entry, entry._label);
+    _views.erase(view, view._label);
 }
 
-void Scope::aim(Route& route, Entry& from, const std::vector<std::string_view>& matched)
+/// To the label of the in-slot that the route leads to from this out-slot.
+void Scope::resolve(Route& route, SlotView& source, const std::vector<std::string_view>& matched)
 {
-    if (!from._ends.out()) {
+    if (!source._ref.out()) {
         if (route._from.isLiteral()) // a pattern may well match in-slots beside the out-slots that it is meant for
-            report(route, wrongWay(route, from._label, "an in-slot", "out-slot"));
+            reportOnce(route, wrongDirection(route, source));
         return;
     }
     const auto target = route._to.expand(matched);
     if (!target || target->empty()) {
-        report(route, tooLong(route, from._label));
+        reportOnce(route, noLabel(route, source._label));
         return;
     }
-    Aim& made = _aims.make(*target, route, from);
+    ResolvedRoute& made = _resolved.make(*target, route, source);
     try {
-        joinAll(made);
+        _connector.joinAll(made);
     } catch (...) {
-        _aims.erase(made, made._target);
+        _resolved.erase(made, made._target);
         throw;
     }
-    route._aims.append(made);
-    from._aims.append(made);
+    route._resolved.append(made);
+    source._leading.append(made);
 }
 
-void Scope::drop(Aim& aim) noexcept
+void Scope::drop(ResolvedRoute& resolved) noexcept
 {
-    partAll(aim);
-    aim._route->_aims.remove(aim);
-    aim._from->_aims.remove(aim);
-    _aims.erase(aim, aim._target);
+    _connector.partAll(resolved);
+    resolved._route->_resolved.remove(resolved);
+    resolved._source->_leading.remove(resolved);
+    _resolved.erase(resolved, resolved._target);
 }
 
-void Scope::show(ExternalRoute& route, Entry& entry, const std::vector<std::string_view>& matched)
+void Scope::show(ExternalRoute& route, SlotView& view, const std::vector<std::string_view>& matched)
 {
     if (!_parent)
         return;
-    auto label = route._to.expand(matched, _label, entry._label);
+    auto label = route._to.expand(matched, _label, view._label);
     if (!label || label->empty()) {
-        logMessage(LogLevel::Warning, "namespace '" + _label + "', external " + tooLong(route, entry._label));
+        logMessage(LogLevel::Warning, "namespace '" + _label + "', external " + noLabel(route, view._label));
         return;
     }
-    _parent->insert(std::move(*label), entry._ends, &route, &entry);
+    _parent->insert(std::move(*label), view._ref, &route, &view);
 }
 
 /// Takes all that the route shows out of the parent.
@@ -234,22 +222,33 @@ void Scope::hide(ExternalRoute& route) noexcept
         _parent->erase(route._shown.front());
 }
 
-std::vector<Scope::Entry*> Scope::matching(const Pattern& pattern)
+std::vector<SlotView*> Scope::matching(const Pattern& pattern)
 {
-    std::vector<Entry*> entries;
+    std::vector<SlotView*> views;
     if (pattern.isLiteral()) {
-        for (Entry* entry : _entries.under(pattern.getText()))
-            entries.push_back(entry);
-        return entries;
+        for (SlotView* view : _views.under(pattern.getText()))
+            views.push_back(view);
+        return views;
     }
-    for (const auto& [label, same] : _entries) {
+    for (const auto& [label, same] : _views) {
         if (!pattern.match(label))
             continue;
-        for (Entry* entry : same)
-            entries.push_back(entry);
+        for (SlotView* view : same)
+            views.push_back(view);
     }
-    std::sort(entries.begin(), entries.end(), BySerial());
-    return entries;
+    std::sort(views.begin(), views.end(), BySerial());
+    return views;
+}
+
+const SlotView* Scope::findMatch(const Pattern& pattern) const
+{
+    if (pattern.isLiteral()) {
+        const auto same = _views.under(pattern.getText());
+        return same.empty() ? nullptr : &same.front();
+    }
+    const auto found = std::find_if(_views.begin(), _views.end(),
+                                    [&pattern](const auto& same) { return pattern.match(same.first).has_value(); });
+    return found == _views.end() ? nullptr : &found->second.front();
 }
 
 } // namespace Trovio

@@ -1,6 +1,7 @@
 #include "trovio/Node.h"
 
 #include "trovio/NodeMove.h"
+#include "trovio/Settling.h"
 #include "trovio/messages/ExceptionText.h"
 #include "trovio/messages/FrameworkLog.h"
 #include "trovio/messages/TimeText.h"
@@ -48,6 +49,7 @@ Node::Node()
 }
 
 Node::~Node() = default;
+Settling::~Settling() = default;
 
 std::span<const Setting> Node::commonSettings()
 {

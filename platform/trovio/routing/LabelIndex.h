@@ -8,17 +8,19 @@
 
 namespace Trovio {
 
-/// Things that it owns under labels, several under one in the order of their making. A thing has a constructor that
-/// takes the label first, which stays where it is as long as the thing does.
+/// Finds things by their label, several under one in the order of their making. A thing has a constructor that takes
+/// its label first; that text stays where it is for as long as the thing does.
+/// Ownership: owns the things.
+/// Threads:   whoever holds the tree lock.
 template <class T, class Kind>
-class ByLabel {
+class LabelIndex {
 public:
     using Same = Chain<T, Kind>;
 
-    ByLabel() = default;
-    ByLabel(const ByLabel&) = delete;
-    ByLabel& operator=(const ByLabel&) = delete;
-    ~ByLabel() { clear(); }
+    LabelIndex() = default;
+    LabelIndex(const LabelIndex&) = delete;
+    LabelIndex& operator=(const LabelIndex&) = delete;
+    ~LabelIndex() { clear(); }
 
     /// Empty where there is nothing under the label.
     Same under(const std::string& label) const

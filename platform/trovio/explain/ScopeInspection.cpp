@@ -1,0 +1,82 @@
+#include "trovio/explain/ScopeInspection.h"
+
+#include "trovio/routing/RouteProblems.h"
+#include <algorithm>
+#include <tuple>
+
+namespace Trovio {
+
+namespace {
+
+SlotInfo inspectSlot(const SlotView& view)
+{
+    const SlotRef& ref = view._ref;
+    SlotInfo info{view._label, ref._slot->getDirection(), ref._slot->getTypeName(), !view._shownBy, {}, {}, {}};
+    const SlotView* home = &view;
+    for (; home->_origin; home = home->_origin)
+        info._home += home->_origin->_scope->getLabel() + "/";
+    info._home += home->_label;
+    if (info._own && ref.out())
+        info._out = ref.out()->getActivity();
+    if (info._own && ref.in())
+        info._in = ref.in()->getActivity();
+    return info;
+}
+
+std::vector<const SlotView*> sortedViews(const Scope& scope)
+{
+    std::vector<const SlotView*> views;
+    for (const auto& [label, same] : scope.getViews()) {
+        for (const SlotView* view : same)
+            views.push_back(view);
+    }
+    std::sort(views.begin(), views.end(), [](const SlotView* left, const SlotView* right) {
+        return std::tie(left->_label, left->_serial) < std::tie(right->_label, right->_serial);
+    });
+    return views;
+}
+
+/// Why a route that connects nothing does not. A mismatch is more to the point than an end that may still come.
+std::string pendingReason(const Scope& scope, const Route& route, const RouteInfo& info)
+{
+    for (const RoutePair& pair : info._pairs) {
+        if (!scope.getViews().under(pair._to).empty())
+            return pair._reason;
+    }
+    if (!info._pairs.empty())
+        return info._pairs.front()._reason;
+    const SlotView* const start = scope.findMatch(route._from);
+    if (!start)
+        return noSlot(route._from.getText());
+    return start->_ref.in() ? wrongDirection(route, *start) : noLabel(route, start->_label);
+}
+
+RouteInfo inspectRoute(const Scope& scope, const Route& route)
+{
+    RouteInfo info{route._from.getText(), route._to.getText(), {}, route._connections, {}};
+    for (const ResolvedRoute* resolved : route._resolved) {
+        const auto ends = scope.getViews().under(resolved->_target);
+        if (ends.empty())
+            info._pairs.push_back({resolved->_source->_label, resolved->_target, noSlot(resolved->_target)});
+        for (const SlotView* to : ends)
+            info._pairs.push_back(
+                {resolved->_source->_label, resolved->_target, scope.getConnector().whyApart(*resolved, *to)});
+    }
+    if (info.isPending())
+        info._reason = pendingReason(scope, route, info);
+    return info;
+}
+
+} // namespace
+
+void inspectScope(const Scope& scope, NamespaceInfo& info)
+{
+    for (const SlotView* view : sortedViews(scope))
+        info._slots.push_back(inspectSlot(*view));
+    for (const Route* route : scope.getRoutes().all())
+        info._routes.push_back(inspectRoute(scope, *route));
+    for (const ExternalRoute* route : scope.getExternalRoutes().all())
+        info._externalRoutes.push_back({route->_from.getText(), route->_to.getText(), route->_shown.size()});
+}
+
+} // namespace Trovio
