@@ -90,7 +90,7 @@ private:
     const bool _isTerminal;
     const GapLine _gapLine;
 
-    mutable Ostrel::Mutex _lock; // leaf, also under the log's lock
+    mutable Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
     std::condition_variable_any _changed;
     std::string _text OSTREL_GUARDED_BY(_lock);
     std::size_t _written OSTREL_GUARDED_BY(_lock) = 0;    // of _text

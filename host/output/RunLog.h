@@ -42,7 +42,7 @@ private:
     bool _toFile; // then lines with a header are not shown; under the log's lock
     osg::LogHeader _header;
     osg::Log::Hook _previous;
-    std::mutex _lock; // leaf, taken under the log's lock
+    std::mutex _lock; // between the log's lock and those of the queues; a handler of signals tries it
     bool _held = false;
     std::string _lines;
     std::size_t _left = 0; // lines that found no more room since the last take()

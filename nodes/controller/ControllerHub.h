@@ -35,11 +35,12 @@ private:
 
     Clock& _clock;
 
-    // The users lock is held while the thread starts and ends, so that it does so in step with its users. The other one
-    // is held around a whole poll, pushes included, so that detach() can promise what it does: what a push reaches only
-    // queues and wakes, and never comes back here but for wake().
+    // The users lock is held while the thread starts and ends, so that it does so in step with its users. It is
+    // unranked: only start() and stop() of nodes take it, before every ranked one. The other one is held around a whole
+    // poll, pushes included, so that detach() can promise what it does: what a push reaches only queues and wakes, and
+    // never comes back here but for wake().
     Ostrel::Mutex _usersLock OSTREL_ACQUIRED_BEFORE(_lock);
-    Ostrel::Mutex _lock;
+    Ostrel::Mutex _lock{Ostrel::LockRank::NodePush};
     DeviceBroker _broker OSTREL_GUARDED_BY(_lock);
     bool _running OSTREL_GUARDED_BY(_usersLock) = false;
     Worker _worker;

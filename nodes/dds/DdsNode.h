@@ -52,10 +52,10 @@ private:
     double _nextAddressCheck = 0.0;
     double _graceEnd = 0.0; // until then a topic without a publisher is no problem yet
 
-    mutable Ostrel::Mutex _problemsLock; // leaf
+    mutable Ostrel::Mutex _problemsLock{Ostrel::LockRank::Leaf};
     DdsTopicProblems _topicProblems OSTREL_GUARDED_BY(_problemsLock);
 
-    mutable Ostrel::Mutex _remarksLock;                                                  // leaf
+    mutable Ostrel::Mutex _remarksLock{Ostrel::LockRank::Leaf};
     std::optional<std::vector<RemarkInfo>> _lastRemarks OSTREL_GUARDED_BY(_remarksLock); // since the node stopped
 };
 

@@ -69,7 +69,8 @@ protected:
     /// For the pushing thread, under locks. False if the node's thread has to send what is left.
     bool sendAtOnce() noexcept OSTREL_EXCLUDES(_sendLock);
 
-    Ostrel::Mutex _sendLock; // held around taking and sending; with a slot's lock held, it is only tried
+    // Held around taking and sending. Unranked: with a slot's lock held, it is only tried.
+    Ostrel::Mutex _sendLock;
 
 private:
     static void onMatched(dds_entity_t writer, dds_publication_matched_status_t status, void* publication) noexcept;

@@ -89,14 +89,14 @@ private:
     std::function<void()> _wake, _peersChanged;
     bool _getsLast = true; // a late joiner gets the last sample, and older ones with it
 
-    Ostrel::Mutex _takeLock; // held around taking and pushing; no lock of a slot or the tree is held when it is taken
+    Ostrel::Mutex _takeLock{Ostrel::LockRank::NodePush}; // held around taking and pushing
     SequenceTracker _sequences OSTREL_GUARDED_BY(_takeLock);
     DdsNewWriters _newWriters OSTREL_GUARDED_BY(_takeLock);
     RateLimiter _reports OSTREL_GUARDED_BY(_takeLock);
     MemoryShortage _shortage OSTREL_GUARDED_BY(_takeLock);
 
-    DdsClocks* _clocks = nullptr;                                        // those of the participant, while open
-    mutable Ostrel::Mutex _newestLock;                                   // leaf
+    DdsClocks* _clocks = nullptr; // those of the participant, while open
+    mutable Ostrel::Mutex _newestLock{Ostrel::LockRank::Leaf};
     std::optional<SampleArrival> _newest OSTREL_GUARDED_BY(_newestLock); // nothing where clocks are not compared
 
     std::shared_ptr<LocalTopic> _localTopic; // while open

@@ -31,7 +31,7 @@ private:
 
     const CreateLane _createLane;
     std::array<Counter*, 3> _rejected; // by Outcome, without Sent
-    mutable Ostrel::Mutex _runLock;    // leaf
+    mutable Ostrel::Mutex _runLock{Ostrel::LockRank::Leaf};
     Run _run OSTREL_GUARDED_BY(_runLock);
 };
 

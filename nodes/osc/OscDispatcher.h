@@ -63,7 +63,7 @@ private:
     std::unordered_map<std::string_view, std::size_t> _positions; // keys refer into _methods
     OscUnknownAddresses _unknown;
 
-    mutable Ostrel::Mutex _lock;                                  // leaf
+    mutable Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
     std::vector<Mismatches> _mismatches OSTREL_GUARDED_BY(_lock); // of each method
 };
 

@@ -52,7 +52,7 @@ private:
     RateLimiter _malformedReports;
     MemoryShortage _shortage;
 
-    mutable Ostrel::Mutex _factsLock; // leaf
+    mutable Ostrel::Mutex _factsLock{Ostrel::LockRank::Leaf};
     std::string _listens OSTREL_GUARDED_BY(_factsLock) = "does not listen";
     std::string _lastMalformed OSTREL_GUARDED_BY(_factsLock); // what was wrong with it
 

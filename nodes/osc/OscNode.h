@@ -44,7 +44,7 @@ private:
     OscInCounters _inCounters;
     OscOutCounters _outCounters;
 
-    mutable Ostrel::Mutex _problemLock; // leaf
+    mutable Ostrel::Mutex _problemLock{Ostrel::LockRank::NodeQueue};
     Problems _problems OSTREL_GUARDED_BY(_problemLock);
 
     // Unchanged while the node runs.

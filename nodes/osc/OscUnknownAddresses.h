@@ -39,7 +39,7 @@ private:
 
     const std::vector<std::string_view> _known;
 
-    mutable Ostrel::Mutex _lock; // leaf
+    mutable Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
     Named _named OSTREL_GUARDED_BY(_lock);
     std::uint64_t _others OSTREL_GUARDED_BY(_lock) = 0; // messages of all that are not remembered
 };

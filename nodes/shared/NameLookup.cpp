@@ -56,7 +56,7 @@ private:
         std::erase_if(_requests, [](const auto& request) { return ::gai_error(&request->_control) != EAI_INPROGRESS; });
     }
 
-    Ostrel::Mutex _lock;
+    Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
     std::vector<std::unique_ptr<Request>> _requests OSTREL_GUARDED_BY(_lock);
 };
 

@@ -8,20 +8,23 @@ namespace Ostrel {
 /// The one order in which locks are taken: a thread that holds a lock takes only locks of a higher rank.
 /// Two locks of one rank are never held together, but for LockRank::Unranked, which is not checked.
 ///
-/// Why this order: a host thread walks from the registry and the tree down to the slots; an out-slot keeps its data
-/// lock while its in-slots receive; a receiver may queue for its node; any holder may return a vector to a pool or log.
+/// Why this order: a host thread walks from the registry and the tree down to the slots; a node may hold a lock of its
+/// own while it pushes; an out-slot keeps its data lock while its in-slots receive; a receiver may queue for its node;
+/// any holder may return a vector to a pool or log. A lock is Unranked only where the reason stands beside it.
 enum class LockRank : int {
     Unranked,
     Registry,
     Tree,
     Wiring,
+    NodePush, // of a node, held while it pushes
     OutSlotListeners,
     OutSlotData,
     InSlotListeners,
     InSlotData,
-    NodeQueue,
+    NodeQueue, // of a node: what it keeps for its own thread, and what it tells
     Pool,
     Log,
+    Leaf, // nothing at all is taken under it, and no log is written
 };
 
 #ifdef OSTREL_CHECK_LOCK_RANKS

@@ -100,11 +100,12 @@ private:
     std::string getPath() const noexcept; // the labels from the root down; empty without memory
     void changeState(bool degraded, const std::string& reason);
 
-    // Serialises start and stop of this node: a remover waits here until start() is through.
+    // Serialises start and stop of this node: a remover waits here until start() is through. Unranked, and before all
+    // others: start() may add nodes, whose locks are taken under this one.
     Ostrel::Mutex _lifeLock;
     bool _started OSTREL_GUARDED_BY(_lifeLock) = false;
 
-    mutable Ostrel::Mutex _stateLock; // leaf
+    mutable Ostrel::Mutex _stateLock{Ostrel::LockRank::Leaf};
     NodeState _state OSTREL_GUARDED_BY(_stateLock);
     NodeTypeEntry _type OSTREL_GUARDED_BY(_stateLock);
     std::string _wantedLabel OSTREL_GUARDED_BY(_stateLock);

@@ -57,7 +57,7 @@ private:
     std::function<void()> _wake;
     double _earliestAsking = 0.0;
 
-    mutable Ostrel::Mutex _lock; // leaf
+    mutable Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
     std::deque<Probe> _questions OSTREL_GUARDED_BY(_lock);
     double _second OSTREL_GUARDED_BY(_lock) = 0.0;   // in which questions were taken last
     std::size_t _taken OSTREL_GUARDED_BY(_lock) = 0; // questions, in that second

@@ -16,7 +16,7 @@ struct OpenDomains {
         std::unique_ptr<DdsDomain> _domain;
         std::weak_ptr<DdsDomain> _users;
     };
-    Ostrel::Mutex _lock;
+    Ostrel::Mutex _lock{Ostrel::LockRank::NodeQueue}; // held while the library opens or closes a domain, and logs
     std::map<unsigned, Domain> _domains OSTREL_GUARDED_BY(_lock); // by their numbers
 
     static OpenDomains& get()

@@ -35,7 +35,7 @@ private:
     const std::string _addresses;
     const DdsEntity _domain;
 
-    Ostrel::Mutex _lock; // leaf
+    Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
     std::map<std::string, std::weak_ptr<LocalTopic>> _topics OSTREL_GUARDED_BY(_lock);
 };
 

@@ -17,7 +17,7 @@ namespace {
 thread_local DdsLog::Listening* listening = nullptr;
 
 struct Reports {
-    Ostrel::Mutex _lock;
+    Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
     RateLimiter _limiter OSTREL_GUARDED_BY(_lock){Clock::system()}; // for peers can cause messages at will
 
     static std::optional<std::string> admit()

@@ -36,7 +36,7 @@ public:
     }
 
 private:
-    Ostrel::Mutex _lock;
+    Ostrel::Mutex _lock; // unranked: with a slot's lock held, it is only tried
     unsigned _readers OSTREL_GUARDED_BY(_lock) = 0;
 };
 

@@ -9,7 +9,7 @@ using Ostrel::LockGuard;
 
 namespace {
 
-Ostrel::Mutex movesLock; // leaf
+Ostrel::Mutex movesLock(Ostrel::LockRank::Leaf);
 NodeMove* newest OSTREL_GUARDED_BY(movesLock) = nullptr;
 
 } // namespace
