@@ -12,10 +12,11 @@ struct LogOrigin {
     const char* function;
 };
 
+/// The levels of the log that this library writes at.
 enum class LogLevel : int {
-    Always = 0, // written without a look at the log's level
-    Fatal = 1,  // misuse and inconsistent state; nothing ends because of it
-    Warning = 2,
+    Always = osg::LogAlways, // written without a look at the log's level
+    Fatal = osg::LogFatal,   // misuse and inconsistent state; nothing ends because of it
+    Warning = osg::LogWarning,
 };
 
 /// Holds the log for one message, if the log's level admits it. The one shape in which this library writes.

@@ -2,13 +2,13 @@
 
 #include "host/cli/ExitCode.h"
 #include "host/output/RunLog.h"
+#include "osg/LogFile.h"
 
 #include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -45,7 +45,8 @@ bool areOne(int a, int b)
 int openLogFile()
 {
     const char* const path = std::getenv("OSG_LOG_FILE");
-    return path == nullptr || *path == '\0' ? -1 : open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    std::string ignored;
+    return path == nullptr || *path == '\0' ? -1 : osg::openLogFile(path, ignored);
 }
 
 constexpr std::array crashes = {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL};

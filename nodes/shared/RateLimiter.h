@@ -1,8 +1,7 @@
 #pragma once
 
 #include "nodes/shared/Clock.h"
-#include <cstdint>
-#include <optional>
+#include "osg/RateLimiter.h"
 #include <string>
 
 namespace Trovio::Nodes {
@@ -12,27 +11,20 @@ namespace Trovio::Nodes {
 class RateLimiter {
 public:
     /// period: seconds.
-    explicit RateLimiter(Clock& clock, double period = 1.0) : _clock(clock), _period(period) {}
+    explicit RateLimiter(Clock& clock, double period = 1.0) : _clock(clock), _limiter(period) {}
 
     /// If the event may be reported: what its line ends with, " (and 3 more before it)" after three that could not.
     std::optional<std::string> admit()
     {
-        const double now = _clock.now();
-        if (_next && now < *_next) {
-            ++_withheld;
+        const auto held = _limiter.admit(_clock.now());
+        if (!held)
             return std::nullopt;
-        }
-        std::string more = _withheld == 0 ? "" : " (and " + std::to_string(_withheld) + " more before it)";
-        _next = now + _period;
-        _withheld = 0;
-        return more;
+        return *held == 0 ? std::string() : " (and " + std::to_string(*held) + " more before it)";
     }
 
 private:
     Clock& _clock;
-    const double _period;
-    std::optional<double> _next;
-    std::uint64_t _withheld = 0;
+    osg::RateLimiter _limiter;
 };
 
 } // namespace Trovio::Nodes

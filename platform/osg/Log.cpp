@@ -1,11 +1,13 @@
 #include "osg/Log.h"
 
+#include "osg/LogFile.h"
 #include "osg/LogText.h"
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <unistd.h>
 #include <utility>
 
 namespace osg {
@@ -138,9 +140,13 @@ bool Log::setLogFile(const std::string& path, std::string& problem)
 {
     std::unique_ptr<std::FILE, CloseFile> file;
     if (!path.empty()) {
-        file.reset(std::fopen(path.c_str(), "ae"));
+        const int descriptor = openLogFile(path, problem);
+        if (descriptor < 0)
+            return false;
+        file.reset(::fdopen(descriptor, "a"));
         if (!file) {
             problem = "cannot open log file '" + path + "': " + std::strerror(errno);
+            ::close(descriptor);
             return false;
         }
     }

@@ -46,7 +46,8 @@ public:
     void muteModule(const std::string& module, bool muted) OSTREL_EXCLUDES(_moduleLock);
 
     /// Appends to this file from now on; an empty path means standard error. False, with the reason in `problem` and no
-    /// change, when the file cannot be opened.
+    /// change, when the file cannot be opened (see openLogFile). One that cannot be written, such as a pipe whose
+    /// reader has stopped, is left, and standard error gets the lines.
     bool setLogFile(const std::string& path, std::string& problem) OSTREL_EXCLUDES(_pLogLock);
     /// See LogHeader::select().
     bool setHeader(std::string_view parts, std::string& problem) OSTREL_EXCLUDES(_pLogLock);
@@ -92,7 +93,7 @@ private:
     std::atomic<int> _level{LogWarning};
     LogLimit _limit;
 
-    mutable Ostrel::Mutex _moduleLock; // leaf
+    mutable Ostrel::Mutex _moduleLock{Ostrel::LockRank::Leaf};
     std::set<std::string, std::less<>> _muted OSTREL_GUARDED_BY(_moduleLock);
 
     Hook _hook OSTREL_GUARDED_BY(_pLogLock);

@@ -4,10 +4,6 @@
 
 namespace osg {
 
-namespace {
-constexpr double period = 1; // second
-} // namespace
-
 bool LogLimit::admit(int level, const LogPlace& place, double now)
 {
     const unsigned rate = this->rate();
@@ -15,17 +11,14 @@ bool LogLimit::admit(int level, const LogPlace& place, double now)
         return true;
     const Ostrel::LockGuard guard(_lock);
     Source& source = _sources[{place._module, place._file}];
-    // Not before what was held back has been told.
-    if (source._held == 0 && (source._written == 0 || now - source._start >= period)) {
-        source._start = now;
-        source._written = 0;
+    if (source._limiter.held() != 0) { // none before these have been told
+        source._limiter.hold();
+        source._level = std::min(level, source._level);
+        return false;
     }
-    if (source._held == 0 && source._written < rate) {
-        ++source._written;
+    if (source._limiter.admit(now, rate))
         return true;
-    }
-    source._level = source._held == 0 ? level : std::min(level, source._level);
-    ++source._held;
+    source._level = level;
     _anyHeld.store(true, std::memory_order_relaxed);
     return false;
 }
@@ -38,13 +31,9 @@ std::vector<LogLimit::Held> LogLimit::takeHeld(double now)
     const Ostrel::LockGuard guard(_lock);
     bool left = false;
     for (auto& [name, source] : _sources) {
-        if (source._held == 0)
-            continue;
-        if (now - source._start < period) {
-            left = true;
-            continue;
-        }
-        result.push_back({name.first, name.second, source._level, std::exchange(source._held, 0)});
+        if (const std::uint64_t count = source._limiter.takeHeld(now))
+            result.push_back({name.first, name.second, source._level, count});
+        left = left || source._limiter.held() != 0;
     }
     _anyHeld.store(left, std::memory_order_relaxed);
     return result;

@@ -2,6 +2,7 @@
 
 #include "base/Mutex.h"
 #include "osg/LogMessage.h"
+#include "osg/RateLimiter.h"
 #include <atomic>
 #include <cstdint>
 #include <map>
@@ -12,8 +13,8 @@
 namespace osg {
 
 /// Keeps a source that has much to say from filling the log: of each source (module and file of a message) so many
-/// messages a second get through, and the rest is counted. A second starts with the first message after the last one.
-/// Threads: any; the lock is a leaf, and no message is written under it.
+/// messages a second get through, and the rest is counted (see RateLimiter). Threads: any; no message is written under
+/// the lock.
 class LogLimit {
 public:
     static constexpr unsigned defaultRate = 20;
@@ -38,15 +39,13 @@ public:
 
 private:
     struct Source {
-        double _start = 0; // of its second
-        unsigned _written = 0;
-        std::uint64_t _held = 0;
-        int _level = 0;
+        RateLimiter _limiter{1};
+        int _level = 0; // the most severe of those held back
     };
 
     std::atomic<unsigned> _rate{defaultRate};
     std::atomic<bool> _anyHeld{false};
-    Ostrel::Mutex _lock;
+    Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
     std::map<std::pair<std::string, std::string>, Source> _sources OSTREL_GUARDED_BY(_lock); // as many as write at all
 };
 

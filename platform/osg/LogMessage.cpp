@@ -5,8 +5,10 @@
 #include <chrono>
 #include <cinttypes>
 #include <cstdarg>
+#include <cstdio>
 #include <limits>
 #include <new>
+#include <string_view>
 
 namespace osg {
 
@@ -66,6 +68,17 @@ void logLimited(int level, const LogPlace& place, const char* format, ...)
     va_start(arguments, format);
     write(level, place, format, arguments);
     va_end(arguments);
+}
+
+void logText(int level, const char* module, const char* folder, const std::string& text,
+             const SourcePlace& where) noexcept
+{
+    std::string_view unit(where._file);
+    unit.remove_prefix(unit.find_last_of('/') + 1); // 0 where there is none
+    unit = unit.substr(0, unit.find_last_of('.'));
+    char file[64];
+    std::snprintf(file, sizeof file, "%s/%.*s", folder, static_cast<int>(unit.size()), unit.data());
+    logLimited(level, {module, file, where._line, where._function}, "%s\n", text.c_str());
 }
 
 void logHeldBack(bool atEnd)

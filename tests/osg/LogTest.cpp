@@ -4,8 +4,10 @@
 #include "tests/support/LogCapture.h"
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
@@ -117,6 +119,23 @@ TEST_F(LogFile, FullDiskSendsTheLogToStandardError)
     const std::string written = ::testing::internal::GetCapturedStderr();
     EXPECT_TRUE(written.starts_with("WARNING: the log file cannot be written"));
     EXPECT_TRUE(written.ends_with("Unit:12: first\nWARNING Ostrel some/Unit:12: second\n")) << written;
+}
+
+TEST_F(LogFile, PipeThatNobodyReadsHoldsUpNobody)
+{
+    const std::string pipe = _path + ".pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_FALSE(osg::osgLogP->setLogFile(pipe, _problem));
+    EXPECT_EQ(_problem, "cannot open log file '" + pipe + "': it is a pipe that nobody reads; start its reader first");
+    const int stopped = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    EXPECT_TRUE(osg::osgLogP->setLogFile(pipe, _problem)) << _problem;
+    ::testing::internal::CaptureStderr();
+    warn(std::string(1 << 20, 'x')); // more than a pipe holds
+    const std::string written = ::testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(written.starts_with("WARNING: the log file cannot be written")) << written.substr(0, 100);
+    EXPECT_GT(written.size(), std::size_t{1} << 20) << "the line that did not fit, too";
+    close(stopped);
+    std::remove(pipe.c_str());
 }
 
 TEST(Log, StreamHandsOnWholeLinesThatTheLevelAdmits)

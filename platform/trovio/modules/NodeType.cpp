@@ -71,8 +71,8 @@ bool belongsElsewhere(const NodeTypeEntry& entry, const NodeModuleFile& module)
     const std::filesystem::path file = findFile(entry._name);
     if (file.empty() || file == module.getPath())
         return false;
-    logMessage(LogLevel::Warning, std::string("node type '") + entry._name + "' of module '" + module.getPath() +
-                                      "' is not used: module '" + file.string() + "' is called like it");
+    logMessage(osg::LogWarning, std::string("node type '") + entry._name + "' of module '" + module.getPath() +
+                                    "' is not used: module '" + file.string() + "' is called like it");
     return true;
 }
 
@@ -87,7 +87,7 @@ void enlist(const std::shared_ptr<NodeModuleFile>& module)
         const auto [place, added] = types._types.try_emplace(entry._name, RegisteredType{entry, module});
         const auto& owner = place->second._module;
         if (!added && (!owner || owner->getPath() != module->getPath()))
-            logMessage(LogLevel::Warning,
+            logMessage(osg::LogWarning,
                        std::string("node type '") + entry._name + "' of module '" + module->getPath() +
                            "' is not used: " + (owner ? "module '" + owner->getPath() + "'" : "the program") +
                            " has a type of this name already");
@@ -244,9 +244,9 @@ void NodeType::shutdown()
     for (const auto& module : modules) {
         if (module.use_count() == 1)
             continue;
-        logMessage(LogLevel::Warning, "module '" + module->getPath() +
-                                          "' stays loaded: " + std::to_string(module.use_count() - 1) +
-                                          " of its nodes are still there; delete them before the shutdown");
+        logMessage(osg::LogWarning, "module '" + module->getPath() +
+                                        "' stays loaded: " + std::to_string(module.use_count() - 1) +
+                                        " of its nodes are still there; delete them before the shutdown");
         kept->push_back(module);
     }
 }

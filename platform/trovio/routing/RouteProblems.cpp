@@ -55,7 +55,7 @@ void reportOnce(Route& route, const std::string& problem)
 {
     constexpr std::size_t maxReports = 100;
     if (route._reported.size() < maxReports && route._reported.insert(problem).second)
-        logMessage(LogLevel::Warning, problem);
+        logMessage(osg::LogWarning, problem);
 }
 
 } // namespace Trovio

@@ -209,7 +209,7 @@ void Scope::show(ExternalRoute& route, SlotView& view, const std::vector<std::st
         return;
     auto label = route._to.expand(matched, _label, view._label);
     if (!label || label->empty()) {
-        logMessage(LogLevel::Warning, "namespace '" + _label + "', external " + noLabel(route, view._label));
+        logMessage(osg::LogWarning, "namespace '" + _label + "', external " + noLabel(route, view._label));
         return;
     }
     _parent->insert(std::move(*label), view._ref, &route, &view);

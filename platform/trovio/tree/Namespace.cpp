@@ -87,8 +87,7 @@ void Namespace::removeRoute(const std::string& from, const std::string& to)
     if (_scope->removeRoute(from, to))
         _dirty = true;
     else
-        logMessage(LogLevel::Warning,
-                   "namespace '" + _label + "' has no route '" + from + "' -> '" + to + "' to remove");
+        logMessage(osg::LogWarning, "namespace '" + _label + "' has no route '" + from + "' -> '" + to + "' to remove");
 }
 
 void Namespace::addExternalRoute(const std::string& pattern, const std::string& target)
@@ -104,7 +103,7 @@ void Namespace::removeExternalRoute(const std::string& pattern, const std::strin
     if (_scope->removeExternalRoute(pattern, target))
         _dirty = true;
     else
-        logMessage(LogLevel::Warning,
+        logMessage(osg::LogWarning,
                    "namespace '" + _label + "' has no external route '" + pattern + "' -> '" + target + "' to remove");
 }
 

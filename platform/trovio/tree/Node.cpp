@@ -157,10 +157,10 @@ void Node::leave() noexcept
 void Node::sayThatStopThrew() const noexcept
 {
     try {
-        logMessage(LogLevel::Fatal, "node '" + getLabel() + "' of type '" + getTypeName() +
-                                        "' threw while it stopped: " + describeCurrentException());
+        logMessage(osg::LogFatal, "node '" + getLabel() + "' of type '" + getTypeName() +
+                                      "' threw while it stopped: " + describeCurrentException());
     } catch (const std::bad_alloc&) {
-        logMessage(LogLevel::Fatal, "stop() threw"); // short enough to need no memory
+        logMessage(osg::LogFatal, "stop() threw"); // short enough to need no memory
     }
 }
 
@@ -201,7 +201,7 @@ void Node::changeState(bool degraded, const std::string& reason)
 {
     // What needs memory comes first: a state that is changed has to be said.
     std::string line;
-    LogLevel level = LogLevel::Warning; // also for the end of a trouble, so that who has seen the one sees the other
+    osg::LogLevel level = osg::LogWarning; // also for the end of a trouble, so that who has seen the one sees the other
     {
         const LockGuard guard(_stateLock);
         if (_state._degraded == degraded && _state._reason == reason)
@@ -216,7 +216,7 @@ void Node::changeState(bool degraded, const std::string& reason)
         else if (wasDegraded)
             line += "runs again" + (reason.empty() ? "" : ", " + reason);
         else
-            level = LogLevel::Always, line = reason.empty() ? "" : line + reason;
+            level = osg::LogAlways, line = reason.empty() ? "" : line + reason;
         std::swap(_state, next);
     }
     if (!line.empty())
