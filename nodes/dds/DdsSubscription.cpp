@@ -7,12 +7,6 @@
 
 namespace Trovio::Nodes {
 
-namespace {
-
-constexpr double maxStamp = 253402300800; // the year 10000, in seconds since 1970
-
-} // namespace
-
 DdsSubscription::DdsSubscription(const ListedSlot& topic, const DdsFormat& format,
                                  const dds_topic_descriptor_t& descriptor, DdsInCounters& counters, Clock& clock)
     : _topic(topic),
@@ -151,7 +145,7 @@ void DdsSubscription::take(const DdsNewWriters::Sample& sample)
     if (!origin)
         return refuse("it cannot be deserialised as its type");
     // Negated, so that NaN is refused, too.
-    if (!(origin->stamp >= 0.0 && origin->stamp < maxStamp))
+    if (!(origin->stamp >= 0.0 && origin->stamp < endOfDates))
         return refuse("its time stamp is " + std::to_string(origin->stamp) + " seconds since 1970");
     const auto [isNew, missed] = _sequences.note({sample._info.publication_handle, origin->writer}, origin->number);
     _counters._missed.add(missed);

@@ -8,7 +8,6 @@ namespace Trovio::Nodes {
 namespace {
 
 constexpr double maxLag = 1.0; // seconds
-constexpr std::size_t maxLabelLength = 1024;
 
 const Setting generatorSettings[] = {
     Setting::text("type", "Float", "type of the values", "any numeric slot type, Image, and each with []"),
@@ -53,8 +52,8 @@ Generator::~Generator() = default;
 void Generator::configure(const Settings& settings)
 {
     const std::string& label = settings.text("slot");
-    if (label.empty() || label.size() > maxLabelLength)
-        throw settings.refusal("slot", "a text of 1 to " + std::to_string(maxLabelLength) + " bytes");
+    if (label.empty() || label.size() > MaxLabelLength)
+        throw settings.refusal("slot", "a text of 1 to " + std::to_string(MaxLabelLength) + " bytes");
     auto signal = Signal::create(settings);
     removeSlots();
     _signal = std::move(signal);

@@ -80,7 +80,7 @@ struct NamespaceInfo {
     std::string _label; // empty for one without a parent
     bool _dirty = false;
     std::optional<NodeInfo> _node; // where the namespace is a node
-    std::vector<SlotInfo> _slots;  // all that are in scope, by label
+    std::vector<SlotInfo> _slots;  // all that are seen here, by label
     std::vector<RouteInfo> _routes;
     std::vector<ExternalRouteInfo> _externalRoutes;
     std::vector<NamespaceInfo> _children; // by label

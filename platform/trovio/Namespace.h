@@ -16,6 +16,10 @@ class BasicOutSlot;
 class Node;
 class Scope;
 
+/// Bytes of the longest label that somebody may give to a slot, a namespace or a node, and of the longest pattern or
+/// target of a route.
+constexpr std::size_t MaxLabelLength = 1024;
+
 /// Holds slots under labels, routes between them, and child namespaces.
 /// Scope:     a namespace sees its own slots, and those of its children that their external routes show to it, under
 ///            the label that the external route gives them.

@@ -18,4 +18,7 @@ private:
     double _seconds = 0.0;
 };
 
+/// The year 10000, in seconds since 1970: the first time that has no date of four digits.
+constexpr double endOfDates = 253402300800.0;
+
 } // namespace Trovio

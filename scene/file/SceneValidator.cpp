@@ -18,7 +18,6 @@ using namespace Explain;
 
 namespace {
 
-constexpr std::size_t maxLabel = 1024; // bytes, as the framework has it
 constexpr std::string_view fieldSuffix = ".value";
 
 // Names of one kind, each of which may be used once.
@@ -107,10 +106,10 @@ void SceneCheck::checkMemory()
 void SceneCheck::checkSensor(const SensorEntry& sensor)
 {
     const std::string name = inQuotes(sensor._name._value);
-    if (sensor._label._value.size() > maxLabel)
+    if (sensor._label._value.size() > Trovio::MaxLabelLength)
         _problems.add(sensor._label._position, "the label of sensor " + name + " has " +
                                                    std::to_string(sensor._label._value.size()) +
-                                                   " bytes; allowed: up to " + std::to_string(maxLabel));
+                                                   " bytes; allowed: up to " + std::to_string(Trovio::MaxLabelLength));
     const std::string& type = sensor._type._value;
     const Ostrel::FieldClass* fieldClass = Ostrel::FieldClass::find(type);
     if (fieldClass == nullptr && !type.empty())

@@ -7,8 +7,7 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double drift = 2e-4;             // seconds a second: two cheap clocks, or one that is just being set right
-constexpr double maxDate = 253402300800.0; // the year 10000
+constexpr double drift = 2e-4; // seconds a second: two cheap clocks, or one that is just being set right
 
 } // namespace
 
@@ -22,7 +21,7 @@ bool ClockOffset::note(double asked, double received, double answered, double ar
     const double underWay = (arrived - asked) - (answered - received);
     const double offset = ((received - asked) + (answered - arrived)) / 2.0;
     // Negated, so that NaN is refused, too.
-    if (!(received >= 0.0 && answered >= received && answered < maxDate && underWay >= 0.0))
+    if (!(received >= 0.0 && answered >= received && answered < endOfDates && underWay >= 0.0))
         return false;
     const double bound = underWay / 2.0;
     if (const auto known = estimate(arrived); known && std::fabs(known->_offset - offset) > known->_bound + bound)

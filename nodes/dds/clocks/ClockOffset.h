@@ -1,5 +1,6 @@
 #pragma once
 
+#include "trovio/Time.h"
 #include <array>
 #include <cstddef>
 #include <optional>

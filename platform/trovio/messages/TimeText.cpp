@@ -9,10 +9,9 @@ namespace Trovio {
 
 std::string dateOf(const Time& time)
 {
-    constexpr double lastYear = 253402300799; // 9999-12-31T23:59:59Z
     const double seconds = time.getSeconds();
     std::array<char, 64> text{};
-    if (!(seconds >= 0 && seconds < lastYear)) {
+    if (!(seconds >= 0 && seconds < endOfDates)) {
         std::snprintf(text.data(), text.size(), "%.17g s", seconds);
         return text.data();
     }

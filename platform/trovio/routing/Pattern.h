@@ -1,5 +1,6 @@
 #pragma once
 
+#include "trovio/Namespace.h"
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -8,9 +9,7 @@
 
 namespace Trovio {
 
-/// The longest label that somebody may give, and the longest pattern or target.
-constexpr std::size_t MaxLabelLength = 1024;
-/// The longest label that routes may make of others, level by level.
+/// Bytes of the longest label that routes may make of others, level by level.
 constexpr std::size_t MaxExpandedLength = 4096;
 
 /// A label in which '*' stands for any run of characters, none and '/' too.
