@@ -3,6 +3,7 @@
 #include "sensorManager/Conversions.h"
 #include "sensorManager/FieldTypes.h"
 #include "sensorManager/LogMessage.h"
+#include "trovio/Hooks.h"
 #include "trovio/InSlot.h"
 #include "trovio/Namespace.h"
 #include "trovio/OutSlot.h"
@@ -26,7 +27,7 @@ struct Road {
 /// Said once for each slot: who sends such images goes on with it.
 void tellRefused(const Trovio::Image& image, const Road& road)
 {
-    if (road._slot.saysOnce())
+    if (Trovio::Hooks::saysOnce(road._slot))
         OSTREL_LOG_FROM(LogLevel::Warning, (LogOrigin{logFile, __LINE__, road._caller}),
                         "Can not convert an image of Trovio Slot %s: format %d, %u x %u pixels; the field's image is "
                         "empty now. Allowed are formats 4 to 10, 16 and 17, up to %zu bytes as RGB\n",
@@ -78,7 +79,7 @@ std::uint64_t roundsOf(const Trovio::BasicInSlot& slot)
     std::uint64_t count = 0;
     do {
         if (count == rounds) {
-            slot.countCutShort();
+            Trovio::Hooks::cutShort(slot);
             break;
         }
         bool fits = true;

@@ -8,12 +8,22 @@
 
 namespace Trovio {
 
-class BasicOutSlot;
+class BasicData;
 class BasicInSlot;
+class BasicOutSlot;
 
 namespace Hooks {
+void downAndLock(const BasicInSlot& slot);
 void unlockUnchanged(const BasicInSlot& slot);
-}
+void stored(BasicInSlot& slot, const BasicData& record);
+void overwritten(BasicInSlot& slot);
+void notStored(BasicInSlot& slot);
+void putBack(const BasicInSlot& slot);
+void setCapacity(BasicInSlot& slot, unsigned int capacity);
+void taken(BasicInSlot& slot, const BasicData& record);
+void cutShort(BasicInSlot& slot);
+bool saysOnce(BasicInSlot& slot);
+} // namespace Hooks
 
 /// The receiving end, without its value type: waiting, interrupting and counting.
 /// Threads: any thread, any operation.
@@ -43,8 +53,6 @@ public:
 
     /// How many records it can hold: 1, or the length of its ring.
     unsigned int getCapacity() const { return _capacity; }
-    /// Only while it is built.
-    void setCapacity(unsigned int capacity) { _capacity = capacity; }
 
     /// One more record can be taken.
     void up() const OSTREL_REQUIRES(_dataLock)
@@ -52,8 +60,6 @@ public:
         ++_upCount;
         putBack();
     }
-    /// The record that down() was passed for is still there: its reader could not copy it.
-    void putBack() const OSTREL_REQUIRES(_dataLock) { _wakesOwed += _available.post(); }
 
     /// Blocks until a matching up() or an interrupt. May return once without either, after an interrupt that top()
     /// took: look for the flag and the record, and wait again when there is neither.
@@ -62,14 +68,30 @@ public:
         downAndLock();
         _dataLock.unlock();
     }
-    /// The same, and keeps the data lock, under which the count stands anyway.
+
+protected:
+    explicit BasicInSlot(const std::string& name)
+        : Slot(name, Direction::In, Ostrel::LockRank::InSlotListeners, Ostrel::LockRank::InSlotData)
+    {
+    }
+
+    bool _interrupted OSTREL_GUARDED_BY(_dataLock) = false;
+
+    // For the typed slots and their readers, by way of Hooks.
+
+    /// down(), and keeps the data lock, under which the count stands anyway.
     void downAndLock() const OSTREL_ACQUIRE(_dataLock)
     {
         _dataLock.lock();
         _available.wait(_dataLock);
     }
 
-    // Counters, kept by the typed slots under the data lock.
+    /// The record that down() was passed for is still there: its reader could not copy it.
+    void putBack() const OSTREL_REQUIRES(_dataLock) { _wakesOwed += _available.post(); }
+
+    /// Only while the slot is built.
+    void setCapacity(unsigned int capacity) { _capacity = capacity; }
+
     void countStored(const Time& stamp) OSTREL_REQUIRES(_dataLock)
     {
         ++_stored;
@@ -90,14 +112,6 @@ public:
     /// True the first time, for what its reader says once of the slot. The reader's thread.
     bool saysOnce() { return !std::exchange(_hasSaid, true); }
 
-protected:
-    explicit BasicInSlot(const std::string& name)
-        : Slot(name, Direction::In, Ostrel::LockRank::InSlotListeners, Ostrel::LockRank::InSlotData)
-    {
-    }
-
-    bool _interrupted OSTREL_GUARDED_BY(_dataLock) = false;
-
 private:
     InSlotCounts countsLocked() const OSTREL_REQUIRES(_dataLock)
     {
@@ -105,7 +119,16 @@ private:
     }
 
     friend class Slot; // wakes the readers
+    friend void Hooks::downAndLock(const BasicInSlot& slot);
     friend void Hooks::unlockUnchanged(const BasicInSlot& slot);
+    friend void Hooks::stored(BasicInSlot& slot, const BasicData& record);
+    friend void Hooks::overwritten(BasicInSlot& slot);
+    friend void Hooks::notStored(BasicInSlot& slot);
+    friend void Hooks::putBack(const BasicInSlot& slot);
+    friend void Hooks::setCapacity(BasicInSlot& slot, unsigned int capacity);
+    friend void Hooks::taken(BasicInSlot& slot, const BasicData& record);
+    friend void Hooks::cutShort(BasicInSlot& slot);
+    friend bool Hooks::saysOnce(BasicInSlot& slot);
     // As many tokens as unread records, and at times one for an interrupt.
     mutable Ostrel::Semaphore _available OSTREL_GUARDED_BY(_dataLock);
     unsigned int _capacity = 1;

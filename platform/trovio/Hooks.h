@@ -4,8 +4,8 @@
 #include "trovio/BasicData.h"
 #include "trovio/BasicInSlot.h"
 
-// What the typed slots need of this framework beyond its documented interface. A build against another framework
-// replaces this header by one whose operations do nothing, but for downAndLock().
+// What the typed slots and those who drain them need of this framework beyond its documented interface. A build against
+// another framework replaces this header by one whose operations do nothing, but for downAndLock().
 namespace Trovio::Hooks {
 
 /// Held around the whole of every connect and disconnect in the process, so that the two sides of a pair never
@@ -61,6 +61,18 @@ inline void setCapacity(BasicInSlot& slot, unsigned int capacity)
 inline void taken(BasicInSlot& slot, const BasicData& record) OSTREL_NO_THREAD_SAFETY_ANALYSIS
 {
     slot.countTaken(record.getTimeStamp());
+}
+
+/// A frame left records to the next one: more came than one may take.
+inline void cutShort(BasicInSlot& slot)
+{
+    slot.countCutShort();
+}
+
+/// True the first time, for what its reader says once of the slot. The reader's thread.
+inline bool saysOnce(BasicInSlot& slot)
+{
+    return slot.saysOnce();
 }
 
 } // namespace Trovio::Hooks

@@ -192,7 +192,7 @@ const struct {
          }
      },
      Verdict::Overwritten, "the reader of 'sensor' takes nothing more: 29 overwritten"},
-    {"CutShort", [](Way& way) { way._sensor.countCutShort(); }, Verdict::Flowing,
+    {"CutShort", [](Way& way) { Trovio::Hooks::cutShort(way._sensor); }, Verdict::Flowing,
      "; frames that left records of 'sensor' to the next: 1; a larger buffer or a slower source helps"},
     {"Interrupted",
      [](Way& way) {
