@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ostrel/FieldTypes.h"
+#include "trovio/SlotTypes.h"
 #include "trovio/Values.h"
 
 namespace Ostrel {
@@ -54,7 +55,7 @@ constexpr bool isImage =
 
 /// Calls visit(FieldRow<…>()) for the row of that code. False, and no call, for a code without a row.
 template <class Visit>
-bool withFieldType(int code, Visit&& visit)
+constexpr bool withFieldType(int code, Visit&& visit)
 {
     switch (code) {
 #define OSTREL_FIELD_CASES(code, name, element)                                                                        \
@@ -70,5 +71,28 @@ bool withFieldType(int code, Visit&& visit)
         return false;
     }
 }
+
+/// Whether the table has a row with the right code for each field class but SFNode and MFNode, and one for each slot
+/// value type.
+constexpr bool isTableComplete()
+{
+    bool complete = true;
+    int rows = 0, slotTypes = 0;
+    const auto check = [&](int code) {
+        const bool found = withFieldType(code, [&]<class Row>(Row) {
+            complete = complete && Row::FieldType::typeCode == code;
+            ++rows;
+        });
+        complete = complete && (found || code == SFNode::typeCode || code == MFNode::typeCode);
+    };
+#define OSTREL_CHECK_KIND(code, name, type)                                                                            \
+    check(code);                                                                                                       \
+    check(code + 1);
+    OSTREL_FIELD_KINDS(OSTREL_CHECK_KIND)
+#undef OSTREL_CHECK_KIND
+    Trovio::forEachSlotType([&slotTypes](auto) { ++slotTypes; });
+    return complete && rows == slotTypes;
+}
+static_assert(isTableComplete(), "this table, that of the field classes and that of the slot value types disagree");
 
 } // namespace Ostrel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "trovio/InSlot.h"
+#include "trovio/SlotTypeList.h"
 #include <vector>
 
 namespace Trovio {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "trovio/BasicCache.h"
-#include "trovio/Forward.h"
 #include "trovio/RefCtr.h"
+#include "trovio/SlotTypeList.h"
 #include <deque>
 #include <exception>
 #include <new>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "trovio/SlotTypeList.h"
 #include "trovio/Values.h"
 #include "trovio/Wiring.h"
 

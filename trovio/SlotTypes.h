@@ -13,7 +13,7 @@ struct TypeTag {
 
 /// Calls visit(TypeTag<T>()) for each of the 40 slot value types.
 template <class Visit>
-void forEachSlotType(Visit&& visit)
+constexpr void forEachSlotType(Visit&& visit)
 {
 #define TROVIO_VISIT(type, name) visit(TypeTag<type>());
     TROVIO_SLOT_TYPES(TROVIO_VISIT)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "trovio/Components.h"
+#include "trovio/SlotTypes.h"
 #include <cmath>
 #include <limits>
 
@@ -31,6 +32,23 @@ concept Matrix = isOneOf<E, Matrix3<double>, Matrix3<float>, Matrix4<double>, Ma
 /// Types whose components are quantities, each of which means something on its own.
 template <class E>
 concept Measure = Scalar<E> || Vector<E> || isOneOf<E, Color, ColorRGBA>;
+
+/// Types that no filter takes.
+template <class E>
+concept Unfiltered = isOneOf<E, bool, Image, SharedImage, std::string, Time>;
+
+/// Whether each slot value type is of one of these kinds, or a rotation: a type that none of them names would silently
+/// have no filter.
+constexpr bool everySlotTypeIsSorted()
+{
+    bool all = true;
+    forEachSlotType([&all]<class T>(TypeTag<T>) {
+        using E = typename ElementOf<T>::Type;
+        all = all && (Measure<E> || Matrix<E> || Unfiltered<E> || std::is_same_v<E, Rotation>);
+    });
+    return all;
+}
+static_assert(everySlotTypeIsSorted(), "a slot value type is missing among the kinds above");
 
 /// Sets a component to a number, rounded where it is a whole one. False, and nothing is set, if it does not fit.
 template <class E>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "trovio/Forward.h"
+#include "trovio/SlotTypeList.h"
 
 namespace Trovio {
 

@@ -1,7 +1,7 @@
 #include "scene/file/ValueForm.h"
 
+#include "ostrel/FieldTypes.h"
 #include <algorithm>
-#include <stdexcept>
 
 namespace Scenes {
 namespace {
@@ -33,12 +33,14 @@ constexpr ValueForm forms[] = {{1, "true or false", "as in a scene", "T, F or a 
                                {39, "[x, y, z, w]", same, "4 numbers"},
                                {41, "[x, y, z, w]", same, "4 numbers"}};
 
+#define OSTREL_CODE(code, name, type) code,
+constexpr int kinds[] = {OSTREL_FIELD_KINDS(OSTREL_CODE)};
+#undef OSTREL_CODE
+static_assert(std::ranges::equal(forms, kinds, {}, &ValueForm::_code), "each kind of fields has its row, in order");
+
 const ValueForm& formOf(int code)
 {
-    const auto form = std::ranges::find(forms, code - (code + 1) % 2, &ValueForm::_code);
-    if (form == std::end(forms))
-        throw std::out_of_range("no field class has the code " + std::to_string(code));
-    return *form;
+    return forms[(code - 1) / 2];
 }
 
 bool isMultiple(int code)
@@ -46,11 +48,6 @@ bool isMultiple(int code)
     return code % 2 == 0;
 }
 } // namespace
-
-std::span<const ValueForm> valueForms()
-{
-    return forms;
-}
 
 std::string sceneForm(int code)
 {

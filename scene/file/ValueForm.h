@@ -1,6 +1,5 @@
 #pragma once
 
-#include <span>
 #include <string>
 
 namespace Scenes {
@@ -13,9 +12,6 @@ struct ValueForm {
     const char* _json;
     const char* _osc;
 };
-
-/// All kinds, ascending by code.
-std::span<const ValueForm> valueForms();
 
 /// How a field of the class with this code, 1 to 42, is written in a scene, e.g. "a list of [x, y, z]".
 std::string sceneForm(int code);

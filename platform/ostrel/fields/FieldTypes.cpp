@@ -20,6 +20,18 @@ std::unique_ptr<Field> make()
     return std::make_unique<F>();
 }
 
+// find() goes by it.
+#define OSTREL_CODE(CODE, NAME, TYPE) CODE,
+constexpr int kindCodes[] = {OSTREL_FIELD_KINDS(OSTREL_CODE)};
+#undef OSTREL_CODE
+
+constexpr bool areCodesInOrder()
+{
+    int expected = -1;
+    return std::ranges::all_of(kindCodes, [&expected](int code) { return code == (expected += 2); });
+}
+static_assert(areCodesInOrder(), "each kind of fields has the next odd code");
+
 } // namespace
 
 std::span<const FieldClass> FieldClass::all()
