@@ -102,11 +102,11 @@ void Log::readEnvironment()
 
 bool Log::readRate(std::string_view text, std::string& problem)
 {
-    constexpr unsigned most = 1'000'000;
+    constexpr unsigned maxRate = 1'000'000;
     unsigned rate = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), rate);
-    if (error != std::errc() || end != text.data() + text.size() || rate > most) {
-        problem = "rate '" + std::string(text) + "'; allowed are 0 (no limit) to " + std::to_string(most);
+    if (error != std::errc() || end != text.data() + text.size() || rate > maxRate) {
+        problem = "rate '" + std::string(text) + "'; allowed are 0 (no limit) to " + std::to_string(maxRate);
         return false;
     }
     _limit.setRate(rate);

@@ -10,7 +10,7 @@ namespace Trovio {
 namespace {
 
 /// Longer texts are no misspelt name, and the distance costs the product of both lengths.
-constexpr std::size_t longestName = 64;
+constexpr std::size_t maxName = 64;
 
 bool sameLetter(char a, char b)
 {
@@ -40,7 +40,7 @@ std::string_view nearestName(std::string_view found, std::span<const std::string
     std::string_view nearest;
     std::size_t least =
         std::min(std::max<std::size_t>(found.size() / 2, 1) + 1, found.size()); // something is to be left of it
-    if (found.empty() || found.size() > longestName)
+    if (found.empty() || found.size() > maxName)
         return nearest;
     for (const std::string_view name : known) {
         const std::size_t steps = distance(found, name);

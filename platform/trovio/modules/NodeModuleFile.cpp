@@ -82,7 +82,8 @@ const NodeModule* NodeModuleFile::readModule() const
 {
     const NodeModule* module = callEntry();
     if (!module)
-        throw InvalidNodeException("'" + _path + "' is no node module: it has no trovioNodeModule(); remove the file");
+        throw InvalidNodeException("'" + _path +
+                                   "' is not a node module: it has no trovioNodeModule(); remove the file");
     if (module->_version != NodeModule::Version)
         throw InvalidNodeException("module '" + _path + "' has interface version " + std::to_string(module->_version) +
                                    ", this program needs " + std::to_string(NodeModule::Version) +

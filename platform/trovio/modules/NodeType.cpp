@@ -64,7 +64,7 @@ std::filesystem::path findFile(const std::string& typeName)
     return {};
 }
 
-/// Whether the module must leave a type to another one that is called like it, so that it does not matter which of
+/// Whether the module must leave a type to another one that has the type's name, so that it does not matter which of
 /// the two is loaded first.
 bool belongsElsewhere(const NodeTypeEntry& entry, const NodeModuleFile& module)
 {
@@ -72,7 +72,7 @@ bool belongsElsewhere(const NodeTypeEntry& entry, const NodeModuleFile& module)
     if (file.empty() || file == module.getPath())
         return false;
     logMessage(osg::LogWarning, std::string("node type '") + entry._name + "' of module '" + module.getPath() +
-                                    "' is not used: module '" + file.string() + "' is called like it");
+                                    "' is not used: a module of that name exists at '" + file.string() + "'");
     return true;
 }
 
@@ -186,7 +186,7 @@ void NodeType::add(const NodeTypeEntry& type)
     Registry& types = registry();
     const LockGuard guard(types._lock);
     if (!types._types.try_emplace(type._name, RegisteredType{type, nullptr}).second)
-        throw InvalidNodeException(std::string("node type '") + type._name + "' is there already; use another name");
+        throw InvalidNodeException(std::string("node type '") + type._name + "' exists already; use another name");
 }
 
 void NodeType::remove(const std::string& name)

@@ -42,12 +42,12 @@ std::string noLabel(const RouteRule& route, const std::string& label)
 
 std::string closesLoop(const RouteRule& route, const std::vector<Relay::Joint>& loop)
 {
-    constexpr std::size_t longest = 20;
+    constexpr std::size_t maxJoints = 20;
     std::string text = route.quoted() + " would close a loop of nodes: ";
-    for (std::size_t i = 0; i < std::min(loop.size(), longest); ++i)
+    for (std::size_t i = 0; i < std::min(loop.size(), maxJoints); ++i)
         text += (i ? ", '" : "'") + *loop[i]._from + "' -> '" + *loop[i]._to + "'";
-    if (loop.size() > longest)
-        text += ", and " + std::to_string(loop.size() - longest) + " more";
+    if (loop.size() > maxJoints)
+        text += ", and " + std::to_string(loop.size() - maxJoints) + " more";
     return text + "; take one of these routes away";
 }
 
