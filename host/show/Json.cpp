@@ -3,6 +3,7 @@
 #include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
 #include "scene/file/FieldVisit.h"
+#include "trovio/Time.h"
 
 #include <algorithm>
 #include <charconv>
@@ -169,8 +170,8 @@ std::string fewDigits(double number)
 // Small numbers of seconds are no points in time but lengths.
 std::string dateText(double seconds)
 {
-    constexpr double firstDate = 1e8, lastDate = 253402300799; // in the years 1973 and 9999
-    if (!(seconds >= firstDate && seconds <= lastDate))
+    constexpr double firstDate = 1e8; // in the year 1973
+    if (!(seconds >= firstDate && seconds < Trovio::endOfDates))
         return allDigits(seconds + 0.0);
     const auto milliseconds = static_cast<std::int64_t>(seconds * 1000);
     const std::time_t whole = milliseconds / 1000;
