@@ -1,6 +1,6 @@
 #pragma once
 
-#include "explain/text/Say.h"
+#include "explain/Say.h"
 #include "trovio/Inspection.h"
 
 #include <nlohmann/json_fwd.hpp>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "explain/text/Say.h"
+#include "explain/Say.h"
 #include "ostrel/Field.h"
 #include "scene/SceneError.h"
 #include <cstdint>

@@ -3,7 +3,7 @@
 #include "explain/Graph.h"
 #include "explain/text/Escape.h"
 #include "explain/text/Failure.h"
-#include "host/cli/ExitCode.h"
+#include "host/ExitCode.h"
 #include "host/output/RunLog.h"
 #include "host/run/EndWatch.h"
 #include "scene/check/SceneWarnings.h"

@@ -4,7 +4,7 @@
 #include "explain/SlotTypes.h"
 #include "explain/text/Escape.h"
 #include "explain/text/NearestName.h"
-#include "host/cli/ExitCode.h"
+#include "host/ExitCode.h"
 #include "ostrel/FieldClass.h"
 #include "scene/file/ValueForm.h"
 #include "trovio/Node.h"

@@ -4,7 +4,7 @@
 #include "explain/text/Escape.h"
 #include "explain/text/Failure.h"
 #include "explain/text/JsonText.h"
-#include "host/cli/ExitCode.h"
+#include "host/ExitCode.h"
 #include "host/output/RunLog.h"
 #include "host/run/StoppableClock.h"
 #include "host/run/WatchedRun.h"

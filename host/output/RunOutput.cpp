@@ -1,6 +1,6 @@
 #include "host/output/RunOutput.h"
 
-#include "host/cli/ExitCode.h"
+#include "host/ExitCode.h"
 #include "host/output/RunLog.h"
 #include "osg/LogFile.h"
 

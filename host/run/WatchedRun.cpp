@@ -2,7 +2,7 @@
 
 #include "explain/text/Escape.h"
 #include "explain/text/Failure.h"
-#include "host/cli/ExitCode.h"
+#include "host/ExitCode.h"
 #include "scene/file/SceneMemory.h"
 
 #include <cstdio>

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Scenes {
@@ -22,6 +23,7 @@ struct LocatedPair {
     LocatedText _second;
 };
 
+constexpr std::string_view bridgeKind = "Trovio"; // the kind of handler that has nodes and routes between labels
 constexpr double defaultRate = 60;                // frames per second
 constexpr double maxRate = 10'000;                // frames per second
 constexpr std::int64_t maxBuffer = 1'000'000;     // values of one sensor

@@ -2,7 +2,6 @@
 
 #include "explain/text/Escape.h"
 #include "ostrel/FieldClass.h"
-#include "scene/run/SceneParts.h"
 #include "sensorManager/FieldTypes.h"
 #include "trovio/BufferedInSlot.h"
 #include "trovio/OutSlot.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "explain/text/Say.h"
+#include "explain/Say.h"
 #include "ostrel/Scene.h"
 #include "scene/file/SceneFile.h"
 #include "scene/run/NodeLabels.h"

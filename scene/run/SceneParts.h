@@ -9,8 +9,6 @@
 
 namespace Scenes {
 
-constexpr std::string_view bridgeKind = "Trovio"; // the kind of handler that has nodes and routes between labels
-
 /// Whether there is such a kind of handler; also where none of it can be made.
 bool isKnownKind(const std::string& kind);
 
