@@ -2,7 +2,7 @@
 
 #include "explain/text/Escape.h"
 #include "explain/text/Failure.h"
-#include "explain/text/NearestName.h"
+#include "explain/text/NameHint.h"
 #include "host/ExitCode.h"
 #include "host/show/SensorFilter.h"
 #include "scene/file/SceneFile.h"

@@ -3,7 +3,7 @@
 #include "explain/NodeTypeJson.h"
 #include "explain/SlotTypes.h"
 #include "explain/text/Escape.h"
-#include "explain/text/NearestName.h"
+#include "explain/text/NameHint.h"
 #include "host/ExitCode.h"
 #include "ostrel/FieldClass.h"
 #include "scene/file/ValueForm.h"

@@ -2,7 +2,7 @@
 
 #include "explain/text/Escape.h"
 #include "explain/text/Failure.h"
-#include "explain/text/NearestName.h"
+#include "explain/text/NameHint.h"
 #include "host/ExitCode.h"
 #include "host/output/RunLog.h"
 #include "host/report/Report.h"

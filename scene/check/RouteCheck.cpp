@@ -1,7 +1,7 @@
 #include "scene/check/RouteCheck.h"
 
 #include "explain/text/Escape.h"
-#include "explain/text/NearestName.h"
+#include "explain/text/NameHint.h"
 
 #include <algorithm>
 

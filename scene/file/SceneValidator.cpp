@@ -1,7 +1,7 @@
 #include "scene/file/SceneValidator.h"
 
 #include "explain/text/Escape.h"
-#include "explain/text/NearestName.h"
+#include "explain/text/NameHint.h"
 #include "merid/URL.h"
 #include "ostrel/FieldClass.h"
 #include "scene/file/InitialValue.h"

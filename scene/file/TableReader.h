@@ -1,7 +1,7 @@
 #pragma once
 
 #include "explain/text/Escape.h"
-#include "explain/text/NearestName.h"
+#include "explain/text/NameHint.h"
 #include "scene/file/Problems.h"
 
 #include <algorithm>

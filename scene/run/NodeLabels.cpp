@@ -1,6 +1,6 @@
 #include "scene/run/NodeLabels.h"
 
-#include "explain/text/NearestName.h"
+#include "explain/text/NameHint.h"
 #include "trovio/Exception.h"
 #include "trovio/NodeType.h"
 #include "trovio/settings/SettingsParser.h"

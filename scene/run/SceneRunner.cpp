@@ -1,7 +1,7 @@
 #include "scene/SceneRunner.h"
 
 #include "explain/text/Escape.h"
-#include "explain/text/NearestName.h"
+#include "explain/text/NameHint.h"
 #include "scene/file/SceneMemory.h"
 #include "scene/file/SceneReader.h"
 #include "scene/run/FrameLoop.h"

@@ -1,5 +1,5 @@
 #include "explain/text/Escape.h"
-#include "explain/text/NearestName.h"
+#include "explain/text/NameHint.h"
 #include "scene/file/SceneURL.h"
 
 #include <filesystem>

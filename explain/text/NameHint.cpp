@@ -1,4 +1,4 @@
-#include "explain/text/NearestName.h"
+#include "explain/text/NameHint.h"
 
 #include "explain/text/Escape.h"
 
