@@ -11,7 +11,10 @@
 #include "scene/file/SceneMemory.h"
 #include "scene/run/OpenRoot.h"
 
+#include <climits>
 #include <cstdio>
+#include <poll.h>
+#include <unistd.h>
 
 namespace Host {
 
@@ -25,6 +28,15 @@ void say(const std::string& line)
     std::fprintf(stderr, "%s\n", line.c_str());
 }
 
+// For the watch, which must not wait: left out where nobody reads.
+void sayIfRead(const std::string& line)
+{
+    const std::string text = line.substr(0, PIPE_BUF - 1) + "\n";
+    pollfd end = {STDERR_FILENO, POLLOUT, 0};
+    if (poll(&end, 1, 0) == 1 && (end.revents & POLLOUT) != 0) [[maybe_unused]]
+        const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
+}
+
 // What a graph needs around it. Nothing in it starts, but nodes are made, which may take their time.
 class Surroundings {
 public:
@@ -32,7 +44,7 @@ public:
 
 private:
     const StopSignal _stop;
-    const EndWatch _watch{_stop, say};
+    const EndWatch _watch{_stop, sayIfRead};
     const OpenRoot _root; // closes before the watch ends, for nodes may hang then, too
 };
 
@@ -138,7 +150,7 @@ int checkScenes(const std::vector<SceneFile>& files, const Options& options, con
 int partsVerdict(const std::vector<SceneFile>& files)
 {
     const Surroundings around;
-    const std::unique_ptr<SceneGraph> graph = makeGraph(files, around);
+    std::unique_ptr<SceneGraph> graph = makeGraph(files, around);
     if (!graph)
         return around.isInterrupted() ? NoAnswer : BadUsage;
     for (const SceneFile& file : files) {
@@ -149,7 +161,9 @@ int partsVerdict(const std::vector<SceneFile>& files)
         if (const std::string text = problems.text(); !text.empty())
             say(text);
     }
-    return graph->faults().empty() ? Done : BadUsage;
+    const int verdict = graph->faults().empty() ? Done : BadUsage;
+    graph.reset(); // destructors of nodes may take their time, and a signal come meanwhile
+    return around.isInterrupted() ? NoAnswer : verdict;
 }
 
 int checkVerb(const Options& options)
