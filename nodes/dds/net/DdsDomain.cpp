@@ -68,15 +68,16 @@ DdsEntity createDomain(const DdsDomainSettings& settings)
 std::shared_ptr<DdsDomain> DdsDomain::open(const DdsDomainSettings& settings)
 {
     OpenDomains& open = OpenDomains::get();
-    std::shared_ptr<DdsDomain> domain; // destroyed after the guard: its deleter takes the lock
+    // Both end after the guard: the last one takes the lock, also where there is no memory for the first.
+    const std::shared_ptr<void> user(nullptr, [number = settings._number](void*) { closeUnused(number); });
+    std::shared_ptr<DdsDomain> domain;
     const Ostrel::LockGuard guard(open._lock);
     auto& [owned, users] = open._domains[settings._number];
     domain = users.lock();
     if (!domain) {
         owned.reset(); // its last user is just leaving; the library allows one domain of a number
         owned = std::make_unique<DdsDomain>(settings);
-        domain =
-            std::shared_ptr<DdsDomain>(owned.get(), [number = settings._number](DdsDomain*) { closeUnused(number); });
+        domain = {user, owned.get()};
         users = domain;
     }
     if (!(domain->getSettings() == settings))
