@@ -1,7 +1,7 @@
 #include "scene/run/Session.h"
 
 #include "explain/text/Failure.h"
-#include "sensorManager/SensorHandlerType.h"
+#include "scene/run/OpenRoot.h"
 #include "trovio/Root.h"
 
 #include <algorithm>
@@ -34,8 +34,7 @@ const std::string& nextToStop(const Trovio::NamespaceInfo& root)
 
 Session::Session()
 {
-    Ostrel::initSensorManager();
-    Trovio::Root::init();
+    OpenRoot::open();
 }
 
 Session::~Session()

@@ -67,6 +67,8 @@ TEST(SceneRunner, ThrowsWhatItsHeaderSays)
     EXPECT_NE(refusal.find("\nno such file: cannot be opened"), std::string::npos) << refusal;
 
     SceneRunner scene({odd.path()});
+    EXPECT_NE(whatOf<std::logic_error>([&] { SceneRunner({odd.path()}); }), "nothing was thrown");
+    EXPECT_NE(whatOf<std::logic_error>([&] { checkScenes({odd.path()}); }), "nothing was thrown");
     EXPECT_EQ(whatOf<std::invalid_argument>([&] { scene.field<Ostrel::SFBool>("wave"); }),
               "the field of sensor 'wave' is of class SFFloat");
     EXPECT_EQ(whatOf<std::invalid_argument>([&] { scene.field<Ostrel::SFBool>("wafe"); }),
