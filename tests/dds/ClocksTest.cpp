@@ -1,3 +1,4 @@
+#include "nodes/dds/DdsNewWriters.h"
 #include "nodes/dds/SequenceTracker.h"
 #include "nodes/dds/clocks/ClockOffset.h"
 #include "nodes/dds/net/HostNames.h"
@@ -164,4 +165,25 @@ TEST(DdsTiming, TakesOutHowFarTheClocksAreApart)
 }
 
 } // namespace
+TEST(DdsNewWriters, GiveTheLastSampleAndWhatWasWrittenWhileTheyWaited)
+{
+    DdsNewWriters writers;
+    constexpr dds_time_t second = 1'000'000'000;
+    const auto hold = [&](dds_time_t written, double now) {
+        DdsNewWriters::Sample sample{nullptr, {}, now};
+        sample._info.publication_handle = 7;
+        sample._info.source_timestamp = written;
+        writers.hold(std::move(sample), now);
+    };
+    hold(90 * second, 10.0); // what another reader has not acknowledged yet
+    hold(100 * second - second / 25, 10.01);
+    hold(100 * second, 10.04);
+    EXPECT_TRUE(writers.findDue(10.04).empty());
+    EXPECT_EQ(writers.findDue(*writers.nextDue()), std::vector<dds_instance_handle_t>{7});
+    const auto samples = writers.release(7, 10.05);
+    ASSERT_EQ(samples.size(), 2U);
+    EXPECT_EQ(samples[0]._info.source_timestamp, 100 * second - second / 25);
+    EXPECT_TRUE(writers.release(7, 10.06).empty());
+}
+
 } // namespace Trovio::Nodes

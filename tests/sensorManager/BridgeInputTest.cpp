@@ -186,6 +186,20 @@ TEST_F(BridgeInput, TypeCodeIsAskedForEachValue)
     EXPECT_NE(log.entries().at(0)._function.find("UpdateObserver::update("), std::string::npos);
 }
 
+TEST_F(BridgeInput, FrameEndsWhereNothingCanBeTaken)
+{
+    DirectSensor& sensor = *_sensors.emplace_back(std::make_unique<DirectSensor>(std::make_unique<ShiftingField>()));
+    sensor.setLabel("shifting");
+    sensor.setContext(&_context);
+    auto& in = slot<InSlot<float>>(sensor);
+    field<ShiftingField>(sensor)._codes = {23};
+    in.push(Data<float>(1, Time(1)));
+    const LogCapture log(1);
+    notify(sensor, 1.0);
+    EXPECT_EQ(log.texts().size(), 64U);
+    EXPECT_EQ(in.getActivity()._cutShort, 1U);
+}
+
 TEST_F(BridgeInput, FrameEndsHoweverFastValuesCome)
 {
     // Each change brings the next value.
@@ -194,18 +208,21 @@ TEST_F(BridgeInput, FrameEndsHoweverFastValuesCome)
         {
             field.getSendSubject().attach(*this);
         }
-        void notify(const TimeStamp&, BaseObject*, BaseObject*, BaseObject*) override
+        void notify(const TimeStamp& now, BaseObject*, BaseObject*, BaseObject*) override
         {
+            EXPECT_EQ(now, _frame);
             _slot.push(Data<float>(1, Time(1)));
         }
         InSlot<float>& _slot;
+        TimeStamp _frame = 1.0;
     };
     for (const auto& [bufferSize, rounds] : {std::pair{1U, 64U}, {32U, 64U}, {33U, 66U}, {100U, 200U}}) {
         DirectSensor& sensor = add("SFFloat", std::to_string(bufferSize), false, bufferSize);
         auto& in = slot<InSlot<float>>(sensor);
-        const Echo echo(field<SFFloat>(sensor), in);
-        in.push(Data<float>(1, Time(1)));
+        Echo echo(field<SFFloat>(sensor), in);
+        in.push(Data<float>(1, Time(3)));
         notify(sensor, 1.0);
+        echo._frame = 2.0;
         notify(sensor, 2.0); // goes on where the first had to stop
         EXPECT_EQ(in.getCounts().taken, 2 * rounds);
         EXPECT_EQ(in.getActivity()._cutShort, 2U);
