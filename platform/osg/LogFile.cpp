@@ -12,9 +12,11 @@ int openLogFile(const std::string& path, std::string& problem)
     constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK;
     const int file = ::open(path.c_str(), flags, 0666);
     if (file < 0) {
-        const bool isUnread = errno == ENXIO; // of a pipe
+        const int error = errno;
+        struct stat status = {};
+        const bool isUnread = error == ENXIO && ::stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
         problem = "cannot open log file '" + path +
-                  "': " + (isUnread ? "it is a pipe that nobody reads; start its reader first" : std::strerror(errno));
+                  "': " + (isUnread ? "it is a pipe that nobody reads; start its reader first" : std::strerror(error));
         return -1;
     }
     struct stat status = {};
