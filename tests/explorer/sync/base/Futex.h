@@ -37,7 +37,8 @@ public:
     bool compare_exchange_strong(std::uint32_t& expected, std::uint32_t desired, std::memory_order, std::memory_order)
     {
         step("compare and exchange");
-        if (std::exchange(expected, _value) != expected)
+        const std::uint32_t wanted = std::exchange(expected, _value);
+        if (_value != wanted)
             return false;
         _value = desired;
         return true;
