@@ -13,7 +13,7 @@ expect() {
 
 # The first instruction of each function of ours; what the compiler's own start files hold says nothing.
 first_instructions() {
-    objdump -d --no-show-raw-insn "$1" | awk '/^[0-9a-f]+ <_ZN?K?[0-9]*(6Trovio|6Ostrel|6Scenes|4Host)/ { getline; print }'
+    objdump -d --no-show-raw-insn "$1" | awk '/^[0-9a-f]+ <_ZN?K?[0-9]*(6Trovio|6Ostrel|6Scenes|7Explain|4Host)/ { getline; print }'
 }
 
 # what | pattern | command
