@@ -104,7 +104,7 @@ std::unique_ptr<SceneGraph> makeGraph(const std::vector<SceneFile>& files, const
     std::unique_ptr<SceneGraph> graph;
     const auto failure =
         failureOf([&] { graph = std::make_unique<SceneGraph>(files, [&around] { return around.isInterrupted(); }); });
-    log.take();
+    log.discard();
     if (failure)
         say("the scenes cannot be connected: " + escaped(*failure, 1000));
     return around.isInterrupted() ? nullptr : std::move(graph);

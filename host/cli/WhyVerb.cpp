@@ -143,7 +143,7 @@ int answerWhy(std::vector<SceneFile> files, const Options& options, const Watche
         return NoAnswer;
     }
     const Answer answer = findAnswer(session, rate, options, around._stop);
-    log.take(); // what it said of the cause stands in the answer
+    log.discard(); // what it said of the cause stands in the answer
     options._format == Format::Json ? printJson(answer, options) : printText(answer);
     std::fflush(stdout);
     around._watch.begin();

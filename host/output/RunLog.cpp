@@ -104,6 +104,12 @@ std::string RunLog::take()
     return takeLocked();
 }
 
+void RunLog::discard()
+{
+    osg::logHeldBack(true);
+    take();
+}
+
 void RunLog::writeHeld() noexcept
 {
     RunLog* const log = current;

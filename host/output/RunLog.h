@@ -28,6 +28,9 @@ public:
     /// The lines held back since the last call, each with its line end.
     std::string take();
 
+    /// Forgets those lines, and how many the log itself has held back: what they say is told elsewhere.
+    void discard();
+
     /// Writes the lines that are held back straight to standard error: for a crash, from its signal handler.
     static void writeHeld() noexcept;
 
