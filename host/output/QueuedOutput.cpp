@@ -293,7 +293,7 @@ std::string QueuedOutput::finish(Deadline deadline)
 
 std::string QueuedOutput::takeUnwritten()
 {
-    return state() == State::Failed ? _queue->takeWaiting() : std::string();
+    return state() != State::Open ? _queue->takeWaiting() : std::string();
 }
 
 void QueuedOutput::waitForAll(std::chrono::milliseconds patience) noexcept

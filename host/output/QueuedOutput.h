@@ -58,7 +58,7 @@ public:
     /// nothing taken. Returns what was left.
     std::string finish(Deadline deadline);
 
-    /// What could not be written, once the state is Failed.
+    /// What could not be written, once the state is not Open any more.
     std::string takeUnwritten();
 
     /// Waits at most a second until all of these objects have written what they have, and no longer than `patience`
