@@ -3,6 +3,8 @@
 #include "ostrel/FieldTypes.h"
 #include "trovio/SlotTypes.h"
 #include "trovio/Values.h"
+#include <algorithm>
+#include <array>
 
 namespace Ostrel {
 
@@ -72,16 +74,20 @@ constexpr bool withFieldType(int code, Visit&& visit)
     }
 }
 
-/// Whether the table has a row with the right code for each field class but SFNode and MFNode, and one for each slot
-/// value type.
+/// Its address stands for a slot value type.
+template <class T>
+inline constexpr char slotTypeMark = 0;
+
+/// Whether the table has a row with the right code for each field class but SFNode and MFNode, and exactly one for each
+/// slot value type.
 constexpr bool isTableComplete()
 {
     bool complete = true;
-    int rows = 0, slotTypes = 0;
+    std::array<const char*, 256> marks{}; // by code
     const auto check = [&](int code) {
         const bool found = withFieldType(code, [&]<class Row>(Row) {
             complete = complete && Row::FieldType::typeCode == code;
-            ++rows;
+            marks.at(static_cast<std::size_t>(code)) = &slotTypeMark<typename Row::SlotValue>;
         });
         complete = complete && (found || code == SFNode::typeCode || code == MFNode::typeCode);
     };
@@ -90,8 +96,9 @@ constexpr bool isTableComplete()
     check(code + 1);
     OSTREL_FIELD_KINDS(OSTREL_CHECK_KIND)
 #undef OSTREL_CHECK_KIND
-    Trovio::forEachSlotType([&slotTypes](auto) { ++slotTypes; });
-    return complete && rows == slotTypes;
+    Trovio::forEachSlotType(
+        [&]<class T>(Trovio::TypeTag<T>) { complete = complete && std::ranges::count(marks, &slotTypeMark<T>) == 1; });
+    return complete;
 }
 static_assert(isTableComplete(), "this table, that of the field classes and that of the slot value types disagree");
 
