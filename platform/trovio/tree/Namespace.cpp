@@ -33,8 +33,10 @@ Namespace::~Namespace()
     while (!children.empty()) {
         const auto last = std::prev(children.end());
         std::optional<NodeMove> move;
-        if (dynamic_cast<const Node*>(last->second.get()))
+        if (auto* const node = dynamic_cast<Node*>(last->second.get())) {
+            node->leave(); // in a program that ends without Root::shutdown(), its thread still uses its members
             move.emplace(last->first, NodeMove::Kind::IsDestroyed);
+        }
         children.erase(last);
     }
 }
