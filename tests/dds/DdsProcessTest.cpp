@@ -1,9 +1,9 @@
 #include "nodes/shared/SocketAddress.h"
 #include "tests/dds/DdsFixture.h"
 #include "tests/host/HostProcess.h"
-#include "tests/host/SceneOnDisk.h"
 #include "tests/nodes/SampleValues.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/SceneOnDisk.h"
 #include "trovio/SlotTypes.h"
 #include <algorithm>
 #include <csignal>

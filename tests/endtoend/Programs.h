@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/host/HostProcess.h"
-#include "tests/host/SceneOnDisk.h"
+#include "tests/support/SceneOnDisk.h"
 
 #include <sstream>
 #include <stdexcept>

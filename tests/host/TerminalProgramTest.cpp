@@ -1,5 +1,5 @@
 #include "tests/host/HostProcess.h"
-#include "tests/host/SceneOnDisk.h"
+#include "tests/support/SceneOnDisk.h"
 
 #include <csignal>
 #include <gtest/gtest.h>

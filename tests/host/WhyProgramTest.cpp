@@ -1,6 +1,6 @@
 #include "tests/host/HostProcess.h"
-#include "tests/host/SceneOnDisk.h"
 #include "tests/nodes/UdpPeer.h"
+#include "tests/support/SceneOnDisk.h"
 
 #include <csignal>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "tests/host/HostProcess.h"
-#include "tests/host/SceneOnDisk.h"
 #include "tests/nodes/OscMessages.h"
 #include "tests/nodes/UdpPeer.h"
+#include "tests/support/SceneOnDisk.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -4,7 +4,7 @@
 #include "ostrel/FieldTypes.h"
 #include "scene/SceneCheck.h"
 #include "sensorManager/SensorHandler.h"
-#include "tests/host/SceneOnDisk.h"
+#include "tests/support/SceneOnDisk.h"
 #include "trovio/Exception.h"
 #include "trovio/Root.h"
 
