@@ -4,8 +4,6 @@
 #include "explain/text/Failure.h"
 #include "explain/text/NameHint.h"
 #include "host/ExitCode.h"
-#include "host/show/SensorFilter.h"
-#include "scene/file/SceneFile.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -17,125 +15,8 @@
 namespace Host {
 
 using namespace Explain;
-using namespace Scenes;
 
 namespace {
-
-// CLI11's own range lets NaN through.
-CLI::Validator between(double above, double upTo, const std::string& what)
-{
-    return CLI::Validator(
-        [=](std::string& text) -> std::string {
-            double number = 0;
-            if (CLI::detail::lexical_cast(text, number) && number > above && number <= upTo)
-                return {};
-            return inQuotes(text) + " is not " + what;
-        },
-        std::string());
-}
-
-CLI::Validator filterText()
-{
-    return CLI::Validator(
-        [](std::string& text) -> std::string {
-            if (!text.empty() && text.size() <= SensorFilter::MaxLength)
-                return {};
-            return inQuotes(text) + " is not a text of 1 to " + std::to_string(SensorFilter::MaxLength) + " bytes";
-        },
-        std::string());
-}
-
-// An option that takes one of several names of formats.
-void addFormat(CLI::App& app, const std::string& option, const char* help, Format& format,
-               std::initializer_list<std::pair<const char*, Format>> table)
-{
-    const auto read = [option, &format, rows = std::vector(table)](const std::string& name) {
-        std::vector<std::string_view> names;
-        for (const auto& [known, value] : rows) {
-            names.push_back(known);
-            if (name == known)
-                format = value;
-        }
-        if (std::ranges::find(names, name) == names.end())
-            throw CLI::ValidationError(option, inQuotes(name) + " is no format; allowed: " + listed(names) +
-                                                   nearestHint(name, names));
-    };
-    app.add_option_function<std::string>(option, read, help)->type_name("FORMAT");
-}
-
-void addSeconds(CLI::App& app, const char* option, const char* help, double& seconds)
-{
-    app.add_option(option, seconds, help)->type_name("S")->check(between(0, 1e9, "a number of seconds above 0"));
-}
-
-void addRunOptions(CLI::App& app, Options& options)
-{
-    addSeconds(app, "--seconds", "stop after this many seconds", options._seconds);
-    app.add_option("--frames", options._frames, "stop after this many frames")
-        ->type_name("N")
-        ->check(between(0, 1e15, "a number of frames above 0"));
-    app.add_option("--rate", options._rate, "frames per second, instead of the scene's")
-        ->type_name("HZ")
-        ->check(between(0, maxRate, "a rate above 0 and up to 10000 frames per second"));
-    addFormat(app, "--format", "how values are shown: table, lines or json", options._format,
-              {{"table", Format::Table}, {"lines", Format::Lines}, {"json", Format::Json}});
-    app.add_option("--filter", options._filter,
-                   "show only sensors with this text in their name or label; '*' stands for any text")
-        ->type_name("PATTERN")
-        ->check(filterText());
-    app.add_flag("--strict", options._strict, "refuse scenes of which a handler or a node cannot be made");
-    app.add_flag("--quiet", options._quiet, "show no values, only messages");
-    app.add_flag("--verbose", options._verbose, "show the library's informational lines");
-}
-
-void addScenes(CLI::App& app, Options& options)
-{
-    app.add_option("SCENE", options._names, "scene files, one context each")->required();
-}
-
-void addLabels(CLI::App& app, Options& options)
-{
-    const auto addScene = [&options](const std::string& scene) { options._names.push_back(scene); };
-    app.add_option_function<std::string>("SCENE", addScene, "scene file")->required();
-    app.add_option("FROM", options._from, "label that records come from; '*' stands for any text")->required();
-    app.add_option("TO", options._to, "label that they shall get to")->required();
-    addSeconds(app, "--seconds", "give up after this many seconds", options._seconds);
-    addSeconds(app, "--stale", "age from which a record is stale; 1 if not given", options._staleAfter);
-    addSeconds(app, "--patience",
-               "how long a cause must last that may pass; 1 if not given, never above half of --seconds",
-               options._patience);
-    addFormat(app, "--format", "text or json", options._format, {{"text", Format::Text}, {"json", Format::Json}});
-}
-
-void addVerb(CLI::App& app, const Verb& verb, Options& options)
-{
-    CLI::App& sub = *app.add_subcommand(verb._name, verb._help);
-    switch (verb._takes) {
-    case Verb::Takes::Nothing:
-        break;
-    case Verb::Takes::Names:
-        sub.add_option("NAME", options._names, "only these");
-        break;
-    case Verb::Takes::NamesAndFormat:
-        sub.add_option("NAME", options._names, "only these");
-        addFormat(sub, "--format", "text or json, one object per line", options._format,
-                  {{"text", Format::Text}, {"json", Format::Json}});
-        break;
-    case Verb::Takes::SceneAndLabels:
-        addLabels(sub, options);
-        break;
-    case Verb::Takes::ScenesAndRunOptions:
-        addRunOptions(sub, options);
-        addScenes(sub, options);
-        break;
-    case Verb::Takes::ScenesAndGraph:
-        sub.add_flag("--strict", options._strict, "refuse scenes with notes, too");
-        addFormat(sub, "--graph", "print the graph of what runs: text, json or dot", options._graph,
-                  {{"text", Format::Text}, {"json", Format::Json}, {"dot", Format::Dot}});
-        addScenes(sub, options);
-        break;
-    }
-}
 
 // CLI11 would only say that a verb is missing.
 bool knownVerb(const char* argument, const std::vector<Verb>& verbs)
@@ -182,7 +63,7 @@ int runCommandLine(int argc, char** argv, const std::vector<Verb>& verbs)
     app.require_subcommand(1);
     app.set_version_flag("--version", "ostrel-host " HOST_VERSION, "print the version");
     for (const Verb& verb : verbs)
-        addVerb(app, verb, options);
+        verb._takes(*app.add_subcommand(verb._name, verb._help), options);
     if (argc < 2) {
         std::fputs(app.help().c_str(), stderr);
         return BadUsage;

@@ -6,6 +6,10 @@
 #include <string>
 #include <vector>
 
+namespace CLI {
+class App;
+}
+
 namespace Host {
 
 enum class Format { Automatic, Table, Lines, Json, Text, Dot };
@@ -31,7 +35,7 @@ struct Options {
 struct Verb {
     const char* _name;
     const char* _help;
-    enum class Takes { Nothing, Names, NamesAndFormat, ScenesAndRunOptions, ScenesAndGraph, SceneAndLabels } _takes;
+    void (*_takes)(CLI::App& app, Options& options); // host/cli/Arguments.h
     int (*_run)(const Options& options);
 };
 

@@ -1,3 +1,4 @@
+#include "host/cli/Arguments.h"
 #include "host/cli/Verbs.h"
 
 #include <cerrno>
@@ -20,14 +21,14 @@ void openClosedStreams(bool runs)
 int main(int argc, char** argv)
 {
     openClosedStreams(argc > 1 && std::strcmp(argv[1], "run") == 0);
-    using Takes = Host::Verb::Takes;
+    namespace Takes = Host::Arguments;
     return Host::runCommandLine(
         argc, argv,
-        {{"run", "run scenes and show their values", Takes::ScenesAndRunOptions, Host::runVerb},
-         {"check", "read scenes and say what is wrong or odd with them", Takes::ScenesAndGraph, Host::checkVerb},
+        {{"run", "run scenes and show their values", Takes::scenesAndRunOptions, Host::runVerb},
+         {"check", "read scenes and say what is wrong or odd with them", Takes::scenesAndGraph, Host::checkVerb},
          {"why", "run a scene for real, so that it sends too, and say whether records flow between two labels",
-          Takes::SceneAndLabels, Host::whyVerb},
-         {"nodes", "list the node types and their settings", Takes::NamesAndFormat, Host::nodesVerb},
-         {"types", "list the field types and how their values are written", Takes::Names, Host::typesVerb},
-         {"version", "print the version", Takes::Nothing, Host::versionVerb}});
+          Takes::sceneAndLabels, Host::whyVerb},
+         {"nodes", "list the node types and their settings", Takes::namesAndFormat, Host::nodesVerb},
+         {"types", "list the field types and how their values are written", Takes::names, Host::typesVerb},
+         {"version", "print the version", Takes::nothing, Host::versionVerb}});
 }

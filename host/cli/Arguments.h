@@ -1,0 +1,22 @@
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace Host {
+
+struct Options;
+
+/// What verbs take behind their name: each function adds the arguments of a kind of verb to its part of the command
+/// line, to be read into `options`, which must live until that is parsed.
+namespace Arguments {
+
+void nothing(CLI::App& app, Options& options);
+void names(CLI::App& app, Options& options);
+void namesAndFormat(CLI::App& app, Options& options);
+void scenesAndRunOptions(CLI::App& app, Options& options);
+void scenesAndGraph(CLI::App& app, Options& options);
+void sceneAndLabels(CLI::App& app, Options& options);
+} // namespace Arguments
+} // namespace Host
