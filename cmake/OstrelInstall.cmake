@@ -6,9 +6,10 @@ set(OSTREL_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/ostrelSensorManager)
 
 set_target_properties(ostrelSensorManager PROPERTIES EXPORT_NAME SensorManager)
 set_target_properties(ostrelExplain PROPERTIES EXPORT_NAME Explain)
+set_target_properties(ostrelMonitor PROPERTIES EXPORT_NAME Monitor)
 set_target_properties(ostrelScene PROPERTIES EXPORT_NAME SceneFile) # Ostrel::Scene is a class of the runtime
 install(TARGETS ostrelSync osgBase merid ostrelBase ostrelDirectSensorNodePool Trovio trovioSlots ostrelSensorManager
-    ostrelExplain ostrelScene
+    ostrelExplain ostrelScene ostrelMonitor
   EXPORT OstrelSensorManagerTargets
   FILE_SET HEADERS DESTINATION ${OSTREL_INCLUDE_DIR})
 get_property(node_targets DIRECTORY nodes PROPERTY BUILDSYSTEM_TARGETS)

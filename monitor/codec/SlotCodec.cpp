@@ -1,0 +1,81 @@
+#include "monitor/codec/SlotCodec.h"
+
+#include "monitor/codec/Encode.h"
+#include "monitor/codec/Message.h"
+#include "trovio/OutSlot.h"
+#include "trovio/SlotTypes.h"
+
+#include <algorithm>
+
+namespace Monitor {
+
+namespace {
+
+template <class T>
+class Source final : public AnySource {
+public:
+    explicit Source(const std::string& name) : _slot(name) {}
+
+    Trovio::BasicOutSlot& slot() override { return _slot; }
+
+    bool write(std::span<const std::byte> message, const Trovio::Time& stamp, std::string& problem) override
+    {
+        T value{};
+        const bool isRead = decode(message, value, problem);
+        if (isRead)
+            _slot.push(Trovio::Data<T>(value, stamp));
+        return isRead;
+    }
+
+private:
+    Trovio::OutSlot<T> _slot;
+};
+
+template <class T>
+class TypedCodec final : public SlotCodec {
+public:
+    TypedCodec() : _slotType(Trovio::TypeName<T>::getName()), _message(messageOf(_slotType)) {}
+
+    std::string_view slotType() const override { return _slotType; }
+    std::string_view schemaName() const override { return _message._name; }
+    const std::string& schemaText() const override { return _message._text; }
+
+    std::unique_ptr<AnySource> makeSource(const std::string& name) const override
+    {
+        return std::make_unique<Source<T>>(name);
+    }
+
+private:
+    const std::string _slotType;
+    const Message _message;
+};
+
+template <class T>
+const SlotCodec* codecOf()
+{
+    static const TypedCodec<T> codec;
+    return &codec;
+}
+
+std::vector<const SlotCodec*> allCodecs()
+{
+    std::vector<const SlotCodec*> codecs;
+    Trovio::forEachSlotType([&codecs]<class T>(Trovio::TypeTag<T>) { codecs.push_back(codecOf<T>()); });
+    return codecs;
+}
+
+} // namespace
+
+std::span<const SlotCodec* const> SlotCodec::all()
+{
+    static const std::vector<const SlotCodec*> codecs = allCodecs();
+    return codecs;
+}
+
+const SlotCodec* SlotCodec::find(std::string_view slotType)
+{
+    const auto found = std::ranges::find(all(), slotType, &SlotCodec::slotType);
+    return found == all().end() ? nullptr : *found;
+}
+
+} // namespace Monitor

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "monitor/codec/AnySource.h"
+
+#include <memory>
+#include <string_view>
+
+namespace Monitor {
+
+/// How the values of one slot type are written as bytes and as text, for who does not know the type. Who knows it takes
+/// encode() and decode() (Encode.h); taps are made by makeTap() (tap/AnyTap.h).
+/// Threads: any; a codec is never changed.
+class SlotCodec {
+public:
+    /// Null if that is no slot type.
+    static const SlotCodec* find(std::string_view slotType);
+    /// All 40, in the order of the list of slot types.
+    static std::span<const SlotCodec* const> all();
+
+    SlotCodec() = default;
+    SlotCodec(const SlotCodec&) = delete;
+    SlotCodec& operator=(const SlotCodec&) = delete;
+    virtual ~SlotCodec() = default;
+
+    /// "Vec3f", "Image[]"
+    virtual std::string_view slotType() const = 0;
+    /// "geometry_msgs/msg/Point32"
+    virtual std::string_view schemaName() const = 0;
+    /// As ros2msg: the fields, then each message that they name behind a line of equals signs.
+    virtual const std::string& schemaText() const = 0;
+
+    /// A slot of that name. Images and arrays come from the pools of the product.
+    virtual std::unique_ptr<AnySource> makeSource(const std::string& name) const = 0;
+};
+
+} // namespace Monitor
