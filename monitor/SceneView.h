@@ -1,0 +1,28 @@
+#pragma once
+
+#include "explain/Graph.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace Monitor {
+
+/// Frames of the scene thread so far.
+struct FrameCounts {
+    std::uint64_t _run = 0;
+    std::uint64_t _leftOut = 0;
+    double _rate = 0; // a second, as asked for; 0 for a program without frames
+};
+
+/// What the program knows beyond the tree of namespaces; each may be empty.
+/// Threads: the functions are called on threads of the server, several at a time.
+struct SceneView {
+    std::function<Explain::ScenePlaces()> _places; // handlers, sensors and links of scene files
+    /// The value of a sensor's field as JSON, by the sensor's name, with "scene: " before it where several run; "null"
+    /// where there is none. May wait for the end of a frame.
+    std::function<std::string(const std::string& sensor)> _fieldJson;
+    std::function<FrameCounts()> _frames;
+    std::string _name; // of the program and its scenes, for people
+};
+} // namespace Monitor

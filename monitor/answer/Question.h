@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+namespace Monitor {
+
+/// What a client asks, after the server has judged who may: "GET /why?from=a&to=b".
+struct Question {
+    std::string _method;
+    std::string _path; // decoded, as the values of the query
+    std::map<std::string, std::string> _query;
+    std::string _body;
+    std::string _accept;    // kinds of text that the client takes, as HTTP writes them; for /metrics
+    bool _mayWrite = false; // else what changes something is refused with 403
+    /// Whether nobody waits for the answer any more. Who takes long asks this a few times a second, and then answers
+    /// anything. Any thread; may be empty.
+    std::function<bool()> _isOver;
+};
+
+struct Answer {
+    int _status = 200; // as in HTTP
+    std::string _type = "application/json";
+    std::string _body;
+};
+} // namespace Monitor
