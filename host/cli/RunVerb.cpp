@@ -63,7 +63,7 @@ std::unique_ptr<View> makeView(const Options& options, const Session& session, R
         return makeTableView(output.values(),
                              {inPlace, inPlace && isatty(STDERR_FILENO) ? &log : nullptr,
                               inPlace ? std::make_unique<Keyboard>() : nullptr, [&output] { return output.isTaken(); }},
-                             session.watches(), SensorFilter(options._filter));
+                             watchedSensors(session.watches()), SensorFilter(options._filter));
     return makeLinesView(output.values(), start);
 }
 

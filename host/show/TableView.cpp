@@ -2,7 +2,6 @@
 #include "explain/text/Escape.h"
 #include "explain/text/TextWrap.h"
 #include "host/output/RunLog.h"
-#include "host/show/Json.h"
 #include "host/show/LiveTable.h"
 #include "host/show/TableControl.h"
 #include "host/show/Terminal.h"
@@ -16,7 +15,6 @@
 namespace Host {
 
 using namespace Explain;
-using namespace Scenes;
 
 namespace {
 
@@ -39,7 +37,7 @@ void trimRight(std::string& line)
 
 class TableView final : public View {
 public:
-    TableView(std::ostream& out, TableScreen screen, std::vector<SensorWatch*> watches, SensorFilter filter);
+    TableView(std::ostream& out, TableScreen screen, std::unique_ptr<TableSensors> sensors, SensorFilter filter);
     ~TableView() override
     {
         if (_screen._log != nullptr)
@@ -72,34 +70,36 @@ private:
 
     std::ostream& _out;
     const TableScreen _screen;
-    const std::vector<SensorWatch*> _watches;
-    std::vector<std::string> _titles; // one per watch
+    const std::unique_ptr<TableSensors> _sensors;
+    const std::vector<TableSensors::Names> _names; // one per sensor, as the next
+    std::vector<std::string> _titles;              // as they are shown
     TableControl _control;
     KeyPresses _keys;
     std::size_t _nameWidth = 0, _typeWidth = 0;
     TableLayout _layout{0, 0, 0};
     std::size_t _width = 0;                             // of _layout
-    std::vector<Counted> _counted;                      // one per watch, as of _lastRate
-    std::vector<bool> _below;                           // per watch, whether its value has lines of its own
-    std::vector<std::size_t> _selected;                 // watches, in the order of the table
+    std::vector<Counted> _counted;                      // one per sensor, as of _lastRate
+    std::vector<bool> _below;                           // per sensor, whether its value has lines of its own
+    std::vector<std::size_t> _selected;                 // sensors, in the order of the table
     double _lastDraw = 0, _lastRate = 0, _lastKeys = 0; // wall-clock seconds, 0 before the first
     std::vector<std::size_t> _drawn;                    // widths of the lines of the table on the screen
 };
 
-TableView::TableView(std::ostream& out, TableScreen screen, std::vector<SensorWatch*> watches, SensorFilter filter)
+TableView::TableView(std::ostream& out, TableScreen screen, std::unique_ptr<TableSensors> sensors, SensorFilter filter)
     : _out(out),
       _screen(std::move(screen)),
-      _watches(std::move(watches)),
+      _sensors(std::move(sensors)),
+      _names(_sensors->names()),
       _control(std::move(filter)),
-      _counted(_watches.size()),
-      _below(_watches.size())
+      _counted(_names.size()),
+      _below(_names.size())
 {
     _nameWidth = displayWidth("sensor");
     _typeWidth = displayWidth("type");
-    for (const SensorWatch* watch : _watches) {
-        _titles.push_back(escaped(watch->title()));
+    for (const TableSensors::Names& names : _names) {
+        _titles.push_back(escaped(names._title));
         _nameWidth = std::max(_nameWidth, displayWidth(_titles.back()));
-        _typeWidth = std::max(_typeWidth, displayWidth(watch->field().getTypeName()));
+        _typeWidth = std::max(_typeWidth, displayWidth(names._type));
     }
     if (_screen._log != nullptr)
         _screen._log->hold(true);
@@ -136,9 +136,10 @@ void TableView::countRates(double now)
     const bool isFirst = _lastRate == 0;
     if (!isDue(_lastRate, now, rateInterval))
         return;
-    for (std::size_t i = 0; i < _watches.size(); ++i) {
-        const auto newer = static_cast<double>(_watches[i]->changes() - _counted[i]._changes);
-        _counted[i] = {_watches[i]->changes(), isFirst || passed < 0 ? 0 : newer / passed};
+    for (std::size_t i = 0; i < _counted.size(); ++i) {
+        const std::uint64_t changes = _sensors->changes(i);
+        const auto newer = static_cast<double>(changes - _counted[i]._changes);
+        _counted[i] = {changes, isFirst || passed < 0 ? 0 : newer / passed};
     }
 }
 
@@ -146,11 +147,11 @@ void TableView::countRates(double now)
 void TableView::select(double now)
 {
     _selected.clear();
-    for (std::size_t i = 0; i < _watches.size(); ++i)
-        if (_control.filter().passes(_titles[i], _watches[i]->sensor().getLabel()))
+    for (std::size_t i = 0; i < _names.size(); ++i)
+        if (_control.filter().passes(_titles[i], _names[i]._label))
             _selected.push_back(i);
     const auto newness = [&](std::size_t i) {
-        const double age = _watches[i]->age(now);
+        const double age = _sensors->age(i, now);
         return age < 0 ? std::numeric_limits<double>::infinity() : age;
     };
     switch (_control.order()) {
@@ -171,9 +172,8 @@ TablePage TableView::page(std::size_t first, std::size_t room, double now)
 {
     return tablePage(_selected.size(), first, room, [&](std::size_t row) {
         const std::size_t i = _selected[row];
-        const SensorWatch& watch = *_watches[i];
-        const TableRow text{_titles[i], watch.field().getTypeName(), valueText(watch.field(), Digits::Few, maxValue),
-                            _counted[i]._perSecond, watch.age(now)};
+        const TableRow text{_titles[i], _names[i]._type, _sensors->value(i, maxValue), _counted[i]._perSecond,
+                            _sensors->age(i, now)};
         // It stays there, so that the rows below do not jump with each value.
         _below[i] = _below[i] || !_layout.fits(text);
         return _layout.lines(text, _below[i]);
@@ -185,7 +185,7 @@ std::string TableView::table(const TerminalSize& size, double now)
     if (size._width != _width) {
         _width = size._width;
         _layout = TableLayout(_width, _nameWidth, _typeWidth);
-        _below.assign(_watches.size(), false);
+        _below.assign(_names.size(), false);
     }
     select(now);
     const std::size_t room = size._height > 0 ? size._height - 1 : 0; // below the heading
@@ -234,9 +234,9 @@ void TableView::draw(double now)
 }
 } // namespace
 
-std::unique_ptr<View> makeTableView(std::ostream& out, TableScreen screen, std::vector<SensorWatch*> watches,
+std::unique_ptr<View> makeTableView(std::ostream& out, TableScreen screen, std::unique_ptr<TableSensors> sensors,
                                     SensorFilter filter)
 {
-    return std::make_unique<TableView>(out, std::move(screen), std::move(watches), std::move(filter));
+    return std::make_unique<TableView>(out, std::move(screen), std::move(sensors), std::move(filter));
 }
 } // namespace Host

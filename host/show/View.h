@@ -4,9 +4,11 @@
 #include "host/show/SensorFilter.h"
 #include "scene/run/SensorWatch.h"
 
+#include <cstdint>
 #include <functional>
 #include <iosfwd>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace Host {
@@ -40,10 +42,31 @@ struct TableScreen {
     std::function<bool()> _isTaken;      // whether what was drawn last has been read; empty where it always is
 };
 
+/// The sensors that a table shows, numbered from 0. Asked on the thread that draws.
+class TableSensors {
+public:
+    struct Names {
+        std::string _title, _label, _type;
+    };
+
+    virtual ~TableSensors() = default;
+    /// Of all of them, which stay the same.
+    virtual std::vector<Names> names() const = 0;
+    /// The value for people, in about `limit` bytes at most.
+    virtual std::string value(std::size_t sensor, std::size_t limit) const = 0;
+    /// Values that it had so far.
+    virtual std::uint64_t changes(std::size_t sensor) const = 0;
+    /// Seconds from its last value to `now`, in wall-clock seconds; negative where it had none.
+    virtual double age(std::size_t sensor, double now) const = 0;
+};
+
+/// Those of a run in this process. The watches must live as long.
+std::unique_ptr<TableSensors> watchedSensors(std::vector<Scenes::SensorWatch*> watches);
+
 /// A table of the sensors that pass a filter. In place it is drawn anew four times a second and after each key; it
 /// takes the size of the terminal at standard output, and waits while the program is in the background. Otherwise it is
 /// written once a second, whole. While the last one has not been read yet none is drawn: the next one that is tells the
 /// same and more.
-std::unique_ptr<View> makeTableView(std::ostream& out, TableScreen screen, std::vector<Scenes::SensorWatch*> watches,
+std::unique_ptr<View> makeTableView(std::ostream& out, TableScreen screen, std::unique_ptr<TableSensors> sensors,
                                     SensorFilter filter = SensorFilter());
 } // namespace Host

@@ -55,7 +55,7 @@ protected:
 
 TEST_F(TableViewTest, CountsValuesPerSecond)
 {
-    const auto view = makeTableView(_out, {}, {&_watch});
+    const auto view = makeTableView(_out, {}, watchedSensors({&_watch}));
     view->frame(100);
     EXPECT_NE(shown().find("  0.0         -\n"), std::string::npos);
     for (int i = 0; i < 30; ++i)
@@ -69,7 +69,8 @@ TEST_F(TableViewTest, CountsValuesPerSecond)
 TEST_F(TableViewTest, IsDrawnInPlaceBelowTheMessages)
 {
     RunLog runLog(false);
-    const auto view = makeTableView(_out, {true, &runLog, nullptr, [this] { return _taken; }}, {&_watch});
+    const auto view =
+        makeTableView(_out, {true, &runLog, nullptr, [this] { return _taken; }}, watchedSensors({&_watch}));
     view->frame(100);
     EXPECT_TRUE(shown().starts_with("sensor "));
     view->frame(100.1);
