@@ -2,6 +2,7 @@
 
 #include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
+#include "ostrel/FieldClass.h"
 #include "scene/file/FieldVisit.h"
 #include "trovio/Time.h"
 
@@ -151,6 +152,13 @@ constexpr std::size_t rowLength()
         return RowLength<std::remove_cvref_t<decltype(std::declval<FieldClass&>().value())>>::value;
 }
 
+template <class FieldClass>
+TextForm formFor(Digits digits, std::size_t limit)
+{
+    constexpr bool isTime = std::is_same_v<FieldClass, Ostrel::SFTime> || std::is_same_v<FieldClass, Ostrel::MFTime>;
+    return {digits, isTime, digits == Digits::Few ? rowLength<FieldClass>() : 0, limit};
+}
+
 std::string allDigits(double number)
 {
     const double size = std::abs(number);
@@ -196,9 +204,9 @@ std::string shortText(const Json& value, const TextForm& form)
         return "'" + escaped(value.get_ref<const std::string&>(), form._limit) + "'";
     if (value.is_number_float())
         return numberText(value.get<double>(), form);
-    if (value.is_object())
-        return std::to_string(value["width"].get<int>()) + "x" + std::to_string(value["height"].get<int>()) + " " +
-               value["format"].get<std::string>();
+    if (value.is_object() && value.contains("width") && value.contains("height") && value.contains("format"))
+        return jsonText(value["width"]) + "x" + jsonText(value["height"]) + " " +
+               escaped(value["format"].is_string() ? value["format"].get<std::string>() : "");
     if (!value.is_array())
         return jsonText(value);
     std::string text;
@@ -240,13 +248,20 @@ std::string valueText(Ostrel::Field& field, Digits digits, std::size_t limit)
     // Each element takes two bytes at least.
     const Json value = valueJson(field, limit / 2 + 1);
     return visitField(field, [&]<class FieldClass>(FieldClass& concrete) {
-        constexpr bool isTime =
-            std::is_same_v<FieldClass, Ostrel::SFTime> || std::is_same_v<FieldClass, Ostrel::MFTime>;
-        const TextForm form{digits, isTime, digits == Digits::Few ? rowLength<FieldClass>() : 0, limit};
+        const TextForm form = formFor<FieldClass>(digits, limit);
         if constexpr (Multiple<FieldClass>)
             return sequenceText(value, concrete.values().size(), form);
         else
             return shortText(value, form);
+    });
+}
+
+std::string valueText(const Json& value, const Ostrel::FieldClass& fieldClass, Digits digits, std::size_t limit)
+{
+    return visitField(*fieldClass.create(), [&]<class FieldClass>(FieldClass&) {
+        const TextForm form = formFor<FieldClass>(digits, limit);
+        return Multiple<FieldClass> && value.is_array() ? sequenceText(value, value.size(), form)
+                                                        : shortText(value, form);
     });
 }
 } // namespace Host

@@ -1,13 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace Ostrel {
 class Field;
-}
+class FieldClass;
+} // namespace Ostrel
 
 namespace Host {
 
@@ -36,4 +38,8 @@ enum class Digits { Few, All };
 /// The value for people: numbers between blanks, the rows of a matrix between semicolons; of a sequence at first its
 /// length, then no more elements than fit into about `limit` bytes. No control characters.
 std::string valueText(Ostrel::Field& field, Digits digits, std::size_t limit);
+
+/// The same for the value of a field of that class in the form that jsonLine() gives it, as another process has it.
+std::string valueText(const nlohmann::json& value, const Ostrel::FieldClass& fieldClass, Digits digits,
+                      std::size_t limit);
 } // namespace Host

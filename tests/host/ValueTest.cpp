@@ -6,6 +6,7 @@
 #include "scene/file/TomlValue.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 using namespace Host;
 using namespace Scenes;
@@ -55,6 +56,9 @@ TEST(Value, TravelsFromSceneToJsonAndTable)
         EXPECT_EQ(jsonOf(*field), row._json);
         EXPECT_EQ(valueText(*field, Digits::Few, 100), row._few);
         EXPECT_EQ(valueText(*field, Digits::All, 100), row._all);
+        const auto json = nlohmann::json::parse(row._json);
+        EXPECT_EQ(valueText(json, *Ostrel::FieldClass::find(std::string_view(row._type)), Digits::All, 100),
+                  json.dump().find("null") == std::string::npos ? row._all : "[3] 1e+30, null, null");
     }
 }
 
