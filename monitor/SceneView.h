@@ -15,6 +15,12 @@ struct FrameCounts {
     double _rate = 0; // a second, as asked for; 0 for a program without frames
 };
 
+/// What a sensor's field has gone through; for the live table of another process, with /sensors as "changes" and "age".
+struct ChangeCounts {
+    std::uint64_t _changes = 0;
+    double _age = -1; // seconds since the last, as the table of a run shows it; negative before the first: null in JSON
+};
+
 /// What the program knows beyond the tree of namespaces; each may be empty.
 /// Threads: the functions are called on threads of the server, several at a time.
 struct SceneView {
@@ -22,6 +28,7 @@ struct SceneView {
     /// The value of a sensor's field as JSON, by the sensor's name, with "scene: " before it where several run; "null"
     /// where there is none. May wait for the end of a frame.
     std::function<std::string(const std::string& sensor)> _fieldJson;
+    std::function<ChangeCounts(const std::string& sensor)> _changes; // by the same name
     std::function<FrameCounts()> _frames;
     std::string _name; // of the program and its scenes, for people
 };
