@@ -29,4 +29,15 @@ std::set<std::string> endsApart(const Trovio::NamespaceInfo& root)
     });
     return ends;
 }
+
+std::set<std::string> connectedSlots(const Trovio::NamespaceInfo& root)
+{
+    std::set<std::string> paths;
+    walkTree(root, [&paths](const std::string& path, const Trovio::NamespaceInfo& info) {
+        for (const Trovio::SlotInfo& slot : info._slots)
+            if (slot._active)
+                paths.insert(pathBelow(path, slot._label));
+    });
+    return paths;
+}
 } // namespace Explain

@@ -1,7 +1,6 @@
 #include "host/report/Report.h"
 
 #include "explain/Counts.h"
-#include "explain/RouteEnds.h"
 #include "explain/TreeReport.h"
 #include "explain/text/JsonText.h"
 #include "explain/text/TextWrap.h"
@@ -47,10 +46,9 @@ void reportStart(const Session& session, std::size_t width, const Say& sayLine)
 {
     const Say say = broken(width, sayLine);
     const Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
-    const std::set<std::string> apart = endsApart(root);
     for (const auto& scene : session.scenes())
         limited(say, maxLinesAtStart, "sensors without connection",
-                [&](const Say& line) { reportUnbound(*scene, apart, line); });
+                [&](const Say& line) { reportUnbound(*scene, root, line); });
     limited(say, maxLinesAtStart, "routes", [&](const Say& line) { reportRoutes(root, line); });
     limited(say, maxLinesAtStart, "nodes", [&](const Say& line) { reportNodes(root, line); });
 }

@@ -1,5 +1,6 @@
 #include "host/report/SensorReport.h"
 
+#include "explain/RouteEnds.h"
 #include "explain/TreeWalk.h"
 #include "explain/text/Escape.h"
 #include "host/show/Json.h"
@@ -68,19 +69,23 @@ std::string slotCounts(const Trovio::Slot& slot)
            lossesOf(activity) + stampFaults(activity._stamps);
 }
 
+struct Ends {
+    bool _connected, _apart; // in the tree, of the slot that has the sensor's label
+};
+
 std::string whyUnbound(const SensorEntry& entry, const SensorWatch& watch, const std::set<std::string>& linked,
-                       bool isApart)
+                       Ends ends)
 {
     if (entry._label._value.empty())
         return " is bound to nothing: it has no label";
     if (watch.slots().empty())
         return noSlotFor(entry._type._value);
-    if (std::ranges::any_of(watch.slots(), &Trovio::Slot::isActive))
+    if (ends._connected)
         return {};
     const bool isOutput = entry._output._value;
-    return isApart ? unconnected(isOutput,
-                                 std::string("the route ") + (isOutput ? "from" : "to") + " its label does not connect")
-                   : whyUnreached(entry, linked);
+    return ends._apart ? unconnected(isOutput, std::string("the route ") + (isOutput ? "from" : "to") +
+                                                   " its label does not connect")
+                       : whyUnreached(entry, linked);
 }
 
 nlohmann::ordered_json toJson(const SensorWatch& watch, double now)
@@ -99,15 +104,19 @@ nlohmann::ordered_json toJson(const SensorWatch& watch, double now)
 }
 } // namespace
 
-void reportUnbound(LoadedScene& scene, const std::set<std::string>& apart, const Say& say)
+void reportUnbound(LoadedScene& scene, const Trovio::NamespaceInfo& root, const Say& say)
 {
+    const std::set<std::string> connected = connectedSlots(root), apart = endsApart(root);
     const std::set<std::string> linked = linkTargets(scene.file());
     auto entry = scene.file()._sensors.begin();
     for (const SensorWatch& watch : scene.watches()) {
-        const bool isApart = std::ranges::any_of(scene.handlers(), [&](const LoadedHandler& handler) {
-            return apart.contains(pathBelow(handler._namespace, watch.sensor().getLabel()));
-        });
-        if (const std::string why = whyUnbound(*entry++, watch, linked, isApart); !why.empty())
+        const auto isIn = [&](const std::set<std::string>& paths) {
+            return std::ranges::any_of(scene.handlers(), [&](const LoadedHandler& handler) {
+                return paths.contains(pathBelow(handler._namespace, watch.sensor().getLabel()));
+            });
+        };
+        const std::string why = whyUnbound(*entry++, watch, linked, {isIn(connected), isIn(apart)});
+        if (!why.empty())
             say(named(watch) + why);
     }
 }

@@ -1,15 +1,14 @@
 #pragma once
 
 #include "scene/run/Session.h"
+#include "trovio/Inspection.h"
 
 #include <nlohmann/json_fwd.hpp>
-#include <set>
 
 namespace Host {
 
-/// Says which sensors of the scene are bound to nothing or have no connection. `apart` are the ends of routes that are
-/// not connected.
-void reportUnbound(Scenes::LoadedScene& scene, const std::set<std::string>& apart, const Scenes::Say& say);
+/// Says which sensors of the scene are bound to nothing or have no connection in the tree.
+void reportUnbound(Scenes::LoadedScene& scene, const Trovio::NamespaceInfo& root, const Scenes::Say& say);
 
 /// Says for each sensor how many values it had, its last one, and what became of the records in its slots.
 /// `now` is in wall-clock seconds.

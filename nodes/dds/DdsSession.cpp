@@ -4,6 +4,7 @@
 #include "nodes/shared/RoundRobin.h"
 #include "trovio/BasicInSlot.h"
 #include <algorithm>
+#include <limits>
 #include <random>
 
 namespace Trovio::Nodes {
@@ -18,6 +19,13 @@ std::uint64_t randomID()
 {
     std::random_device source;
     return std::uint64_t(source()) << 32U | source();
+}
+
+RemarkInfo::SourceClock sourceClock(const PeerClocks::Knowledge& clock)
+{
+    if (clock._estimate)
+        return {clock._estimate->_offset, clock._estimate->_bound};
+    return {0.0, std::numeric_limits<double>::infinity()};
 }
 
 } // namespace
@@ -152,9 +160,10 @@ std::vector<RemarkInfo> DdsSession::getRemarks() const
     const double now = _clock.wallTime().getSeconds();
     for (const auto& subscription : _subscriptions) {
         const std::string& topic = subscription->getTopic()._name;
-        if (const auto newest = subscription->getNewest())
-            remarks.push_back({topic, describeTiming(*newest, _clocks.getKnowledge(newest->_writer, now), now)});
-        else if (subscription->isAlive() && subscription->getSlot().getActivity()._written == 0)
+        if (const auto newest = subscription->getNewest()) {
+            const PeerClocks::Knowledge clock = _clocks.getKnowledge(newest->_writer, now);
+            remarks.push_back({topic, describeTiming(*newest, clock, now), sourceClock(clock)});
+        } else if (subscription->isAlive() && subscription->getSlot().getActivity()._written == 0)
             remarks.push_back({topic, "it has a publisher, but no sample has come yet"});
     }
     return remarks;

@@ -41,6 +41,9 @@ struct Explanation {
     Verdict _verdict = Verdict::Flowing;
     std::string _text;            // one line
     std::vector<Detail> _details; // what the text says, for programs: labels, types, counts, seconds
+    /// The slots that records pass on their way, from the first to the last, as their labels are seen where it was
+    /// asked. Empty where no way leads there.
+    std::vector<std::string> _passes{};
 
     /// Null if there is no such detail, or if it is a number.
     const std::string* findText(const std::string& name) const;

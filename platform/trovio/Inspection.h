@@ -6,10 +6,18 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // Copies of what stands in the tree at one moment, for tools that print or explain it.
 namespace Trovio {
+
+/// Labels that begin with '@' belong to tools that look at a tree while it works, such as their namespaces below the
+/// root: inspect() and explain() pass over what stands under such a label, and over routes that name one.
+constexpr bool isForTools(std::string_view label)
+{
+    return label.starts_with('@');
+}
 
 /// A slot as it is seen in one namespace.
 struct SlotInfo {
@@ -19,7 +27,8 @@ struct SlotInfo {
     bool _own = false; // stands in this namespace, rather than being seen through a child's external route
     std::string _home; // from here: labels of the namespaces down to the one where it stands, and its label there
 
-    // Of a slot that stands here, one of the two.
+    // Of a slot that stands here; the last two for its direction.
+    bool _active = false; // it has a connection that is no tool's
     std::optional<OutSlotActivity> _out;
     std::optional<InSlotActivity> _in;
 };
@@ -64,8 +73,15 @@ struct CounterInfo {
 
 /// What a node knows of one of its slots beyond counts: of the newest value, or why there is none.
 struct RemarkInfo {
+    /// The clock that stamped the newest value, where that is another machine's.
+    struct SourceClock {
+        double _ahead; // seconds before ours
+        double _bound; // seconds by which that may be wrong at most; infinite where nothing is known
+    };
+
     std::string _slot; // its label in the node
     std::string _text;
+    std::optional<SourceClock> _clock{};
 };
 
 struct NodeInfo {

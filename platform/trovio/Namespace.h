@@ -94,8 +94,12 @@ public:
     /// Undoes every connection that routes made to the slot, then forgets it. An unknown label does nothing.
     virtual void removeSlot(const std::string& label);
 
-    /// A copy of everything in and below this namespace, as it was at one moment.
+    /// A copy of everything in and below this namespace, as it was at one moment, but for what belongs to tools.
     NamespaceInfo inspect() const;
+
+    /// The slots that are seen here under the label, each with the activity of where it stands. Costs one look-up,
+    /// unlike inspect().
+    std::vector<SlotInfo> findSlots(const std::string& label) const;
 
     /// Whether records flow from one label seen here to another, through routes and nodes, and if not, the first cause
     /// on the way. '*' as in addRoute: the first pair that does not flow is explained. A record older than staleAfter,
@@ -125,7 +129,9 @@ private:
     static void startAll(const std::vector<Node*>& nodes) OSTREL_EXCLUDES(_treeLock);
     static void stopAll(const std::vector<Node*>& nodes) noexcept OSTREL_EXCLUDES(_treeLock);
     NamespaceInfo inspectLocked() const OSTREL_REQUIRES(_treeLock);
-    /// Calls visit(path, scope) for everything below.
+    /// Unless only what belongs to a tool has changed.
+    void setChanged(const std::string& label) OSTREL_REQUIRES(_treeLock) { _dirty = _dirty || !isForTools(label); }
+    /// Calls visit(path, scope) for everything below, but for what belongs to tools.
     template <class Visit>
     void forEachBelow(const std::string& path, const Visit& visit) const OSTREL_REQUIRES(_treeLock);
 

@@ -162,6 +162,7 @@ TEST(DdsTiming, TakesOutHowFarTheClocksAreApart)
     const auto last = reader->getRemarks();
     ASSERT_EQ(last.size(), 1U);
     EXPECT_NE(last[0]._text.find(" from its source to here, "), std::string::npos) << last[0]._text;
+    EXPECT_LE(std::abs(last[0]._clock.value()._ahead), last[0]._clock.value()._bound);
 }
 
 } // namespace

@@ -224,6 +224,7 @@ TEST_F(Explain, SaysThatRecordsFlow)
     flow();
     expect(Verdict::Flowing, {"'device/out' to 'sensor'", "2 written", "2 taken"});
     expect(Verdict::Flowing, {"'device/out'"}, "device/*");
+    EXPECT_EQ(explain()._passes, (std::vector<std::string>{"device/out", "filter/in", "filter/out", "sensor"}));
     _device->setDegraded("one of two ports is taken");
     flow();
     expect(Verdict::Flowing, {"3 taken", "node 'device' has been degraded", "one of two ports"});
@@ -263,6 +264,51 @@ TEST_F(Explain, NamesTheLabelThatIsMissing)
         expect(row._verdict, {row._says}, row._from, row._to);
     EXPECT_EQ(*explain("devise/out").findText("nearest"), "device/out");
     EXPECT_THROW(explain("device/out", "*"), Trovio::Exception);
+}
+
+/// A tap on the device's out-slot, and a tool that writes into the sensor.
+struct Tools {
+    explicit Tools(Namespace& scene) : _scene(scene)
+    {
+        auto space = std::make_unique<Namespace>();
+        space->addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
+        space->addInSlot("device/out", &_tap);
+        space->addOutSlot("sensor", &_pen);
+        scene.addNamespace("@watch", std::move(space));
+        scene.addRoute("*", "@watch/*");
+        scene.addRoute("@watch/sensor", "sensor");
+    }
+    ~Tools() { _scene.removeNamespace("@watch"); }
+    Tools(const Tools&) = delete;
+    Tools& operator=(const Tools&) = delete;
+
+    Namespace& _scene;
+    InSlot<float> _tap{"tap"};
+    OutSlot<float> _pen{"pen"};
+};
+
+TEST_F(Explain, PassesOverWhatBelongsToTools)
+{
+    const auto isActive = [this] { return _scene.inspect()._children.at(0)._slots.at(0)._active; };
+    flow();
+    _scene.setDirty(false);
+    const Tools tools(_scene);
+    EXPECT_EQ(tools._tap.getCounts().stored, 1U);
+    EXPECT_FALSE(_scene.isDirty());
+    const Trovio::NamespaceInfo info = _scene.inspect();
+    EXPECT_EQ(info._children.size(), 2U);
+    EXPECT_EQ(info._routes.size(), 2U);
+    EXPECT_EQ(info._slots.size(), 4U);
+    EXPECT_EQ(explain()._text.find('@'), std::string::npos) << explain()._text;
+    expect(Verdict::NoMatch, {"none of 2 out-slots"}, "devise/*");
+    EXPECT_TRUE(isActive());
+    _scene.removeRoute("device/out", "filter/in");
+    EXPECT_TRUE(_out.isActive());
+    EXPECT_FALSE(isActive());
+    expect(Verdict::NoRoute, {"no route leads on from 'device/out' (Float) to 'sensor' (Float)"});
+    const auto found = _scene.findSlots("device/out");
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0]._out->_written, 1U);
 }
 
 TEST_F(Explain, CountsSinceTheScenesStart)

@@ -74,7 +74,12 @@ Explanation FlowQuery::findCause(const std::string& from, const std::string& to)
         if (step._obstacles != 0)
             return whyBlocked(_slots, step);
     }
-    return path.empty() ? whyNoRoute(_slots, to, ends, search.reachedOuts()) : _flow.explain(path);
+    if (path.empty())
+        return whyNoRoute(_slots, to, ends, search.reachedOuts());
+    Explanation answer = _flow.explain(path);
+    for (const PathSearch::Step& step : path)
+        answer._passes.push_back(_slots.labelOf(*step._home));
+    return answer;
 }
 
 } // namespace Trovio

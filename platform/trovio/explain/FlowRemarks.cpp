@@ -83,7 +83,7 @@ SlotViewList FlowRemarks::producersOf(const SlotView& home)
     forEachView(home, [&](const SlotView& view) {
         for (const ResolvedRoute* route : view._scope->getResolvedRoutes().under(view._label)) {
             const SlotView* const from = &route->_source->home();
-            if (view._scope->getConnector().whyApart(*route, view).empty() &&
+            if (!route->_route->isForTools() && view._scope->getConnector().whyApart(*route, view).empty() &&
                 std::ranges::find(producers, from) == producers.end())
                 producers.push_back(from);
         }

@@ -18,7 +18,7 @@ MisnamedRoutes::MisnamedRoutes(const VisibleSlots& slots) : _slots(slots)
 {
     std::size_t looked = 0;
     for (const Route* route : slots.getScope().getRoutes().all()) {
-        if (route->_connections != 0 || looked++ >= maxRoutes)
+        if (route->isForTools() || route->_connections != 0 || looked++ >= maxRoutes)
             continue;
         if (route->_from.isLiteral())
             addRepairs(*route, route->_from.getText(), route->_to.getText());

@@ -10,7 +10,7 @@ namespace {
 /// Whether the route may lead to a slot of that label.
 bool mayLeadTo(const RouteRule& route, const std::string& label)
 {
-    return Pattern(route._to.getText()).match(label).has_value();
+    return !route.isForTools() && Pattern(route._to.getText()).match(label).has_value();
 }
 
 /// What is wrong with a route that looks as if it were meant to lead to this label; nothing if there is none.

@@ -1,5 +1,6 @@
 #include "trovio/explain/ScopeInspection.h"
 
+#include "trovio/explain/PathSearch.h"
 #include "trovio/routing/RouteProblems.h"
 #include <algorithm>
 #include <tuple>
@@ -8,18 +9,56 @@ namespace Trovio {
 
 namespace {
 
+/// Calls visit(route, to) for each pair of slots that a route leads between and of which the slot is one.
+template <class Visit>
+void forEachPair(const SlotView& home, const Visit& visit)
+{
+    forEachView(home, [&visit](const SlotView& view) {
+        if (view._ref.in())
+            for (const ResolvedRoute* route : view._scope->getResolvedRoutes().under(view._label))
+                visit(*route, view);
+        else
+            for (const ResolvedRoute* route : view._leading)
+                for (const SlotView* to : view._scope->getViews().under(route->_target))
+                    visit(*route, *to);
+    });
+}
+
+/// Whether the slot has a connection beside those that tools have made.
+bool isActive(const SlotView& home)
+{
+    if (!home._ref._slot->isActive())
+        return false;
+    bool watched = false, used = false;
+    forEachPair(home,
+                [&](const ResolvedRoute& route, const SlotView&) { watched = watched || route._route->isForTools(); });
+    if (!watched)
+        return true;
+    forEachPair(home, [&](const ResolvedRoute& route, const SlotView& to) {
+        used = used || (!route._route->isForTools() && to._scope->getConnector().whyApart(route, to).empty());
+    });
+    return used;
+}
+
+void addActivity(const SlotView& home, SlotInfo& info)
+{
+    info._active = isActive(home);
+    if (home._ref.out())
+        info._out = home._ref.out()->getActivity();
+    else
+        info._in = home._ref.in()->getActivity();
+}
+
 SlotInfo inspectSlot(const SlotView& view)
 {
     const SlotRef& ref = view._ref;
-    SlotInfo info{view._label, ref._slot->getDirection(), ref._slot->getTypeName(), !view._shownBy, {}, {}, {}};
+    SlotInfo info{view._label, ref._slot->getDirection(), ref._slot->getTypeName(), !view._shownBy, {}, {}, {}, {}};
     const SlotView* home = &view;
     for (; home->_origin; home = home->_origin)
         info._home += home->_origin->_scope->getLabel() + "/";
     info._home += home->_label;
-    if (info._own && ref.out())
-        info._out = ref.out()->getActivity();
-    if (info._own && ref.in())
-        info._in = ref.in()->getActivity();
+    if (info._own)
+        addActivity(view, info);
     return info;
 }
 
@@ -27,6 +66,8 @@ std::vector<const SlotView*> sortedViews(const Scope& scope)
 {
     std::vector<const SlotView*> views;
     for (const auto& [label, same] : scope.getViews()) {
+        if (isForTools(label))
+            continue;
         for (const SlotView* view : same)
             views.push_back(view);
     }
@@ -74,9 +115,20 @@ void inspectScope(const Scope& scope, NamespaceInfo& info)
     for (const SlotView* view : sortedViews(scope))
         info._slots.push_back(inspectSlot(*view));
     for (const Route* route : scope.getRoutes().all())
-        info._routes.push_back(inspectRoute(scope, *route));
+        if (!route->isForTools())
+            info._routes.push_back(inspectRoute(scope, *route));
     for (const ExternalRoute* route : scope.getExternalRoutes().all())
         info._externalRoutes.push_back({route->_from.getText(), route->_to.getText(), route->_shown.size()});
+}
+
+std::vector<SlotInfo> inspectSlots(const Scope& scope, const std::string& label)
+{
+    std::vector<SlotInfo> slots;
+    for (const SlotView* view : scope.getViews().under(label)) {
+        slots.push_back(inspectSlot(*view));
+        addActivity(view->home(), slots.back());
+    }
+    return slots;
 }
 
 } // namespace Trovio

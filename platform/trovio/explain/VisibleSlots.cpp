@@ -20,6 +20,8 @@ std::vector<std::string> VisibleSlots::labels(Slot::Direction direction) const
 {
     std::set<std::string> found;
     for (const auto& [label, same] : _here.getViews()) {
+        if (isForTools(label))
+            continue;
         for (const SlotView* view : same) {
             if (view->_ref.is(direction))
                 found.insert(label);

@@ -22,7 +22,7 @@ public:
 
     /// The slots that the scope sees under the label.
     SlotViewList find(const std::string& label, Slot::Direction direction) const;
-    /// All labels under which it sees one, in order.
+    /// All labels under which it sees one that is no tool's, in order.
     std::vector<std::string> labels(Slot::Direction direction) const;
     /// The home of a slot that a namespace below sees, written with or without the labels that lead there; null if none
     /// does.

@@ -54,7 +54,7 @@ std::string closesLoop(const RouteRule& route, const std::vector<Relay::Joint>& 
 void reportOnce(Route& route, const std::string& problem)
 {
     constexpr std::size_t maxReports = 100;
-    if (route._reported.size() < maxReports && route._reported.insert(problem).second)
+    if (!route.isForTools() && route._reported.size() < maxReports && route._reported.insert(problem).second)
         logMessage(osg::LogWarning, problem);
 }
 

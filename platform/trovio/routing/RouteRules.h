@@ -1,5 +1,6 @@
 #pragma once
 
+#include "trovio/Inspection.h"
 #include "trovio/routing/LabelIndex.h"
 #include "trovio/routing/Pattern.h"
 #include "trovio/routing/Serial.h"
@@ -17,6 +18,9 @@ struct RouteRule {
 
     /// For messages.
     std::string quoted() const { return "route '" + _from.getText() + "' -> '" + _to.getText() + "'"; }
+
+    /// It joins slots with those of a tool.
+    bool isForTools() const { return Trovio::isForTools(_from.getText()) || Trovio::isForTools(_to.getText()); }
 
     const std::uint64_t _serial = nextSerial();
     const Pattern _from;

@@ -80,14 +80,14 @@ void Namespace::addRoute(const std::string& from, const std::string& to)
 {
     const LockGuard guard(_treeLock);
     _scope->addRoute(from, to);
-    _dirty = true;
+    setChanged(isForTools(from) ? from : to);
 }
 
 void Namespace::removeRoute(const std::string& from, const std::string& to)
 {
     const LockGuard guard(_treeLock);
     if (_scope->removeRoute(from, to))
-        _dirty = true;
+        setChanged(isForTools(from) ? from : to);
     else
         logMessage(osg::LogWarning, "namespace '" + _label + "' has no route '" + from + "' -> '" + to + "' to remove");
 }
@@ -197,7 +197,7 @@ Namespace::Children::iterator Namespace::link(const std::string& label, std::uni
         child = unlink(position);
         throw;
     }
-    _dirty = true;
+    setChanged(label);
     return position;
 }
 
@@ -276,7 +276,7 @@ std::unique_ptr<Namespace> Namespace::removeNamespace(const std::string& label)
 std::unique_ptr<Namespace> Namespace::takeOut(Children::iterator position) noexcept
 {
     const LockGuard guard(_treeLock);
-    _dirty = true;
+    setChanged(position->first);
     return unlink(position);
 }
 
@@ -356,6 +356,8 @@ template <class Visit>
 void Namespace::forEachBelow(const std::string& path, const Visit& visit) const
 {
     for (const auto& [label, child] : _children) {
+        if (isForTools(label))
+            continue;
         const std::string childPath = path.empty() ? label : path + "/" + label;
         visit(childPath, *child->_scope);
         child->forEachBelow(childPath, visit);
@@ -376,6 +378,12 @@ NamespaceInfo Namespace::inspect() const
     return inspectLocked();
 }
 
+std::vector<SlotInfo> Namespace::findSlots(const std::string& label) const
+{
+    const LockGuard guard(_treeLock);
+    return inspectSlots(*_scope, label);
+}
+
 NamespaceInfo Namespace::inspectLocked() const
 {
     NamespaceInfo info;
@@ -386,7 +394,8 @@ NamespaceInfo Namespace::inspectLocked() const
                               _scope->isRelaying()};
     inspectScope(*_scope, info);
     for (const auto& [label, child] : _children)
-        info._children.push_back(child->inspectLocked());
+        if (!isForTools(label))
+            info._children.push_back(child->inspectLocked());
     return info;
 }
 
