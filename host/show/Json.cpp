@@ -1,5 +1,6 @@
 #include "host/show/Json.h"
 
+#include "explain/ValueJson.h"
 #include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
 #include "ostrel/FieldClass.h"
@@ -11,7 +12,6 @@
 #include <cmath>
 #include <cstdio>
 #include <ctime>
-#include <nlohmann/json.hpp>
 
 namespace Host {
 
@@ -22,34 +22,10 @@ namespace {
 
 using Json = nlohmann::json;
 
-Json json(bool value)
+template <class Value>
+requires std::is_arithmetic_v<Value> || std::is_same_v<Value, std::string> Json json(const Value& value)
 {
-    return value;
-}
-
-Json json(std::int32_t value)
-{
-    return value;
-}
-
-Json json(double value)
-{
-    return value;
-}
-
-// The shortest decimal that is this float, 1.6 and not 1.600000023841858.
-Json json(float value)
-{
-    std::array<char, 32> text{};
-    const auto end = std::to_chars(text.begin(), text.end(), value).ptr;
-    double shortest = value;
-    std::from_chars(text.begin(), end, shortest);
-    return shortest;
-}
-
-Json json(const std::string& value)
-{
-    return value;
+    return valueJson(value);
 }
 
 template <class Number, std::size_t count>
@@ -101,10 +77,8 @@ const char* formatName(std::uint32_t format)
 
 Json json(const osg::ImagePtr& value)
 {
-    return {{"width", value->width()},
-            {"height", value->height()},
-            {"format", formatName(value->pixelFormat())},
-            {"bytes", value->size()}};
+    return imageJson(static_cast<std::uint64_t>(value->width()), static_cast<std::uint64_t>(value->height()),
+                     formatName(value->pixelFormat()), value->size());
 }
 
 Json json(const Ostrel::Node* value)
@@ -113,7 +87,7 @@ Json json(const Ostrel::Node* value)
 }
 
 // Up to `most` elements of a sequence; a single value as it is.
-Json valueJson(Ostrel::Field& field, std::size_t most)
+Json fieldJson(Ostrel::Field& field, std::size_t most)
 {
     return visitField(field, [most]<class FieldClass>(FieldClass& concrete) {
         if constexpr (Multiple<FieldClass>) {
@@ -240,13 +214,13 @@ std::string jsonLine(const JsonTimes& times, const JsonSensor& sensor, Ostrel::F
     line["type"] = sensor._type;
     const std::string head = jsonText(line);
     return head.substr(0, head.size() - 1) +
-           ",\"value\":" + jsonText(valueJson(field, std::numeric_limits<std::size_t>::max())) + "}\n";
+           ",\"value\":" + jsonText(fieldJson(field, std::numeric_limits<std::size_t>::max())) + "}\n";
 }
 
 std::string valueText(Ostrel::Field& field, Digits digits, std::size_t limit)
 {
     // Each element takes two bytes at least.
-    const Json value = valueJson(field, limit / 2 + 1);
+    const Json value = fieldJson(field, limit / 2 + 1);
     return visitField(field, [&]<class FieldClass>(FieldClass& concrete) {
         const TextForm form = formFor<FieldClass>(digits, limit);
         if constexpr (Multiple<FieldClass>)

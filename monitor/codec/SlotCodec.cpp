@@ -1,6 +1,10 @@
 #include "monitor/codec/SlotCodec.h"
 
+#include "explain/text/Escape.h"
+#include "explain/text/JsonText.h"
 #include "monitor/codec/Encode.h"
+#include "monitor/codec/JsonReader.h"
+#include "monitor/codec/JsonWriter.h"
 #include "monitor/codec/Message.h"
 #include "trovio/OutSlot.h"
 #include "trovio/SlotTypes.h"
@@ -31,6 +35,29 @@ private:
     Trovio::OutSlot<T> _slot;
 };
 
+/// What a handle stands for: text needs no object from a pool.
+template <class T>
+struct PlainValue {
+    using Type = T;
+};
+template <class T>
+struct PlainValue<Trovio::SmartPtr<T>> {
+    using Type = T;
+};
+
+bool parse(std::string_view text, nlohmann::json& json, std::string& problem)
+{
+    try {
+        json = nlohmann::json::parse(text);
+        return true;
+    } catch (const nlohmann::json::exception& fault) {
+        // Behind the parser's name for the fault.
+        const std::string_view what = fault.what();
+        problem = "no JSON: " + Explain::escaped(what.substr(std::min(what.find("] ") + 2, what.size())));
+        return false;
+    }
+}
+
 template <class T>
 class TypedCodec final : public SlotCodec {
 public:
@@ -40,12 +67,38 @@ public:
     std::string_view schemaName() const override { return _message._name; }
     const std::string& schemaText() const override { return _message._text; }
 
+    bool toJson(std::span<const std::byte> message, std::string& json, std::string& problem) const override
+    {
+        Plain value{};
+        const bool isRead = decode(message, value, problem);
+        if (isRead)
+            json = Explain::jsonText(jsonOf(value));
+        return isRead;
+    }
+
+    bool fromJson(std::string_view json, Bytes& message, std::string& problem) const override
+    {
+        nlohmann::json parsed;
+        if (!parse(json, parsed, problem))
+            return false;
+        Plain value{};
+        JsonReader reader;
+        const bool isRead = reader.get(parsed, value);
+        if (isRead)
+            encode(Trovio::Data<Plain>(value, {}), message);
+        else
+            problem = reader.problem() + "; a value of type " + _slotType + " is " + jsonForm<Plain>();
+        return isRead;
+    }
+
     std::unique_ptr<AnySource> makeSource(const std::string& name) const override
     {
         return std::make_unique<Source<T>>(name);
     }
 
 private:
+    using Plain = typename PlainValue<T>::Type;
+
     const std::string _slotType;
     const Message _message;
 };

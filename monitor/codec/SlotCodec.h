@@ -1,6 +1,7 @@
 #pragma once
 
 #include "monitor/codec/AnySource.h"
+#include "monitor/codec/Bytes.h"
 
 #include <memory>
 #include <string_view>
@@ -28,6 +29,13 @@ public:
     virtual std::string_view schemaName() const = 0;
     /// As ros2msg: the fields, then each message that they name behind a line of equals signs.
     virtual const std::string& schemaText() const = 0;
+
+    /// A message as the JSON that the host shows for the value, on one line. False, with what is wrong and where, for
+    /// bytes that are no such message.
+    virtual bool toJson(std::span<const std::byte> message, std::string& json, std::string& problem) const = 0;
+    /// The message for a value in JSON; null is a number that is none. False, with what is wrong, where, and what is
+    /// allowed, for a text that is none. Images are refused: JSON says what they are and has no pixels.
+    virtual bool fromJson(std::string_view json, Bytes& message, std::string& problem) const = 0;
 
     /// A slot of that name. Images and arrays come from the pools of the product.
     virtual std::unique_ptr<AnySource> makeSource(const std::string& name) const = 0;
