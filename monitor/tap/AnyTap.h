@@ -20,7 +20,7 @@ struct TapRecord {
 
 /// How much a tap keeps between two drains.
 struct TapSize {
-    std::size_t _bytes = 64 * 1024; // of plain values
+    std::size_t _bytes = 64 * 1024; // of records with plain values, and once more of texts too long to stand in them
     std::size_t _handles = 4;       // of images and arrays, each of which keeps its pooled object
 };
 
@@ -34,15 +34,16 @@ public:
     virtual ~AnyTap() = default;
 
     virtual Trovio::BasicInSlot& slot() = 0;
-    /// Hands out what the ring holds, oldest first. One thread at a time, not a pushing one.
-    virtual void drain(const std::function<void(TapRecord&&)>& use) = 0;
-    /// Records that were pushed into it, refused ones included.
+    /// Hands out what the ring holds, oldest first. wallAtZero: what the wall clock says, in nanoseconds, when the
+    /// steady clock says 0. One thread at a time, not a pushing one.
+    virtual void drain(std::int64_t wallAtZero, const std::function<void(TapRecord&&)>& use) = 0;
+    /// Records that were pushed into it: those that drain() handed out or will, and those that it refused.
     virtual std::uint64_t seen() const = 0;
-    /// Records that found the ring full.
+    /// Records that found the ring full, or no memory.
     virtual std::uint64_t refused() const = 0;
 };
 
-/// A tap for slots of that type. Null if that is no slot type.
+/// A tap for slots of that type; its memory is taken at once. Null if that is no slot type.
 std::unique_ptr<AnyTap> makeTap(std::string_view slotType, const TapSize& size);
 
 } // namespace Monitor

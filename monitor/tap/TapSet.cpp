@@ -1,0 +1,175 @@
+#include "monitor/tap/TapSet.h"
+
+#include "trovio/Exception.h"
+#include "trovio/Root.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace Monitor {
+namespace {
+
+using Trovio::Root;
+
+constexpr std::int64_t renewalPeriod = 1'000'000'000;
+constexpr std::size_t fullTaps = 1'000;
+
+template <class Clock>
+std::int64_t nanoseconds()
+{
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch()).count();
+}
+
+std::int64_t wallAtZero()
+{
+    const std::int64_t before = nanoseconds<std::chrono::steady_clock>();
+    const std::int64_t wall = nanoseconds<std::chrono::system_clock>();
+    const std::int64_t after = nanoseconds<std::chrono::steady_clock>();
+    return wall - before - (after - before) / 2;
+}
+
+/// Of the out-slot that stands under the label; null if none does.
+const SlotCodec* codecAt(const std::string& label)
+{
+    for (const Trovio::SlotInfo& slot : Root::get().findSlots(label))
+        if (slot._direction == Trovio::Slot::Direction::Out)
+            return SlotCodec::find(slot._typeName);
+    return nullptr;
+}
+
+} // namespace
+
+TapSet::TapSet(const TapSize& size, const std::string& name) : _size(size)
+{
+    auto space = std::make_unique<Trovio::Namespace>();
+    space->addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
+    _space = Root::get().addNamespace(name, std::move(space));
+}
+
+TapSet::~TapSet()
+{
+    const Ostrel::LockGuard guard(_lock);
+    for (const auto& [label, watched] : _watched)
+        unwire(label);
+    Root::get().removeNamespace(_space);
+}
+
+bool TapSet::add(const std::string& label)
+{
+    const Ostrel::LockGuard guard(_lock);
+    if (const auto known = _watched.find(label); known != _watched.end()) {
+        ++known->second->_users;
+        return true;
+    }
+    auto watched = makeWatched(label, {label});
+    if (!watched)
+        return false;
+    const auto added = _watched.emplace(label, watched).first;
+    try {
+        wire(*watched);
+    } catch (const Trovio::Exception&) { // a label that is too long for a route
+        _watched.erase(added);
+        return false;
+    } catch (...) {
+        _watched.erase(added);
+        throw;
+    }
+    return true;
+}
+
+void TapSet::remove(const std::string& label)
+{
+    const Ostrel::LockGuard guard(_lock);
+    const auto known = _watched.find(label);
+    if (known == _watched.end() || --known->second->_users != 0)
+        return;
+    unwire(label);
+    _watched.erase(known);
+}
+
+std::shared_ptr<TapSet::Watched> TapSet::makeWatched(const std::string& label, const TapCounts& before) const
+{
+    const SlotCodec* const codec = codecAt(label);
+    if (!codec)
+        return nullptr;
+    const TapSize size = _watched.size() < fullTaps ? _size : TapSize{_size._bytes / 16, 1};
+    return std::shared_ptr<Watched>(new Watched{label, *codec, makeTap(codec->slotType(), size), before});
+}
+
+/// A route of its own for each label, so that slots that nobody looks at cost nothing.
+void TapSet::wire(Watched& watched) const
+{
+    Trovio::Namespace& space = *Root::get().getNamespace(_space);
+    space.addInSlot(watched._label, &watched._tap->slot());
+    try {
+        Root::get().addRoute(watched._label, _space + "/" + watched._label);
+    } catch (...) {
+        space.removeSlot(watched._label);
+        throw;
+    }
+}
+
+void TapSet::unwire(const std::string& label) const
+{
+    Root::get().getNamespace(_space)->removeSlot(label);
+    Root::get().removeRoute(label, _space + "/" + label);
+}
+
+/// A node may have been replaced by one whose slot is of another type, to which the tap does not connect.
+void TapSet::renewTypes(std::int64_t now)
+{
+    if (now < _nextRenewal)
+        return;
+    _nextRenewal = now + renewalPeriod;
+    for (auto& [label, watched] : _watched) {
+        const SlotCodec* const codec = watched->_tap->slot().isActive() ? &watched->_codec : codecAt(label);
+        if (!codec || codec == &watched->_codec)
+            continue;
+        const auto renewed = makeWatched(label, countsOf(*watched));
+        if (!renewed)
+            continue;
+        renewed->_users = watched->_users;
+        unwire(label);
+        watched = renewed;
+        wire(*watched);
+    }
+}
+
+std::vector<TapSet::Arrived> TapSet::collect()
+{
+    const Ostrel::LockGuard guard(_lock);
+    const std::int64_t wall = wallAtZero();
+    std::vector<Arrived> arrived;
+    for (const auto& [label, watched] : _watched)
+        watched->_tap->drain(wall, [&arrived, &watched = watched](TapRecord&& record) {
+            ++watched->_drained;
+            arrived.push_back({watched, std::move(record)});
+        });
+    renewTypes(nanoseconds<std::chrono::steady_clock>());
+    return arrived;
+}
+
+void TapSet::drain(const Use& use)
+{
+    std::vector<Arrived> arrived = collect();
+    std::ranges::stable_sort(arrived, {}, [](const Arrived& record) { return record._record._arrival; });
+    for (Arrived& record : arrived)
+        use(record._watched->_label, record._watched->_codec, std::move(record._record));
+}
+
+TapCounts TapSet::countsOf(const Watched& watched)
+{
+    return {watched._label, watched._before._seen + watched._tap->seen(), watched._before._drained + watched._drained,
+            watched._before._refused + watched._tap->refused()};
+}
+
+std::vector<TapCounts> TapSet::getCounts() const
+{
+    const Ostrel::LockGuard guard(_lock);
+    std::vector<TapCounts> counts;
+    for (const auto& [label, watched] : _watched)
+        counts.push_back(countsOf(*watched));
+    return counts;
+}
+
+} // namespace Monitor

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "base/Mutex.h"
+#include "monitor/codec/SlotCodec.h"
+#include "monitor/tap/AnyTap.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Monitor {
+
+/// What became of the records that a slot pushed while it was looked at. When nobody pushes, after a drain:
+/// seen == drained + refused.
+struct TapCounts {
+    std::string _label;
+    std::uint64_t _seen = 0, _drained = 0, _refused = 0;
+};
+
+/// Looks at out-slots of the tree, with one tap for each, whoever looks. The taps stand in a namespace of their own
+/// below the root, and a route leads from each slot to its tap: so a tap gets the slot's last value at once, and leaves
+/// and comes back with it. Nothing of that is seen by inspect() and explain().
+/// Ownership: made while the root is open, and destroyed before Trovio::Root::shutdown(): taps hold pooled objects.
+/// Threads:   any, any operation.
+class TapSet {
+public:
+    /// size: of each of the first 1,000 taps; those beyond get a sixteenth, so that who looks at everything does not
+    /// use up memory. name: of the namespace, with "@" before it; a taken one gets a number.
+    explicit TapSet(const TapSize& size = {}, const std::string& name = "@watch");
+    ~TapSet();
+    TapSet(const TapSet&) = delete;
+    TapSet& operator=(const TapSet&) = delete;
+
+    /// Looks at the out-slot with that label, as the root sees it; each call asks for one remove(). False, and looks at
+    /// nothing, if there is none now.
+    bool add(const std::string& label) OSTREL_EXCLUDES(_lock);
+    void remove(const std::string& label) OSTREL_EXCLUDES(_lock);
+
+    /// Hands out what has come, by the time of its arrival. The codec is that of the slot's type, which may change when
+    /// a node is replaced. What `use` throws goes on; the rest of that round is lost then. Under no lock.
+    using Use = std::function<void(const std::string& label, const SlotCodec& codec, TapRecord&& record)>;
+    void drain(const Use& use) OSTREL_EXCLUDES(_lock);
+
+    /// By label, of all that are looked at now.
+    std::vector<TapCounts> getCounts() const OSTREL_EXCLUDES(_lock);
+
+private:
+    struct Watched {
+        const std::string _label;
+        const SlotCodec& _codec;
+        const std::unique_ptr<AnyTap> _tap;
+        const TapCounts _before;    // of taps that stood here before
+        std::size_t _users = 1;     // under the lock, as the next
+        std::uint64_t _drained = 0; // by this tap
+    };
+    struct Arrived {
+        std::shared_ptr<const Watched> _watched; // its tap may have been removed meanwhile
+        TapRecord _record;
+    };
+
+    /// Null if there is no such out-slot.
+    std::shared_ptr<Watched> makeWatched(const std::string& label, const TapCounts& before) const
+        OSTREL_REQUIRES(_lock);
+    static TapCounts countsOf(const Watched& watched);
+    void wire(Watched& watched) const;
+    void unwire(const std::string& label) const;
+    void renewTypes(std::int64_t now) OSTREL_REQUIRES(_lock);
+    std::vector<Arrived> collect() OSTREL_EXCLUDES(_lock);
+
+    const TapSize _size;
+    std::string _space; // label of the namespace
+
+    // Unranked, and before the tree's: taps are wired under it.
+    mutable Ostrel::Mutex _lock;
+    std::map<std::string, std::shared_ptr<Watched>> _watched OSTREL_GUARDED_BY(_lock);
+    std::int64_t _nextRenewal OSTREL_GUARDED_BY(_lock) = 0; // nanoseconds of the steady clock
+};
+
+} // namespace Monitor

@@ -1,0 +1,180 @@
+#include "monitor/tap/TapSet.h"
+#include "tests/support/AllocationCount.h"
+#include "trovio/OutSlot.h"
+#include "trovio/Root.h"
+#include "trovio/Values.h"
+
+#include <gtest/gtest.h>
+#include <latch>
+#include <thread>
+
+using namespace Monitor;
+using namespace Trovio;
+
+namespace {
+
+/// A root with a namespace "scene" whose slots it shows.
+class TapSetTest : public ::testing::Test {
+protected:
+    TapSetTest() { Root::init(); }
+    ~TapSetTest() override { Root::shutdown(); }
+
+    static void stand(const std::string& label, BasicOutSlot& slot)
+    {
+        auto space = std::make_unique<Namespace>();
+        space->addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
+        space->addOutSlot("value", &slot);
+        Root::get().addNamespace(label, std::move(space));
+    }
+
+    static std::size_t drain(TapSet& taps)
+    {
+        std::size_t count = 0;
+        taps.drain([&count](const std::string&, const SlotCodec&, TapRecord&&) { ++count; });
+        return count;
+    }
+
+    static void expectCounts(const TapSet& taps, std::uint64_t seen, std::uint64_t drained)
+    {
+        const std::vector<TapCounts> counts = taps.getCounts();
+        ASSERT_EQ(counts.size(), 1U);
+        EXPECT_EQ(counts[0]._seen, seen);
+        EXPECT_EQ(counts[0]._drained, drained);
+        EXPECT_EQ(counts[0]._refused, seen - drained);
+    }
+};
+
+TEST_F(TapSetTest, LooksAtASlotOnceWhoeverLooks)
+{
+    OutSlot<float> out("out");
+    stand("scene", out);
+    out.push(Data<float>(1, Time(5)));
+    {
+        TapSet taps;
+        EXPECT_FALSE(taps.add("scene/other"));
+        EXPECT_TRUE(taps.add("scene/value"));
+        EXPECT_TRUE(taps.add("scene/value"));
+        out.push(Data<float>(2, Time(6)));
+        std::vector<double> stamps;
+        std::int64_t last = 0;
+        taps.drain([&](const std::string& label, const SlotCodec& codec, TapRecord&& record) {
+            EXPECT_EQ(label, "scene/value");
+            EXPECT_EQ(codec.slotType(), "Float");
+            EXPECT_GE(record._arrival, last);
+            last = record._arrival;
+            stamps.push_back(record._stamp.getSeconds());
+        });
+        EXPECT_EQ(stamps, (std::vector<double>{5, 6})) << "the last value comes at once";
+        EXPECT_NEAR(static_cast<double>(last) / 1e9, Time::getCurrentTime().getSeconds(), 60);
+        taps.remove("scene/value");
+        EXPECT_TRUE(out.isActive());
+        taps.remove("scene/value");
+        EXPECT_FALSE(out.isActive());
+        EXPECT_TRUE(taps.add("scene/value"));
+    }
+    EXPECT_FALSE(out.isActive());
+}
+
+TEST_F(TapSetTest, ComesBackWithItsNodeWhateverTypeThatHasThen)
+{
+    OutSlot<float> narrow("narrow");
+    OutSlot<double> wide("wide");
+    stand("scene", narrow);
+    TapSet taps;
+    ASSERT_TRUE(taps.add("scene/value"));
+    narrow.push(Data<float>(1));
+    Root::get().removeNamespace("scene");
+    narrow.push(Data<float>(2));
+    stand("scene", narrow); // brings its last value
+    Root::get().removeNamespace("scene");
+    stand("scene", wide);
+    wide.push(Data<double>(3));
+    EXPECT_EQ(drain(taps), 2U);
+    EXPECT_EQ(drain(taps), 1U) << "the first drain saw that the type is another one";
+    expectCounts(taps, 3, 3);
+}
+
+TEST_F(TapSetTest, KeepsNoMoreThanItsSizeAllows)
+{
+    OutSlot<std::string> texts("texts");
+    stand("scene", texts);
+    TapSet taps(TapSize{1'000, 2});
+    ASSERT_TRUE(taps.add("scene/value"));
+    for (const std::size_t length : {900, 200, 100, 2'000, 0})
+        texts.push(Data<std::string>(std::string(length, 'x')));
+    EXPECT_EQ(drain(taps), 3U) << "900, 100 and 0";
+    texts.push(Data<std::string>(std::string(2'000, 'x')));
+    EXPECT_EQ(drain(taps), 1U) << "one text may be longer than all together";
+    expectCounts(taps, 6, 4);
+}
+
+TEST_F(TapSetTest, AllocatesNothingWhereItIsPushedAndGivesPooledObjectsBack)
+{
+    using Array = SharedVector<float>;
+    OutSlot<Array> out("out");
+    stand("scene", out);
+    TapSet taps(TapSize{1'000, 2});
+    ASSERT_TRUE(taps.add("scene/value"));
+    const auto makeRecord = [] {
+        Array array;
+        array.acquire();
+        return Data<Array>(array, Time(1));
+    };
+    std::vector<Data<Array>> records;
+    for (int i = 0; i < 3; ++i)
+        records.push_back(makeRecord());
+    const AllocationCount allocations;
+    for (const Data<Array>& record : records)
+        out.push(record);
+    EXPECT_EQ(allocations.since(), 0U);
+    const std::vector<float>* const first = records.front().getValue().get();
+    records.erase(records.begin());
+    EXPECT_NE(makeRecord().getValue().get(), first) << "the tap keeps it";
+    EXPECT_EQ(drain(taps), 2U);
+    EXPECT_EQ(makeRecord().getValue().get(), first) << "what was freed last is taken first";
+    expectCounts(taps, 3, 2);
+}
+
+TEST_F(TapSetTest, CountsEveryRecordOfManyPushers)
+{
+    constexpr int pushers = 3, records = 4'000;
+    std::vector<std::unique_ptr<OutSlot<Vec3<float>>>> outs;
+    TapSet taps(TapSize{2'000, 1}); // so small that some are refused
+    for (int i = 0; i < pushers; ++i) {
+        stand("scene" + std::to_string(i), *outs.emplace_back(std::make_unique<OutSlot<Vec3<float>>>("out")));
+        ASSERT_TRUE(taps.add("scene" + std::to_string(i) + "/value"));
+    }
+    std::latch start(pushers + 1);
+    std::atomic<int> running = pushers;
+    std::vector<std::thread> threads;
+    for (const auto& out : outs)
+        threads.emplace_back([&] {
+            start.arrive_and_wait();
+            for (int i = 1; i <= records; ++i)
+                out->push(Data<Vec3<float>>(Vec3<float>(1, 2, 3), Time(i)));
+            --running;
+        });
+    start.arrive_and_wait();
+    std::map<std::string, std::uint64_t> drained;
+    std::map<std::string, double> newest;
+    for (bool last = false; !last;) {
+        last = running == 0;
+        std::int64_t arrival = 0;
+        taps.drain([&](const std::string& label, const SlotCodec&, TapRecord&& record) {
+            ++drained[label];
+            EXPECT_LT(newest[label], record._stamp.getSeconds());
+            newest[label] = record._stamp.getSeconds();
+            EXPECT_LE(arrival, record._arrival);
+            arrival = record._arrival;
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const TapCounts& counts : taps.getCounts()) {
+        EXPECT_EQ(counts._seen, static_cast<std::uint64_t>(records));
+        EXPECT_EQ(counts._drained, drained[counts._label]);
+        EXPECT_EQ(counts._seen, counts._drained + counts._refused);
+    }
+}
+
+} // namespace
