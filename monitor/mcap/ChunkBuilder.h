@@ -1,0 +1,49 @@
+#pragma once
+
+#include "monitor/mcap/RecordBytes.h"
+#include "monitor/mcap/RecordParts.h"
+
+namespace Monitor::Mcap {
+
+/// A chunk that is being filled: messages, and the schemas and channels that come up in it first.
+/// Threads: one at a time; it may be handed from one to the next.
+class ChunkBuilder {
+public:
+    ChunkBuilder();
+
+    void add(const Schema& schema);
+    void add(const Channel& channel);
+    void add(const Message& message);
+
+    std::size_t size() const { return _bytes.size(); }
+    std::uint64_t messages() const { return _index.size(); }
+    /// A chunk without messages has no time, so readers would let the file begin in 1970: it is not to be written.
+    bool empty() const { return _index.empty(); }
+
+    const std::vector<Schema>& schemas() const { return _schemas; }
+    const std::vector<Channel>& channels() const { return _channels; }
+
+    enum class Compression { None, Zstd };
+
+    /// The chunk's record with the indexes of its messages behind it, as they stand in a file from `offset` on, and how
+    /// the summary names it. Takes what was added; the builder is not to be used any more.
+    struct Packed {
+        Bytes _bytes;
+        std::uint32_t _checksum = 0; // of _bytes
+        ChunkIndex _index;
+        ChunkMessages _messages;
+    };
+    Packed pack(std::uint64_t offset, Compression compression = Compression::None);
+
+private:
+    Bytes _bytes;                                             // the head's room, then the records
+    std::vector<std::pair<std::uint16_t, IndexEntry>> _index; // as they came: sorted by channel once, in pack()
+    std::vector<Schema> _schemas;
+    std::vector<Channel> _channels;
+    TimeSpan _times;
+};
+
+/// Appends the message indexes of a chunk, from `offset` of the file on, and puts their places into `index`.
+void appendMessageIndexes(Bytes& bytes, std::uint64_t offset, const ChunkMessages& messages, ChunkIndex& index);
+
+} // namespace Monitor::Mcap

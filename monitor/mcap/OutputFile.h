@@ -1,0 +1,30 @@
+#pragma once
+
+#include "monitor/mcap/Format.h"
+
+#include <memory>
+#include <system_error>
+
+namespace Monitor::Mcap {
+
+/// The file that a recording is written to. Tests hand in one that logs what is done to it, or fails.
+/// Threads: one at a time. Each operation may block for as long as the disk takes.
+class OutputFile {
+public:
+    virtual ~OutputFile() = default;
+
+    /// Writes all the bytes in one go, over what stands there. After an error any part of them may stand.
+    virtual std::error_code write(std::uint64_t offset, ByteView bytes) = 0;
+    virtual std::error_code setSize(std::uint64_t size) = 0;
+    /// Returns once all that was written is on the disk.
+    virtual std::error_code sync() = 0;
+    /// Bytes that still fit; the largest number where nobody knows.
+    virtual std::uint64_t room() const = 0;
+
+    /// A file that does not exist yet, which no other program finishes or writes to meanwhile. Throws
+    /// std::runtime_error, with what helps, where it cannot be made.
+    static std::unique_ptr<OutputFile> create(const std::string& path);
+    /// One that exists, to be mended. Throws likewise, also where another program is writing to it.
+    static std::unique_ptr<OutputFile> open(const std::string& path);
+};
+} // namespace Monitor::Mcap

@@ -1,0 +1,190 @@
+#include "monitor/mcap/Recording.h"
+
+#include "explain/text/Escape.h"
+
+#include <algorithm>
+#include <csignal>
+#include <pthread.h>
+#include <stdexcept>
+
+namespace Monitor::Mcap {
+
+namespace {
+
+// The threads of the program handle signals.
+std::thread threadWithoutSignals(std::function<void()> body)
+{
+    sigset_t all, before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, &before);
+    try {
+        std::thread thread(std::move(body));
+        pthread_sigmask(SIG_SETMASK, &before, nullptr);
+        return thread;
+    } catch (...) {
+        pthread_sigmask(SIG_SETMASK, &before, nullptr);
+        throw;
+    }
+}
+} // namespace
+
+Recording::Recording(std::string title, std::unique_ptr<OutputFile> file, std::string library,
+                     const RecordingLimits& limits)
+    : _title(std::move(title)),
+      _limits(limits),
+      _file(std::move(file)),
+      _thread(threadWithoutSignals([this, library = std::move(library)] { writeAll(library); }))
+{
+    pthread_setname_np(_thread.native_handle(), "recording");
+}
+
+Recording::~Recording()
+{
+    finish();
+}
+
+std::uint16_t Recording::numberOf(const Schema& schema)
+{
+    if (schema._name.empty())
+        return 0;
+    Schema numbered = schema;
+    for (const Schema& known : _schemas) {
+        numbered._id = known._id;
+        if (numbered == known)
+            return known._id;
+    }
+    numbered._id = static_cast<std::uint16_t>(_schemas.size() + 1);
+    _schemas.push_back(std::move(numbered));
+    return _schemas.back()._id;
+}
+
+std::uint16_t Recording::addChannel(const std::string& topic, const std::string& encoding, const Schema& schema)
+{
+    if (_channels.size() >= mostChannels)
+        throw std::length_error("a recording has at most 65,535 channels; record fewer slots");
+    const auto id = static_cast<std::uint16_t>(_channels.size() + 1);
+    _channels.push_back({{id, numberOf(schema), topic, encoding, {}}, 0});
+    return id;
+}
+
+bool Recording::add(std::uint16_t channel, std::uint64_t logTime, std::uint64_t publishTime, ByteView data)
+{
+    if (data.size() > mostRecord / 2) // its chunk holds more
+        return false;
+    for (; _schemasWritten < _schemas.size(); ++_schemasWritten)
+        _chunk.add(_schemas[_schemasWritten]);
+    for (; _channelsWritten < _channels.size(); ++_channelsWritten)
+        _chunk.add(_channels[_channelsWritten]._channel);
+    Sequence& sequence = _channels[channel - 1U];
+    _chunk.add(Message{channel, sequence._next++, logTime, publishTime, data});
+    if (_chunk.size() >= _limits._chunk)
+        flush();
+    return true;
+}
+
+void Recording::flush()
+{
+    if (_chunk.empty())
+        return;
+    const std::size_t size = _chunk.size();
+    ChunkBuilder full;
+    std::swap(full, _chunk);
+    hand({[chunk = std::move(full)](GrowingFile& file) mutable { return file.add(std::move(chunk)); }, size});
+}
+
+void Recording::attach(const std::string& name, const std::string& mediaType, std::string_view data, std::uint64_t time)
+{
+    const auto write = [=, bytes = std::string(data)](GrowingFile& file) {
+        return file.add(Attachment{time, time, name, mediaType, asBytes(bytes)});
+    };
+    hand({write, data.size()});
+}
+
+void Recording::note(Metadata metadata)
+{
+    hand({[metadata = std::move(metadata)](GrowingFile& file) { return file.add(metadata); }, 0});
+}
+
+void Recording::hand(Job&& job)
+{
+    const Ostrel::LockGuard guard(_lock);
+    if (!_status._problem.empty())
+        return;
+    _status._waiting += job._bytes;
+    _jobs.push_back(std::move(job));
+    _changed.notify_all();
+}
+
+bool Recording::hasRoom() const
+{
+    const Ostrel::LockGuard guard(_lock);
+    return _status._waiting < _limits._waiting;
+}
+
+void Recording::waitForRoom()
+{
+    const Ostrel::LockGuard guard(_lock);
+    while (_status._waiting >= _limits._waiting)
+        _changed.wait(_lock);
+}
+
+RecordingStatus Recording::status() const
+{
+    const Ostrel::LockGuard guard(_lock);
+    return _status;
+}
+
+std::optional<Recording::Job> Recording::nextJob()
+{
+    const Ostrel::LockGuard guard(_lock);
+    while (_jobs.empty() && !_ending)
+        _changed.wait(_lock);
+    if (_jobs.empty())
+        return std::nullopt;
+    Job job = std::move(_jobs.front());
+    _jobs.pop_front();
+    return job;
+}
+
+// The thread.
+void Recording::writeAll(const std::string& library)
+{
+    told(_file.begin(library));
+    while (auto job = nextJob()) {
+        told(job->_do(_file));
+        const Ostrel::LockGuard guard(_lock);
+        _status._waiting -= job->_bytes;
+        _changed.notify_all();
+    }
+    told(_file.close());
+}
+
+void Recording::told(std::error_code error)
+{
+    const std::uint64_t room = _file.room();
+    const Ostrel::LockGuard guard(_lock);
+    _status._messages = _file.messages();
+    _status._size = _file.size();
+    _status._room = room;
+    if (error && _status._problem.empty())
+        _status._problem = "recording " + Explain::inQuotes(_title) + " ended: " + error.message() + " at byte " +
+                           std::to_string(_file.size()) + "; the " + std::to_string(_file.messages()) +
+                           " messages before are kept; " +
+                           (error == std::errc::no_space_on_device || error == std::errc::file_too_large
+                                ? "make room, or record to another disk"
+                                : "look after the disk, or record to another one");
+}
+
+std::string Recording::finish()
+{
+    flush();
+    {
+        const Ostrel::LockGuard guard(_lock);
+        _ending = true;
+        _changed.notify_all();
+    }
+    if (_thread.joinable())
+        _thread.join();
+    return status()._problem;
+}
+} // namespace Monitor::Mcap
