@@ -8,20 +8,28 @@
 
 namespace Host {
 
-enum class Format { Automatic, Table, Lines, Json, Text, Dot };
+enum class Format { Automatic, Table, Lines, Json, Text, Csv, Dot };
 
 /// What the caller asked for; each verb reads what concerns it.
 struct Options {
-    std::vector<std::string> _names; // scenes of run and check, names for nodes and types
+    static constexpr std::uint64_t Endless = std::numeric_limits<std::uint64_t>::max();
+
+    std::vector<std::string> _names; // scenes of run and check, names for nodes and types, what why is asked
     double _seconds = std::numeric_limits<double>::infinity();
-    std::uint64_t _frames = std::numeric_limits<std::uint64_t>::max();
+    std::uint64_t _frames = Endless;
     std::optional<double> _rate; // frames per second, instead of the scene's
     Format _format = Format::Automatic;
-    Format _graph = Format::Automatic; // of check; Automatic for none
-    std::string _from, _to;            // labels of why
-    std::string _filter;               // of run
+    Format _graph = Format::Automatic; // of check, where Automatic is none, and of graph
+    std::string _from, _to;            // labels of why and delay
+    std::string _filter;               // of run and watch
     double _staleAfter = 1;            // seconds
     double _patience = 1;              // seconds
+    std::string _host;                 // process ID or socket of a host that runs; empty for the only one
+    std::string _label, _value;        // of pub, which may be "-"; the label of echo, hz and bw, too
+    std::uint64_t _count = Endless;    // records or lines
+    std::optional<double> _repeat;     // records per second of pub
+    bool _stampNow = false;            // not as they were stamped before
+    bool _onlyNames = false;           // of list
     bool _strict = false;
     bool _quiet = false;
     bool _verbose = false;

@@ -63,6 +63,30 @@ void addSeconds(CLI::App& app, const char* option, const char* help, double& sec
     app.add_option(option, seconds, help)->type_name("S")->check(between(0, 1e9, "a number of seconds above 0"));
 }
 
+void addFilter(CLI::App& app, Options& options)
+{
+    app.add_option("--filter", options._filter,
+                   "show only sensors with this text in their name or label; '*' stands for any text")
+        ->type_name("PATTERN")
+        ->check(filterText());
+}
+
+void addHost(CLI::App& app, Options& options)
+{
+    app.add_option("--host", options._host, "the host to ask, by its process ID or its socket, where several run")
+        ->type_name("PID|PATH");
+}
+
+void addLabel(CLI::App& app, const char* name, const char* help, std::string& label)
+{
+    app.add_option(name, label, help)->required();
+}
+
+void addCount(CLI::App& app, const char* help, Options& options)
+{
+    app.add_option("-n", options._count, help)->type_name("N")->check(between(0, 1e15, "a number above 0"));
+}
+
 void addScenes(CLI::App& app, Options& options)
 {
     app.add_option("SCENE", options._names, "scene files, one context each")->required();
@@ -96,10 +120,7 @@ void scenesAndRunOptions(CLI::App& app, Options& options)
         ->check(between(0, maxRate, "a rate above 0 and up to 10000 frames per second"));
     addFormat(app, "--format", "how values are shown: table, lines or json", options._format,
               {{"table", Format::Table}, {"lines", Format::Lines}, {"json", Format::Json}});
-    app.add_option("--filter", options._filter,
-                   "show only sensors with this text in their name or label; '*' stands for any text")
-        ->type_name("PATTERN")
-        ->check(filterText());
+    addFilter(app, options);
     app.add_flag("--strict", options._strict, "refuse scenes of which a handler or a node cannot be made");
     app.add_flag("--quiet", options._quiet, "show no values, only messages");
     app.add_flag("--verbose", options._verbose, "show the library's informational lines");
@@ -114,18 +135,87 @@ void scenesAndGraph(CLI::App& app, Options& options)
     addScenes(app, options);
 }
 
-void sceneAndLabels(CLI::App& app, Options& options)
+void whyAndWhere(CLI::App& app, Options& options)
 {
-    const auto addScene = [&options](const std::string& scene) { options._names.push_back(scene); };
-    app.add_option_function<std::string>("SCENE", addScene, "scene file")->required();
-    app.add_option("FROM", options._from, "label that records come from; '*' stands for any text")->required();
-    app.add_option("TO", options._to, "label that they shall get to")->required();
-    addSeconds(app, "--seconds", "give up after this many seconds", options._seconds);
-    addSeconds(app, "--stale", "age from which a record is stale; 1 if not given", options._staleAfter);
-    addSeconds(app, "--patience",
-               "how long a cause must last that may pass; 1 if not given, never above half of --seconds",
-               options._patience);
+    app.add_option(
+           "LABELS", options._names,
+           "SCENE FROM TO: runs the scene, unless a host does; FROM TO: asks a running host; nothing: asks it for "
+           "all that does not flow. FROM is the label that records come from, where '*' stands for any text, TO "
+           "the one that they shall get to")
+        ->expected(0, 3);
+    addHost(app, options);
+    addSeconds(app, "--seconds", "for a scene that is run: give up after this many seconds", options._seconds);
+    addSeconds(app, "--stale", "for such a scene: age from which a record is stale; 1 if not given",
+               options._staleAfter);
+    addSeconds(
+        app, "--patience",
+        "for such a scene: how long a cause must last that may pass; 1 if not given, never above half of --seconds",
+        options._patience);
     addFormat(app, "--format", "text or json", options._format, {{"text", Format::Text}, {"json", Format::Json}});
+}
+
+void listing(CLI::App& app, Options& options)
+{
+    addHost(app, options);
+    app.add_flag("--names", options._onlyNames, "only labels and names, one on a line, at once");
+    addFormat(app, "--format", "text or json", options._format, {{"text", Format::Text}, {"json", Format::Json}});
+}
+
+void labelAndFormat(CLI::App& app, Options& options)
+{
+    addLabel(app, "LABEL", "of a slot, or the name of a sensor", options._label);
+    addHost(app, options);
+    app.add_flag_callback(
+        "--once", [&options] { options._count = 1; }, "only one record");
+    addCount(app, "end after so many records", options);
+    addSeconds(app, "--seconds", "end after this many seconds", options._seconds);
+    addFormat(app, "--format", "text, json or csv", options._format,
+              {{"text", Format::Text}, {"json", Format::Json}, {"csv", Format::Csv}});
+}
+
+void label(CLI::App& app, Options& options)
+{
+    addLabel(app, "LABEL", "of a slot", options._label);
+    addHost(app, options);
+    addCount(app, "end after so many lines, one a second", options);
+}
+
+void twoLabels(CLI::App& app, Options& options)
+{
+    addLabel(app, "FROM", "label that records come from", options._from);
+    addLabel(app, "TO", "label that they get to", options._to);
+    addHost(app, options);
+    app.add_option("--seconds", options._seconds, "measure for so long; 2 if not given")
+        ->type_name("S")
+        ->check(between(0, 60, "a number of seconds above 0 and up to 60"));
+    addFormat(app, "--format", "text or json", options._format, {{"text", Format::Text}, {"json", Format::Json}});
+}
+
+void labelAndValue(CLI::App& app, Options& options)
+{
+    addLabel(app, "LABEL", "of a slot that takes values", options._label);
+    addLabel(app, "VALUE",
+             "as JSON, where a text needs no quotes; - for what 'echo --format json' writes, from standard input",
+             options._value);
+    addHost(app, options);
+    app.add_option("-r", options._repeat, "so many records a second, again and again")
+        ->type_name("HZ")
+        ->check(between(0, 1e5, "a rate above 0 and up to 100000 records per second"));
+    addCount(app, "end after so many records", options);
+    app.add_flag("--now", options._stampNow, "stamp what standard input has with the time at which it is published");
+}
+
+void graphForm(CLI::App& app, Options& options)
+{
+    addHost(app, options);
+    addFormat(app, "--format", "text, json or dot", options._graph,
+              {{"text", Format::Text}, {"json", Format::Json}, {"dot", Format::Dot}});
+}
+
+void tableOptions(CLI::App& app, Options& options)
+{
+    addHost(app, options);
+    addFilter(app, options);
 }
 } // namespace Arguments
 } // namespace Host

@@ -17,6 +17,15 @@ void names(CLI::App& app, Options& options);
 void namesAndFormat(CLI::App& app, Options& options);
 void scenesAndRunOptions(CLI::App& app, Options& options);
 void scenesAndGraph(CLI::App& app, Options& options);
-void sceneAndLabels(CLI::App& app, Options& options);
+void whyAndWhere(CLI::App& app, Options& options);
+
+// Of verbs that ask a running host.
+void listing(CLI::App& app, Options& options);
+void labelAndFormat(CLI::App& app, Options& options);
+void label(CLI::App& app, Options& options);
+void twoLabels(CLI::App& app, Options& options);
+void labelAndValue(CLI::App& app, Options& options);
+void graphForm(CLI::App& app, Options& options);
+void tableOptions(CLI::App& app, Options& options);
 } // namespace Arguments
 } // namespace Host

@@ -5,6 +5,7 @@
 #include "explain/text/Failure.h"
 #include "explain/text/JsonText.h"
 #include "host/ExitCode.h"
+#include "host/ask/AskVerbs.h"
 #include "host/output/RunLog.h"
 #include "host/run/StoppableClock.h"
 #include "host/run/WatchedRun.h"
@@ -16,6 +17,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 namespace Host {
@@ -149,17 +151,48 @@ int answerWhy(std::vector<SceneFile> files, const Options& options, const Watche
     around._watch.begin();
     return exitCode(answer);
 }
+
+// "SCENE FROM TO", "FROM TO" or nothing. A word too few is said, and false.
+bool readWords(Options& options)
+{
+    std::vector<std::string>& words = options._names;
+    if (words.size() == 1 || (words.size() == 2 && std::filesystem::is_regular_file(words.front()))) {
+        std::fprintf(
+            stderr,
+            "%s is missing: why SCENE FROM TO runs a scene, why FROM TO asks a running host, and why alone asks it for "
+            "all that does not flow\n",
+            words.size() == 1 && std::filesystem::is_regular_file(words.front()) ? "FROM" : "TO");
+        return false;
+    }
+    if (!words.empty()) {
+        options._from = words[words.size() - 2];
+        options._to = words.back();
+        words.resize(words.size() - 2);
+    }
+    return true;
+}
 } // namespace
 
-int whyVerb(const Options& options)
+int whyVerb(const Options& asked)
 {
-    if (const auto failure = failureOf([&] { Trovio::Namespace().explain(options._from, options._to); })) {
+    Options options = asked;
+    if (!readWords(options))
+        return BadUsage;
+    if (const auto failure = failureOf([&] { Trovio::Namespace().explain(options._from, options._to); });
+        failure && !options._from.empty()) {
         std::fprintf(stderr, "%s\n", escaped(*failure, 4000).c_str());
         return BadUsage;
     }
+    if (options._names.empty())
+        return askWhy(options);
     auto files = readScenes(options);
     if (!files)
         return BadUsage;
+    options._host = hostOfScene(options._names.front());
+    if (!options._host.empty()) {
+        std::fprintf(stderr, "asked host %s, which runs this scene\n", options._host.c_str());
+        return askWhy(options);
+    }
     return runWatched(std::move(*files), options._format == Format::Json,
                       [&options](std::vector<SceneFile> scenes, const WatchedRun& around) {
                           return answerWhy(std::move(scenes), options, around);

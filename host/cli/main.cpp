@@ -1,3 +1,4 @@
+#include "host/ask/AskVerbs.h"
 #include "host/cli/Arguments.h"
 #include "host/cli/Verbs.h"
 
@@ -26,8 +27,18 @@ int main(int argc, char** argv)
         argc, argv,
         {{"run", "run scenes and show their values", Takes::scenesAndRunOptions, Host::runVerb},
          {"check", "read scenes and say what is wrong or odd with them", Takes::scenesAndGraph, Host::checkVerb},
-         {"why", "run a scene for real, so that it sends too, and say whether records flow between two labels",
-          Takes::sceneAndLabels, Host::whyVerb},
+         {"why", "say whether records flow between two labels: of a running host, or of a scene, which is run for real",
+          Takes::whyAndWhere, Host::whyVerb},
+         {"list", "list the slots, sensors and nodes of a running host, with types and rates", Takes::listing,
+          Host::listVerb},
+         {"echo", "show the records of a slot, or the values of a sensor, of a running host", Takes::labelAndFormat,
+          Host::echoVerb},
+         {"hz", "show how many records a second a slot of a running host has", Takes::label, Host::hzVerb},
+         {"bw", "show how many bytes a second they have", Takes::label, Host::bwVerb},
+         {"delay", "show how old records are in a running host, hop by hop", Takes::twoLabels, Host::delayVerb},
+         {"pub", "give a slot of a running host values", Takes::labelAndValue, Host::pubVerb},
+         {"graph", "print the graph of a running host", Takes::graphForm, Host::graphVerb},
+         {"watch", "show the live table of a running host", Takes::tableOptions, Host::watchVerb},
          {"nodes", "list the node types and their settings", Takes::namesAndFormat, Host::nodesVerb},
          {"types", "list the field types and how their values are written", Takes::names, Host::typesVerb},
          {"version", "print the version", Takes::nothing, Host::versionVerb}});

@@ -47,6 +47,7 @@ class TableSensors {
 public:
     struct Names {
         std::string _title, _label, _type;
+        bool operator==(const Names&) const = default;
     };
 
     virtual ~TableSensors() = default;

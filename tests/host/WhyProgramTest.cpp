@@ -36,7 +36,7 @@ TEST(Why, AnswersAsItIsAsked)
         {{"OSC/wand", "Wand", "--seconds", "0.5"}, 3, "never written: "},
         {{"OSC/wand", "Wand", "--seconds", "0.0005"}, 124, "no answer in the time given; so far: nothing flows"},
         {{"OSC/wand", "*"}, 2, "has 1 '*', but its pattern 'OSC/wand' only 0"},
-        {{"OSC/wand"}, 2, "TO is required"},
+        {{"OSC/wand"}, 2, "TO is missing"},
     };
     for (const auto& row : rows) {
         std::vector<std::string> arguments{"why", file.path()};

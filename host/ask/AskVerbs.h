@@ -1,0 +1,34 @@
+#pragma once
+
+#include "host/Options.h"
+
+#include <string>
+
+namespace Host {
+
+/// Verbs that ask a host which runs already, and change nothing in it but for pub. Each blocks until it has its answer,
+/// or for ever where the answer goes on; a signal ends it as it ends any program.
+
+/// What there is: slots, sensors, nodes.
+int listVerb(const Options& options);
+/// The records that go through a slot, or the values of a sensor's field.
+int echoVerb(const Options& options);
+/// Records a second, once a second.
+int hzVerb(const Options& options);
+/// Bytes a second, once a second.
+int bwVerb(const Options& options);
+/// How old records are, hop by hop.
+int delayVerb(const Options& options);
+/// Gives a slot a value, or the values that echo has written.
+int pubVerb(const Options& options);
+/// The graph of what runs.
+int graphVerb(const Options& options);
+/// The live table.
+int watchVerb(const Options& options);
+/// Why records do not flow between two labels, or at all.
+int askWhy(const Options& options);
+
+/// The process ID of a host that runs this scene alone as its file is now; empty where none does. Says where the file
+/// has changed since it was read.
+std::string hostOfScene(const std::string& scene);
+} // namespace Host

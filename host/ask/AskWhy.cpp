@@ -1,0 +1,94 @@
+#include "explain/text/Escape.h"
+#include "explain/text/JsonText.h"
+#include "host/ExitCode.h"
+#include "host/ask/AskVerbs.h"
+#include "host/ask/Asking.h"
+#include "host/ask/RunningHosts.h"
+#include "trovio/Explanation.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sys/stat.h>
+
+namespace Host {
+
+using namespace Explain;
+using nlohmann::json;
+using Trovio::Verdict;
+
+namespace {
+
+constexpr double shortPatience = 1; // seconds, for a host that need not be asked
+
+int codeOf(const json& explanation)
+{
+    const std::string verdict = explanation.at("verdict");
+    return verdict == toString(Verdict::Flowing)       ? Done
+           : verdict == toString(Verdict::TypesDiffer) ? TypeMismatch
+                                                       : NothingFound;
+}
+
+void print(const json& explanation)
+{
+    std::string text = explanation.at("text");
+    if (const std::string fits = explanation.value("fits", ""); !fits.empty())
+        text += "; " + fits;
+    if (const auto more = explanation.value("more", std::uint64_t{0}); more > 0)
+        text += "; the same holds for " + std::to_string(more) + " more";
+    std::printf("%s\n", escaped(text, 4000).c_str());
+}
+
+int printAll(const json& stopped)
+{
+    for (const json& explanation : stopped)
+        print(explanation);
+    if (stopped.empty())
+        std::printf("everything flows\n");
+    return stopped.empty() ? Done : codeOf(stopped.front());
+}
+
+// Seconds since 1970 of the last change of the file, its name included.
+double changeTime(const struct stat& file)
+{
+    return static_cast<double>(file.st_ctim.tv_sec) + static_cast<double>(file.st_ctim.tv_nsec) * 1e-9;
+}
+} // namespace
+
+int askWhy(const Options& options)
+{
+    return askHost(options, [&options](HostClient& host) {
+        const json answer = askJson(host, {"/why" + queryText({{"from", options._from}, {"to", options._to}})}, 60);
+        if (options._format == Format::Json)
+            std::printf("%s\n", jsonText(answer).c_str());
+        else if (answer.is_object())
+            print(answer);
+        else
+            return printAll(answer);
+        return answer.is_object() ? codeOf(answer) : answer.empty() ? Done : codeOf(answer.front());
+    });
+}
+
+std::string hostOfScene(const std::string& scene)
+{
+    std::error_code error;
+    const std::string path = std::filesystem::canonical(scene, error).string();
+    struct stat file = {};
+    if (error || stat(path.c_str(), &file) != 0)
+        return {};
+    for (const RunningHost& running : runningHosts()) {
+        try {
+            HostClient host(running._socket, running.name());
+            const json about = askJson(host, {"/host"}, shortPatience);
+            if (about.at("scenes") != json::array({path}))
+                continue;
+            if (about.at("started").get<double>() > changeTime(file))
+                return running._pid;
+            std::fprintf(stderr, "%s runs this scene, too, but as its file was before its last change\n",
+                         running.name().c_str());
+        } catch (const AskError&) { // one that says nothing is left alone
+        }
+    }
+    return {};
+}
+} // namespace Host

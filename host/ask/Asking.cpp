@@ -1,0 +1,78 @@
+#include "host/ask/Asking.h"
+
+#include "explain/text/Escape.h"
+#include "explain/text/NameHint.h"
+#include "host/ExitCode.h"
+#include "host/ask/RunningHosts.h"
+#include "host/ask/Steady.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+namespace Host {
+
+using namespace Explain;
+
+int askHost(const Options& options, const std::function<int(HostClient& host)>& verb)
+{
+    try {
+        const RunningHost chosen = chosenHost(options._host);
+        HostClient host(chosen._socket, chosen.name());
+        return verb(host);
+    } catch (const AskError& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return error._code;
+    }
+}
+
+nlohmann::json askJson(HostClient& host, const HostQuestion& question, double patience)
+{
+    nlohmann::json answer = nlohmann::json::parse(host.ask(question, patience), nullptr, false);
+    if (answer.is_discarded())
+        throw AskError(Failed, "the answer to " + question._target + " is no JSON");
+    return answer;
+}
+
+HostSlots askSlots(HostClient& host)
+{
+    HostSlots slots;
+    const double before = steadySeconds();
+    const nlohmann::json answer = askJson(host, {"/slots"});
+    slots._time = (before + steadySeconds()) / 2;
+    for (const auto& slot : answer) {
+        const std::string label = slot.at("label");
+        const bool isOut = slot.at("direction") == "out";
+        slots._slots.push_back({label, slot.value("short", label), slot.at("type"), isOut,
+                                slot.value(isOut ? "written" : "stored", std::uint64_t{0})});
+    }
+    return slots;
+}
+
+const HostSlot* HostSlots::tryFind(const std::string& label) const
+{
+    for (const auto name : {&HostSlot::_label, &HostSlot::_short})
+        if (const auto found = std::ranges::find(_slots, label, name); found != _slots.end())
+            return &*found;
+    return nullptr;
+}
+
+const HostSlot& HostSlots::find(const std::string& label) const
+{
+    if (const HostSlot* const found = tryFind(label))
+        return *found;
+    std::vector<std::string_view> known;
+    for (const HostSlot& slot : _slots)
+        known.insert(known.end(), {slot._label, slot._short});
+    throw AskError(NothingFound, "the host has no slot " + inQuotes(label) + nearestHint(label, known) +
+                                     "; 'ostrel-host list' shows all");
+}
+
+double ratePerSecond(const HostSlot& slot, const HostSlots& before, const HostSlots& now)
+{
+    const HostSlot* const earlier = before.tryFind(slot._label);
+    if (!earlier || earlier->_records > slot._records || now._time <= before._time)
+        return 0;
+    return static_cast<double>(slot._records - earlier->_records) / (now._time - before._time);
+}
+} // namespace Host

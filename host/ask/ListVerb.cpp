@@ -1,0 +1,100 @@
+#include "explain/text/Escape.h"
+#include "explain/text/JsonText.h"
+#include "host/ExitCode.h"
+#include "host/ask/AskVerbs.h"
+#include "host/ask/Asking.h"
+#include "host/ask/Columns.h"
+#include "host/ask/HostSensors.h"
+#include "host/ask/LineOutput.h"
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+namespace Host {
+
+using namespace Explain;
+
+namespace {
+
+constexpr double rateWindow = 1; // seconds
+constexpr std::size_t maxValue = 60;
+
+std::string rateText(double perSecond)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f", perSecond);
+    return text;
+}
+
+// For the shell, which completes what stands on its command line.
+void printNames(HostClient& host)
+{
+    for (const HostSlot& slot : askSlots(host)._slots)
+        std::printf("%s\n", slot._short.c_str());
+    for (const auto& sensor : askJson(host, {"/sensors"}))
+        std::printf("%s\n", escaped(sensor.at("name").get<std::string>()).c_str());
+}
+
+void printSlots(const HostSlots& before, const HostSlots& now)
+{
+    std::vector<std::vector<std::string>> lines{{"slot", "", "type", "records/s", "records"}};
+    for (const HostSlot& slot : now._slots)
+        lines.push_back({escaped(slot._short), slot._isOut ? "out" : "in", slot._type,
+                         rateText(ratePerSecond(slot, before, now)), std::to_string(slot._records)});
+    std::fputs(columns(lines, 3).c_str(), stdout);
+}
+
+void printSensors(const HostSensors& sensors)
+{
+    std::vector<std::vector<std::string>> lines{{"sensor", "type", "label", "value"}};
+    const auto names = sensors.names();
+    for (std::size_t i = 0; i < names.size(); ++i)
+        lines.push_back(
+            {escaped(names[i]._title), names[i]._type, escaped(names[i]._label), sensors.value(i, maxValue)});
+    std::fputs(("\n" + columns(lines, 4)).c_str(), stdout);
+}
+
+void printNodes(const nlohmann::json& nodes)
+{
+    std::vector<std::vector<std::string>> lines{{"node", "type", "state"}};
+    for (const auto& node : nodes) {
+        const std::string reason = node.value("reason", "");
+        lines.push_back({escaped(node.at("node").get<std::string>()), node.at("type"),
+                         node.at("state").get<std::string>() + (reason.empty() ? "" : ": " + escaped(reason, 600))});
+    }
+    std::fputs(("\n" + columns(lines, 3)).c_str(), stdout);
+}
+
+void printJson(HostClient& host, const HostSlots& before)
+{
+    const HostSlots now = askSlots(host);
+    nlohmann::json slots = askJson(host, {"/slots"});
+    for (auto& slot : slots)
+        if (const HostSlot* const known = now.tryFind(slot.at("label")))
+            slot["rate"] = ratePerSecond(*known, before, now);
+    std::printf("%s\n", jsonText(nlohmann::json{{"slots", std::move(slots)},
+                                                {"sensors", askJson(host, {"/sensors"})},
+                                                {"nodes", askJson(host, {"/nodes"})}})
+                            .c_str());
+}
+} // namespace
+
+int listVerb(const Options& options)
+{
+    return askHost(options, [&options](HostClient& host) {
+        if (options._onlyNames) {
+            printNames(host);
+            return Done;
+        }
+        const HostSlots before = askSlots(host);
+        if (!LineOutput().wait(rateWindow))
+            return Done;
+        if (options._format == Format::Json)
+            return printJson(host, before), Done;
+        printSlots(before, askSlots(host));
+        printSensors(HostSensors(host));
+        printNodes(askJson(host, {"/nodes"}));
+        return Done;
+    });
+}
+} // namespace Host

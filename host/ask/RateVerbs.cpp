@@ -1,0 +1,127 @@
+#include "host/ExitCode.h"
+#include "host/ask/AskVerbs.h"
+#include "host/ask/Asking.h"
+#include "host/ask/LineOutput.h"
+#include "host/ask/Steady.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+namespace Host {
+namespace {
+
+constexpr double interval = 1; // seconds from line to line
+
+/// How often the source of a slot has written since the line before, by its own counter.
+struct Rate {
+    std::uint64_t _records;
+    double _seconds;
+
+    double perSecond() const { return static_cast<double>(_records) / _seconds; }
+};
+
+class RateMeter {
+public:
+    RateMeter(HostClient& host, const std::string& label)
+        : _host(host), _before(askSlots(host)), _label(_before.find(label)._label)
+    {
+    }
+
+    const std::string& label() const { return _label; }
+
+    /// Since the last call. Throws AskError where the slot is gone.
+    Rate next()
+    {
+        HostSlots now = askSlots(_host);
+        const HostSlot& slot = now.find(_label);
+        const std::uint64_t before = _before.find(_label)._records;
+        // One that was made anew has begun anew.
+        const Rate rate{slot._records - (before <= slot._records ? before : 0), now._time - _before._time};
+        _before = std::move(now);
+        return rate;
+    }
+
+private:
+    HostClient& _host;
+    HostSlots _before;
+    const std::string _label;
+};
+
+template <class... Values>
+std::string formatted(const char* format, Values... values)
+{
+    char text[160];
+    std::snprintf(text, sizeof text, format, values...);
+    return text;
+}
+
+// 1234567.8 as "1.23 MB/s"
+std::string bytesPerSecond(double bytes)
+{
+    const char* const units[] = {"B/s", "kB/s", "MB/s", "GB/s"};
+    std::size_t unit = 0;
+    for (; bytes >= 999.5 && unit + 1 < std::size(units); ++unit)
+        bytes /= 1000;
+    return formatted("%.3g %s", bytes, units[unit]);
+}
+
+// Bytes of records that went by.
+struct Sizes {
+    std::uint64_t _records = 0, _bytes = 0;
+
+    void take(std::string_view line)
+    {
+        const auto record = nlohmann::json::parse(line, nullptr, false);
+        if (!record.is_object() || !record.contains("bytes"))
+            return;
+        ++_records;
+        _bytes += record["bytes"].get<std::uint64_t>();
+    }
+    double mean() const { return _records == 0 ? 0 : static_cast<double>(_bytes) / static_cast<double>(_records); }
+};
+
+std::string bandwidthLine(const Rate& rate, const Sizes& sizes)
+{
+    return bytesPerSecond(rate.perSecond() * sizes.mean()) +
+           formatted(" (%.2f records/s of %.1f bytes in the mean)", rate.perSecond(), sizes.mean());
+}
+} // namespace
+
+int hzVerb(const Options& options)
+{
+    return askHost(options, [&options](HostClient& host) {
+        LineOutput out;
+        RateMeter meter(host, options._label);
+        for (std::uint64_t left = options._count; left > 0 && out.wait(interval); --left) {
+            const Rate rate = meter.next();
+            if (!out.put(formatted("%.2f records/s (%llu in %.4f s)", rate.perSecond(),
+                                   static_cast<unsigned long long>(rate._records), rate._seconds)))
+                break;
+        }
+        return Done;
+    });
+}
+
+// The number is the source's own; the size is that of the records that a second connection looks at, all or not.
+int bwVerb(const Options& options)
+{
+    return askHost(options, [&options](HostClient& host) {
+        LineOutput out;
+        RateMeter meter(host, options._label);
+        Sizes sizes;
+        std::uint64_t left = options._count;
+        double next = steadySeconds() + interval;
+        HostClient watching(&host);
+        watching.follow({"/stream" + queryText({{"label", meter.label()}, {"form", "bytes"}})}, options._seconds,
+                        [&](std::string_view line) {
+                            sizes.take(line);
+                            if (steadySeconds() < next)
+                                return true;
+                            next += interval;
+                            return out.put(bandwidthLine(meter.next(), sizes)) && --left > 0;
+                        });
+        return Done;
+    });
+}
+} // namespace Host
