@@ -103,19 +103,7 @@ std::string sentence(const std::string& path, const Trovio::SlotInfo& slot)
 Json toJson(const std::string& path, const Trovio::SlotInfo& slot)
 {
     Json object{{"slot", path}, {"direction", slot._out ? "out" : "in"}, {"type", slot._typeName}};
-    if (slot._out)
-        object["written"] = slot._out->_written;
-    else
-        object.update({{"stored", slot._in->_counts.stored},
-                       {"overwritten", slot._in->_counts.overwritten},
-                       {"taken", slot._in->_counts.taken},
-                       {"waiting", slot._in->_counts.waiting},
-                       {"interrupts", slot._in->_interrupts},
-                       {"notStored", slot._in->_notStored},
-                       {"cutShort", slot._in->_cutShort}});
-    object.update({{"lastStamp", stampsOf(slot)._last.getSeconds()},
-                   {"future", stampsOf(slot)._future},
-                   {"backwards", stampsOf(slot)._backwards}});
+    object.update(countsJson(slot));
     return object;
 }
 
@@ -133,6 +121,25 @@ Json toJson(const std::string& path, const Trovio::NodeInfo& node)
     return object;
 }
 } // namespace
+
+Json countsJson(const Trovio::SlotInfo& slot)
+{
+    Json object = Json::object();
+    if (slot._out)
+        object["written"] = slot._out->_written;
+    else
+        object.update({{"stored", slot._in->_counts.stored},
+                       {"overwritten", slot._in->_counts.overwritten},
+                       {"taken", slot._in->_counts.taken},
+                       {"waiting", slot._in->_counts.waiting},
+                       {"interrupts", slot._in->_interrupts},
+                       {"notStored", slot._in->_notStored},
+                       {"cutShort", slot._in->_cutShort}});
+    object.update({{"lastStamp", stampsOf(slot)._last.getSeconds()},
+                   {"future", stampsOf(slot)._future},
+                   {"backwards", stampsOf(slot)._backwards}});
+    return object;
+}
 
 void reportSlots(const Trovio::NamespaceInfo& root, std::size_t width, const Say& say)
 {

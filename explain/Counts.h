@@ -11,6 +11,9 @@ namespace Explain {
 /// enough for it, else one slot after the other.
 void reportSlots(const Trovio::NamespaceInfo& root, std::size_t width, const Say& say);
 
+/// What was counted in a slot where it stands: {"written":…} or {"stored":…,…}, "lastStamp", "future", "backwards".
+nlohmann::ordered_json countsJson(const Trovio::SlotInfo& slot);
+
 /// What was counted in every slot, a list of {"slot":…,"direction":…,"type":…,…}.
 nlohmann::ordered_json slotsJson(const Trovio::NamespaceInfo& root);
 

@@ -1,5 +1,6 @@
 #include "host/cli/Verbs.h"
 
+#include "explain/ExplanationJson.h"
 #include "explain/Why.h"
 #include "explain/text/Escape.h"
 #include "explain/text/Failure.h"
@@ -15,7 +16,6 @@
 #include "trovio/Namespace.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -103,30 +103,10 @@ void printText(const Answer& answer)
     std::printf("%s\n", escaped(text, 4000).c_str());
 }
 
-nlohmann::ordered_json toJson(const std::string& text)
-{
-    return text;
-}
-
-// A count has nothing behind the point.
-nlohmann::ordered_json toJson(double number)
-{
-    constexpr double maxExact = 9007199254740992; // 2 to the power of 53
-    if (number != std::trunc(number) || std::abs(number) > maxExact)
-        return number;
-    return static_cast<std::int64_t>(number);
-}
-
 void printJson(const Answer& answer, const Options& options)
 {
-    nlohmann::ordered_json object{{"from", options._from},
-                                  {"to", options._to},
-                                  {"decided", answer._decided},
-                                  {"verdict", toString(answer._explanation._verdict)},
-                                  {"text", answer._explanation._text},
-                                  {"details", nlohmann::ordered_json::object()}};
-    for (const Explanation::Detail& detail : answer._explanation._details)
-        std::visit([&](const auto& value) { object["details"][detail._name] = toJson(value); }, detail._value);
+    nlohmann::ordered_json object{{"from", options._from}, {"to", options._to}, {"decided", answer._decided}};
+    object.update(explanationJson(answer._explanation));
     if (!answer._fits.empty())
         object["fits"] = answer._fits;
     std::printf("%s\n", jsonText(object).c_str());
