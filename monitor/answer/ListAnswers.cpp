@@ -1,0 +1,129 @@
+#include "explain/Counts.h"
+#include "explain/SlotTypes.h"
+#include "explain/TreeWalk.h"
+#include "explain/text/Escape.h"
+#include "monitor/answer/Context.h"
+#include "monitor/answer/SlotMap.h"
+#include "monitor/codec/SlotCodec.h"
+#include "trovio/Root.h"
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <unistd.h>
+
+// What there is: lists, and the graph.
+namespace Monitor {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json slotJson(const SlotMap& map, const SlotMap::Place& place)
+{
+    Json object{{"label", place._label}};
+    if (const std::string brief = map.shortLabelOf(place); !brief.empty())
+        object["short"] = brief;
+    const SlotCodec* const codec = SlotCodec::find(place._slot->_typeName);
+    object.update({{"direction", Explain::directionOf(*place._slot)},
+                   {"type", place._slot->_typeName},
+                   {"schema", codec ? Json(codec->schemaName()) : Json()},
+                   {"active", place._slot->_active}});
+    object.update(Explain::countsJson(*place._slot));
+    if (!place._sensor.empty())
+        object["sensor"] = place._sensor;
+    return object;
+}
+
+Json sensorJson(const SceneView& scene, const SlotMap& map, const SlotMap::Place& place,
+                const Explain::ScenePlaces::Sensor& sensor)
+{
+    const std::string title = map.titleOf(sensor);
+    Json object{{"name", sensor._name},
+                {"scene", map.places()._scenes.at(sensor._scene)},
+                {"field", Explain::fieldTypeFor(place._slot->_typeName)},
+                {"type", place._slot->_typeName},
+                {"label", place._label},
+                {"value", nullptr}};
+    if (scene._fieldJson)
+        object["value"] = Json::parse(scene._fieldJson(title), nullptr, false);
+    if (scene._changes) {
+        const ChangeCounts counts = scene._changes(title);
+        object["changes"] = counts._changes;
+        object["age"] = counts._age < 0 ? Json() : Json(counts._age);
+    }
+    return object;
+}
+
+/// As a path that another process can compare with its own.
+std::string realPath(const std::string& path)
+{
+    std::error_code failure;
+    const std::filesystem::path real = std::filesystem::canonical(path, failure);
+    return failure ? path : real.string();
+}
+
+} // namespace
+
+Answer answerHost(const Context& context, const Question&)
+{
+    Json scenes = Json::array();
+    for (const std::string& path : placesOf(context)._scenes)
+        scenes.push_back(realPath(path));
+    Json object{{"pid", ::getpid()},
+                {"version", MONITOR_VERSION},
+                {"name", context._scene._name},
+                {"scenes", scenes},
+                {"started", context._started}};
+    if (context._scene._frames) {
+        const FrameCounts frames = context._scene._frames();
+        object.update({{"rate", frames._rate}, {"frames", frames._run}, {"leftOut", frames._leftOut}});
+    }
+    return jsonAnswer(object);
+}
+
+Answer answerSlots(const Context& context, const Question&)
+{
+    const SlotMap map(Trovio::Root::get().inspect(), placesOf(context));
+    Json slots = Json::array();
+    for (const SlotMap::Place& place : map.all())
+        slots.push_back(slotJson(map, place));
+    return jsonAnswer(slots);
+}
+
+Answer answerSensors(const Context& context, const Question&)
+{
+    const SlotMap map(Trovio::Root::get().inspect(), placesOf(context));
+    Json sensors = Json::array();
+    for (const auto& [home, sensor] : map.places()._sensors)
+        if (const SlotMap::Place* const place = map.findByPath(Explain::pathBelow(home.first, home.second)))
+            sensors.push_back(sensorJson(context._scene, map, *place, sensor));
+    return jsonAnswer(sensors);
+}
+
+Answer answerNodes(const Context&, const Question&)
+{
+    return jsonAnswer(Explain::nodesJson(Trovio::Root::get().inspect()));
+}
+
+Answer answerTypes(const Context&, const Question&)
+{
+    Json types = Json::array();
+    for (const SlotCodec* const codec : SlotCodec::all())
+        types.push_back({{"type", codec->slotType()}, {"schema", codec->schemaName()}, {"text", codec->schemaText()}});
+    return jsonAnswer(types);
+}
+
+Answer answerGraph(const Context& context, const Question& question)
+{
+    const auto asked = question._query.find("form");
+    const std::string form = asked == question._query.end() ? "json" : asked->second;
+    const Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
+    if (form == "json")
+        return {200, "application/json", Explain::graphJson(root, placesOf(context))};
+    if (form == "dot")
+        return {200, "text/vnd.graphviz", Explain::graphDot(root, placesOf(context))};
+    if (form == "text")
+        return {200, "text/plain; charset=utf-8", Explain::graphText(root, placesOf(context))};
+    throw Refusal(400, "a graph has no form " + Explain::inQuotes(form) + "; allowed are json, dot and text");
+}
+
+} // namespace Monitor

@@ -1,0 +1,110 @@
+#include "explain/text/Escape.h"
+#include "monitor/answer/Context.h"
+#include "monitor/answer/SlotMap.h"
+#include "monitor/codec/SlotCodec.h"
+#include "trovio/Root.h"
+
+#include <nlohmann/json.hpp>
+
+namespace Monitor {
+namespace {
+
+using Explain::inQuotes;
+using nlohmann::json;
+using Trovio::Root;
+
+/// An out-slot that is connected with one in-slot, for as long as this lives. It stands in a namespace that nobody else
+/// meets.
+class Pen {
+public:
+    Pen(const SlotCodec& codec, const std::string& label) : _source(codec.makeSource("pub"))
+    {
+        auto space = std::make_unique<Trovio::Namespace>();
+        space->addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
+        space->addOutSlot(label, &_source->slot());
+        _space = Root::get().addNamespace("@pub", std::move(space));
+        _from = _space + "/" + label;
+        try {
+            Root::get().addRoute(_from, label);
+        } catch (...) {
+            Root::get().removeNamespace(_space);
+            throw;
+        }
+        _to = label;
+    }
+    ~Pen()
+    {
+        Root::get().removeRoute(_from, _to);
+        Root::get().removeNamespace(_space);
+    }
+    Pen(const Pen&) = delete;
+    Pen& operator=(const Pen&) = delete;
+
+    bool isConnected() const { return _source->slot().isActive(); }
+    AnySource& source() { return *_source; }
+
+private:
+    const std::unique_ptr<AnySource> _source;
+    std::string _space, _from, _to;
+};
+
+const SlotMap::Place& target(const SlotMap& map, const std::string& label)
+{
+    std::string problem;
+    const SlotMap::Place* const place = map.find(label, problem, Trovio::Slot::Direction::In);
+    if (!place)
+        throw Refusal(404, problem);
+    if (!place->isOut())
+        return *place;
+    std::string ends;
+    for (const SlotMap::Joint& joint : map.joints())
+        if (joint._from == place)
+            ends += (ends.empty() ? "; it is connected with " : ", ") + inQuotes(joint._to->_label);
+    throw Refusal(400, inQuotes(place->_label) + " is an out-slot, and values are written into in-slots" + ends);
+}
+
+json readBody(const std::string& body)
+{
+    json read = json::parse(body, nullptr, false);
+    if (!read.is_object() || !read.contains("value"))
+        throw Refusal(400,
+                      R"(the body is no JSON object with "value", such as {"value": 1.5, "stamp": 1700000000.25})");
+    if (const auto stamp = read.find("stamp"); stamp != read.end() && !stamp->is_number() && !stamp->is_null())
+        throw Refusal(400, "\"stamp\" is no number; allowed are seconds since 1970, or nothing for now");
+    for (const auto& [name, value] : read.items())
+        if (name != "value" && name != "stamp" && name != "label" && name != "time") // echo's lines have these, too
+            throw Refusal(400,
+                          "the body knows nothing called " + inQuotes(name) + R"(; allowed are "value" and "stamp")");
+    return read;
+}
+
+} // namespace
+
+Answer answerPub(const Context& context, const Question& question, const std::string& label)
+{
+    if (!question._mayWrite)
+        throw Refusal(403,
+                      "writing is not allowed here; use the Unix socket, or start the host with --monitor-write and "
+                      "give its token");
+    const SlotMap map(Root::get().inspect(), placesOf(context));
+    const SlotMap::Place& place = target(map, label);
+    const SlotCodec& codec = *SlotCodec::find(place._slot->_typeName);
+    const json body = readBody(question._body);
+    Bytes message;
+    std::string problem;
+    if (!codec.fromJson(body["value"].dump(-1, ' ', false, json::error_handler_t::replace), message, problem))
+        throw Refusal(400,
+                      "\"value\" is no " + place._slot->_typeName + " for " + inQuotes(place._label) + ": " + problem);
+    Pen pen(codec, place._label);
+    if (!pen.isConnected())
+        throw Refusal(404, inQuotes(place._label) + " is not seen in the root, so nothing can be written into it; show "
+                                                    "it by external routes");
+    const auto stamp = body.find("stamp");
+    const bool isStamped = stamp != body.end() && stamp->is_number();
+    const Trovio::Time time = isStamped ? Trovio::Time(stamp->get<double>()) : Trovio::Time::getCurrentTime();
+    if (!pen.source().write(message, time, problem))
+        throw Refusal(400, problem);
+    return jsonAnswer({{"label", place._label}, {"stamp", time.getSeconds()}});
+}
+
+} // namespace Monitor

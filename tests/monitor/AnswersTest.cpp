@@ -1,0 +1,232 @@
+#include "monitor/answer/Answers.h"
+#include "monitor/tap/HopAges.h"
+#include "tests/monitor/WatchedScene.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <unistd.h>
+
+using namespace Monitor;
+using nlohmann::json;
+using Trovio::Data;
+using Trovio::Root;
+using Trovio::Time;
+
+namespace {
+
+class AnswersTest : public ::testing::Test, public WatchedScene {
+protected:
+    Answer ask(const std::string& method, const std::string& path, const std::map<std::string, std::string>& query,
+               const std::string& body = {}, bool mayWrite = false) const
+    {
+        return _answers.ask({method, path, query, body, {}, mayWrite, {}});
+    }
+
+    Answer get(const std::string& path, const std::map<std::string, std::string>& query = {}) const
+    {
+        return ask("GET", path, query);
+    }
+
+    json read(const std::string& path, const std::map<std::string, std::string>& query = {}) const
+    {
+        const Answer answer = get(path, query);
+        EXPECT_EQ(answer._status, 200) << answer._body;
+        return json::parse(answer._body);
+    }
+
+    Answer pub(const std::string& label, const std::string& body) const
+    {
+        return ask("POST", "/pub/" + label, {}, body, true);
+    }
+
+    static double now() { return Time::getCurrentTime().getSeconds(); }
+
+    TapSet _taps;
+    Answers _answers{{WatchedScene::places,
+                      [](const std::string& name) { return "\"" + name + "'s\""; },
+                      {},
+                      [] {
+                          return FrameCounts{7, 1, 60};
+                      },
+                      "a \"test\"\\"},
+                     _taps,
+                     [] {
+                         return std::vector<ClientCounts>{{"1.2.3.4:5", 3, 1}};
+                     }};
+};
+
+TEST_F(AnswersTest, WhatCannotBeAnsweredIsRefusedWithACure)
+{
+    const struct {
+        int _status;
+        const char *_says, *_method, *_path;
+        std::map<std::string, std::string> _query{};
+        const char* _body = "";
+        bool _mayWrite = false;
+    } rows[] = {
+        {404, "nothing is answered at '/slot'; there are /host, /slots, ", "GET", "/slot"},
+        {405, "'/slots' takes GET, not 'POST'", "POST", "/slots"},
+        {405, "takes POST", "GET", "/pub/Wand"},
+        {400, "'/host' knows nothing called 'x'; it takes no names", "GET", "/host", {{"x", "1"}}},
+        {400, "allowed are form", "GET", "/graph", {{"forn", "dot"}}},
+        {400, "no form 'xml'; allowed are json, dot and text", "GET", "/graph", {{"form", "xml"}}},
+        {400, "takes both labels", "GET", "/why", {{"from", "a"}}},
+        {400, "*", "GET", "/why", {{"from", "*"}, {"to", "**"}}},
+        {400, "'to' is missing", "GET", "/delay", {{"from", "Device/value"}}},
+        {400, "'Context/Filter/in', an in-slot", "GET", "/delay", {{"from", "Filter/in"}, {"to", "Wand"}}},
+        {400, "'seconds' is '1h'", "GET", "/delay", {{"from", "Filter/out"}, {"to", "Wand"}, {"seconds", "1h"}}},
+        {400, "at most 60", "GET", "/delay", {{"from", "Filter/out"}, {"to", "Wand"}, {"seconds", "61"}}},
+        {404, "no route leads on from", "GET", "/delay", {{"from", "Filter/out"}, {"to", "Head"}}},
+        {404, "did you mean 'Filter/out'?", "GET", "/delay", {{"from", "Filter/oud"}, {"to", "Head"}}},
+        {403, "--monitor-write", "POST", "/pub/Wand", {}, R"({"value":1})"},
+        {404, "did you mean 'Wand'?", "POST", "/pub/Want", {}, R"({"value":1})", true},
+        {400, "it is connected with 'Context/Filter/in'", "POST", "/pub/Device/value", {}, R"({"value":1})", true},
+        {400, "no JSON object with \"value\"", "POST", "/pub/Wand", {}, R"({"value":)", true},
+        {400, "no Float for 'Context/Wand'", "POST", "/pub/Wand", {}, R"({"value":"x"})", true},
+        {400, "seconds since 1970", "POST", "/pub/Wand", {}, R"({"value":1,"stamp":"x"})", true},
+        {400, "nothing called 'stmap'", "POST", "/pub/Wand", {}, R"({"value":1,"stmap":1})", true},
+    };
+    for (const auto& row : rows) {
+        const Answer answer = ask(row._method, row._path, row._query, row._body, row._mayWrite);
+        EXPECT_EQ(answer._status, row._status) << answer._body;
+        const std::string error = json::parse(answer._body).at("error");
+        EXPECT_NE(error.find(row._says), std::string::npos) << "'" << row._says << "' in: " << error;
+    }
+    EXPECT_EQ(_wand.getCounts().stored, 0U);
+}
+
+TEST_F(AnswersTest, ListsSayWhatThereIs)
+{
+    send(now());
+    _taps.add("Context/Device/value");
+    const json slots = read("/slots");
+    ASSERT_EQ(slots.size(), 5U);
+    const auto slot = [&slots](const std::string& label) {
+        return *std::ranges::find_if(slots, [&](const json& one) { return one.at("label") == label; });
+    };
+    EXPECT_EQ(slot("Context/Wand").at("sensor"), "stick");
+    EXPECT_EQ(slot("Context/Wand").at("stored"), 1);
+    EXPECT_EQ(slot("Context/Head").at("active"), false);
+    const json value = slot("Context/Device/value");
+    EXPECT_EQ(value.at("short"), "Device/value");
+    EXPECT_EQ(value.at("schema"), "std_msgs/msg/Float32");
+    EXPECT_EQ(value.at("written"), 1);
+    const json sensors = read("/sensors");
+    ASSERT_EQ(sensors.size(), 2U);
+    EXPECT_EQ(sensors[1], json::parse(R"({"name":"stick","scene":"wand.toml","field":"SFFloat","type":"Float",
+        "label":"Context/Wand","value":"stick's"})"));
+    EXPECT_EQ(read("/host").at("leftOut"), 1);
+    EXPECT_EQ(read("/nodes").at(0).at("node"), "Context/Filter");
+    EXPECT_EQ(read("/types").size(), 40U);
+    EXPECT_EQ(read("/graph").at("handlers").at(0).at("name"), "devices");
+    EXPECT_TRUE(get("/graph", {{"form", "dot"}})._body.starts_with("digraph"));
+    EXPECT_EQ(get("/graph", {{"form", "text"}})._body.find('@'), std::string::npos);
+}
+
+TEST_F(AnswersTest, WhatIsPublishedGoesIntoTheSlotAndNothingStays)
+{
+    const Answer answer = pub("stick", R"({"value":1.5,"stamp":1700000000.25})");
+    ASSERT_EQ(answer._status, 200) << answer._body;
+    EXPECT_EQ(json::parse(answer._body).at("label"), "Context/Wand");
+    const Data<float> record = _wand.pop();
+    EXPECT_EQ(record.getValue(), 1.5F);
+    EXPECT_EQ(record.getTimeStamp(), Time(1700000000.25));
+    EXPECT_EQ(pub("Head", R"({"value":2})")._status, 200);
+    EXPECT_NEAR(_head.pop().getTimeStamp().getSeconds(), now(), 60);
+    EXPECT_FALSE(_head.isActive());
+    EXPECT_EQ(Root::get().getNamespace("@pub"), nullptr);
+}
+
+TEST_F(AnswersTest, TellsEverythingThatDoesNotFlowTheWorstFirst)
+{
+    const auto verdicts = [this] {
+        std::vector<std::string> found;
+        for (const json& still : read("/why"))
+            found.push_back(still.at("verdict"));
+        return found;
+    };
+    Root::get().getNamespace("Context")->addRoute("Device/valve", "Head");
+    EXPECT_EQ(verdicts(), (std::vector<std::string>{"no such label", "never written", "never written"}));
+    Root::get().getNamespace("Context")->removeRoute("Device/valve", "Head");
+    send(now());
+    EXPECT_EQ(read("/why", {{"from", "Device/value"}, {"to", "stick"}}).at("verdict"), "unread");
+    _wand.pop();
+    EXPECT_EQ(verdicts(), std::vector<std::string>{"no route"}) << "to Head";
+    EXPECT_EQ(read("/why", {{"from", "Device/value"}, {"to", "stick"}}).at("verdict"), "flowing");
+}
+
+TEST_F(AnswersTest, AgesAreMeasuredAlongTheWay)
+{
+    constexpr double age = 5;
+    const std::vector<std::string> way = Root::get().explain("Context/Device/value", "Context/Wand")._passes;
+    send(now() - 100);
+    HopAges hops(way);
+    const auto frame = [&] {
+        _wand.pop();
+        hops.poll();
+    };
+    frame(); // what came before counts for nothing
+    for (int i = 0; i < 3; ++i) {
+        send(now() - age);
+        frame();
+    }
+    send(now() - age, now());
+    frame();
+    const auto ages = hops.ages({});
+    ASSERT_EQ(ages.size(), 3U);
+    EXPECT_EQ(ages[0]._label, "Context/Device/value");
+    EXPECT_EQ(ages[0]._records, 4U);
+    EXPECT_EQ(ages[1]._records, 3U) << "the filter gave one a stamp of its own";
+    EXPECT_EQ(ages[2]._label, "Context/Wand");
+    EXPECT_EQ(ages[2]._records, 3U);
+    for (const HopAge& hop : ages) {
+        EXPECT_GE(hop._least + hop._bound, age);
+        EXPECT_LE(hop._least, hop._median);
+        EXPECT_LE(hop._median, hop._p99);
+        EXPECT_LE(hop._p99, hop._most);
+    }
+    const json asked = read("/delay", {{"from", "Device/value"}, {"to", "stick"}, {"seconds", "0.01"}}).at("hops");
+    ASSERT_EQ(asked.size(), 3U);
+    EXPECT_EQ(asked[2].at("hop"), "Context/Wand");
+    EXPECT_EQ(asked[2].at("median"), nullptr) << "nothing came";
+    EXPECT_NEAR(hops.ages({-age, 0.25})[0]._least, ages[0]._least - age, 1e-6);
+    EXPECT_NEAR(hops.ages({-age, 0.25})[0]._bound, 0.25, 0.01);
+}
+
+/// What somebody else's reader makes of the text, one sample a line.
+std::string parsed(const std::string& text)
+{
+    const std::string name = ::testing::TempDir() + "metrics" + std::to_string(::getpid());
+    std::ofstream(name) << text;
+    std::string lines;
+    if (FILE* const out = ::popen((METRICS_READER " " + name).c_str(), "r")) {
+        char buffer[4096];
+        while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, out))
+            lines.append(buffer, count);
+        EXPECT_EQ(::pclose(out), 0) << lines;
+    }
+    std::remove(name.c_str());
+    return lines;
+}
+
+TEST_F(AnswersTest, MetricsAreReadByOthers)
+{
+    Trovio::OutSlot<float> odd("odd");
+    Root::get().addOutSlot("a\\b \"c\"\n\xFF", &odd);
+    send(now());
+    _taps.add("Context/Device/value");
+    const Answer answer = get("/metrics");
+    EXPECT_TRUE(answer._type.starts_with("application/openmetrics-text; version=1.0.0"));
+    const std::string lines = parsed(answer._body);
+    for (const char* sample :
+         {"ostrel_slot_records_total fate='written' slot='Context/Device/value' type='Float' 1",
+          "ostrel_slot_records_total fate='written' slot='a\\\\b \"c\"\\n\\\\xff' type='Float' 0",
+          "ostrel_slot_waiting slot='Context/Wand' 1", "ostrel_node_state node='Context/Filter'",
+          "ostrel_frames_total fate='left_out' 1", "ostrel_client_records_total client='1.2.3.4:5' fate='dropped' 1",
+          "ostrel_tap_records_total fate='drained' slot='Context/Device/value' 0"})
+        EXPECT_NE(lines.find(sample), std::string::npos) << sample << " in:\n" << lines;
+    Root::get().removeSlot("a\\b \"c\"\n\xFF");
+}
+
+} // namespace
