@@ -3,11 +3,13 @@
 #include "sensorManager/Conversions.h"
 #include "sensorManager/FieldTypes.h"
 #include "sensorManager/LogMessage.h"
+#include "trovio/BufferedInSlot.h"
 #include "trovio/Hooks.h"
-#include "trovio/InSlot.h"
 #include "trovio/Namespace.h"
 #include "trovio/OutSlot.h"
+#include "trovio/Taking.h"
 #include <algorithm>
+#include <typeinfo>
 
 namespace Ostrel {
 
@@ -35,22 +37,26 @@ void tellRefused(const Trovio::Image& image, const Road& road)
                         image.getHeight(), Trovio::Image::MaxBytes);
 }
 
-/// False if slot or field are not what the row says; nothing was taken then.
+/// Null if the object is nothing like that. Nearly always it is exactly that, which is quicker to see.
+template <class T, class Base>
+T* as(Base& object)
+{
+    return typeid(object) == typeid(T) ? static_cast<T*>(&object) : dynamic_cast<T*>(&object);
+}
+
+/// False if there was nothing to take, or slot or field are not what the row says; nothing was taken then.
 template <class Row>
 bool takeOne(const Road& road)
 {
-    auto* const slot = dynamic_cast<Trovio::InSlot<typename Row::SlotValue>*>(&road._slot);
-    auto* const field = dynamic_cast<typename Row::FieldType*>(&road._field);
-    if (!slot || !field)
-        return false;
-    auto record = slot->pop();
-    if constexpr (isImage<Row>) {
-        if (const Trovio::Image* refused = Conversions::toField(record.getValue(), *field))
-            tellRefused(*refused, road);
-    } else {
-        Conversions::toField(record.getValue(), *field);
-    }
-    return true;
+    auto* const field = as<typename Row::FieldType>(road._field);
+    return field && Trovio::Taking<typename Row::SlotValue>::next(road._slot, [&](auto&& record) {
+               if constexpr (isImage<Row>) {
+                   if (const Trovio::Image* refused = Conversions::toField(record.getValue(), *field))
+                       tellRefused(*refused, road);
+               } else {
+                   Conversions::toField(record.getValue(), *field);
+               }
+           });
 }
 
 template <class Row>
@@ -77,14 +83,14 @@ std::uint64_t roundsOf(const Trovio::BasicInSlot& slot)
     const Road road{slot, label, field, caller};
     const std::uint64_t rounds = roundsOf(slot);
     std::uint64_t count = 0;
-    do {
+    while (slot.mayHoldRecord()) {
         if (count == rounds) {
             Trovio::Hooks::cutShort(slot);
             break;
         }
-        bool fits = true;
-        const bool handled = withFieldType(field.getTypeCode(), [&]<class Row>(Row) { fits = takeOne<Row>(road); });
-        if (!fits)
+        bool taken = true;
+        const bool handled = withFieldType(field.getTypeCode(), [&]<class Row>(Row) { taken = takeOne<Row>(road); });
+        if (!taken)
             break;
         if (handled)
             field.processValueChange(now, CallerOutside);
@@ -92,7 +98,7 @@ std::uint64_t roundsOf(const Trovio::BasicInSlot& slot)
             OSTREL_LOG_FROM(LogLevel::Fatal, (LogOrigin{logFile, __LINE__, caller}), unhandledType,
                             field.getTypeName().c_str());
         ++count;
-    } while (!slot.empty());
+    }
     return count != 0;
 }
 
@@ -115,12 +121,9 @@ TrovioSensorHandler::UpdateObserver::~UpdateObserver()
 
 bool TrovioSensorHandler::UpdateObserver::update(const TimeStamp& now)
 {
-    if (!_field || !_slot || !_slot->isInSlot())
-        return false;
-    // Every slot of that direction is one. A dynamic cast says the same, and takes as long as all the rest of a frame
-    // in which no value came.
-    auto& slot = *static_cast<Trovio::BasicInSlot*>(_slot);
-    return !slot.empty() && drain(slot, _slotLabel, *_field, __PRETTY_FUNCTION__, now);
+    // Only an in-slot holds records. A dynamic cast says the same, and takes longer.
+    return _slot && _slot->mayHoldRecord() && _field &&
+           drain(*static_cast<Trovio::BasicInSlot*>(_slot), _slotLabel, *_field, __PRETTY_FUNCTION__, now);
 }
 
 void TrovioSensorHandler::UpdateObserver::updateOutput(const TimeStamp&)

@@ -27,6 +27,7 @@ public:
     void push(const Data<T>& data) override OSTREL_EXCLUDES(this->_dataLock);
 
 private:
+    friend class Taking<T>;
     using Position = typename std::vector<Data<T>>::iterator;
 
     void advance(Position& position) OSTREL_REQUIRES(this->_dataLock)
@@ -63,20 +64,7 @@ Data<T> BufferedInSlot<T>::top()
 template <class T>
 Data<T> BufferedInSlot<T>::pop()
 {
-    for (;;) {
-        this->waitAndLock();
-        this->throwIfInterrupted();
-        if (_count != 0)
-            break;
-        // The token of an interrupt that top() has taken meanwhile.
-        this->unlock();
-    }
-    const Data<T> data = this->handOut(*_readPos, true);
-    advance(_readPos);
-    --_count;
-    Hooks::taken(*this, data);
-    this->unlock();
-    return data;
+    return Taking<T>::waitAndTake(*this);
 }
 
 template <class T>

@@ -13,6 +13,8 @@ template <class T>
 class OutSlot;
 template <class T>
 class Wiring;
+template <class T>
+class Taking;
 
 /// Receives records and keeps the newest: a record that nobody took in time is overwritten.
 /// Ownership: owns a copy of the record; a shared value stays with its pool. Does not own the out-slots it refers to,
@@ -61,6 +63,7 @@ protected:
 
 private:
     friend class Wiring<T>;
+    friend class Taking<T>;
 
     Peers<OutSlot<T>> _outSlots OSTREL_GUARDED_BY(_dataLock); // changed under _listenersLock too
     Data<T> _data OSTREL_GUARDED_BY(_dataLock);
@@ -125,19 +128,7 @@ Data<T> InSlot<T>::top()
 template <class T>
 Data<T> InSlot<T>::pop()
 {
-    for (;;) {
-        waitAndLock();
-        throwIfInterrupted();
-        if (!_empty)
-            break;
-        // The token of an interrupt that top() has taken meanwhile.
-        this->unlock();
-    }
-    const Data<T> data = handOut(_data, true);
-    _empty = true;
-    Hooks::taken(*this, data);
-    this->unlock();
-    return data;
+    return Taking<T>::waitAndTake(*this);
 }
 
 template <class T>
@@ -161,4 +152,5 @@ void InSlot<T>::push(const Data<T>& data)
 
 } // namespace Trovio
 
+#include "trovio/Taking.h"
 #include "trovio/Wiring.h"

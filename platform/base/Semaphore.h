@@ -35,6 +35,15 @@ public:
         --_tokens;
     }
 
+    /// Takes a token if there is one. Under the owner's lock, too.
+    bool tryWait()
+    {
+        if (_tokens == 0)
+            return false;
+        --_tokens;
+        return true;
+    }
+
 private:
     /// Whoever announced a sleep and is not asleep yet sees that the word has changed, and looks again.
     std::uint32_t callOne()

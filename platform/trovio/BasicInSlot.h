@@ -14,6 +14,8 @@ class BasicOutSlot;
 
 namespace Hooks {
 void downAndLock(const BasicInSlot& slot);
+bool tryDown(const BasicInSlot& slot);
+void drained(BasicInSlot& slot);
 void unlockUnchanged(const BasicInSlot& slot);
 void stored(BasicInSlot& slot, const BasicData& record);
 void overwritten(BasicInSlot& slot);
@@ -54,10 +56,11 @@ public:
     /// How many records it can hold: 1, or the length of its ring.
     unsigned int getCapacity() const { return _capacity; }
 
-    /// One more record can be taken.
-    void up() const OSTREL_REQUIRES(_dataLock)
+    /// One more record can be taken. Inlined always: the compiler finds it just too large for a ring's push().
+    [[gnu::always_inline]] void up() const OSTREL_REQUIRES(_dataLock)
     {
         ++_upCount;
+        _mayHoldRecord.set(true);
         putBack();
     }
 
@@ -92,6 +95,12 @@ protected:
     /// Only while the slot is built.
     void setCapacity(unsigned int capacity) { _capacity = capacity; }
 
+    /// Takes a token where one is left, and does not wait for it.
+    bool tryDown() const OSTREL_REQUIRES(_dataLock) { return _available.tryWait(); }
+
+    /// The last unread record was taken.
+    void setDrained() OSTREL_REQUIRES(_dataLock) { _mayHoldRecord.set(false); }
+
     void countStored(const Time& stamp) OSTREL_REQUIRES(_dataLock)
     {
         ++_stored;
@@ -120,6 +129,8 @@ private:
 
     friend class Slot; // wakes the readers
     friend void Hooks::downAndLock(const BasicInSlot& slot);
+    friend bool Hooks::tryDown(const BasicInSlot& slot);
+    friend void Hooks::drained(BasicInSlot& slot);
     friend void Hooks::unlockUnchanged(const BasicInSlot& slot);
     friend void Hooks::stored(BasicInSlot& slot, const BasicData& record);
     friend void Hooks::overwritten(BasicInSlot& slot);

@@ -5,7 +5,7 @@
 #include "trovio/BasicInSlot.h"
 
 // What the typed slots and those who drain them need of this framework beyond its documented interface. A build against
-// another framework replaces this header by one whose operations do nothing, but for downAndLock().
+// another framework replaces this header by one whose operations do nothing, but for downAndLock() and tryDown().
 namespace Trovio::Hooks {
 
 /// Held around the whole of every connect and disconnect in the process, so that the two sides of a pair never
@@ -24,6 +24,18 @@ public:
 inline void downAndLock(const BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
 {
     slot.downAndLock();
+}
+
+/// Takes what down() would, but does not wait for it. Under slot.lock().
+inline bool tryDown(const BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+{
+    return slot.tryDown();
+}
+
+/// The last unread record was taken.
+inline void drained(BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+{
+    slot.setDrained();
 }
 
 /// slot.unlock() for who has only looked: nothing was stored, so nobody has to be woken.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Flag.h"
 #include "base/Mutex.h"
 #include <atomic>
 #include <cstdint>
@@ -38,6 +39,10 @@ public:
     /// The same as getDirection() says, without a virtual call: for those who look into thousands of
     /// slots in which nothing waits.
     bool isInSlot() const { return _isInSlot; }
+
+    /// False where certainly no unread record waits, always for an out-slot; asked without a lock. A record whose push
+    /// has returned is seen.
+    bool mayHoldRecord() const { return _mayHoldRecord.isSet(); }
 
     Slot(const Slot&) = delete;
     Slot& operator=(const Slot&) = delete;
@@ -82,6 +87,7 @@ protected:
     SlotListener* _listener = nullptr;
     mutable Ostrel::Mutex _listenersLock OSTREL_ACQUIRED_BEFORE(_dataLock); // held around changes of the connections
     mutable std::uint32_t _wakesOwed OSTREL_GUARDED_BY(_dataLock) = 0;      // only an in-slot owes any
+    mutable Ostrel::Flag _mayHoldRecord; // changes under _dataLock; only an in-slot sets it
 
 private:
     void unlockAndWake() const OSTREL_RELEASE(_dataLock);

@@ -85,10 +85,83 @@ void fullRing(Scheduler& scheduler)
     expect(taken.back() % 100 == 3, "a full ring dropped the newest record");
 }
 
+/// What a frame does with a slot: looks without a lock, and takes what waits. Returns how many.
+unsigned serviceFrame(In& slot, long& last)
+{
+    unsigned taken = 0;
+    const auto use = [&](const auto& record) {
+        ++taken;
+        expect(record.getValue().number() > std::exchange(last, record.getValue().number()), brokenOrder);
+    };
+    while (slot.mayHoldRecord() && Trovio::Taking<Halves>::next(slot, use))
+        ;
+    return taken;
+}
+
+template <class SlotT>
+void frameAgainstPush(Scheduler& scheduler, SlotT& slot)
+{
+    long pushed = 0;
+    long last = 0;
+    unsigned taken = 0;
+    scheduler.spawn([&] {
+        for (long number = 1; number <= 3; ++number) {
+            push(slot, number);
+            pushed = number;
+        }
+    });
+    scheduler.spawn([&] {
+        for (int frame = 0; frame < 3; ++frame) {
+            const long before = pushed;
+            taken += serviceFrame(slot, last);
+            expect(last >= before, "a record that was pushed before a frame was left for the next one");
+        }
+    });
+    scheduler.run();
+    taken += serviceFrame(slot, last);
+    expect(last == 3 && !slot.mayHoldRecord(), "the last record was not seen, or is said to wait still");
+    expectAccounts(slot, 3, taken);
+}
+
+void frameAgainstPushes(Scheduler& scheduler)
+{
+    In in("in");
+    frameAgainstPush(scheduler, in);
+}
+
+void frameAgainstRing(Scheduler& scheduler)
+{
+    Ring ring("ring", 2);
+    frameAgainstPush(scheduler, ring);
+}
+
+/// The reader may be woken for a record that the frame then takes.
+void frameBesideReader(Scheduler& scheduler)
+{
+    Ring ring("ring", 4);
+    long last = 0;
+    long popped = 0;
+    unsigned taken = 0;
+    scheduler.spawn([&] { popped = pop(ring); });
+    scheduler.spawn([&] {
+        push(ring, 1);
+        push(ring, 2);
+    });
+    scheduler.spawn([&] {
+        taken = Trovio::Taking<Halves>::next(ring, [&](const auto& record) { last = record.getValue().number(); });
+    });
+    scheduler.run();
+    expect(popped != last && popped != 0, "the reader and the frame did not get a record each");
+    expectAccounts(ring, 2, 1 + taken);
+}
+
 constexpr Scenario scenarios[] = {
     {"push_against_pop", "a producer and a reader that sleeps", pushAgainstPop},
     {"pop_interrupt_top", "top() takes interrupts from a sleeping reader, and both are pushed to", popInterruptAndTop},
     {"full_ring", "two producers overrun a ring under its reader", fullRing},
+    {"frame_against_push", "a frame looks without a lock and takes without waiting", frameAgainstPushes},
+    {"frame_against_ring", "the same from a ring that is overrun", frameAgainstRing},
+    {"frame_beside_reader", "a frame and a reader that sleeps take from the same ring", frameBesideReader},
 };
 
 } // namespace

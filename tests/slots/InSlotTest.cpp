@@ -1,6 +1,7 @@
 #include "trovio/BufferedInSlot.h"
 #include "trovio/OutSlot.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 
 using namespace Trovio;
@@ -29,12 +30,14 @@ std::vector<long> drain(InSlot<long>& slot)
 // Each reading operation, interrupted while values wait: it throws once, and the values are still there.
 void expectInterruptThrowsOnce(InSlot<long>& slot, const std::vector<long>& waiting)
 {
-    for (const bool popping : {true, false}) {
+    const std::function<void()> readings[] = {[&slot] { slot.pop(); }, [&slot] { slot.top(); },
+                                              [&slot] { Trovio::Taking<long>::next(slot, [](auto&&) {}); }};
+    for (const auto& read : readings) {
         push(slot, 1, 2);
         slot.interrupt();
         slot.interrupt(); // adds nothing
         try {
-            popping ? slot.pop() : slot.top();
+            read();
             ADD_FAILURE() << "not interrupted";
         } catch (const InterruptedException& interrupted) {
             EXPECT_EQ(interrupted.getMessage(), "");
@@ -59,6 +62,21 @@ TEST(InSlot, InterruptThrowsOnceAndKeepsTheValue)
 {
     InSlot<long> slot("in");
     expectInterruptThrowsOnce(slot, {2});
+}
+
+TEST(InSlot, AFrameLeavesWhatAnotherReaderWasPromised)
+{
+    BufferedInSlot<long> slot("in", 2);
+    long taken = 0;
+    const auto take = [&] { return Trovio::Taking<long>::next(slot, [&](const auto& r) { taken = r.getValue(); }); };
+    EXPECT_FALSE(take());
+    push(slot, 1, 2);
+    slot.down();
+    EXPECT_TRUE(take());
+    EXPECT_FALSE(take());
+    EXPECT_EQ(taken, 1);
+    EXPECT_TRUE(slot.mayHoldRecord());
+    EXPECT_EQ(slot.getCounts().waiting, 1U);
 }
 
 TEST(BufferedInSlotKeepsNewest, OldestFirst)

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "trovio/Hooks.h"
+#include "trovio/InSlot.h"
+#include <typeinfo>
+#include <utility>
+
+namespace Trovio {
+
+template <class T>
+class BufferedInSlot;
+
+/// How records leave in-slots, with and without a ring: for readers who wait, and for a frame, which does not.
+/// Threads: any.
+template <class T>
+class Taking {
+public:
+    /// Calls use(record) with the slot's next record, without the lock, where one waits that no reader passed down()
+    /// for; it is looked for and taken under one lock. False where none does, and for a slot that is neither an
+    /// InSlot<T> nor a BufferedInSlot<T> itself. Throws as pop() does. Needs trovio/BufferedInSlot.h.
+    template <class Use>
+    static bool next(BasicInSlot& slot, Use&& use)
+    {
+        if (typeid(slot) == typeid(InSlot<T>))
+            return nextOf(static_cast<InSlot<T>&>(slot), use);
+        return typeid(slot) == typeid(BufferedInSlot<T>) && nextOf(static_cast<BufferedInSlot<T>&>(slot), use);
+    }
+
+private:
+    friend class InSlot<T>;
+    friend class BufferedInSlot<T>;
+
+    static bool isEmpty(const InSlot<T>& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS { return slot._empty; }
+    static bool isEmpty(const BufferedInSlot<T>& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS { return slot._count == 0; }
+
+    /// pop() of both kinds.
+    template <class SlotT>
+    static Data<T> waitAndTake(SlotT& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+    {
+        for (;;) {
+            slot.waitAndLock();
+            slot.throwIfInterrupted();
+            if (!isEmpty(slot))
+                return take(slot);
+            // The token of an interrupt that top() has taken meanwhile.
+            slot.unlock();
+        }
+    }
+
+    template <class SlotT, class Use>
+    static bool nextOf(SlotT& slot, Use& use) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+    {
+        slot.lock();
+        if (isEmpty(slot) || !Hooks::tryDown(slot)) {
+            slot.unlockUnchanged();
+            return false;
+        }
+        slot.throwIfInterrupted();
+        use(take(slot));
+        return true;
+    }
+
+    // Under the slot's lock, which they leave, with a token for the record.
+    static Data<T> take(InSlot<T>& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+    {
+        const Data<T> data = slot.handOut(slot._data, true);
+        slot._empty = true;
+        Hooks::drained(slot);
+        Hooks::taken(slot, data);
+        slot.unlock();
+        return data;
+    }
+    static Data<T> take(BufferedInSlot<T>& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+    {
+        const Data<T> data = slot.handOut(*slot._readPos, true);
+        slot.advance(slot._readPos);
+        if (--slot._count == 0)
+            Hooks::drained(slot);
+        Hooks::taken(slot, data);
+        slot.unlock();
+        return data;
+    }
+};
+
+} // namespace Trovio
