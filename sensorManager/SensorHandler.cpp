@@ -78,11 +78,12 @@ void SensorHandler::UpdateObserver::notify(const TimeStamp& now, BaseObject*, Ba
         update(now);
 }
 
-bool SensorHandler::UpdateObserver::update(const TimeStamp&)
+// Not inlined: notify() would ask for each sensor whether it is this one that it calls.
+[[gnu::noinline]] bool SensorHandler::UpdateObserver::update(const TimeStamp&)
 {
     return false;
 }
 
-void SensorHandler::UpdateObserver::updateOutput(const TimeStamp&) {}
+[[gnu::noinline]] void SensorHandler::UpdateObserver::updateOutput(const TimeStamp&) {}
 
 } // namespace Ostrel

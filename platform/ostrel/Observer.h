@@ -31,17 +31,14 @@ private:
     std::map<Subject*, Subject::Entries::iterator> _attachments;
 };
 
-// Inline, for a frame notifies thousands of subjects, most of which have one observer that finds nothing to do.
+// Inline, for a frame notifies thousands of subjects, most of which have one observer that finds nothing to do. Nothing
+// of the subject is needed after that one.
 inline void Subject::notify(const TimeStamp& time, BaseObject* first, BaseObject* second, BaseObject* third)
 {
-    const Walk walk(*this);
-    const std::uint64_t last = _number;
-    for (auto entry = _entries.begin(); entry != _entries.end() && entry->_number <= last; ++entry) {
-        if (entry->_observer)
-            entry->_observer->notify(time, first, second, third);
-        if (!walk.subjectLives())
-            return;
-    }
+    if (_entries.size() != 1)
+        notifyEach(time, first, second, third);
+    else if (Observer* const only = _entries.front())
+        only->notify(time, first, second, third);
 }
 
 } // namespace Ostrel

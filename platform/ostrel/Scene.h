@@ -4,8 +4,7 @@
 #include "ostrel/DirectSensor.h"
 #include "ostrel/Node.h"
 #include "ostrel/TimeStamp.h"
-#include <cstdint>
-#include <map>
+#include <cstddef>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -31,7 +30,7 @@ public:
     /// Unregisters and destroys all sensors, the first one first; the context stays.
     void clear();
 
-    std::size_t size() const { return _sensors.size(); }
+    std::size_t size() const { return _places.size(); }
     /// In scene order.
     std::vector<DirectSensor*> sensors() const;
 
@@ -44,22 +43,21 @@ public:
     std::vector<DirectSensor*> takeChanged();
 
 private:
-    using Sensors = std::map<std::uint64_t, std::unique_ptr<DirectSensor>>;
     class Walk;
-    /// True if there was a sensor of the other direction.
-    bool service(bool outputs, Sensors::iterator first, const TimeStamp& now);
-    /// What a walk that threw for want of memory left.
-    void serviceLeft(bool outputs, const TimeStamp& now);
+    /// Those that stand at `next` and behind it; `next` says how far it came, also when it throws. True if there is
+    /// perhaps one of the other direction.
+    bool service(bool outputs, std::size_t& next, const TimeStamp& now);
+    /// What service() left when it threw for want of memory.
+    void serviceLeft(bool outputs, std::size_t next, const TimeStamp& now);
     void tellOfMemory() noexcept;
-    std::unique_ptr<DirectSensor> take(Sensors::iterator place);
+    std::unique_ptr<DirectSensor> take(std::size_t place);
+    void closeGaps();
 
     std::unique_ptr<Context> _context;
-    Node _root; // above all sensors, so that it knows whether any changed
-    std::uint64_t _number = 0;
-    Sensors _sensors; // by the number of the addition
-    std::unordered_map<const DirectSensor*, std::uint64_t> _numbers;
-    Walk* _walk = nullptr;   // the innermost one that runs
-    Sensors::iterator _left; // where the last walk ended, also when it threw
+    Node _root;                                          // above all sensors, so that it knows whether any changed
+    std::vector<std::unique_ptr<DirectSensor>> _sensors; // null where one was taken away
+    std::unordered_map<const DirectSensor*, std::size_t> _places; // in _sensors
+    int _walks = 0;
     bool _toldOfMemory = false;
 };
 

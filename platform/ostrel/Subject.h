@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ostrel/TimeStamp.h"
-#include <cstdint>
 #include <list>
 
 namespace Ostrel {
@@ -32,48 +31,15 @@ public:
 
 private:
     friend class Observer;
-    struct Entry {
-        Observer* _observer; // null once detached during a notification
-        std::uint64_t _number;
-    };
-    using Entries = std::list<Entry>;
+    using Entries = std::list<Observer*>; // in the order of attaching; null once detached during a notification
+    class Walk;
 
-    /// One running notification. It knows whether its subject still lives, and the outermost one clears up at its end.
-    class Walk {
-    public:
-        explicit Walk(Subject& subject) : _subject(&subject), _outer(subject._walk) { subject._walk = this; }
-        Walk(const Walk&) = delete;
-        Walk& operator=(const Walk&) = delete;
-        ~Walk()
-        {
-            if (!_subject)
-                return;
-            _subject->_walk = _outer;
-            if (!_outer && !_subject->_swept)
-                sweep();
-        }
-
-        bool subjectLives() const { return _subject; }
-        /// Tells this walk and the ones around it.
-        void subjectEnds()
-        {
-            for (Walk* walk = this; walk; walk = walk->_outer)
-                walk->_subject = nullptr;
-        }
-
-    private:
-        void sweep();
-
-        Subject* _subject;
-        Walk* const _outer;
-    };
-
+    void notifyEach(const TimeStamp& time, BaseObject* first, BaseObject* second, BaseObject* third);
     void drop(Entries::iterator entry);
 
-    Entries _entries;          // ascending by number
-    std::uint64_t _number = 0; // of the entry attached last
-    Walk* _walk = nullptr;     // the innermost notification that runs
-    bool _swept = true;        // no entry is null
+    Entries _entries;
+    Walk* _walk = nullptr; // the innermost one that runs
+    bool _swept = true;    // no entry is null
 };
 
 } // namespace Ostrel

@@ -1,29 +1,68 @@
 #include "ostrel/Subject.h"
 
 #include "ostrel/Observer.h"
+#include <iterator>
 
 namespace Ostrel {
 
-void Subject::Walk::sweep()
-{
-    _subject->_entries.remove_if([](const Entry& entry) { return !entry._observer; });
-    _subject->_swept = true;
-}
+/// One running notification. It knows whether its subject still lives, and the outermost one clears up at its end.
+class Subject::Walk {
+public:
+    explicit Walk(Subject& subject) : _subject(&subject), _outer(subject._walk) { subject._walk = this; }
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
+    ~Walk()
+    {
+        if (!_subject)
+            return;
+        _subject->_walk = _outer;
+        if (_outer || _subject->_swept)
+            return;
+        _subject->_entries.remove(nullptr);
+        _subject->_swept = true;
+    }
+
+    bool subjectLives() const { return _subject; }
+    /// Tells this walk and the ones around it.
+    void subjectEnds()
+    {
+        for (Walk* walk = this; walk; walk = walk->_outer)
+            walk->_subject = nullptr;
+    }
+
+private:
+    Subject* _subject;
+    Walk* const _outer;
+};
 
 Subject::~Subject()
 {
-    for (const Entry& entry : _entries)
-        if (entry._observer)
-            entry._observer->_attachments.erase(this);
+    for (Observer* const observer : _entries)
+        if (observer)
+            observer->_attachments.erase(this);
     if (_walk)
         _walk->subjectEnds();
+}
+
+void Subject::notifyEach(const TimeStamp& time, BaseObject* first, BaseObject* second, BaseObject* third)
+{
+    if (_entries.empty())
+        return;
+    Walk walk(*this);
+    const auto last = std::prev(_entries.end()); // now: nothing leaves the list meanwhile
+    for (auto entry = _entries.begin();; ++entry) {
+        if (Observer* const observer = *entry)
+            observer->notify(time, first, second, third);
+        if (!walk.subjectLives() || entry == last)
+            return;
+    }
 }
 
 void Subject::attach(Observer& observer)
 {
     if (isAttached(observer))
         return;
-    _entries.push_back({&observer, ++_number});
+    _entries.push_back(&observer);
     try {
         observer._attachments.emplace(this, std::prev(_entries.end()));
     } catch (...) {
@@ -53,7 +92,7 @@ void Subject::drop(Entries::iterator entry)
         _entries.erase(entry);
         return;
     }
-    entry->_observer = nullptr;
+    *entry = nullptr;
     _swept = false;
 }
 

@@ -19,44 +19,20 @@ const NodeType& sceneType()
 
 } // namespace
 
-/// A walk over the sensors from the first to the one that was added last, while any of them may be taken away.
+/// While one lives, every sensor keeps its place.
 class Scene::Walk {
 public:
-    // Not inlined: the compiler would warn of the scene's pointer to a local object, which the destructor takes back.
-    [[gnu::noinline]] Walk(Scene& scene, Sensors::iterator first)
-        : _scene(scene), _outer(scene._walk), _next(first), _last(scene._number)
-    {
-        scene._walk = this;
-    }
+    explicit Walk(Scene& scene) : _scene(scene) { ++_scene._walks; }
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
     ~Walk()
     {
-        _scene._walk = _outer;
-        _scene._left = _next;
-    }
-
-    /// Null at the end.
-    DirectSensor* next()
-    {
-        if (_next == _scene._sensors.end() || _next->first > _last)
-            return nullptr;
-        return (_next++)->second.get();
-    }
-
-    /// Tells this walk and the ones around it that a sensor is about to be taken away.
-    void leave(Sensors::iterator place)
-    {
-        for (Walk* walk = this; walk; walk = walk->_outer)
-            if (walk->_next == place)
-                ++walk->_next;
+        --_scene._walks;
+        _scene.closeGaps();
     }
 
 private:
     Scene& _scene;
-    Walk* const _outer;
-    Sensors::iterator _next;
-    const std::uint64_t _last;
 };
 
 Scene::Scene() : _context(std::make_unique<Context>()), _root(sceneType())
@@ -73,13 +49,14 @@ DirectSensor& Scene::add(std::unique_ptr<DirectSensor> sensor)
 {
     assert(sensor && !sensor->context());
     DirectSensor& added = *sensor;
-    const auto place = _sensors.emplace(++_number, std::move(sensor)).first;
+    _sensors.emplace_back();
+    _places.emplace(&added, _sensors.size() - 1);
+    _sensors.back() = std::move(sensor);
     try {
-        _numbers.emplace(&added, place->first);
         added.setParent(&_root);
         added.setContext(_context.get());
     } catch (...) {
-        take(place);
+        remove(added);
         throw;
     }
     return added;
@@ -87,34 +64,45 @@ DirectSensor& Scene::add(std::unique_ptr<DirectSensor> sensor)
 
 std::unique_ptr<DirectSensor> Scene::remove(DirectSensor& sensor)
 {
-    const auto number = _numbers.find(&sensor);
-    return number == _numbers.end() ? nullptr : take(_sensors.find(number->second));
+    const auto place = _places.find(&sensor);
+    return place == _places.end() ? nullptr : take(place->second);
 }
 
 void Scene::clear()
 {
-    while (!_sensors.empty())
-        take(_sensors.begin());
+    const Walk walk(*this);
+    for (std::size_t place = 0; place != _sensors.size(); ++place)
+        if (_sensors[place])
+            take(place);
 }
 
-std::unique_ptr<DirectSensor> Scene::take(Sensors::iterator place)
+std::unique_ptr<DirectSensor> Scene::take(std::size_t place)
 {
-    std::unique_ptr<DirectSensor> sensor = std::move(place->second);
-    if (_walk)
-        _walk->leave(place);
-    _sensors.erase(place);
-    _numbers.erase(sensor.get());
+    std::unique_ptr<DirectSensor> sensor = std::move(_sensors[place]);
+    _places.erase(sensor.get());
+    closeGaps();
     sensor->setContext(nullptr);
     sensor->setParent(nullptr);
     return sensor;
 }
 
+/// Only where they are more than the sensors, so that each that goes pays as much as for one.
+void Scene::closeGaps()
+{
+    if (_walks != 0 || _sensors.size() <= 2 * _places.size())
+        return;
+    std::erase(_sensors, nullptr);
+    for (std::size_t place = 0; place != _sensors.size(); ++place)
+        _places.find(_sensors[place].get())->second = place;
+}
+
 std::vector<DirectSensor*> Scene::sensors() const
 {
     std::vector<DirectSensor*> result;
-    result.reserve(_sensors.size());
-    for (const auto& [number, sensor] : _sensors)
-        result.push_back(sensor.get());
+    result.reserve(size());
+    for (const auto& sensor : _sensors)
+        if (sensor)
+            result.push_back(sensor.get());
     return result;
 }
 
@@ -122,48 +110,52 @@ void Scene::frame(const TimeStamp& now)
 {
     // Most scenes have no outputs. A second walk over all sensors would cost as much as the first, so it is left out
     // where the first one met no output and no sensor came or turned round meanwhile.
-    const std::uint64_t number = _number;
+    const Walk walk(*this);
     const std::uint64_t turns = DirectSensor::turns();
     bool outputs = false;
+    std::size_t next = 0;
     try {
-        if (service(outputs, _sensors.begin(), now) || number != _number || turns != DirectSensor::turns()) {
+        if (service(outputs, next, now) || turns != DirectSensor::turns()) {
             outputs = true;
-            service(outputs, _sensors.begin(), now);
+            next = 0;
+            service(outputs, next, now);
         }
     } catch (const std::bad_alloc&) {
-        serviceLeft(outputs, now);
+        serviceLeft(outputs, next, now);
     }
 }
 
-void Scene::serviceLeft(bool outputs, const TimeStamp& now)
+void Scene::serviceLeft(bool outputs, std::size_t next, const TimeStamp& now)
 {
     tellOfMemory();
-    Sensors::iterator next = _left;
     for (;;) {
         try {
             service(outputs, next, now);
             if (outputs)
                 return;
             outputs = true;
-            next = _sensors.begin();
+            next = 0;
         } catch (const std::bad_alloc&) {
-            next = _left;
+            // Without that one.
         }
     }
 }
 
-bool Scene::service(bool outputs, Sensors::iterator first, const TimeStamp& now)
+bool Scene::service(bool outputs, std::size_t& next, const TimeStamp& now)
 {
     bool others = false;
-    Walk walk(*this, first);
-    while (DirectSensor* const sensor = walk.next()) {
+    const std::size_t end = _sensors.size(); // one that comes meanwhile stands behind it
+    while (next != end) {
+        DirectSensor* const sensor = _sensors[next++].get();
+        if (!sensor)
+            continue;
         DirectSensorProc* const proc = sensor->getDirectSensorProc();
         if (sensor->isOutput() != outputs)
             others = true;
         else if (proc)
             proc->getUpdateSubject().notify(now, sensor);
     }
-    return others;
+    return others || _sensors.size() != end;
 }
 
 void Scene::tellOfMemory() noexcept
@@ -186,8 +178,8 @@ std::vector<DirectSensor*> Scene::takeChanged()
     std::vector<DirectSensor*> changed;
     if (_root.marksBelow() == 0)
         return changed;
-    for (const auto& [number, sensor] : _sensors) {
-        if (!sensor->isMarked())
+    for (const auto& sensor : _sensors) {
+        if (!sensor || !sensor->isMarked())
             continue;
         changed.push_back(sensor.get());
         sensor->clearMarks();
