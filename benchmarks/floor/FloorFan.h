@@ -15,7 +15,10 @@ public:
 
     void push() { _out.push(someRecord); }
     void take(std::size_t i) { keep(_ins[i]->pop()); }
-    bool poll(std::size_t i) { return takeIfAny(*_ins[i]); }
+    bool poll(std::size_t i)
+    {
+        return _ins[i]->poll([](const Record& record) { keep(record); });
+    }
 
 private:
     FloorOut<FloorIn<Record>> _out;

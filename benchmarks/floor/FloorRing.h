@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/FutexLock.h"
+#include "base/Semaphore.h"
 #include <cstddef>
-#include <mutex>
-#include <semaphore.h>
 #include <vector>
 
 namespace Bench {
@@ -13,39 +13,41 @@ class FloorRing {
 public:
     using Value = Message;
 
-    explicit FloorRing(std::size_t capacity) : _buffer(capacity) { sem_init(&_available, 0, 0); }
-    FloorRing(const FloorRing&) = delete;
-    FloorRing& operator=(const FloorRing&) = delete;
-    ~FloorRing() { sem_destroy(&_available); }
+    explicit FloorRing(std::size_t capacity) : _buffer(capacity) {}
 
     void push(const Message& message)
     {
-        const std::lock_guard guard(_lock);
+        _lock.lock();
+        std::uint32_t wakes = 0;
         if (_count < _buffer.size()) {
             ++_count;
-            sem_post(&_available);
+            wakes = _available.post();
         } else {
             advance(_read);
         }
         _buffer[_write] = message;
         advance(_write);
+        _lock.unlock();
+        if (wakes != 0)
+            _available.wake(wakes);
     }
 
     Message pop()
     {
-        sem_wait(&_available);
-        const std::lock_guard guard(_lock);
-        const std::size_t place = _read;
+        _lock.lock();
+        _available.wait(_lock);
+        const Message message = _buffer[_read];
         advance(_read);
         --_count;
-        return _buffer[place];
+        _lock.unlock();
+        return message;
     }
 
 private:
     void advance(std::size_t& place) { place = place + 1 == _buffer.size() ? 0 : place + 1; }
 
-    std::mutex _lock;
-    sem_t _available;
+    Ostrel::FutexLock _lock;
+    Ostrel::Semaphore _available;
     std::vector<Message> _buffer;
     std::size_t _read = 0;
     std::size_t _write = 0;

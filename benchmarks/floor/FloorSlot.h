@@ -1,53 +1,70 @@
 #pragma once
 
-#include <mutex>
-#include <semaphore.h>
+#include "base/Flag.h"
+#include "base/FutexLock.h"
+#include "base/Semaphore.h"
 #include <vector>
 
 namespace Bench {
 
-// What the slots promise, written by hand and no more than that: a plain mutex on each side, a POSIX semaphore for
-// whoever waits, and one copy into each side.
+// What the slots promise, written by hand and no more than that, as tight as it can be: one lock of four bytes on each
+// side, the count for whoever waits inside it, one copy into each side, and a flag that says without the lock whether
+// there is anything to take.
 
 template <class Message>
 class FloorIn {
 public:
     using Value = Message;
 
-    FloorIn() { sem_init(&_available, 0, 0); }
-    FloorIn(const FloorIn&) = delete;
-    FloorIn& operator=(const FloorIn&) = delete;
-    ~FloorIn() { sem_destroy(&_available); }
-
     void push(const Message& message)
     {
-        const std::lock_guard guard(_lock);
-        if (_empty) {
-            _empty = false;
-            sem_post(&_available);
+        _lock.lock();
+        std::uint32_t wakes = 0;
+        if (!_mayHold.isSet()) {
+            _mayHold.set(true);
+            wakes = _available.post();
         }
         _message = message;
+        _lock.unlock();
+        if (wakes != 0)
+            _available.wake(wakes);
     }
 
     Message pop()
     {
-        sem_wait(&_available);
-        const std::lock_guard guard(_lock);
-        _empty = true;
-        return _message;
+        _lock.lock();
+        _available.wait(_lock);
+        return take();
     }
 
-    bool empty() const
+    /// Looks without the lock, and then looks and takes under one.
+    template <class Use>
+    bool poll(Use use)
     {
-        const std::lock_guard guard(_lock);
-        return _empty;
+        if (!_mayHold.isSet())
+            return false;
+        _lock.lock();
+        if (!_available.tryWait()) {
+            _lock.unlock();
+            return false;
+        }
+        use(take());
+        return true;
     }
 
 private:
-    mutable std::mutex _lock;
-    sem_t _available;
+    Message take()
+    {
+        const Message message = _message;
+        _mayHold.set(false);
+        _lock.unlock();
+        return message;
+    }
+
+    Ostrel::FutexLock _lock;
+    Ostrel::Flag _mayHold;
+    Ostrel::Semaphore _available;
     Message _message{};
-    bool _empty = true;
 };
 
 template <class In>
@@ -59,15 +76,16 @@ public:
 
     void push(const Message& message)
     {
-        const std::lock_guard guard(_lock);
+        _lock.lock();
         _message = message;
         _hasValue = true;
         for (In* const in : _ins)
             in->push(message);
+        _lock.unlock();
     }
 
 private:
-    std::mutex _lock;
+    Ostrel::FutexLock _lock;
     std::vector<In*> _ins;
     Message _message{};
     bool _hasValue = false;

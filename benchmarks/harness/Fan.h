@@ -26,16 +26,6 @@ struct Record {
 
 inline constexpr Record someRecord{1e9, {0.1F, 1.6F, -0.3F}};
 
-/// For in-slots, those of the floor and those of the library: takes a record if there is one.
-template <class In>
-bool takeIfAny(In& in)
-{
-    if (in.empty())
-        return false;
-    keep(in.pop());
-    return true;
-}
-
 /// Operations of about a fifth of a millisecond make a batch.
 template <Fan F>
 void addPush(Workload& workload, const char* name, std::size_t readers, std::size_t perBatch)

@@ -2,7 +2,7 @@
 
 #include "benchmarks/road/Road.h"
 #include "sensorManager/Conversions.h"
-#include "trovio/InSlot.h"
+#include "trovio/BufferedInSlot.h"
 #include <list>
 #include <map>
 #include <vector>
@@ -22,7 +22,8 @@ public:
             auto& slot = _road.template slot<Trovio::InSlot<Value>>(sensor);
             _slots.push_back(&slot);
             _sensors.push_back(&sensor);
-            _places.emplace(i, std::list<Place>{{&sensor, &slot, static_cast<FieldT*>(sensor.getField())}});
+            _row.push_back({&sensor, &slot, static_cast<FieldT*>(sensor.getField())});
+            _places.emplace(i, std::list<Place>{_row.back()});
         }
     }
 
@@ -33,7 +34,7 @@ public:
         _road.scene().frame(now);
     }
 
-    /// By hand, over the same sensors, slots and fields in the same containers: what the types of all are is known.
+    /// By hand, over the same sensors, slots and fields, whose types are known: each slot is locked to look into it.
     void walk()
     {
         push();
@@ -41,6 +42,15 @@ public:
             for (Place& place : places)
                 if (!place._sensor->isOutput())
                     drain(place);
+    }
+
+    /// The same as tight as it can be: in one row, looking without a lock, and taking under the lock that looks again.
+    void walkTightly()
+    {
+        push();
+        for (Place& place : _row)
+            if (place._slot->mayHoldRecord() && !place._sensor->isOutput())
+                Trovio::Taking<Value>::next(*place._slot, [&place](auto&& record) { give(record, place); });
     }
 
 private:
@@ -65,9 +75,14 @@ private:
     {
         while (!place._slot->empty()) {
             auto record = place._slot->pop();
-            Ostrel::Conversions::toField(record.getValue(), *place._field);
-            place._field->processValueChange(now, Ostrel::CallerOutside);
+            give(record, place);
         }
+    }
+
+    static void give(Trovio::Data<Value>& record, const Place& place)
+    {
+        Ostrel::Conversions::toField(record.getValue(), *place._field);
+        place._field->processValueChange(now, Ostrel::CallerOutside);
     }
 
     OpenRoot _root;
@@ -76,6 +91,7 @@ private:
     std::size_t _number = 0;
     std::vector<Ostrel::DirectSensor*> _sensors;
     std::vector<Trovio::InSlot<Value>*> _slots;
+    std::vector<Place> _row;
     std::map<std::size_t, std::list<Place>> _places;
 };
 

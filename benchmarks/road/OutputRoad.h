@@ -22,7 +22,8 @@ public:
             Ostrel::DirectSensor& sensor = _road.template add<FieldT>(true);
             auto& out = _road.template slot<Trovio::OutSlot<Value>>(sensor);
             out.connect(_ins.emplace_back(std::make_unique<Trovio::InSlot<Value>>("in")).get());
-            _places.emplace(i, std::list<Place>{{&sensor, &out, static_cast<FieldT*>(sensor.getField())}});
+            _row.push_back({&sensor, &out, static_cast<FieldT*>(sensor.getField())});
+            _places.emplace(i, std::list<Place>{_row.back()});
         }
     }
     OutputRoad(const OutputRoad&) = delete;
@@ -43,6 +44,13 @@ public:
                     send(place);
     }
 
+    void walkTightly()
+    {
+        for (Place& place : _row)
+            if (place._sensor->isOutput())
+                send(place);
+    }
+
 private:
     struct Place {
         Ostrel::DirectSensor* _sensor;
@@ -61,6 +69,7 @@ private:
     OpenRoot _root;
     Road _road;
     std::vector<std::unique_ptr<Trovio::InSlot<Value>>> _ins;
+    std::vector<Place> _row;
     std::map<std::size_t, std::list<Place>> _places;
 };
 

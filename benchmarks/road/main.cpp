@@ -12,8 +12,9 @@ void addRoad(Workload& workload, const std::shared_ptr<RoadT>& road, std::size_t
 {
     workload.setMetrics({{"", "us", 1e-3}});
     workload.add("walk by hand", [=] { return sampleBatches(perBatch, [&] { road->walk(); }); });
+    workload.add("walk by hand, tight", [=] { return sampleBatches(perBatch, [&] { road->walkTightly(); }); });
     workload.add("library", [=] { return sampleBatches(perBatch, [&] { road->frame(); }); });
-    workload.limit("library", "walk by hand", 1.3);
+    workload.limit("library", "walk by hand", 1.0);
     if (!std::is_same_v<RoadT, InputRoad<Ostrel::SFString, std::string>>) // a text is copied into the slot
         workload.forbidAllocations("library");
 }

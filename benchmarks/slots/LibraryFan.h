@@ -1,7 +1,7 @@
 #pragma once
 
 #include "benchmarks/harness/Fan.h"
-#include "trovio/InSlot.h"
+#include "trovio/BufferedInSlot.h"
 #include "trovio/OutSlot.h"
 
 namespace Bench {
@@ -30,7 +30,12 @@ public:
 
     void push() { _out.push(_record); }
     void take(std::size_t i) { keep(_ins[i]->pop()); }
-    bool poll(std::size_t i) { return takeIfAny(*_ins[i]); }
+    /// As the observers of sensors do it.
+    bool poll(std::size_t i)
+    {
+        return _ins[i]->mayHoldRecord() &&
+               Trovio::Taking<LibraryValue>::next(*_ins[i], [](const LibraryRecord& record) { keep(record); });
+    }
 
 private:
     const LibraryRecord _record = someLibraryRecord();
