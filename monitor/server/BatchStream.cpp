@@ -1,0 +1,80 @@
+#include "monitor/server/BatchStream.h"
+
+#include "explain/text/Escape.h"
+#include "explain/text/JsonText.h"
+#include "monitor/server/ClientJson.h"
+#include "monitor/server/RecordText.h"
+
+namespace Monitor {
+
+using Explain::inQuotes;
+
+// A client that does not even take words is sent away.
+void BatchStream::say(const nlohmann::json& object)
+{
+    if (!queue().putWords(Explain::jsonText(object)))
+        queue().finish();
+}
+
+void BatchStream::received(std::string_view message, bool isBinary)
+{
+    const auto object = isBinary ? std::nullopt : readObject(message);
+    const std::string op = object ? textAt(*object, "op").value_or("") : "";
+    if (op == "subscribe")
+        subscribe(listAt(*object, "labels"));
+    else if (op == "unsubscribe")
+        unsubscribe(listAt(*object, "labels"));
+    else
+        say({{"op", "error"},
+             {"message", "no message of " + std::string(Name) +
+                             "; allowed: {\"op\":\"subscribe\",\"labels\":[…]} and \"unsubscribe\""}});
+}
+
+void BatchStream::subscribe(const nlohmann::json& labels)
+{
+    nlohmann::json slots = nlohmann::json::array();
+    for (const nlohmann::json& entry : labels) {
+        const std::string label = entry.is_string() ? entry.get<std::string>() : "";
+        if (_numbers.contains(label))
+            continue;
+        _numbers[label] = ++_last; // its newest record may come at once
+        if (_watches.add(label, *this)) {
+            slots.push_back({{"id", _last}, {"label", label}});
+            continue;
+        }
+        _numbers.erase(label);
+        say({{"op", "error"}, {"label", label}, {"message", "no out-slot has the label " + inQuotes(label)}});
+    }
+    say({{"op", "subscribed"}, {"slots", slots}});
+    endRound();
+}
+
+void BatchStream::unsubscribe(const nlohmann::json& labels)
+{
+    for (const nlohmann::json& entry : labels)
+        if (entry.is_string() && _numbers.erase(entry.get<std::string>()) > 0)
+            _watches.remove(entry.get<std::string>(), *this);
+}
+
+void BatchStream::take(const std::string& label, const SlotCodec& codec, const TapRecord& record)
+{
+    const auto number = _numbers.find(label);
+    if (number != _numbers.end())
+        add((isEmpty() ? "[" : ",[") + std::to_string(number->second) + "," + secondsText(record._arrival) + "," +
+            stampText(record._stamp) + "," + valueText(codec, record) + "]");
+}
+
+void BatchStream::endRound()
+{
+    if (isEmpty() && !(hasDropped() && queue().empty()))
+        return;
+    newlyDropped();
+    OutMessage round = takeRound();
+    round._bytes =
+        "{\"op\":\"batch\",\"records\":[" + round._bytes + "],\"dropped\":" + std::to_string(queue().dropped()) + "}";
+    if (round._records > 0)
+        queue().putRecords(std::move(round));
+    else
+        queue().putWords(std::move(round._bytes));
+}
+} // namespace Monitor

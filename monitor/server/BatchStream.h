@@ -1,0 +1,36 @@
+#pragma once
+
+#include "monitor/server/RoundStream.h"
+#include "monitor/server/Watches.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+namespace Monitor {
+
+/// ostrel.batch.v1: all records of a round in one text, for a page that shows many slots. The client says
+/// {"op":"subscribe","labels":[…]} or "unsubscribe", and gets
+/// {"op":"subscribed","slots":[{"id":…,"label":…,"type":…}]}, then
+/// {"op":"batch","records":[[id,time,stamp,value],…],"dropped":…}, where "dropped" are all that are missing so far.
+/// Threads: the server's.
+class BatchStream final : public RoundStream {
+public:
+    static constexpr const char* Name = "ostrel.batch.v1";
+
+    explicit BatchStream(Watches& watches) : _watches(watches) {}
+    ~BatchStream() override { _watches.removeAll(*this); }
+
+    void received(std::string_view message, bool isBinary) override;
+    void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) override;
+    void endRound() override;
+    void drained() override { endRound(); }
+
+private:
+    void subscribe(const nlohmann::json& labels);
+    void unsubscribe(const nlohmann::json& labels);
+    void say(const nlohmann::json& object);
+
+    Watches& _watches;
+    std::map<std::string, std::uint32_t, std::less<>> _numbers; // by label
+    std::uint32_t _last = 0;
+};
+} // namespace Monitor

@@ -1,0 +1,49 @@
+#include "monitor/server/Channels.h"
+
+#include "explain/TreeWalk.h"
+#include "trovio/Root.h"
+
+#include <algorithm>
+
+namespace Monitor {
+namespace {
+
+std::map<std::string, const SlotCodec*> outSlots()
+{
+    std::map<std::string, const SlotCodec*> found;
+    Explain::walkTree(Trovio::Root::get().inspect(),
+                      [&found](const std::string& path, const Trovio::NamespaceInfo& at) {
+                          for (const Trovio::SlotInfo& slot : at._slots)
+                              if (slot._own && slot._direction == Trovio::Slot::Direction::Out)
+                                  if (const SlotCodec* const codec = SlotCodec::find(slot._typeName))
+                                      found[Explain::pathBelow(path, slot._label)] = codec;
+                      });
+    return found;
+}
+} // namespace
+
+bool Channels::refresh()
+{
+    std::map<std::string, const SlotCodec*> now = outSlots();
+    bool changed = false;
+    for (auto entry = _channels.begin(); entry != _channels.end();) {
+        const auto still = now.find(entry->second._label);
+        if (still != now.end() && still->second == entry->second._codec) {
+            now.erase(still);
+            ++entry;
+            continue;
+        }
+        entry = _channels.erase(entry);
+        changed = true;
+    }
+    for (const auto& [label, codec] : now)
+        _channels[++_last] = {label, codec};
+    return changed || !now.empty();
+}
+
+const Channels::Channel* Channels::find(std::uint32_t number) const
+{
+    const auto found = _channels.find(number);
+    return found == _channels.end() ? nullptr : &found->second;
+}
+} // namespace Monitor

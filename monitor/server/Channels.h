@@ -1,0 +1,31 @@
+#pragma once
+
+#include "monitor/codec/SlotCodec.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace Monitor {
+
+/// The out-slots of the tree under numbers, as streams offer them. A number is never given to another one.
+/// Threads: the server's.
+class Channels {
+public:
+    struct Channel {
+        std::string _label; // as the root sees it
+        const SlotCodec* _codec;
+    };
+
+    /// Looks at the tree again. Whether anything is other than before.
+    bool refresh();
+
+    const std::map<std::uint32_t, Channel>& all() const { return _channels; }
+    /// Null if there is none, or none any more.
+    const Channel* find(std::uint32_t number) const;
+
+private:
+    std::map<std::uint32_t, Channel> _channels;
+    std::uint32_t _last = 0;
+};
+} // namespace Monitor

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Monitor {
+
+/// An object that a client sent, of up to 16 levels, however large its numbers are; nothing for any other text.
+inline std::optional<nlohmann::json> readObject(std::string_view text)
+{
+    using Json = nlohmann::json;
+    bool isDeep = false;
+    const auto keep = [&isDeep](int depth, Json::parse_event_t, Json&) {
+        isDeep = isDeep || depth > 16;
+        return !isDeep;
+    };
+    Json read = Json::parse(text, keep, false);
+    if (isDeep || !read.is_object())
+        return std::nullopt;
+    return read;
+}
+
+/// The text under that key; nothing where there is none.
+inline std::optional<std::string> textAt(const nlohmann::json& object, const char* key)
+{
+    const auto found = object.find(key);
+    return found != object.end() && found->is_string() ? std::optional(found->get<std::string>()) : std::nullopt;
+}
+
+/// A whole number of 32 bits; nothing for any other value.
+inline std::optional<std::uint32_t> numberIn(const nlohmann::json& value)
+{
+    if (!value.is_number_unsigned() || value.get<std::uint64_t>() > UINT32_MAX)
+        return std::nullopt;
+    return value.get<std::uint32_t>();
+}
+
+/// The list under that key; an empty one where there is none.
+inline const nlohmann::json& listAt(const nlohmann::json& object, const char* key)
+{
+    static const nlohmann::json none = nlohmann::json::array();
+    const auto found = object.find(key);
+    return found != object.end() && found->is_array() ? *found : none;
+}
+} // namespace Monitor

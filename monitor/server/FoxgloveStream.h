@@ -1,0 +1,78 @@
+#pragma once
+
+#include "monitor/answer/Question.h"
+#include "monitor/server/Channels.h"
+#include "monitor/server/FoxgloveMessage.h"
+#include "monitor/server/Watches.h"
+
+#include <array>
+#include <nlohmann/json_fwd.hpp>
+
+namespace Monitor {
+
+/// One client of the Foxglove WebSocket protocol: each out-slot is a channel, its records are messages in CDR. Where
+/// the client may write, it may publish, too. Threads: the server's.
+class FoxgloveStream final : public Stream {
+public:
+    static constexpr std::array<std::string_view, 2> Names = {"foxglove.websocket.v1", "foxglove.sdk.v1"};
+
+    /// What it needs of the server, which outlives it.
+    struct Around {
+        Watches& _watches;
+        const Channels& _channels;
+        /// Answers on the server's thread, later.
+        std::function<void(Question, std::function<void(const Answer&)>)> _ask;
+        std::string _name;    // of the program
+        std::string _session; // another one for each run
+    };
+
+    FoxgloveStream(const Around& around, bool mayWrite) : _around(around), _mayWrite(mayWrite) {}
+    ~FoxgloveStream() override { _around._watches.removeAll(*this); }
+
+    void opened() override;
+    void received(std::string_view message, bool isBinary) override;
+    void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) override;
+    void endRound() override;
+    void slotsChanged() override;
+    void drained() override;
+
+private:
+    struct Subscription {
+        std::uint32_t _channel;
+        std::string _label;
+    };
+    struct Publication {
+        std::string _label;
+        const SlotCodec* _codec; // null for JSON
+    };
+
+    void handle(const Foxglove::Subscribe& message);
+    void handle(const Foxglove::Unsubscribe& message);
+    void handle(const Foxglove::Advertise& message);
+    void handle(const Foxglove::Unadvertise& message);
+    void handle(const Foxglove::Publish& message);
+    void handle(const Foxglove::Wrong& message);
+
+    void advertiseSome();
+    std::string problemOf(const Foxglove::Subscribe::Entry& entry) const;
+    void end(std::uint32_t subscription);
+    void publish(const Publication& publication, std::string_view payload);
+    void tellDropped();
+    enum Level { Info = 0, Warning = 1, Error = 2 };
+    void status(Level level, const std::string& text, const char* number = nullptr);
+    void say(const nlohmann::ordered_json& object);
+
+    const Around& _around;
+    const bool _mayWrite;
+    bool _isOpen = false;
+    std::uint32_t _advertised = 0;                              // the last channel that was offered
+    std::map<std::uint32_t, std::string> _offered;              // labels by channel
+    std::map<std::uint32_t, Subscription> _subscriptions;       // by the client's numbers
+    std::map<std::string, std::uint32_t, std::less<>> _byLabel; // of the subscriptions
+    std::map<std::uint32_t, Publication> _publications;         // by the client's numbers
+    std::uint64_t _told = 0;                                    // of the dropped records
+    unsigned _roundsSinceTold = 0;
+    const std::shared_ptr<FoxgloveStream*> _self =
+        std::make_shared<FoxgloveStream*>(this); // for answers that come late
+};
+} // namespace Monitor

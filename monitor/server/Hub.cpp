@@ -1,0 +1,221 @@
+#include "monitor/server/Hub.h"
+
+#include "explain/text/Escape.h"
+#include "explain/text/Failure.h"
+#include "explain/text/JsonText.h"
+#include "monitor/answer/SlotMap.h"
+#include "monitor/server/BatchStream.h"
+#include "monitor/server/LineStream.h"
+#include "trovio/Root.h"
+
+#include <algorithm>
+#include <charconv>
+#include <nlohmann/json.hpp>
+
+namespace Monitor {
+
+using Explain::inQuotes;
+
+namespace {
+
+constexpr std::chrono::seconds lookInterval(1); // at the slots of the tree
+constexpr const char* tooMany = "too many questions wait already; ask again later";
+
+// The first that is offered and known; empty for none.
+std::string chosenFrom(const std::vector<std::string>& offered)
+{
+    const auto isKnown = [](const std::string& name) {
+        return name == BatchStream::Name ||
+               std::ranges::find(FoxgloveStream::Names, name) != FoxgloveStream::Names.end();
+    };
+    const auto found = std::ranges::find_if(offered, isKnown);
+    return found == offered.end() ? std::string() : *found;
+}
+
+Question questionFrom(const RequestHead& head, std::string body, bool mayWrite)
+{
+    Question question{head._method, head._path, head._query, std::move(body), head._accept, mayWrite, {}};
+    question._query.erase("token"); // that has been seen to
+    return question;
+}
+
+std::string valueOf(const Question& question, const std::string& name)
+{
+    const auto found = question._query.find(name);
+    return found == question._query.end() ? std::string() : found->second;
+}
+
+// The labels of the out-slots that are meant; empty, and what is wrong, where there are none.
+std::vector<std::string> sourcesOf(const std::string& label, const SceneView& scene, std::string& problem)
+{
+    const SlotMap slots(Trovio::Root::get().inspect(), scene._places ? scene._places() : Explain::ScenePlaces());
+    const SlotMap::Place* const place = slots.find(label, problem);
+    std::vector<std::string> labels;
+    if (!place)
+        return labels;
+    for (const SlotMap::Place* const source : slots.sourcesOf(*place))
+        labels.push_back(source->_label);
+    if (labels.empty())
+        problem = "nothing is connected to " + inQuotes(place->_label) + ", so no records come; ask /why for the cause";
+    return labels;
+}
+} // namespace
+
+Answer errorAnswer(int status, const std::string& text)
+{
+    return {status, "application/json", Explain::jsonText(nlohmann::json{{"error", text}}) + "\n"};
+}
+
+Hub::Hub(SceneView scene, WhoMay whoMay, Network network)
+    : _scene(std::move(scene)),
+      _whoMay(std::move(whoMay)),
+      _network(std::move(network)),
+      _watches(_taps, _network._hurry),
+      _foxglove{_watches, _channels,
+                [this](Question question, const std::function<void(const Answer&)>& take) {
+                    answerLater(std::move(question), take);
+                },
+                _scene._name, newToken()},
+      _answers(_scene, _taps, [this] { return clientCounts(); })
+{
+}
+
+std::optional<Answer> Hub::refusal(const RequestHead& head, Door door)
+{
+    if (const auto refused = _whoMay.refusal(head, door))
+        return errorAnswer(403, *refused);
+    if (!head._wantsWebSocket)
+        return std::nullopt;
+    if (head._path != "/")
+        return errorAnswer(404, "no WebSocket at " + inQuotes(head._path) + "; allowed: /");
+    if (chosenFrom(head._subprotocols).empty())
+        return errorAnswer(400, "the WebSocket offers no subprotocol that is served here; allowed: " +
+                                    std::string(FoxgloveStream::Names[0]) + ", " +
+                                    std::string(FoxgloveStream::Names[1]) + ", " + BatchStream::Name);
+    return std::nullopt;
+}
+
+Answer Hub::answer(const Question& question) const
+{
+    try {
+        return _answers.ask(question);
+    } catch (const std::exception& error) {
+        return errorAnswer(500, Explain::textOf(error));
+    }
+}
+
+void Hub::answerLater(Question question, Take take)
+{
+    noteClients();
+    WorkThread& thread = question._path == "/delay" ? _delays : _work;
+    question._isOver = [&thread] { return thread.isOver(); };
+    // What take holds has to go on the server's thread.
+    const auto work = [this, question = std::move(question), take]() mutable {
+        _network._post(
+            [take = std::exchange(take, nullptr), made = answer(question)]() mutable { take(std::move(made)); });
+    };
+    if (!thread.add(work))
+        take(errorAnswer(503, tooMany));
+}
+
+void Hub::ask(const RequestHead& head, Door door, std::string body, std::shared_ptr<Exchange> exchange)
+{
+    Question question = questionFrom(head, std::move(body), _whoMay.mayWrite(head, door));
+    if (question._path == "/stream")
+        return stream(question, exchange);
+    answerLater(std::move(question), [exchange](Answer made) { exchange->reply(std::move(made)); });
+}
+
+void Hub::stream(const Question& question, const std::shared_ptr<Exchange>& exchange)
+{
+    std::uint64_t most = 0;
+    const std::string count = valueOf(question, "n"), label = valueOf(question, "label");
+    const auto [end, error] = std::from_chars(count.data(), count.data() + count.size(), most);
+    if (question._method != "GET")
+        return exchange->reply(errorAnswer(405, "'/stream' takes GET, not " + inQuotes(question._method)));
+    if (label.empty() || (!count.empty() && (error != std::errc() || end != count.data() + count.size() || most == 0)))
+        return exchange->reply(errorAnswer(400, "/stream?label=" + label + "&n=" + count +
+                                                    ": allowed: the label of a slot, and where n is given a whole "
+                                                    "number of records above 0"));
+    const auto work = [this, label, most, held = exchange]() mutable {
+        std::string problem;
+        auto labels = sourcesOf(label, _scene, problem);
+        _network._post([this, labels, problem, most, held = std::exchange(held, nullptr)] {
+            auto made = lines(labels, most);
+            made ? held->replyWith(std::move(made))
+                 : held->reply(errorAnswer(404, problem.empty() ? "the slot is gone" : problem));
+        });
+    };
+    if (!_work.add(work))
+        exchange->reply(errorAnswer(503, tooMany));
+}
+
+std::unique_ptr<Stream> Hub::lines(const std::vector<std::string>& labels, std::uint64_t most)
+{
+    auto made = std::make_unique<LineStream>(_watches, most);
+    enter(*made, "stream");
+    bool any = false;
+    for (const std::string& label : labels)
+        any = made->watch(label) || any;
+    return any ? std::move(made) : nullptr;
+}
+
+std::unique_ptr<Stream> Hub::openSocket(const RequestHead& head, Door door, std::string& subprotocol)
+{
+    subprotocol = chosenFrom(head._subprotocols);
+    std::unique_ptr<Stream> made;
+    if (subprotocol == BatchStream::Name) {
+        made = std::make_unique<BatchStream>(_watches);
+    } else {
+        lookAtSlots();
+        made = std::make_unique<FoxgloveStream>(_foxglove, _whoMay.mayWrite(head, door));
+    }
+    enter(*made, subprotocol);
+    return made;
+}
+
+void Hub::enter(Stream& stream, const std::string& kind)
+{
+    _streams[&stream] = std::to_string(++_clientsSoFar) + " " + kind;
+    stream.whenGone([this, &stream] { _streams.erase(&stream); });
+}
+
+// Whoever serves channels hears of it, also of what somebody else's look has found.
+void Hub::lookAtSlots()
+{
+    _lastLook = _network._now();
+    if (!_channels.refresh())
+        return;
+    for (const auto& [stream, name] : _streams)
+        stream->slotsChanged();
+}
+
+void Hub::tick()
+{
+    if (!_watches.empty())
+        _watches.round();
+    if (!_streams.empty() && _network._now() - _lastLook >= lookInterval)
+        lookAtSlots();
+}
+
+void Hub::noteClients()
+{
+    std::vector<ClientCounts> counts;
+    for (const auto& [stream, name] : _streams)
+        counts.push_back({name, stream->queue().sentRecords(), stream->queue().dropped()});
+    const Ostrel::LockGuard guard(_countsLock);
+    _counts = std::move(counts);
+}
+
+std::vector<ClientCounts> Hub::clientCounts() const
+{
+    const Ostrel::LockGuard guard(_countsLock);
+    return _counts;
+}
+
+void Hub::endAnswers()
+{
+    _delays.end();
+    _work.end();
+}
+} // namespace Monitor

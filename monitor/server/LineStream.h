@@ -1,0 +1,30 @@
+#pragma once
+
+#include "monitor/server/RoundStream.h"
+#include "monitor/server/Watches.h"
+
+namespace Monitor {
+
+/// The records of slots as lines of JSON: {"label":…,"time":…,"stamp":…,"value":…}, times in seconds, "time" that of
+/// the arrival; {"dropped":…} where some are missing. Threads: the server's.
+class LineStream final : public RoundStream {
+public:
+    /// Ends after `most` records; 0 for never.
+    LineStream(Watches& watches, std::uint64_t most) : _watches(watches), _most(most) {}
+    ~LineStream() override { _watches.removeAll(*this); }
+
+    /// Whether there is such an out-slot, which it then watches.
+    bool watch(const std::string& label) { return _watches.add(label, *this); }
+
+    void opened() override { endRound(); }
+    void received(std::string_view, bool) override {}
+    void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) override;
+    void endRound() override;
+    void drained() override { endRound(); }
+
+private:
+    Watches& _watches;
+    const std::uint64_t _most;
+    std::uint64_t _taken = 0;
+};
+} // namespace Monitor

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "monitor/server/Stream.h"
+
+#include <utility>
+
+namespace Monitor {
+
+/// A stream of texts that gathers the records of a round into one message. Threads: the server's.
+class RoundStream : public Stream {
+protected:
+    /// Adds a record to the round, or drops it where the queue would have no room for it.
+    bool add(const std::string& text)
+    {
+        const std::size_t bytes = _round._bytes.size() + text.size();
+        if ((_round._records > 0 && bytes > ClientQueue::Room) || !queue().hasRoomFor(bytes)) {
+            queue().drop(1);
+            return false;
+        }
+        _round._bytes += text;
+        ++_round._records;
+        return true;
+    }
+    /// What was gathered; then the next round begins.
+    OutMessage takeRound() { return std::exchange(_round, {}); }
+    bool isEmpty() const { return _round._records == 0; }
+
+    /// How many records were dropped since this was asked.
+    std::uint64_t newlyDropped() { return queue().dropped() - std::exchange(_told, queue().dropped()); }
+    bool hasDropped() const { return queue().dropped() != _told; }
+
+private:
+    OutMessage _round;
+    std::uint64_t _told = 0; // of the dropped ones
+};
+} // namespace Monitor

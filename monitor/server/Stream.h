@@ -1,0 +1,48 @@
+#pragma once
+
+#include "monitor/codec/SlotCodec.h"
+#include "monitor/server/ClientQueue.h"
+#include "monitor/tap/AnyTap.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace Monitor {
+
+/// One client that gets records as they come. Its connection sends what it puts into its queue.
+/// Threads: the server's.
+class Stream {
+public:
+    Stream() = default;
+    virtual ~Stream()
+    {
+        if (_gone)
+            _gone();
+    }
+    Stream(const Stream&) = delete;
+    Stream& operator=(const Stream&) = delete;
+
+    ClientQueue& queue() { return _queue; }
+    const ClientQueue& queue() const { return _queue; }
+    /// Called when it goes.
+    void whenGone(std::function<void()> gone) { _gone = std::move(gone); }
+
+    /// The connection stands.
+    virtual void opened() {}
+    /// The client says something.
+    virtual void received(std::string_view message, bool isBinary) = 0;
+    /// A slot that it watches has a new record.
+    virtual void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) = 0;
+    /// After the records of one round.
+    virtual void endRound() = 0;
+    /// The slots of the tree may be others now; about once a second.
+    virtual void slotsChanged() {}
+    /// All that was put is sent.
+    virtual void drained() {}
+
+private:
+    ClientQueue _queue;
+    std::function<void()> _gone;
+};
+} // namespace Monitor

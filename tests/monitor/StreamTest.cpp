@@ -1,0 +1,197 @@
+#include "explain/text/JsonText.h"
+#include "monitor/codec/Encode.h"
+#include "tests/monitor/ServerBench.h"
+#include "tests/monitor/WebSocketClient.h"
+
+namespace {
+
+using namespace Monitor;
+using namespace std::chrono_literals;
+using Json = nlohmann::json;
+
+constexpr const char* foxglove = "foxglove.websocket.v1";
+constexpr std::size_t plenty = 100'000; // records of which a client's queue holds a part
+
+// An out-slot of the root, as a node's would be.
+struct Source {
+    explicit Source(std::string label) : _label(std::move(label)) { Trovio::Root::get().addOutSlot(_label, &_slot); }
+    ~Source() { Trovio::Root::get().removeSlot(_label); }
+    void push(double value) { _slot.push(Trovio::Data(value, Trovio::Time(value))); }
+
+    const std::string _label;
+    Trovio::OutSlot<double> _slot{"test"};
+};
+
+Bytes encoded(double value)
+{
+    Bytes bytes;
+    encode(Trovio::Data(value, Trovio::Time(value)), bytes);
+    return bytes;
+}
+
+class Subprotocol : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(Subprotocol, ServesChannelsMessagesAndTheirEnd)
+{
+    ServerBench bench;
+    auto wand = std::make_unique<Source>("Wand/x");
+    WebSocketClient client(bench, GetParam());
+    EXPECT_EQ(client.protocol(), GetParam());
+    const Json info = client.nextJson(), offered = client.nextJson();
+    EXPECT_EQ(info["op"], "serverInfo");
+    EXPECT_EQ(info["capabilities"], Json({"clientPublish"})); // of the Unix socket
+    ASSERT_EQ(offered["channels"].size(), 1);
+    const Json channel = offered["channels"][0];
+    EXPECT_EQ(channel["topic"], "Wand/x");
+    EXPECT_EQ(channel["encoding"], "cdr");
+    EXPECT_EQ(channel["schemaName"], "std_msgs/msg/Float64");
+    EXPECT_EQ(channel["schemaEncoding"], "ros2msg");
+
+    client.say({{"op", "subscribe"}, {"subscriptions", {{{"id", 7}, {"channelId", channel["id"]}}}}});
+    wand->push(1.5);
+    bench.round();
+    const std::string message = client.nextBinary();
+    ASSERT_EQ(message.size(), 13 + encoded(1.5).size());
+    EXPECT_EQ(message.substr(0, 5), std::string("\1\7\0\0\0", 5));
+    EXPECT_EQ(std::memcmp(message.data() + 13, encoded(1.5).data(), encoded(1.5).size()), 0);
+
+    wand.reset();
+    bench.pass(2s);
+    EXPECT_EQ(client.nextJson(), (Json{{"op", "unadvertise"}, {"channelIds", {channel["id"]}}}));
+    Source another("Wand/x"); // a slot that comes gets a number of its own
+    bench.pass(2s);
+    EXPECT_NE(client.nextJson()["channels"][0]["id"], channel["id"]);
+    client.say({{"op", "unsubscribe"}, {"subscriptionIds", {7}}}); // viewers do; nothing is said
+    client.say({{"op", "getParameters"}});
+    EXPECT_EQ(client.nextJson()["level"], 2);
+}
+INSTANTIATE_TEST_SUITE_P(Foxglove, Subprotocol, ::testing::Values("foxglove.websocket.v1", "foxglove.sdk.v1"),
+                         [](const auto& row) { return std::string(row.param).substr(9, 3); });
+
+struct Wrong {
+    const char* _name;
+    Json _message;
+    const char* _says;
+};
+class WrongMessage : public ::testing::TestWithParam<Wrong> {};
+
+TEST_P(WrongMessage, IsNamedAndTheRestIsServed)
+{
+    ServerBench bench;
+    Source wand("Wand/x");
+    WebSocketClient client(bench, foxglove);
+    client.nextJson();
+    client.nextJson();
+    client.say({{"op", "subscribe"}, {"subscriptions", {{{"id", 1}, {"channelId", 1}}}}});
+    client.say(GetParam()._message);
+    const Json status = client.nextJson();
+    EXPECT_EQ(status["op"], "status");
+    EXPECT_EQ(status["level"], 2);
+    EXPECT_NE(status["message"].get<std::string>().find(GetParam()._says), std::string::npos) << status;
+    wand.push(2);
+    bench.round();
+    EXPECT_FALSE(client.nextBinary().empty());
+}
+INSTANTIATE_TEST_SUITE_P(
+    Foxglove, WrongMessage,
+    ::testing::Values(
+        Wrong{"NumberTaken", {{"op", "subscribe"}, {"subscriptions", {{{"id", 1}, {"channelId", 1}}}}}, "another one"},
+        Wrong{"ChannelTaken", {{"op", "subscribe"}, {"subscriptions", {{{"id", 2}, {"channelId", 1}}}}}, "'Wand/x'"},
+        Wrong{"NoChannel", {{"op", "subscribe"}, {"subscriptions", {{{"id", 2}, {"channelId", 9}}}}}, "channel 9"},
+        Wrong{"NegativeNumber", {{"op", "subscribe"}, {"subscriptions", {{{"id", -1}, {"channelId", 1}}}}}, "32 bits"},
+        Wrong{"NoOp", {{"hello", 1}}, "''"},
+        Wrong{"Encoding",
+              {{"op", "advertise"}, {"channels", {{{"id", 1}, {"topic", "a"}, {"encoding", "ros1"}}}}},
+              "allowed: cdr, json"}),
+    [](const auto& row) { return std::string(row.param._name); });
+
+TEST(Stream, ClientThatStopsReadingIsToldWhatItLostAndHoldsUpNobody)
+{
+    ServerBench bench;
+    Source wand("Wand/x");
+    WebSocketClient stuck(bench, foxglove), reader(bench, foxglove);
+    for (WebSocketClient* const client : {&stuck, &reader}) {
+        client->nextJson();
+        client->nextJson();
+        client->say({{"op", "subscribe"}, {"subscriptions", {{{"id", 1}, {"channelId", 1}}}}});
+    }
+    for (std::size_t i = 0; i < plenty; ++i) {
+        wand.push(static_cast<double>(i));
+        if (i % 500 != 499)
+            continue;
+        bench.round();
+        for (int k = 0; k < 500; ++k)
+            ASSERT_FALSE(reader.nextBinary().empty()); // every one, at once
+    }
+    std::uint64_t got = 0, dropped = 0;
+    bench.pass(0s);
+    while (got + dropped < plenty) {
+        const std::string message = stuck.next();
+        ASSERT_FALSE(message.empty()) << got << " and " << dropped;
+        if (message[0] == 1) {
+            ++got;
+            continue;
+        }
+        const std::string text = Json::parse(message)["message"];
+        ASSERT_TRUE(text.starts_with("Send buffer limit reached")) << text;
+        dropped = std::stoull(text.substr(text.find(':') + 1));
+        for (int k = 0; k < 70 && got + dropped < plenty; ++k)
+            bench.round(); // the next word about it comes within a second
+    }
+    EXPECT_EQ(got + dropped, plenty);
+    EXPECT_LT(got, plenty / 2 + 20'000); // what the queue and the socket hold
+}
+
+TEST(Stream, BatchHoldsAllRecordsOfARound)
+{
+    ServerBench bench;
+    Source wand("Wand/x"), other("Wand/y");
+    WebSocketClient client(bench, "ostrel.batch.v1");
+    client.say({{"op", "subscribe"}, {"labels", {"Wand/x", "Wand/z", "Wand/y", "Wand/x"}}});
+    EXPECT_EQ(client.nextJson()["label"], "Wand/z");
+    const Json slots = client.nextJson()["slots"];
+    EXPECT_EQ(slots, (Json{{{"id", 1}, {"label", "Wand/x"}}, {{"id", 3}, {"label", "Wand/y"}}}));
+    wand.push(1);
+    other.push(2);
+    wand.push(3);
+    bench.round();
+    const Json batch = client.nextJson();
+    ASSERT_EQ(batch["records"].size(), 3);
+    for (std::size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(batch["records"][i][0], i == 1 ? 3 : 1);
+        EXPECT_EQ(batch["records"][i][2], i + 1);
+        EXPECT_EQ(batch["records"][i][3], i + 1);
+    }
+    EXPECT_EQ(batch["dropped"], 0);
+}
+
+TEST(Stream, LinesEndAfterSoMany)
+{
+    ServerBench bench;
+    Source wand("Wand/x");
+    wand.push(0.25); // the last value comes at once
+    BenchClient client(bench);
+    client.send("GET /stream?label=Wand%2Fx&n=2 HTTP/1.1\r\nHost: h\r\n\r\n");
+    ASSERT_TRUE(client.waitFor("\r\n\r\n"));
+    bench.round();
+    wand.push(4);
+    wand.push(5);
+    bench.round();
+    const std::string all = client.readAll();
+    EXPECT_NE(all.find("\"stamp\":0.25,\"value\":0.25}\n"), all.npos) << all;
+    EXPECT_NE(all.find("\"value\":4"), all.npos);
+    EXPECT_EQ(all.find("\"value\":5"), all.npos);
+    EXPECT_TRUE(all.ends_with("\r\n0\r\n\r\n"));
+}
+
+TEST(Stream, LinesOfNoSlotAreRefused)
+{
+    ServerBench bench;
+    Source wand("Wand/x");
+    BenchClient client(bench);
+    client.send("GET /stream?label=Wand/q HTTP/1.1\r\nHost: h\r\n\r\n");
+    EXPECT_TRUE(client.waitFor("Wand/x")); // the nearest
+    client.send("GET /stream?label=Wand/x&n=0 HTTP/1.1\r\nHost: h\r\n\r\n");
+    EXPECT_TRUE(client.waitFor("400 Bad Request"));
+}
+} // namespace
