@@ -3,6 +3,7 @@
 #include "tests/nodes/ManualClock.h"
 #include "tests/nodes/NodeFixture.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Says.h"
 #include <thread>
 
 namespace Trovio::Nodes {
@@ -83,7 +84,7 @@ TEST_F(ControllerNodeTest, UnpluggedItRestsAndPluggedInAgainItResumes)
     EXPECT_EQ(gyro.slot().top().getTimeStamp(), Time(ManualClock::Epoch + 5.0));
     _fake->unplug(device);
     settle();
-    EXPECT_NE(node->getState()._reason.find("name='Pad'"), std::string::npos) << node->getState()._reason;
+    EXPECT_TRUE(says(node->getState()._reason, "name='Pad'"));
 
     const int again = _fake->plugIn(pad);
     _fake->move(again, InputKind::Button, 0, {1.0F, 0.0F, 0.0F}); // held down while it was plugged in
@@ -95,13 +96,11 @@ TEST_F(ControllerNodeTest, UnpluggedItRestsAndPluggedInAgainItResumes)
 
 TEST_F(ControllerNodeTest, RumbleReachesTheMotorsInBounds)
 {
-    OutSlot<Vec2<float>> source("source");
-    Root::get().addOutSlot("source", &source);
-    Root::get().addRoute("source", "pad/rumble/motors");
+    Feed<Vec2<float>> source("pad/rumble/motors");
     {
         Standing node(makeNode(), "label=pad hold=2.5");
         const auto send = [&](float slow, float fast) {
-            source.push(Data<Vec2<float>>({slow, fast}));
+            source.push({slow, fast});
             settle();
         };
         send(1.0F, 1.0F);

@@ -103,12 +103,9 @@ TEST_F(SdlDevicesTest, MovesArriveScaledRumbleReachesTheDeviceAndItMayGo)
     waitFor(trigger, 1.0F);
     waitFor(button, true);
 
-    OutSlot<Vec2<float>> source("source");
-    Root::get().addOutSlot("source", &source);
-    Root::get().addRoute("source", "pad/rumble/motors");
-    source.push(Data<Vec2<float>>({0.5F, 1.0F}));
+    Feed<Vec2<float>> source("pad/rumble/motors");
+    source.push({0.5F, 1.0F});
     EXPECT_EQ(pad.getRumble(), Vec2<float>(32768.0F, 65535.0F));
-    Root::get().removeSlot("source");
 
     plugged.reset();
     waitFor(button, false);

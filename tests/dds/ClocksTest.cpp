@@ -3,6 +3,8 @@
 #include "nodes/dds/clocks/ClockOffset.h"
 #include "nodes/dds/net/HostNames.h"
 #include "tests/dds/DdsFixture.h"
+#include "tests/nodes/FakeLookup.h"
+#include "tests/support/Says.h"
 #include <cmath>
 #include <limits>
 
@@ -91,28 +93,16 @@ TEST(SequenceTracker, TellRepeatedFromMissed)
     expect(2, 2, true, 0);             // was quiet longest, and is forgotten
 }
 
-/// Knows no host at first, and later one, after a while.
-class SlowLookup final : public NameLookup {
-public:
-    void begin(const std::string&, std::uint16_t) override { _wait = 1; }
-    std::optional<Answer> poll() override
-    {
-        if (_wait-- > 0)
-            return std::nullopt;
-        return _asked++ == 0 ? Answer{{}, "who is that?"} : Answer{SocketAddress::parse("10.0.0.7", 5), {}};
-    }
-    void cancel() override {}
-
-private:
-    int _wait = 0, _asked = 0;
-};
-
 TEST(HostNames, UnknownHostIsLookedUpAgain)
 {
-    HostNames hosts({"10.0.0.1", "wand"}, std::make_unique<SlowLookup>());
+    auto lookup = std::make_unique<FakeLookup>("wand");
+    FakeLookup& server = *lookup;
+    HostNames hosts({"10.0.0.1", "wand"}, std::move(lookup));
     EXPECT_FALSE(hosts.find());
+    server.answer({{}, "who is that?"});
     EXPECT_THROW(hosts.find(), DdsProblem);
     EXPECT_FALSE(hosts.find());
+    server.answer({SocketAddress::parse("10.0.0.7", 5), {}});
     EXPECT_EQ(hosts.find(), (std::vector<std::string>{"10.0.0.1", "10.0.0.7"}));
 }
 
@@ -161,11 +151,10 @@ TEST(DdsTiming, TakesOutHowFarTheClocksAreApart)
     }
     const auto last = reader->getRemarks();
     ASSERT_EQ(last.size(), 1U);
-    EXPECT_NE(last[0]._text.find(" from its source to here, "), std::string::npos) << last[0]._text;
+    EXPECT_TRUE(says(last[0]._text, " from its source to here, "));
     EXPECT_LE(std::abs(last[0]._clock.value()._ahead), last[0]._clock.value()._bound);
 }
 
-} // namespace
 TEST(DdsNewWriters, GiveTheLastSampleAndWhatWasWrittenWhileTheyWaited)
 {
     DdsNewWriters writers;
@@ -187,4 +176,5 @@ TEST(DdsNewWriters, GiveTheLastSampleAndWhatWasWrittenWhileTheyWaited)
     EXPECT_TRUE(writers.release(7, 10.06).empty());
 }
 
+} // namespace
 } // namespace Trovio::Nodes

@@ -154,13 +154,6 @@ TEST_F(DdsTwoMachines, PublisherThatDoesNotHearUsIsNamed)
     _count->takeUntil(Time::getCurrentTime());
 }
 
-TEST_F(DdsTwoMachines, MeetWithoutMulticast)
-{
-    start(50, {" host='10.77.0.1 10.77.0.2'"});
-    _count->takeUntil(50);
-    EXPECT_EQ(_reader->state()._degraded, false);
-}
-
 TEST_F(DdsTwoMachines, InterfaceThatComesLaterOrChangesItsAddressIsOpenedAgain)
 {
     _machines.run("ip link set cable0 down && ip address flush dev cable0");

@@ -38,37 +38,6 @@ public:
     {
         await([&] { return !state()._degraded; });
     }
-    void awaitCount(const std::string& counter, std::uint64_t number)
-    {
-        await([&] { return count(counter) >= number; });
-        EXPECT_EQ(count(counter), number) << counter;
-    }
-};
-
-/// Pushes into an in-slot of a node, through a route.
-template <class T>
-class Feed {
-public:
-    explicit Feed(const std::string& target) : _target(target), _slot("feed")
-    {
-        Root::get().addOutSlot(label(), &_slot);
-        Root::get().addRoute(label(), _target);
-    }
-    ~Feed()
-    {
-        Root::get().removeRoute(label(), _target);
-        Root::get().removeSlot(label());
-    }
-    Feed(const Feed&) = delete;
-    Feed& operator=(const Feed&) = delete;
-
-    void push(const T& value, double stamp) { _slot.push(Data<T>(value, Time(stamp))); }
-
-private:
-    std::string label() const { return "feed of " + _target; }
-
-    const std::string _target;
-    OutSlot<T> _slot;
 };
 
 class DdsFixture : public ::testing::Test {

@@ -3,6 +3,7 @@
 #include "tests/host/HostProcess.h"
 #include "tests/nodes/SampleValues.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Says.h"
 #include "tests/support/SceneOnDisk.h"
 #include "trovio/SlotTypes.h"
 #include <algorithm>
@@ -77,15 +78,15 @@ TEST(DdsHosts, KilledPublisherIsNoticedAndItsSuccessorHeard)
     HostProcess reader(HOST_PROGRAM, {"run", reading.path(), "--format", "lines", "--verbose"});
     HostProcess first(HOST_PROGRAM, {"run", writing.path()});
     ASSERT_TRUE(reader.waitFor("SFFloat 11\n")) << reader.err();
-    EXPECT_NE(reader.err().find("on interface lo, this machine only; interface=NAME"), std::string::npos);
+    EXPECT_TRUE(says(reader.err(), "on interface lo, this machine only; interface=NAME"));
     first.signal(SIGKILL);
     ASSERT_TRUE(reader.waitFor("is degraded: nobody publishes Wand in domain")) << reader.err();
     HostProcess second(HOST_PROGRAM, {"run", after.path()});
     ASSERT_TRUE(reader.waitFor("SFFloat 22\n")) << reader.err();
     reader.signal(SIGTERM);
     EXPECT_EQ(reader.wait(), 0) << reader.err();
-    EXPECT_NE(reader.err().find("in repeated 0, in refused 0"), std::string::npos) << reader.err();
-    EXPECT_NE(reader.err().find("slot 'Context/DDS/Wand': "), std::string::npos) << reader.err();
+    EXPECT_TRUE(says(reader.err(), "in repeated 0, in refused 0"));
+    EXPECT_TRUE(says(reader.err(), "slot 'Context/DDS/Wand': "));
 }
 
 TEST(DdsHosts, MeetByNameAndOverIPv6)

@@ -2,6 +2,7 @@
 #include "scene/check/SceneGraph.h"
 #include "scene/file/SceneReader.h"
 #include "tests/support/PassNode.h"
+#include "tests/support/Says.h"
 #include "trovio/NodeType.h"
 #include "trovio/Root.h"
 
@@ -59,7 +60,7 @@ TEST_F(GraphTest, TellsTheStateOfRoutesToReadersAndToPrograms)
           "    route '*' -> 'Doubler/in': connects 1\n        not 'Echo' -> 'Doubler/in': ",
           "node 'Context/Doubler' (Doubler), passes on\n    in-slot 'in' Float\n",
           "handler 'other' (OT), without namespace\n", "link 'tip.value' -> 'echo.value'\n"})
-        EXPECT_NE(text.find(line), std::string::npos) << line << text;
+        EXPECT_TRUE(says(text, line));
     const auto json = nlohmann::json::parse(graphJson(_graph->inspect(), _graph->places()));
     const auto& context = json.at("root").at("namespaces").at(0);
     EXPECT_EQ(context.at("slots").at(2).at("sensor"), "wand");
@@ -80,6 +81,6 @@ TEST_F(GraphTest, DrawsWhatDoesNotConnectInRed)
                              "  \"missing Context/Nobody\" -> \"Context/Wand\" [style=dashed, color=red",
                              "  \"Context/Wand\" -> \"Context/Echo\" [style=dotted, label=link];\n",
                              "  \"Context2/Wand\" -> \"Context2/Out\" [style=dotted, label=link];\n}\n"})
-        EXPECT_NE(dot.find(line), std::string::npos) << line << dot;
+        EXPECT_TRUE(says(dot, line));
 }
 } // namespace

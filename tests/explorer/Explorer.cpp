@@ -1,11 +1,12 @@
 #include "Scenarios.h"
 
-#include <charconv>
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <string_view>
 #include <unistd.h>
 #include <unordered_set>
 #if defined(__SANITIZE_ADDRESS__)
@@ -17,7 +18,7 @@ namespace Explorer {
 namespace {
 
 struct Options {
-    std::string_view _scenario; // empty: all
+    std::string _scenario; // empty: all
     std::uint64_t _seed = 1;
     std::uint64_t _schedules = 20'000;
     bool _tracing = false;
@@ -76,51 +77,14 @@ void explore(const Scenario& scenario, const Options& options)
     std::fflush(stdout);
 }
 
-bool readNumber(std::string_view text, std::uint64_t& number)
+/// Those of all files, or the one of that name.
+std::vector<Scenario> scenariosOf(const std::string& name)
 {
-    const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return problem == std::errc() && end == text.data() + text.size();
-}
-
-/// False for arguments that it does not understand.
-bool parse(int count, char** arguments, Options& options)
-{
-    for (int i = 1; i < count; ++i) {
-        const std::string_view name = arguments[i];
-        if (name == "--trace") {
-            options._tracing = true;
-            continue;
-        }
-        if (++i == count)
-            return false;
-        if (name == "--scenario")
-            options._scenario = arguments[i];
-        else if ((name != "--seed" || !readNumber(arguments[i], options._seed)) &&
-                 (name != "--schedules" || !readNumber(arguments[i], options._schedules) || options._schedules == 0))
-            return false;
-    }
-    return true;
-}
-
-/// How many scenarios there were to run.
-int exploreAll(const Options& options)
-{
-    int explored = 0;
+    std::vector<Scenario> found;
     for (const auto scenarios : {slotScenarios(), wiringScenarios(), poolScenarios()})
-        for (const Scenario& scenario : scenarios)
-            if (options._scenario.empty() || options._scenario == scenario._name) {
-                explore(scenario, options);
-                ++explored;
-            }
-    return explored;
-}
-
-void sayUsage()
-{
-    std::fputs("usage: explorer [--scenario NAME] [--seed N] [--schedules N] [--trace]\nScenarios:\n", stderr);
-    for (const auto scenarios : {slotScenarios(), wiringScenarios(), poolScenarios()})
-        for (const Scenario& scenario : scenarios)
-            std::fprintf(stderr, "  %-32s%s\n", scenario._name, scenario._meaning);
+        std::ranges::copy_if(scenarios, std::back_inserter(found),
+                             [&name](const Scenario& scenario) { return name.empty() || name == scenario._name; });
+    return found;
 }
 
 } // namespace
@@ -137,10 +101,18 @@ void fail(const std::string& what)
 
 int main(int count, char** arguments)
 {
-    Explorer::catchCrashes();
-    Explorer::Options options;
-    if (Explorer::parse(count, arguments, options) && Explorer::exploreAll(options) != 0)
-        return 0;
-    Explorer::sayUsage();
-    return 2;
+    using namespace Explorer;
+    catchCrashes();
+    Options options;
+    std::map<std::string, std::string> meanings;
+    for (const Scenario& scenario : scenariosOf(""))
+        meanings[scenario._name] = scenario._meaning;
+    CLI::App app("Runs small scenarios of slots in all orders that chance draws.", "explorer");
+    app.add_option("--scenario", options._scenario, "one of them; otherwise all")->check(CLI::IsMember(&meanings));
+    app.add_option("--seed", options._seed, "of the first schedule");
+    app.add_option("--schedules", options._schedules, "how many of each scenario")->check(CLI::PositiveNumber);
+    app.add_flag("--trace", options._tracing, "print every step");
+    CLI11_PARSE(app, count, arguments);
+    for (const Scenario& scenario : scenariosOf(options._scenario))
+        explore(scenario, options);
 }

@@ -1,5 +1,6 @@
 #include "nodes/guard/Guard.h"
 #include "tests/filters/RelayBench.h"
+#include "tests/support/Says.h"
 #include "trovio/SlotTypes.h"
 
 namespace Trovio::Nodes {
@@ -70,7 +71,7 @@ TEST(Guard, ASourceThatNeverSpokeIsLostToo)
     EXPECT_EQ(record.getTimeStamp(), Time(ManualClock::Epoch + 0.5));
     bench.node().stop();
     EXPECT_TRUE(bench.isDegraded());
-    EXPECT_NE(bench.node()->getState()._reason.find("no record came for 0.5 s"), std::string::npos);
+    EXPECT_TRUE(says(bench.node()->getState()._reason, "no record came for 0.5 s"));
     EXPECT_EQ(bench.node().count("substituted"), 1U);
 }
 

@@ -3,7 +3,6 @@
 #include "nodes/filters/Elements.h"
 #include "tests/nodes/ManualClock.h"
 #include "tests/nodes/NodeFixture.h"
-#include "trovio/OutSlot.h"
 
 namespace Trovio::Nodes {
 
@@ -13,18 +12,12 @@ class RelayBench {
 public:
     explicit RelayBench(const std::string& settings)
         : _node(std::make_unique<NodeT>(_clock), "label=relay type=" + TypeName<T>::getName() + " " + settings),
+          _source("relay/in"),
           _probe("relay/out")
     {
-        Root::get().addOutSlot("source", &_source);
-        Root::get().addRoute("source", "relay/in");
-    }
-    ~RelayBench()
-    {
-        Root::get().removeRoute("source", "relay/in");
-        Root::get().removeSlot("source");
     }
 
-    void send(const T& value, double stamp = 1.0) { _source.push(Data<T>(value, Time(stamp))); }
+    void send(const T& value, double stamp = 1.0) { _source.push(value, stamp); }
     Data<T> next() { return _probe.next(); }
     T pass(const T& value, double stamp = 1.0)
     {
@@ -38,8 +31,8 @@ public:
 private:
     OpenRoot _root;
     ManualClock _clock;
-    OutSlot<T> _source{"source"};
     StandingNode<NodeT> _node;
+    Feed<T> _source;
     Probe<T> _probe;
 };
 

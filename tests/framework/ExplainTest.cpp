@@ -1,6 +1,7 @@
 #include "tests/framework/TestNode.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/PassNode.h"
+#include "tests/support/Says.h"
 #include "trovio/BufferedInSlot.h"
 #include "trovio/Exception.h"
 #include "trovio/OutSlot.h"
@@ -34,6 +35,12 @@ private:
     Trovio::Counter& _rejected = addCounter("rejected");
 };
 
+/// Has no memory for any record.
+struct FullSlot : InSlot<float> {
+    using InSlot::InSlot;
+    void push(const Data<float>&) override { Trovio::Hooks::notStored(*this); }
+};
+
 /// device/out -> filter/in, filter/out -> sensor: a way on which nothing is wrong, so that each test breaks one thing.
 struct Way {
     Way()
@@ -65,16 +72,14 @@ struct Way {
         return _scene.explain(from, to);
     }
 
-    void expect(Verdict verdict, const std::vector<const char*>& says, const std::string& from = "device/out",
+    void expect(Verdict verdict, const std::vector<const char*>& parts, const std::string& from = "device/out",
                 const std::string& to = "sensor") const
     {
         const auto answer = explain(from, to);
         EXPECT_EQ(answer._verdict, verdict) << answer._text;
-        EXPECT_NE(answer._text.find(verdict == Verdict::Flowing ? "flow" : toString(verdict)), std::string::npos)
-            << answer._text;
-        for (const char* part : says)
-            EXPECT_NE(answer._text.find(part), std::string::npos) << "'" << part << "' in: " << answer._text;
-        EXPECT_EQ(answer._text.find('\n'), std::string::npos);
+        EXPECT_TRUE(says(answer._text, verdict == Verdict::Flowing ? "flow" : toString(verdict)));
+        EXPECT_TRUE(saysAll(answer._text, parts));
+        EXPECT_FALSE(says(answer._text, "\n"));
     }
 
     /// Another filter in place of the one there is.
@@ -110,6 +115,7 @@ struct Way {
     OutSlot<float> _out{"out"}, _silent{"silent"};
     InSlot<float> _sensor{"sensor"};
     InSlot<double> _wide{"wide"};
+    FullSlot _full{"full"};
     Namespace _scene;
     TestNode* _device = nullptr;
     Filter* _filter = nullptr;
@@ -194,6 +200,12 @@ const struct {
      Verdict::Overwritten, "the reader of 'sensor' takes nothing more: 29 overwritten"},
     {"CutShort", [](Way& way) { Trovio::Hooks::cutShort(way._sensor); }, Verdict::Flowing,
      "; frames that left records of 'sensor' to the next: 1; a larger buffer or a slower source helps"},
+    {"NotStored",
+     [](Way& way) {
+         way._scene.removeSlot("sensor");
+         way._scene.addInSlot("sensor", &way._full);
+     },
+     Verdict::NotStored, "nothing has been stored in 'sensor'; records not stored in 'sensor' for want of memory: 1;"},
     {"Interrupted",
      [](Way& way) {
          way._sensor.interrupt();

@@ -1,5 +1,6 @@
 #include "trovio/NodeType.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Says.h"
 #include "trovio/Exception.h"
 #include "trovio/Node.h"
 #include "trovio/Root.h"
@@ -8,7 +9,6 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <gtest/gtest.h>
 #include <map>
 #include <sys/stat.h>
@@ -42,19 +42,9 @@ protected:
         unsetenv("TROVIO_NODE_PATH");
     }
 
-    template <class Problem = Trovio::InvalidNodeException>
-    static std::string problemWhen(const std::function<void()>& action)
-    {
-        try {
-            action();
-        } catch (const Problem& problem) {
-            return problem.getMessage();
-        }
-        return {};
-    }
     static std::string problemOf(const std::string& name)
     {
-        return problemWhen([&name] { NodeType::newInstance(name); });
+        return ::problemOf<Trovio::InvalidNodeException>([&name] { NodeType::newInstance(name); });
     }
 };
 
@@ -78,7 +68,7 @@ TEST_F(Modules, ModuleStaysWhileOneOfItsNodesIsLeft)
     Root::shutdown();
     EXPECT_TRUE(isLoaded(goodModule));
     ASSERT_FALSE(log.texts().empty());
-    EXPECT_NE(log.texts().back().find("stays loaded: 1 of its nodes"), std::string::npos);
+    EXPECT_TRUE(says(log.texts().back(), "stays loaded: 1 of its nodes"));
     node.reset(); // runs the module's code
 }
 
@@ -95,18 +85,15 @@ TEST_F(Modules, RefusalsSayWhatToDo)
                 {"NoEntry", {"trovioNodeModule()", "trovio-node-NoEntry.so"}},
                 {"EntryThrows", {"failed in its trovioNodeModule()", "no licence found"}},
                 {"LacksLibrary", {"libabsent.so.7", "package libabsent7"}}};
-    for (const auto& row : rows) {
-        const std::string problem = problemOf(row._type);
-        for (const char* part : row._parts)
-            EXPECT_NE(problem.find(part), std::string::npos) << row._type << ": " << problem;
-    }
+    for (const auto& row : rows)
+        EXPECT_TRUE(saysAll(problemOf(row._type), row._parts)) << row._type;
     const LogCapture log;
     NodeType::newInstance("Good");
     ASSERT_EQ(log.texts().size(), 1U);
-    EXPECT_NE(log.texts()[0].find("'NoEntry' of module"), std::string::npos) << log.texts()[0];
-    EXPECT_NE(problemOf("NoEntry").find("trovioNodeModule()"), std::string::npos) << "its own file, not the good one";
-    EXPECT_NE(problemOf("Throws").find("no such device"), std::string::npos);
-    EXPECT_NE(problemOf("MakesNothing").find("made nothing"), std::string::npos);
+    EXPECT_TRUE(says(log.texts()[0], "'NoEntry' of module"));
+    EXPECT_TRUE(says(problemOf("NoEntry"), "trovioNodeModule()")) << "its own file, not the good one";
+    EXPECT_TRUE(says(problemOf("Throws"), "no such device"));
+    EXPECT_TRUE(says(problemOf("MakesNothing"), "made nothing"));
 }
 
 TEST_F(Modules, FilesThatAreNoWholeLibraryAreRefusedAndHangNobody)
@@ -136,7 +123,7 @@ TEST_F(Modules, FilesThatAreNoWholeLibraryAreRefusedAndHangNobody)
                                                         {"CutInHalf", "it was cut: it has"},
                                                         {"Zeros", "it is damaged"}};
     for (const auto& [type, part] : rows)
-        EXPECT_NE(problemOf(type).find(part), std::string::npos) << type << ": " << problemOf(type);
+        EXPECT_TRUE(says(problemOf(type), part)) << type;
     fs::remove_all(folder);
 }
 
@@ -144,20 +131,20 @@ TEST_F(Modules, WhatIsNoExceptionBecomesARefusal)
 {
     const LogCapture log;
     auto node = NodeType::newInstance("Rude");
-    EXPECT_EQ(problemWhen<Trovio::InvalidFieldException>([&node] { node->setFieldValues("where=configure"); }),
+    EXPECT_EQ(::problemOf<Trovio::InvalidFieldException>([&node] { node->setFieldValues("where=configure"); }),
               "node 'Rude' of type 'Rude' threw in configure() something that is no exception; correct the module of "
               "this type");
     node->setFieldValues("where=start label=loud");
-    const std::string problem = problemWhen([&node] { Root::get().addNamespace(std::move(node)); });
-    EXPECT_NE(problem.find("node 'loud' of type 'Rude' threw in start()"), std::string::npos) << problem;
+    const std::string problem =
+        ::problemOf<Trovio::InvalidNodeException>([&node] { Root::get().addNamespace(std::move(node)); });
+    EXPECT_TRUE(says(problem, "node 'loud' of type 'Rude' threw in start()"));
     node = NodeType::newInstance("Rude");
     node->setFieldValues("where=remarks");
     Root::get().addNamespace(std::move(node));
-    EXPECT_NE(Root::get().inspect()._children.at(0)._node->_remarks.at(0)._text.find("getRemarks()"),
-              std::string::npos);
+    EXPECT_TRUE(says(Root::get().inspect()._children.at(0)._node->_remarks.at(0)._text, "getRemarks()"));
     Root::get().removeNamespace("Rude");
-    EXPECT_NE(problemOf("RudeFactory").find("could not be built: something that is no exception"), std::string::npos);
-    EXPECT_NE(log.texts().back().find("'Rude' of type 'Rude' threw while it stopped: something"), std::string::npos);
+    EXPECT_TRUE(says(problemOf("RudeFactory"), "could not be built: something that is no exception"));
+    EXPECT_TRUE(says(log.texts().back(), "'Rude' of type 'Rude' threw while it stopped: something"));
 }
 
 TEST_F(Modules, ListShowsTypesAndProblems)

@@ -1,5 +1,6 @@
 #include "tests/framework/TestNode.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Says.h"
 #include "trovio/InSlot.h"
 #include "trovio/OutSlot.h"
 #include "trovio/Root.h"
@@ -123,7 +124,7 @@ TEST_F(Tree, StartMayUseTheTreeAndStopMayThrow)
     _root.removeNamespace("Test");
     EXPECT_EQ(takeEvents(), (Events{"stop b", "stop a", "~a", "~b"}));
     ASSERT_EQ(log.texts().size(), 1U);
-    EXPECT_NE(log.texts()[0].find("'Test' threw while it stopped: stuck"), std::string::npos);
+    EXPECT_TRUE(says(log.texts()[0], "'Test' threw while it stopped: stuck"));
 }
 
 TEST_F(Tree, SecondRemoverFindsNothing)
@@ -187,36 +188,25 @@ TEST_F(Tree, SettingsAreAppliedWholeOrNotAtAll)
 TEST_F(Tree, InspectionShowsStateCountersSlotsAndRoutes)
 {
     auto node = make("a");
-    Trovio::Counter& counter = node->addCounter("packets");
+    node->addCounter("packets").add(42);
     node->addOutSlot("x", &_out);
+    node->_remarks = {{"x", "its clock is late"}};
     TestNode& running = *node;
     _root.addInSlot("in", &_in);
     _root.addRoute("Test/*", "in");
     _root.addNamespace(std::move(node));
-    running._remarks = {{"x", "its clock is late"}};
-    counter.add(41);
-    counter.add();
-    {
-        const LogCapture log;
-        running.setDegraded("port 9000 is taken");
-        running.setDegraded("port 9000 is taken");
-        EXPECT_EQ(log.texts(), Events{"node 'Test' is degraded: port 9000 is taken\n"});
-    }
+    running.setDegraded("port 9000 is taken");
 
     const Trovio::NamespaceInfo info = _root.inspect();
     ASSERT_EQ(info._slots.size(), 2U);
     EXPECT_TRUE(info._slots[0]._label == "Test/x" && !info._slots[0]._own && info._slots[0]._typeName == "Float");
     EXPECT_TRUE(info._slots[1]._label == "in" && info._slots[1]._own);
-    ASSERT_EQ(info._routes.at(0)._pairs.size(), 1U);
-    EXPECT_EQ(info._routes[0]._pairs[0]._from, "Test/x");
+    EXPECT_EQ(info._routes.at(0)._pairs.at(0)._from, "Test/x");
     const auto& shown = info._children.at(0);
     EXPECT_TRUE(shown._label == "Test" && shown._externalRoutes.at(0)._slots == 1);
-    ASSERT_TRUE(shown._node.has_value());
-    EXPECT_EQ(shown._node->_typeName, "Test");
     EXPECT_EQ(shown._node->_counters.at(0)._value, 42U);
     EXPECT_EQ(shown._node->_remarks.at(0)._text, "its clock is late");
     EXPECT_TRUE(shown._node->_state._degraded && shown._node->_state._reason == "port 9000 is taken");
-    EXPECT_GT(shown._node->_state._since.getSeconds(), 0.0);
 }
 
 TEST_F(Tree, RecoveryIsAsVisibleAsFailure)
@@ -225,6 +215,7 @@ TEST_F(Tree, RecoveryIsAsVisibleAsFailure)
     _root.addNamespace(std::unique_ptr<Trovio::Node>(&node));
     const LogCapture log;
     node.setRunning("uses device 'pad'");
+    node.setDegraded("'pad' is gone");
     node.setDegraded("'pad' is gone");
     EXPECT_EQ(node.getState().describe(Trovio::Time::getCurrentTime()), "degraded, 'pad' is gone");
     const Trovio::Time before = Trovio::Time::getCurrentTime();

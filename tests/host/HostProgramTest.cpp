@@ -1,4 +1,5 @@
 #include "tests/host/HostProcess.h"
+#include "tests/support/Says.h"
 #include "tests/support/SceneOnDisk.h"
 
 #include <algorithm>
@@ -89,8 +90,7 @@ TEST(HostProgram, NamesTheNodeThatHangsAndEndsWithTheSecondSignal)
         EXPECT_TRUE(running.waitFor(row._says)) << running.err();
         running.signal(SIGTERM);
         EXPECT_EQ(running.wait(), 128 + SIGTERM);
-        EXPECT_NE(running.err().find(std::string("ended by a second signal: ") + row._says), std::string::npos)
-            << running.err();
+        EXPECT_TRUE(says(running.err(), std::string("ended by a second signal: ") + row._says));
     }
 }
 
@@ -110,7 +110,7 @@ TEST(HostProgram, EndsWhileItStarts)
     ASSERT_TRUE(running.waitFor("could not be made"));
     running.signal(SIGTERM);
     EXPECT_EQ(running.wait(), 0);
-    EXPECT_NE(running.err().find("ended before the scene was built\n"), std::string::npos) << running.err();
+    EXPECT_TRUE(says(running.err(), "ended before the scene was built\n"));
 }
 
 // What was opened instead of them would get what the program says.
@@ -146,8 +146,8 @@ TEST(HostProgram, EndsInOrderWhenItsReaderGoes)
     ASSERT_TRUE(running.waitFor("\"sensor\":\"wave\""));
     running.stopReading();
     EXPECT_EQ(running.wait(), 0);
-    EXPECT_EQ(running.err().find("standard output"), std::string::npos) << "quietly";
-    EXPECT_NE(running.err().find("frames: "), std::string::npos) << running.err();
+    EXPECT_FALSE(says(running.err(), "standard output")) << "quietly";
+    EXPECT_TRUE(says(running.err(), "frames: "));
 }
 
 TEST(HostProgram, RunsTheExamples)
@@ -164,8 +164,8 @@ TEST(HostProgram, RunsTheExamples)
     const SceneOnDisk large(maker.out());
     HostProcess running(host, {"run", large.path(), "--frames", "2"});
     EXPECT_EQ(running.wait(), 0);
-    EXPECT_NE(running.err().find("and 1980 more sensors without connection\n"), std::string::npos) << running.err();
-    EXPECT_NE(running.err().find("and 1980 more routes\n"), std::string::npos) << running.err();
+    EXPECT_TRUE(says(running.err(), "and 1980 more sensors without connection\n"));
+    EXPECT_TRUE(says(running.err(), "and 1980 more routes\n"));
 }
 
 TEST(HostProgram, FailsWhenItsOutputIsLost)
@@ -225,7 +225,7 @@ TEST(HostProgram, ChecksWhetherAllOfASceneCanWork)
                 arguments.push_back("--strict");
             HostProcess check("env", arguments);
             EXPECT_EQ(check.wait(), strict ? 2 : row._code) << row._says;
-            EXPECT_NE(check.err().find(row._says), std::string::npos) << row._says << "\n" << check.err();
+            EXPECT_TRUE(says(check.err(), row._says));
             EXPECT_EQ(check.out().find(": good: "), check.out().empty() ? std::string::npos : scene.path().size());
             EXPECT_EQ(check.out().empty(), strict || row._code != 0);
         }
@@ -244,9 +244,9 @@ TEST(HostProgram, RunsWithoutWhatCannotBeMadeUnlessItIsStrict)
     EXPECT_EQ(check.err(), fault + "setting 'rate': value 'x' is not allowed; allowed: number from 0.001 to 1e+05\n");
     HostProcess running(host, {"run", scene.path(), "--frames", "1"});
     EXPECT_EQ(running.wait(), 0);
-    EXPECT_NE(running.err().find(fault + "node 'Generator' could not be made: "), std::string::npos) << running.err();
-    EXPECT_NE(running.err().find("; the run went without it\n"), std::string::npos) << running.err();
-    EXPECT_EQ(running.err().find("Invalid"), std::string::npos) << "not by the log, too: " << running.err();
+    EXPECT_TRUE(says(running.err(), fault + "node 'Generator' could not be made: "));
+    EXPECT_TRUE(says(running.err(), "; the run went without it\n"));
+    EXPECT_FALSE(says(running.err(), "Invalid")) << "not by the log, too: ";
     HostProcess strict(host, {"run", scene.path(), "--frames", "1", "--strict"});
     EXPECT_EQ(strict.wait(), 2);
     EXPECT_EQ(strict.err(), check.err() + "nothing was run, as --strict asks\n");
@@ -263,17 +263,14 @@ TEST(HostProgram, SaysWhatWasAskedForWhenMemoryRunsOut)
                             "[[handler]]\nkind = \"Trovio\"\nname = \"a\"\n");
     HostProcess running("sh", {"-c", "ulimit -v 200000; exec \"$0\" run \"$1\"", host, scene.path()});
     EXPECT_EQ(running.wait(), 1);
-    EXPECT_NE(
-        running.err().find("memory ran out: " + scene.path() +
-                           " asks for 247 MiB for the slots and buffers of its "
-                           "sensors alone, most of it 130 MiB for sensor 'm' (a buffer of 1000000 values of 136 "),
-        std::string::npos)
-        << running.err();
+    EXPECT_TRUE(says(running.err(),
+                     "memory ran out: " + scene.path() +
+                         " asks for 247 MiB for the slots and buffers of its "
+                         "sensors alone, most of it 130 MiB for sensor 'm' (a buffer of 1000000 values of 136 "));
     HostProcess check(host, {"check", scene.path()});
     EXPECT_EQ(check.wait(), 0);
-    EXPECT_NE(check.err().find(":15:10: note: the buffer of sensor 's' of type SFString keeps 6000 values, also when "),
-              std::string::npos)
-        << check.err();
+    EXPECT_TRUE(
+        says(check.err(), ":15:10: note: the buffer of sensor 's' of type SFString keeps 6000 values, also when "));
 }
 
 TEST(HostProgram, SaysWithItsExitCodeHowItWent)
@@ -305,7 +302,7 @@ TEST(HostProgram, SaysWithItsExitCodeHowItWent)
     for (const Row& row : rows) {
         HostProcess process(host, row._arguments);
         EXPECT_EQ(process.wait(), row._code) << row._says;
-        EXPECT_NE((process.out() + process.err()).find(row._says), std::string::npos) << process.out() << process.err();
+        EXPECT_TRUE(says(process.out() + process.err(), row._says));
     }
 }
 } // namespace

@@ -2,6 +2,7 @@
 #include "host/show/View.h"
 #include "osg/LogMessage.h"
 #include "ostrel/FieldTypes.h"
+#include "tests/support/Says.h"
 
 #include <gtest/gtest.h>
 #include <sstream>
@@ -57,13 +58,13 @@ TEST_F(TableViewTest, CountsValuesPerSecond)
 {
     const auto view = makeTableView(_out, {}, watchedSensors({&_watch}));
     view->frame(100);
-    EXPECT_NE(shown().find("  0.0         -\n"), std::string::npos);
+    EXPECT_TRUE(says(shown(), "  0.0         -\n"));
     for (int i = 0; i < 30; ++i)
         change(100.5);
     view->frame(100.75);
     EXPECT_EQ(shown(), "");
     view->frame(102);
-    EXPECT_NE(shown().find(" 15.0     1.5 s\n"), std::string::npos);
+    EXPECT_TRUE(says(shown(), " 15.0     1.5 s\n"));
 }
 
 TEST_F(TableViewTest, IsDrawnInPlaceBelowTheMessages)

@@ -2,6 +2,7 @@
 #include "host/run/ClockStepDetector.h"
 #include "host/show/View.h"
 #include "scene/file/SceneReader.h"
+#include "tests/support/Says.h"
 #include "trovio/Node.h"
 #include "trovio/NodeType.h"
 #include "trovio/OutSlot.h"
@@ -128,7 +129,7 @@ TEST_F(SessionTest, AgesRatesAndTimesGoOnWhenTheDateIsSet)
     push(1);
     frame(0, 0);
     EXPECT_NEAR(watch.rate(), 1, 0.01);
-    EXPECT_NE(_out.str().find("\n     5.010 wand"), std::string::npos) << _out.str();
+    EXPECT_TRUE(says(_out.str(), "\n     5.010 wand"));
 }
 
 TEST_F(SessionTest, PassesValuesAlongLinksAndOutInTheSameFrame)

@@ -1,5 +1,6 @@
 #include "tests/host/HostProcess.h"
 #include "tests/nodes/UdpPeer.h"
+#include "tests/support/Says.h"
 #include "tests/support/SceneOnDisk.h"
 
 #include <csignal>
@@ -43,8 +44,7 @@ TEST(Why, AnswersAsItIsAsked)
         arguments.insert(arguments.end(), row._arguments.begin(), row._arguments.end());
         HostProcess process(host, arguments);
         EXPECT_EQ(process.wait(), row._code) << process.out() << process.err();
-        EXPECT_NE((process.out() + process.err()).find(row._says), std::string::npos) << row._says << "\n"
-                                                                                      << process.out() << process.err();
+        EXPECT_TRUE(says(process.out() + process.err(), row._says));
     }
 }
 
@@ -63,7 +63,7 @@ TEST(Why, SaysWhatItKnowsWhereASignalEndsIt)
     peer.receive();
     process.signal(SIGTERM);
     EXPECT_EQ(process.wait(), 124);
-    EXPECT_NE(process.out().find("interrupted; so far: "), std::string::npos) << process.out() << process.err();
+    EXPECT_TRUE(says(process.out(), "interrupted; so far: ")) << process.err();
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "tests/host/HostProcess.h"
 #include "tests/nodes/OscMessages.h"
 #include "tests/nodes/UdpPeer.h"
+#include "tests/support/Says.h"
 #include "tests/support/SceneOnDisk.h"
 
 #include <algorithm>
@@ -77,17 +78,10 @@ const std::string subscriber =
             R"(["DDS/Wand", "Wand"])") +
     wand;
 
-WrongSetup row(const char* name, std::string scene, std::string question, int code, Words says, Words saysNot = {},
-               std::function<Packet()> comes = {}, std::string beside = {})
+WrongSetup row(const char* name, const std::string& scene, const std::string& question, int code, const Words& says,
+               const Words& saysNot = {}, const std::function<Packet()>& comes = {}, const std::string& beside = {})
 {
-    return {name,
-            std::move(scene),
-            std::move(question),
-            code,
-            std::move(says),
-            std::move(saysNot),
-            std::move(comes),
-            std::move(beside)};
+    return {name, scene, question, code, says, saysNot, comes, beside};
 }
 
 const WrongSetup setups[] = {
@@ -107,8 +101,6 @@ const WrongSetup setups[] = {
         {"no route leads from 'Generator2/value' to 'Wave'", "node 'Generator' could not be made",
          R"(write ["Generator2/value", "Wave"])"},
         {"not made"}),
-    row("both labels misspelt", handler(source, direct) + wave, "Generatr/value Wvae", 3,
-        {"did you mean 'Generator/value'? no slot has the label 'Wvae'; did you mean 'Wave'?"}),
     row("target of a pattern", handler(source, direct) + wave, "Gen* Wav*", 3,
         {"no slot has the label 'Waverator/value'", "asked for 'Gen*' -> 'Wav*'"}),
     row("output too much", handler(source, direct) + wave + "output = true\n", toWave, 3,
@@ -119,9 +111,6 @@ const WrongSetup setups[] = {
          R"(write ["Generator/value", "OneEuro/in"] into the routes of handler 'h')"}),
     row("node for its out-slot", handler(source + "," + filter, R"(["Generator", "OneEuro/in"],)" + filtered) + wave,
         toWave, 3, {"no slot has the label 'Generator'", R"(write ["Generator/value", "OneEuro/in"])"}),
-    row("reversed in the middle",
-        handler(source + "," + filter, R"(["OneEuro/in", "Generator/value"],)" + filtered) + wave, toWave, 3,
-        {"route 'OneEuro/in' -> 'Generator/value' leads the other way; swap its two ends"}),
     row("namespace in the handler's route", handler(source, R"(["Context/Generator/value", "Context/Wave"])") + wave,
         toWave, 3, {R"(write ["Generator/value", "Wave"] into the routes of handler 'h')"}),
     row("no namespace in the root's route",
@@ -223,9 +212,9 @@ public:
         const std::string said = _process.out() + _process.err();
         EXPECT_EQ(code, _setup._code) << said;
         for (const std::string& words : _setup._says)
-            EXPECT_NE(said.find(words), std::string::npos) << "'" << words << "' is missing in: " << said;
+            EXPECT_TRUE(says(said, words));
         for (const std::string& words : _setup._saysNot)
-            EXPECT_EQ(said.find(words), std::string::npos) << "'" << words << "' stands in: " << said;
+            EXPECT_FALSE(says(said, words));
     }
 
     const char* name() const { return _setup._name; }

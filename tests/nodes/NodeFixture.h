@@ -1,9 +1,10 @@
 #pragma once
 
+#include "tests/support/Says.h"
 #include "trovio/BufferedInSlot.h"
 #include "trovio/Node.h"
+#include "trovio/OutSlot.h"
 #include "trovio/Root.h"
-#include <gtest/gtest.h>
 #include <thread>
 
 namespace Trovio::Nodes {
@@ -14,6 +15,14 @@ public:
     OpenRoot() { Root::init(); }
     ~OpenRoot() { Root::shutdown(); }
 };
+
+/// Waits for what another thread is about to do; a hang ends with the test's time.
+template <class Condition>
+void await(Condition condition)
+{
+    while (!condition())
+        std::this_thread::yield();
+}
 
 /// A node that stands under the root, and so has started, while this lives.
 template <class NodeT>
@@ -49,6 +58,11 @@ public:
         ADD_FAILURE() << "no counter '" << counter << "'";
         return 0;
     }
+    void awaitCount(const std::string& counter, std::uint64_t number) const
+    {
+        await([&] { return count(counter) >= number; });
+        EXPECT_EQ(count(counter), number) << counter;
+    }
 
 private:
     NodeT* _node;
@@ -73,23 +87,10 @@ void expectRefused(std::unique_ptr<NodeT> node, const std::string& good,
         node->setFieldValues(good);
     const std::string before = slots();
     for (const auto& [settings, mentioned] : bad) {
-        std::string refusal = "accepted";
-        try {
-            node->setFieldValues(settings);
-        } catch (const InvalidFieldException& problem) {
-            refusal = problem.getMessage();
-        }
-        EXPECT_NE(refusal.find(mentioned), std::string::npos) << settings << ": " << refusal;
+        const auto apply = [&, text = settings] { node->setFieldValues(text); };
+        EXPECT_TRUE(says(problemOf<InvalidFieldException>(apply), mentioned)) << settings;
         EXPECT_EQ(slots(), before) << settings;
     }
-}
-
-/// Waits for what another thread is about to do; a hang ends with the test's time.
-template <class Condition>
-void await(Condition condition)
-{
-    while (!condition())
-        std::this_thread::yield();
 }
 
 /// Reads what a node pushes, through a route.
@@ -117,6 +118,32 @@ private:
 
     const std::string _source;
     BufferedInSlot<T> _slot;
+};
+
+/// Pushes into an in-slot of a node, through a route.
+template <class T>
+class Feed {
+public:
+    explicit Feed(const std::string& target) : _target(target), _slot("feed")
+    {
+        Root::get().addOutSlot(label(), &_slot);
+        Root::get().addRoute(label(), _target);
+    }
+    ~Feed()
+    {
+        Root::get().removeRoute(label(), _target);
+        Root::get().removeSlot(label());
+    }
+    Feed(const Feed&) = delete;
+    Feed& operator=(const Feed&) = delete;
+
+    void push(const T& value, double stamp = 1.0) { _slot.push(Data<T>(value, Time(stamp))); }
+
+private:
+    std::string label() const { return "feed of " + _target; }
+
+    const std::string _target;
+    OutSlot<T> _slot;
 };
 
 } // namespace Trovio::Nodes

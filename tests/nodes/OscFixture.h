@@ -21,11 +21,7 @@ protected:
     std::string peerAddress() const { return _peer.getAddress().str(); }
 
     NodeState state() { return (*_node)->getState(); }
-    void awaitCount(const char* counter, std::uint64_t count)
-    {
-        await([&] { return _node->count(counter) >= count; });
-        EXPECT_EQ(_node->count(counter), count) << counter;
-    }
+    void awaitCount(const char* counter, std::uint64_t count) { _node->awaitCount(counter, count); }
 
     OpenRoot _root;
     ManualClock _clock;

@@ -2,6 +2,7 @@
 
 #include "osg/LogMessage.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Says.h"
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -58,7 +59,7 @@ TEST_F(LogFile, HeaderShowsTheSelectedPartsInTheirOrder)
 {
     ASSERT_TRUE(osg::osgLogP->setHeader("function,level", _problem)) << _problem;
     EXPECT_FALSE(osg::osgLogP->setHeader("level,colour", _problem));
-    EXPECT_NE(_problem.find("'colour'"), std::string::npos) << "and the header stays";
+    EXPECT_TRUE(says(_problem, "'colour'")) << "and the header stays";
     warn("x");
     EXPECT_EQ(lines(), (Texts{"WARNING void f(int): x"}));
 }
@@ -166,7 +167,7 @@ TEST(Log, EnvironmentSetsTheStartAndRefusesWhatItCannot)
         unsetenv(row._variable);
         EXPECT_EQ(log.getLogLevel(), row._level) << row._value;
         EXPECT_EQ(complaint.empty(), *row._complaint == '\0') << complaint;
-        EXPECT_NE(complaint.find(row._complaint), std::string::npos) << complaint;
+        EXPECT_TRUE(says(complaint, row._complaint));
     }
 }
 

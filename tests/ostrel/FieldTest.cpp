@@ -3,6 +3,7 @@
 #include "ostrel/FieldTypes.h"
 #include "tests/ostrel/Recorder.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Says.h"
 #include <deque>
 #include <gtest/gtest.h>
 #include <memory>
@@ -225,7 +226,7 @@ TEST_F(FieldLink, LongChainsAndManyWaysAreCutOff)
     for (Owner* owner : {&chain[0], &chain[0], &web[0], &web[0]}) {
         owner->change(1.0F);
         ASSERT_EQ(_log.entries().size(), ++warnings);
-        EXPECT_NE(_log.texts().back().find("use fewer links"), std::string::npos);
+        EXPECT_TRUE(says(_log.texts().back(), "use fewer links"));
     }
     EXPECT_NE(chain[Field::maxDepth]._field._calls, "");
     EXPECT_EQ(chain.back()._field._calls, "");

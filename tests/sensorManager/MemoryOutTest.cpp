@@ -4,6 +4,7 @@
 #include "sensorManager/TrovioSensorHandler.h"
 #include "tests/support/AllocationCount.h"
 #include "tests/support/PassNode.h"
+#include "tests/support/Says.h"
 #include "trovio/NodeType.h"
 #include "trovio/Root.h"
 #include <functional>
@@ -172,26 +173,6 @@ TEST_F(MemoryOut, RoutesComeWholeOrNotAtAllAndGoWithoutMemory)
         failEach(go, come);
         go();
     }
-}
-
-TEST_F(MemoryOut, ThatNothingCouldBeStoredIsWhyNothingArrives)
-{
-    Trovio::OutSlot<std::string> out("out");
-    Trovio::InSlot<std::string> in("in");
-    Root::get().addOutSlot("from", &out);
-    Root::get().addInSlot("to", &in);
-    Root::get().addRoute("from", "to");
-    const Trovio::Data<std::string> record(longText);
-    {
-        const AllocationFailure failure(2); // the first is the copy of the out-slot
-        out.push(record);
-    }
-    const auto answer = Root::get().explain("from", "to");
-    EXPECT_EQ(answer._verdict, Trovio::Verdict::NotStored);
-    EXPECT_NE(answer._text.find("records not stored in 'to' for want of memory: 1;"), std::string::npos)
-        << answer._text;
-    Root::get().removeSlot("from");
-    Root::get().removeSlot("to");
 }
 
 TEST_F(MemoryOut, FrameLosesAtMostTheValuesOnTheirWay)

@@ -1,4 +1,5 @@
 #include "ProbeHandler.h"
+#include "tests/support/Says.h"
 
 #include "ostrel/DirectSensorProc.h"
 #include <algorithm>
@@ -90,7 +91,7 @@ TEST_F(Manager, RefusalsChangeNothingAndSayWhatWasWrong)
     EXPECT_EQ(_log.entries()[0]._level, 1);
     EXPECT_EQ(_log.entries()[1]._level, 2);
     EXPECT_EQ(_log.entries()[0]._file, "sensorManager/SensorManager");
-    EXPECT_NE(_log.entries()[0]._function.find("Ostrel::SensorManager::addHandler("), std::string::npos);
+    EXPECT_TRUE(says(_log.entries()[0]._function, "Ostrel::SensorManager::addHandler("));
     EXPECT_TRUE(_manager.delHandler(taken));
     EXPECT_TRUE(SensorManager::requestManager(otherContext)->delHandler(foreign));
 }
