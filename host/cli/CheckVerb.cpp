@@ -102,11 +102,10 @@ std::unique_ptr<SceneGraph> makeGraph(const std::vector<SceneFile>& files, const
     RunLog log(false);
     log.hold(true);
     std::unique_ptr<SceneGraph> graph;
-    const auto failure =
-        failureOf([&] { graph = std::make_unique<SceneGraph>(files, [&around] { return around.isInterrupted(); }); });
+    const auto failure = failureOf([&] { graph = connectScenes(files, [&around] { return around.isInterrupted(); }); });
     log.discard();
     if (failure)
-        say("the scenes cannot be connected: " + escaped(*failure, 1000));
+        say(*failure);
     return around.isInterrupted() ? nullptr : std::move(graph);
 }
 
@@ -133,9 +132,9 @@ int checkScenes(const std::vector<SceneFile>& files, const Options& options, con
     int code = Done;
     for (const SceneFile& file : files) {
         CheckReport report(file);
-        SceneWarnings warnings(file, [&report](const SceneFinding& finding) { report.take(finding); });
-        warnings.checkParts(*graph);
-        warnings.checkRoutes(*graph, root, [&around] { return around.isInterrupted(); });
+        SceneWarnings(file, [&report](const SceneFinding& finding) {
+            report.take(finding);
+        }).check(*graph, root, [&around] { return around.isInterrupted(); });
         if (around.isInterrupted())
             return interrupted();
         if (!report.finish(printsGraph ? stderr : stdout, options._strict))

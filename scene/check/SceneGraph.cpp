@@ -1,7 +1,10 @@
 #include "scene/check/SceneGraph.h"
 
 #include "explain/TreeWalk.h"
+#include "explain/text/Escape.h"
+#include "explain/text/Failure.h"
 #include "ostrel/FieldClass.h"
+#include "scene/SceneError.h"
 #include "scene/file/SceneURL.h"
 #include "scene/run/SceneParts.h"
 #include "sensorManager/FieldTypes.h"
@@ -151,5 +154,14 @@ std::vector<Trovio::Pattern> SceneGraph::openTargets(const Trovio::NamespaceInfo
                 targets.emplace_back(pathBelow(path, route._to));
     });
     return targets;
+}
+
+std::unique_ptr<SceneGraph> connectScenes(const std::vector<SceneFile>& files, const Stopped& stopped)
+{
+    std::unique_ptr<SceneGraph> graph;
+    const auto failure = Explain::failureOf([&] { graph = std::make_unique<SceneGraph>(files, stopped); });
+    if (failure)
+        throw SceneError("the scenes cannot be connected: " + Explain::escaped(*failure, 1000));
+    return graph;
 }
 } // namespace Scenes

@@ -68,4 +68,7 @@ private:
     std::vector<std::unique_ptr<Trovio::Slot>> _slots;
     std::unique_ptr<Trovio::Namespace> _root; // goes before the slots that it refers to
 };
+
+/// The graph of these scenes. Throws SceneError where they cannot be connected.
+std::unique_ptr<SceneGraph> connectScenes(const std::vector<SceneFile>& files, const Stopped& stopped);
 } // namespace Scenes

@@ -25,6 +25,12 @@ void SceneWarnings::tell(Position position, bool isError, const std::string& tex
     _tell({_scene._path, position._line, position._column, isError, text});
 }
 
+void SceneWarnings::check(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped)
+{
+    checkParts(graph);
+    checkRoutes(graph, root, stopped);
+}
+
 void SceneWarnings::checkParts(const SceneGraph& graph)
 {
     for (const GraphFault& fault : graph.faults())

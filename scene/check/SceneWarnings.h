@@ -17,14 +17,13 @@ public:
 
     SceneWarnings(const SceneFile& scene, Tell tell) : _scene(scene), _tell(std::move(tell)) {}
 
-    /// Of handlers, nodes and sensors.
-    void checkParts(const SceneGraph& graph);
-
-    /// Of routes that can carry nothing as they stand, and of sensors that none reaches. `root` is the tree of the
-    /// graph that the scene stands in. Leaves off where `stopped` says so.
-    void checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped);
+    /// Checks handlers, nodes and sensors, routes that can carry nothing as they stand, and sensors that none reaches.
+    /// `root` is the tree of the graph that the scene stands in. Leaves off where `stopped` says so.
+    void check(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped);
 
 private:
+    void checkParts(const SceneGraph& graph);
+    void checkRoutes(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped);
     void checkSensors(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Stopped& stopped);
     void checkRivals(const SceneGraph& graph, const Trovio::NamespaceInfo& root, const Trovio::NamespaceInfo& space);
     void note(Position position, const std::string& text) { tell(position, false, text); }
