@@ -44,9 +44,9 @@ private:
     Problems& _problems;
 };
 
-class SceneCheck {
+class SceneValidator {
 public:
-    SceneCheck(const SceneFile& scene, Problems& problems) : _scene(scene), _problems(problems)
+    SceneValidator(const SceneFile& scene, Problems& problems) : _scene(scene), _problems(problems)
     {
         for (const auto& fieldClass : Ostrel::FieldClass::all())
             _typeNames.push_back(fieldClass.name());
@@ -84,7 +84,7 @@ private:
     Trovio::Namespace _routes; // stands nowhere; takes routes to see whether they can be taken
 };
 
-void SceneCheck::checkNames()
+void SceneValidator::checkNames()
 {
     UniqueNames handlerNames("handler name", "handler", _problems);
     UniqueNames sensorNames("sensor name", "sensor", _problems);
@@ -98,12 +98,12 @@ void SceneCheck::checkNames()
 }
 
 // The memory for them is taken when the scene starts.
-void SceneCheck::checkMemory()
+void SceneValidator::checkMemory()
 {
     SceneMemory({&_scene, 1}).refuseAbove(_scene._host._memory._value, _problems);
 }
 
-void SceneCheck::checkSensor(const SensorEntry& sensor)
+void SceneValidator::checkSensor(const SensorEntry& sensor)
 {
     const std::string name = inQuotes(sensor._name._value);
     if (sensor._label._value.size() > Trovio::MaxLabelLength)
@@ -122,7 +122,7 @@ void SceneCheck::checkSensor(const SensorEntry& sensor)
                                             "; allowed for " + type + ": " + sceneForm(fieldClass->code()));
 }
 
-void SceneCheck::checkHandler(const HandlerEntry& handler)
+void SceneValidator::checkHandler(const HandlerEntry& handler)
 {
     try {
         const Merid::URL url(handler._url._value);
@@ -135,7 +135,7 @@ void SceneCheck::checkHandler(const HandlerEntry& handler)
         checkRoute(route);
 }
 
-void SceneCheck::checkRoute(const LocatedPair& route)
+void SceneValidator::checkRoute(const LocatedPair& route)
 {
     if (route._first._position._line == 0 || route._second._position._line == 0)
         return; // an end is missing, which has been said
@@ -148,7 +148,7 @@ void SceneCheck::checkRoute(const LocatedPair& route)
     }
 }
 
-const SensorEntry* SceneCheck::findField(const LocatedText& end)
+const SensorEntry* SceneValidator::findField(const LocatedText& end)
 {
     const std::string_view text = end._value;
     const std::string_view name = text.substr(0, text.size() - std::min(text.size(), fieldSuffix.size()));
@@ -166,7 +166,7 @@ const SensorEntry* SceneCheck::findField(const LocatedText& end)
     return nullptr;
 }
 
-void SceneCheck::checkLink(const LocatedPair& link)
+void SceneValidator::checkLink(const LocatedPair& link)
 {
     const SensorEntry* from = findField(link._first);
     const SensorEntry* to = findField(link._second);
@@ -184,6 +184,6 @@ void SceneCheck::checkLink(const LocatedPair& link)
 
 void validateScene(const SceneFile& scene, Problems& problems)
 {
-    SceneCheck(scene, problems).run();
+    SceneValidator(scene, problems).run();
 }
 } // namespace Scenes
