@@ -44,14 +44,14 @@ struct Extent {
     std::size_t _bytes = 0, _columns = 0;
 };
 
-Extent extentWithin(std::string_view text, std::size_t most)
+Extent extentWithin(std::string_view text, std::size_t maxColumns)
 {
     const UnicodeLocale locale;
     Extent extent;
     while (extent._bytes < text.size()) {
         const std::string_view rest = text.substr(extent._bytes);
         const std::size_t bytes = firstCharacter(rest), columns = columnsOf(rest.substr(0, bytes));
-        if (extent._columns + columns > most)
+        if (extent._columns + columns > maxColumns)
             break;
         extent._bytes += bytes;
         extent._columns += columns;

@@ -21,15 +21,15 @@ constexpr std::size_t maxLinesAtStart = 20, maxLinesAtEnd = 200;
 
 // Runs a report and lets through its first lines only.
 template <class Report>
-void limited(const Say& say, std::size_t most, const char* what, const Report& report)
+void limited(const Say& say, std::size_t maxLines, const char* what, const Report& report)
 {
     std::size_t lines = 0;
     report([&](const std::string& line) {
-        if (++lines <= most)
+        if (++lines <= maxLines)
             say(line);
     });
-    if (lines > most)
-        say("and " + std::to_string(lines - most) + " more " + what);
+    if (lines > maxLines)
+        say("and " + std::to_string(lines - maxLines) + " more " + what);
 }
 
 Say broken(std::size_t width, const Say& say)

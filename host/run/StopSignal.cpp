@@ -114,8 +114,8 @@ bool StopSignal::requested() const
 
 void StopSignal::wait(double seconds) const
 {
-    constexpr double longest = 3600; // callers look at the clock and come again
-    const double bounded = std::clamp(seconds, 0.0, longest);
+    constexpr double maxWait = 3600; // seconds; callers look at the clock and come again
+    const double bounded = std::clamp(seconds, 0.0, maxWait);
     const double whole = std::floor(bounded);
     const timespec timeout = {static_cast<time_t>(whole), static_cast<long>((bounded - whole) * 1e9)};
     pollfd wake = {wakePipe[0], POLLIN, 0};

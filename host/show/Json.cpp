@@ -86,13 +86,13 @@ Json json(const Ostrel::Node* value)
     return value == nullptr ? Json() : Json(value->getDisplayName());
 }
 
-// Up to `most` elements of a sequence; a single value as it is.
-Json fieldJson(Ostrel::Field& field, std::size_t most)
+// Up to `maxElements` of a sequence; a single value as it is.
+Json fieldJson(Ostrel::Field& field, std::size_t maxElements)
 {
-    return visitField(field, [most]<class FieldClass>(FieldClass& concrete) {
+    return visitField(field, [maxElements]<class FieldClass>(FieldClass& concrete) {
         if constexpr (Multiple<FieldClass>) {
             Json list = Json::array();
-            const std::size_t count = std::min(most, concrete.values().size());
+            const std::size_t count = std::min(maxElements, concrete.values().size());
             for (std::size_t i = 0; i < count; ++i)
                 list.push_back(json(typename FieldClass::Element(concrete.values()[i])));
             return list;

@@ -7,17 +7,17 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double wait = 0.05;        // seconds in which what is old arrives
-constexpr double slack = 0.01;       // seconds by which samples may be late
-constexpr std::size_t most = 65'536; // samples of a writer that wait
+constexpr double settlingTime = 0.05;      // seconds in which what is old arrives
+constexpr double slack = 0.01;             // seconds by which samples may be late
+constexpr std::size_t maxSamples = 65'536; // of a writer that wait
 
 } // namespace
 
 void DdsNewWriters::hold(Sample sample, double now)
 {
     auto& [since, samples] = _writers.try_emplace(sample._info.publication_handle, Writer{now, {}}).first->second;
-    if (samples.size() == most)
-        samples.erase(samples.begin(), samples.begin() + most / 2); // the newest stay
+    if (samples.size() == maxSamples)
+        samples.erase(samples.begin(), samples.begin() + maxSamples / 2); // the newest stay
     samples.push_back(std::move(sample));
 }
 
@@ -25,7 +25,7 @@ std::vector<dds_instance_handle_t> DdsNewWriters::findDue(double now) const
 {
     std::vector<dds_instance_handle_t> due;
     for (const auto& [handle, writer] : _writers)
-        if (now >= writer._since + wait)
+        if (now >= writer._since + settlingTime)
             due.push_back(handle);
     return due;
 }
@@ -34,7 +34,7 @@ std::optional<double> DdsNewWriters::nextDue() const
 {
     std::optional<double> next;
     for (const auto& [handle, writer] : _writers)
-        next = std::min(next.value_or(writer._since + wait), writer._since + wait);
+        next = std::min(next.value_or(writer._since + settlingTime), writer._since + settlingTime);
     return next;
 }
 

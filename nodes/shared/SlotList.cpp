@@ -64,9 +64,9 @@ std::size_t shareOfWaiting(std::size_t slots)
 
 void checkQueues(const Settings& settings, const char* setting, std::size_t slots)
 {
-    const auto most = static_cast<std::int64_t>(shareOfWaiting(slots));
-    if (settings.integer(setting) > most)
-        throw settings.refusal(setting, "up to " + std::to_string(most) + " with " + std::to_string(slots) +
+    const auto maxQueue = static_cast<std::int64_t>(shareOfWaiting(slots));
+    if (settings.integer(setting) > maxQueue)
+        throw settings.refusal(setting, "up to " + std::to_string(maxQueue) + " with " + std::to_string(slots) +
                                             " slots, which makes " + std::to_string(MaxWaitingRecords) +
                                             " records in all");
 }

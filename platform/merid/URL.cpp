@@ -47,11 +47,11 @@ std::string hexText(char c)
 /// Long texts are cut, so that a message stays readable; a zero byte would end it.
 std::string quoted(std::string_view text)
 {
-    constexpr std::size_t longest = 200;
+    constexpr std::size_t maxShown = 200;
     std::string result = "'";
-    for (const char c : text.substr(0, longest))
+    for (const char c : text.substr(0, maxShown))
         result += c == '\0' ? hexText(c) : std::string(1, c);
-    return result + (text.size() > longest ? "…'" : "'");
+    return result + (text.size() > maxShown ? "…'" : "'");
 }
 
 [[noreturn]] void refuse(std::string_view text, const std::string& problem)

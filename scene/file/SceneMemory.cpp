@@ -126,14 +126,14 @@ std::string SceneMemory::largestText() const
     return text.empty() ? "0 bytes" : text;
 }
 
-void SceneMemory::refuseAbove(std::uint64_t most, Problems& problems) const
+void SceneMemory::refuseAbove(std::uint64_t maxBytes, Problems& problems) const
 {
-    if (_bytes <= most)
+    if (_bytes <= maxBytes)
         return;
     problems.add(bufferPosition(*_largest.front()._sensor),
                  "the slots and buffers of the sensors" + std::string(_several ? " of all scenes" : "") + " take " +
                      bytesText(_bytes) + " (" + std::to_string(_bytes) + " bytes), most of it " + largestText() +
-                     "; allowed: up to " + bytesText(most) +
+                     "; allowed: up to " + bytesText(maxBytes) +
                      (_several ? ", the most that `memory` of [host] says in one of them"
                                : ", or what `memory` of [host] says"));
 }
@@ -143,11 +143,11 @@ void checkSharedMemory(const std::vector<SceneFile>& files)
     const SceneMemory memory(files);
     if (files.size() < 2 || !memory.largestScene())
         return;
-    std::uint64_t most = 0;
+    std::uint64_t maxBytes = 0;
     for (const SceneFile& file : files)
-        most = std::max(most, file._host._memory._value);
+        maxBytes = std::max(maxBytes, file._host._memory._value);
     Problems problems(memory.largestScene()->_path);
-    memory.refuseAbove(most, problems);
+    memory.refuseAbove(maxBytes, problems);
     problems.throwIfAny();
 }
 

@@ -39,8 +39,8 @@ public:
     /// Which sensors take most, and how much for what.
     std::string largestText() const;
 
-    /// Adds to the problems of the scene whose sensor takes most that this is more than `most` bytes, if it is.
-    void refuseAbove(std::uint64_t most, Problems& problems) const;
+    /// Adds to the problems of the scene whose sensor takes most that this is more than `maxBytes`, if it is.
+    void refuseAbove(std::uint64_t maxBytes, Problems& problems) const;
     /// That scene; null without a sensor.
     const SceneFile* largestScene() const { return _largest.empty() ? nullptr : _largest.front()._scene; }
 

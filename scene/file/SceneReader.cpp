@@ -71,11 +71,11 @@ const TomlValue* takeValue(const TomlValue& value, SensorEntry& entry)
     return nullptr;
 }
 
-// A list of one or two texts; `least` is how many there must be.
-const TomlValue* takePair(const TomlValue& value, std::size_t least, LocatedPair& pair)
+// A list of one or two texts.
+const TomlValue* takePair(const TomlValue& value, std::size_t minTexts, LocatedPair& pair)
 {
     const auto* list = std::get_if<TomlValue::List>(&value._data);
-    if (list == nullptr || list->size() < least || list->size() > 2)
+    if (list == nullptr || list->size() < minTexts || list->size() > 2)
         return &value;
     for (std::size_t i = 0; i < list->size(); ++i) {
         const auto* text = std::get_if<std::string>(&(*list)[i]._data);
@@ -86,15 +86,15 @@ const TomlValue* takePair(const TomlValue& value, std::size_t least, LocatedPair
     return nullptr;
 }
 
-template <std::vector<LocatedPair> HandlerEntry::*member, std::size_t least, std::size_t most>
+template <std::vector<LocatedPair> HandlerEntry::*member, std::size_t minTexts, std::size_t maxPairs>
 const TomlValue* takePairs(const TomlValue& value, HandlerEntry& entry)
 {
     const auto* list = std::get_if<TomlValue::List>(&value._data);
-    if (list == nullptr || list->size() > most)
+    if (list == nullptr || list->size() > maxPairs)
         return &value;
     for (const TomlValue& element : *list) {
         LocatedPair pair;
-        if (const TomlValue* wrong = takePair(element, least, pair))
+        if (const TomlValue* wrong = takePair(element, minTexts, pair))
             return wrong;
         (entry.*member).push_back(pair);
     }
@@ -128,19 +128,19 @@ constexpr KeyRule<LocatedPair> pairRules[] = {
 
 constexpr std::string_view rootNames[] = {"host", "handler", "sensor", "route", "link"};
 
-// Reads every table of [[title]] into `entries`; none of them if there are more than `most`.
+// Reads every table of [[title]] into `entries`; none of them if there are more than `maxCount`.
 template <class Entry>
 void readAll(const TomlEntry& found, std::span<const KeyRule<Entry>> rules, Problems& problems,
-             std::vector<Entry>& entries, std::size_t most = maxEntries)
+             std::vector<Entry>& entries, std::size_t maxCount = maxEntries)
 {
     const std::string title = "[[" + found._key + "]]";
     const auto* list = std::get_if<TomlValue::List>(&found._value._data);
     if (list == nullptr)
         return problems.add(found._position, "'" + found._key + "' is " + described(found._value) +
                                                  "; allowed: tables, each under " + title);
-    if (list->size() > most)
-        return problems.add((*list)[most]._position, "the scene has " + std::to_string(list->size()) + " " + title +
-                                                         "; allowed: up to " + std::to_string(most));
+    if (list->size() > maxCount)
+        return problems.add((*list)[maxCount]._position, "the scene has " + std::to_string(list->size()) + " " + title +
+                                                             "; allowed: up to " + std::to_string(maxCount));
     TableReader<Entry> reader(title, rules, problems);
     entries.reserve(list->size());
     for (const TomlValue& table : *list)

@@ -15,7 +15,7 @@ void Backlog::update(const Session& session)
             if (const auto* in = dynamic_cast<const Trovio::BasicInSlot*>(slot)) {
                 Seen& seen = _seen[in];
                 const std::uint64_t stored = in->getCounts().stored;
-                seen._most = std::max(seen._most, stored - seen._stored);
+                seen._maxWaiting = std::max(seen._maxWaiting, stored - seen._stored);
                 seen._stored = stored;
             }
 }
@@ -26,12 +26,12 @@ std::string Backlog::cure(const Session& session, const std::string& label) cons
         const std::string& own = watch->sensor().getLabel();
         if (own.empty() || (label != own && !label.ends_with("/" + own)))
             continue;
-        std::uint64_t most = 0;
+        std::uint64_t maxWaiting = 0;
         for (const auto& [slot, seen] : _seen)
             if (std::ranges::find(watch->slots(), slot) != watch->slots().end() && slot->getCounts().overwritten != 0)
-                most = std::max(most, seen._most);
-        if (most > watch->sensor().getBufferSize())
-            return "; buffer = " + std::to_string(most) + " at sensor " + inQuotes(watch->sensor().getName()) +
+                maxWaiting = std::max(maxWaiting, seen._maxWaiting);
+        if (maxWaiting > watch->sensor().getBufferSize())
+            return "; buffer = " + std::to_string(maxWaiting) + " at sensor " + inQuotes(watch->sensor().getName()) +
                    " would have held them";
     }
     return {};

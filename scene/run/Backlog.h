@@ -22,8 +22,8 @@ public:
 
 private:
     struct Seen {
-        std::uint64_t _stored = 0; // at the last update
-        std::uint64_t _most = 0;   // between two
+        std::uint64_t _stored = 0;     // at the last update
+        std::uint64_t _maxWaiting = 0; // between two
     };
     std::unordered_map<const Trovio::BasicInSlot*, Seen> _seen;
 };
