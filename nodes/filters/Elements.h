@@ -55,10 +55,12 @@ template <class E>
 bool setNumber(E& element, std::size_t i, double number)
 {
     using Component = typename Components<E>::Component;
+    using Limits = std::numeric_limits<Component>;
     constexpr bool isWhole = std::is_integral_v<Component>;
-    // The upper limit of the whole numbers is no double; the next power of two is.
-    if (isWhole ? !(std::abs(number) < 0x1p63)
-                : !(std::abs(number) <= static_cast<double>(std::numeric_limits<Component>::max())))
+    // The upper limit of 64-bit whole numbers is no double; the next power of two, twice the highest bit, is.
+    constexpr double max =
+        isWhole ? 2.0 * static_cast<double>(Limits::max() / 2 + 1) : static_cast<double>(Limits::max());
+    if (isWhole ? !(std::abs(number) < max) : !(std::abs(number) <= max))
         return false;
     Components<E>::set(element, i, static_cast<Component>(isWhole ? std::round(number) : number));
     return true;

@@ -47,9 +47,11 @@ C toComponent(double number)
 {
     if constexpr (std::is_same_v<C, bool>)
         return number > 0.0;
-    else if constexpr (std::is_integral_v<C>)
-        return static_cast<C>(std::llround(number)); // settings keep all numbers well inside 64 bits
-    else
+    else if constexpr (std::is_integral_v<C>) {
+        static_assert(sizeof(C) >= sizeof(long long),
+                      "settings allow numbers that a whole number of less than 64 bits does not hold");
+        return static_cast<C>(std::llround(number));
+    } else
         return static_cast<C>(number);
 }
 

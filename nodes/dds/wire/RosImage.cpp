@@ -32,7 +32,7 @@ std::string names()
 
 std::string referImage(const Image& image, sensor_msgs_msg_dds__Image_& message)
 {
-    static_assert(std::endian::native == std::endian::little);
+    static_assert(std::endian::native == std::endian::little, "messages say that 16-bit pixels are little-endian");
     const auto* found = std::find_if(std::begin(encodings), std::end(encodings),
                                      [&](const Encoding& encoding) { return encoding._format == image.getFormat(); });
     if (found == std::end(encodings))

@@ -24,12 +24,13 @@ class WireKind {
 public:
     using Component = typename Components<E>::Component;
     static constexpr std::size_t Count = Components<E>::Count;
-    static_assert(sizeof(E) == Count * sizeof(Component) && std::is_trivially_copyable_v<E>);
+    static_assert(sizeof(E) == Count * sizeof(Component) && std::is_trivially_copyable_v<E>,
+                  "elements of this type are not copied to the wire as they lie in memory");
 
     template <class Value>
     std::string referOne(const E& element, Value& value)
     {
-        static_assert(sizeof(Value) == sizeof(E));
+        static_assert(sizeof(Value) == sizeof(E), "SlotSamples.idl gives this type another size");
         std::memcpy(&value, &element, sizeof(E));
         return {};
     }

@@ -65,7 +65,7 @@ void OscElement<Image>::write(OscWriter& writer, const Image& element)
 {
     writer.addInt32(static_cast<std::int32_t>(element.getWidth()));
     writer.addInt32(static_cast<std::int32_t>(element.getHeight()));
-    writer.addInt32(element.getFormat());
+    writer.addInt32(static_cast<std::int32_t>(element.getFormat()));
     writer.addBlob(Bytes(element.getData(), element.getDataSize()));
 }
 
