@@ -2,6 +2,7 @@
 
 #include "nodes/filters/ElementWise.h"
 #include "nodes/relay/RelayNode.h"
+#include "nodes/relay/TypeChoices.h"
 #include "trovio/SlotTypes.h"
 #include <array>
 
@@ -47,12 +48,7 @@ concept FilterOf = requires
 template <class Filter>
 std::string fittingTypes()
 {
-    std::string names;
-    forEachSlotType([&]<class T>(TypeTag<T>) {
-        if constexpr (FilterOf<Filter, T>)
-            names += (names.empty() ? "" : "|") + TypeName<T>::getName();
-    });
-    return names;
+    return typeChoices([]<class T>(TypeTag<T>) { return FilterOf<Filter, T>; });
 }
 
 template <class Filter>

@@ -1,6 +1,7 @@
 #include "nodes/guard/Guard.h"
 
 #include "nodes/guard/GuardValue.h"
+#include "nodes/relay/TypeChoices.h"
 #include "trovio/SlotTypes.h"
 
 namespace Trovio::Nodes {
@@ -17,19 +18,12 @@ Then readThen(const Settings& settings)
     return then;
 }
 
-std::string allTypes()
-{
-    std::string names;
-    forEachSlotType([&]<class T>(TypeTag<T>) { names += (names.empty() ? "" : "|") + TypeName<T>::getName(); });
-    return names;
-}
-
 } // namespace
 
 const NodeTypeEntry& Guard::getEntry()
 {
     static const RelayTable table(
-        allTypes(), "Float",
+        typeChoices([](auto) { return true; }), "Float",
         {Setting::number("after", "0.5", 0.001, 86400, "seconds without a record until the source counts as lost"),
          Setting::choice("then", "hold", "hold|zero|value",
                          "what goes out then: nothing, so that the last value stays; the type's default; 'value'"),
