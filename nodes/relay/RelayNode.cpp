@@ -14,7 +14,7 @@ RelayNode::RelayNode(Clock& clock)
     : WorkerNode(clock),
       _received(addCounter("received")),
       _sent(addCounter("sent")),
-      _shortage(clock, addCounter("without memory"), "filter or guard")
+      _shortage(clock, addCounter("without memory"), [this] { return getTypeName() + " '" + getLabel() + "'"; })
 {
     declareRelay();
 }

@@ -2,6 +2,7 @@
 
 #include "nodes/shared/RateLimiter.h"
 #include "trovio/Node.h"
+#include <functional>
 #include <new>
 #include <string>
 
@@ -16,6 +17,11 @@ public:
 
     /// what: how the log calls the node, or the part of it.
     MemoryShortage(Clock& clock, Counter& counter, std::string what)
+        : MemoryShortage(clock, counter, [text = std::move(what)] { return text; })
+    {
+    }
+    /// The same for a name that is not known yet: it is asked for when there is something to say.
+    MemoryShortage(Clock& clock, Counter& counter, std::function<std::string()> what)
         : _counter(counter), _what(std::move(what)), _reports(clock)
     {
     }
@@ -38,7 +44,7 @@ public:
 
 private:
     Counter& _counter;
-    const std::string _what;
+    const std::function<std::string()> _what;
     RateLimiter _reports;
 };
 
