@@ -2,6 +2,7 @@
 
 #include "osg/LogFile.h"
 #include "osg/LogText.h"
+#include "osg/PipeSignalGuard.h"
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
@@ -212,6 +213,7 @@ void Log::doLogV(const char* format, std::va_list arguments) noexcept
 
 void Log::writeShort(const char* format, std::va_list arguments) noexcept
 {
+    const PipeSignalGuard guard;
     char line[256];
     std::vsnprintf(line, sizeof line, format, arguments);
     std::replace_if(
@@ -252,6 +254,7 @@ void Log::emit(const LogRecord& record, std::string_view line)
 
 void Log::write(const LogRecord& record, const std::string& line)
 {
+    const PipeSignalGuard guard;
     const auto put = [&line](std::FILE* file) {
         return std::fwrite(line.data(), 1, line.size(), file) == line.size() && std::fflush(file) == 0;
     };

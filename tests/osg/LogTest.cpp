@@ -135,7 +135,12 @@ TEST_F(LogFile, PipeThatNobodyReadsHoldsUpNobody)
     const std::string written = ::testing::internal::GetCapturedStderr();
     EXPECT_TRUE(written.starts_with("WARNING: the log file cannot be written")) << written.substr(0, 100);
     EXPECT_GT(written.size(), std::size_t{1} << 20) << "the line that did not fit, too";
+    ASSERT_TRUE(osg::osgLogP->setLogFile(pipe, _problem)) << _problem;
     close(stopped);
+    ::testing::internal::CaptureStderr();
+    warn("the reader has gone"); // and the program has not
+    EXPECT_TRUE(
+        says(::testing::internal::GetCapturedStderr(), "the log goes on here\nWARNING Ostrel some/Unit:12: the"));
     std::remove(pipe.c_str());
 }
 
