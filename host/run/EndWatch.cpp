@@ -3,7 +3,6 @@
 #include "explain/text/Escape.h"
 #include "host/output/QueuedOutput.h"
 #include "host/show/Keyboard.h"
-#include "trovio/NodeMove.h"
 
 #include <algorithm>
 #include <csignal>
@@ -101,9 +100,10 @@ void EndWatch::tellOfHangingNode()
     const auto move = Trovio::NodeMove::longest();
     if (!move)
         return;
-    if (move->_label != _told)
+    // One node may do one thing after another, and two may have one label.
+    if (!_told || move->_since != _told->_since || move->_kind != _told->_kind || move->_label != _told->_label)
         _next = first;
-    _told = move->_label;
+    _told = move;
     const double seconds = secondsOf(*move);
     if (seconds < _next)
         return;

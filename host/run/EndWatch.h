@@ -2,6 +2,7 @@
 
 #include "host/run/StopSignal.h"
 #include "scene/run/LoadedScene.h"
+#include "trovio/NodeMove.h"
 
 #include <atomic>
 #include <thread>
@@ -32,8 +33,8 @@ private:
     const StopSignal& _stop;
     const Scenes::Say _say;
     std::atomic<bool> _begun{false}, _over{false};
-    std::string _told; // the node that was named last; the thread's, as the next one
-    double _next = 0;  // seconds that it takes until it is named again
+    std::optional<Trovio::NodeMove::Info> _told; // the one that was looked at last; the thread's, as the next one
+    double _next = 0;                            // seconds that it takes until it is named
     std::thread _thread;
 };
 } // namespace Host
