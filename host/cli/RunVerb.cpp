@@ -9,6 +9,7 @@
 #include "host/run/ClockStepDetector.h"
 #include "host/run/StoppableClock.h"
 #include "host/run/WatchedRun.h"
+#include "host/show/Json.h"
 #include "host/show/Terminal.h"
 #include "host/show/View.h"
 #include "osg/LogMessage.h"
@@ -157,7 +158,7 @@ int runVerb(const Options& options)
         say(verdict == NoAnswer ? endedEarly : "nothing was run, as --strict asks");
         return verdict == NoAnswer ? Done : verdict;
     }
-    return runWatched(std::move(*files), options._format == Format::Json,
+    return runWatched(std::move(*files), options._format == Format::Json ? droppedAsJson : droppedAsText,
                       [&options](std::vector<SceneFile> scenes, const WatchedRun& around) {
                           return runScenes(std::move(scenes), options, around);
                       });

@@ -173,7 +173,7 @@ int whyVerb(const Options& asked)
         std::fprintf(stderr, "asked host %s, which runs this scene\n", options._host.c_str());
         return askWhy(options);
     }
-    return runWatched(std::move(*files), options._format == Format::Json,
+    return runWatched(std::move(*files), droppedAsText,
                       [&options](std::vector<SceneFile> scenes, const WatchedRun& around) {
                           return answerWhy(std::move(scenes), options, around);
                       });

@@ -21,18 +21,6 @@ using namespace std::chrono_literals;
 constexpr auto patienceForOthers = 900ms, patience = 1000ms;
 constexpr auto minForMessages = 100ms; // on a machine so busy that all of that has passed meanwhile
 
-std::string gapAsJson(std::uint64_t dropped, std::uint64_t inAll)
-{
-    return "{\"dropped\":" + std::to_string(dropped) + ",\"total\":" + std::to_string(inAll) + "}\n";
-}
-
-std::string gapAsText(std::uint64_t dropped, std::uint64_t inAll)
-{
-    const std::string cause = ", because they were not read in time\n";
-    return dropped == 0 ? "dropped " + std::to_string(inAll) + " lines in all" + cause
-                        : "dropped " + std::to_string(dropped) + " lines here" + cause;
-}
-
 bool areOne(int a, int b)
 {
     struct stat first = {}, second = {};
@@ -67,12 +55,19 @@ void onCrash(int number)
 }
 } // namespace
 
-RunOutput::RunOutput(bool json) : _values(STDOUT_FILENO, json ? gapAsJson : gapAsText)
+std::string droppedAsText(std::uint64_t dropped, std::uint64_t inAll)
+{
+    const std::string cause = ", because they were not read in time\n";
+    return dropped == 0 ? "dropped " + std::to_string(inAll) + " lines in all" + cause
+                        : "dropped " + std::to_string(dropped) + " lines here" + cause;
+}
+
+RunOutput::RunOutput(QueuedOutput::GapLine droppedLine) : _values(STDOUT_FILENO, std::move(droppedLine))
 {
     if (!areOne(STDOUT_FILENO, STDERR_FILENO))
-        _messages.emplace(STDERR_FILENO, gapAsText);
+        _messages.emplace(STDERR_FILENO, droppedAsText);
     if (const int file = openLogFile(); file >= 0)
-        _logFile.emplace(file, gapAsText);
+        _logFile.emplace(file, droppedAsText);
     for (std::size_t i = 0; i < crashes.size(); ++i) {
         struct sigaction action = {};
         action.sa_handler = onCrash;

@@ -8,15 +8,17 @@
 
 namespace Host {
 
+/// A QueuedOutput::GapLine for people.
+std::string droppedAsText(std::uint64_t dropped, std::uint64_t inAll);
+
 /// Where a run writes without ever waiting for a reader: values to standard output, messages to standard error, the log
 /// to its file, each through a queue. Where both outputs are one (a terminal, 2>&1), they share a queue and stay in
 /// order. Should the program crash, it waits for the queues first, so that the last words get out.
 /// Threads: messages() and logFile() from any, the rest from the scene thread. One object per process.
 class RunOutput {
 public:
-    /// `json` says what the values look like, and so the line that tells of dropped ones:
-    /// {"dropped":…,"total":…}, in this gap and so far.
-    explicit RunOutput(bool json);
+    /// `droppedLine` is the line among the values that tells of dropped ones, in the format of the values.
+    explicit RunOutput(QueuedOutput::GapLine droppedLine);
     ~RunOutput();
     RunOutput(const RunOutput&) = delete;
     RunOutput& operator=(const RunOutput&) = delete;

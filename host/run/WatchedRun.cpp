@@ -12,13 +12,13 @@ namespace Host {
 using namespace Explain;
 using namespace Scenes;
 
-int runWatched(std::vector<SceneFile> files, bool json,
+int runWatched(std::vector<SceneFile> files, QueuedOutput::GapLine droppedLine,
                const std::function<int(std::vector<SceneFile>, const WatchedRun&)>& run)
 {
     int code = Failed;
     const std::string asked = askedFor(files);
     const auto failure = failureOf([&] {
-        RunOutput output(json);
+        RunOutput output(std::move(droppedLine));
         const StopSignal stop;
         EndWatch watch(stop, [&output](const std::string& line) { output.say(line); });
         const auto runAll = [&] { return run(std::move(files), {stop, watch, output}); };

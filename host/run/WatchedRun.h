@@ -18,7 +18,7 @@ struct WatchedRun {
 };
 
 /// Runs the scenes by `run`, which returns the exit code, and returns that, or Failed where it threw, which is said.
-/// `json` is for the output.
-int runWatched(std::vector<Scenes::SceneFile> files, bool json,
+/// `droppedLine` is for the output.
+int runWatched(std::vector<Scenes::SceneFile> files, QueuedOutput::GapLine droppedLine,
                const std::function<int(std::vector<Scenes::SceneFile>, const WatchedRun&)>& run);
 } // namespace Host

@@ -217,6 +217,11 @@ std::string jsonLine(const JsonTimes& times, const JsonSensor& sensor, Ostrel::F
            ",\"value\":" + jsonText(fieldJson(field, std::numeric_limits<std::size_t>::max())) + "}\n";
 }
 
+std::string droppedAsJson(std::uint64_t dropped, std::uint64_t inAll)
+{
+    return "{\"dropped\":" + std::to_string(dropped) + ",\"total\":" + std::to_string(inAll) + "}\n";
+}
+
 std::string valueText(Ostrel::Field& field, Digits digits, std::size_t limit)
 {
     // Each element takes two bytes at least.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
@@ -30,6 +31,9 @@ struct JsonTimes {
 /// One change as one line of JSON with its line end: times, names, value as ValueForm says.
 /// Bytes that are no UTF-8 become U+FFFD.
 std::string jsonLine(const JsonTimes& times, const JsonSensor& sensor, Ostrel::Field& field);
+
+/// The line that stands for values that were dropped, as RunOutput wants it: how many in this gap, and so far.
+std::string droppedAsJson(std::uint64_t dropped, std::uint64_t inAll);
 
 /// Few: six significant digits, no sign before a zero, a time as its date, a matrix in rows. All: as many digits as
 /// tell the number from every other one of its type, so that reading it gives the same number again.

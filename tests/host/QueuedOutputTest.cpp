@@ -116,7 +116,7 @@ TEST(RunOutputDeathTest, LastWordsGetOutBeforeTheEnd)
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
-            RunOutput output(false);
+            RunOutput output(droppedAsText);
             output.say(std::string(2'000'000, '.'));
             output.say("last words");
             std::abort();
