@@ -155,6 +155,22 @@ TEST(DdsTiming, TakesOutHowFarTheClocksAreApart)
     EXPECT_LE(std::abs(last[0]._clock.value()._ahead), last[0]._clock.value()._bound);
 }
 
+TEST(DdsTiming, IsLeftOutAtTheEndThatDoesNotWantIt)
+{
+    const OpenRoot root;
+    DdsPeer writer("publish='Wand Float' label=writer timing=no");
+    DdsPeer silent("subscribe='Wand Float' label=silent timing=no"), asking("subscribe='Wand Float' label=asking");
+    Feed<float> feed("writer/Wand");
+    feed.push(1.0F);
+    for (const char* label : {"silent/Wand", "asking/Wand"})
+        EXPECT_EQ(Probe<float>(label).next().getValue(), 1.0F);
+    EXPECT_EQ(silent->inspect()._slots.size() + 1, asking->inspect()._slots.size());
+    await([&] {
+        const auto remarks = asking->getRemarks();
+        return !remarks.empty() && says(remarks[0]._text, "is not known: it has not answered");
+    });
+}
+
 TEST(DdsNewWriters, GiveTheLastSampleAndWhatWasWrittenWhileTheyWaited)
 {
     DdsNewWriters writers;
