@@ -28,7 +28,7 @@ void say(const std::string& line)
     std::fprintf(stderr, "%s\n", line.c_str());
 }
 
-// For the watch, which must not wait: left out where nobody reads.
+// For the watch, which must not block: the line is dropped where standard error takes nothing now.
 void sayIfRead(const std::string& line)
 {
     const std::string text = line.substr(0, PIPE_BUF - 1) + "\n";
@@ -37,7 +37,8 @@ void sayIfRead(const std::string& line)
         const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
 }
 
-// What a graph needs around it. Nothing in it starts, but nodes are made, which may take their time.
+// What a graph is built in. Nothing starts, but nodes are made, which may hang: signals are heard, and such a node is
+// named.
 class Surroundings {
 public:
     bool isInterrupted() const { return _stop.requested(); }
@@ -95,7 +96,7 @@ private:
     std::size_t _notes = 0, _notPrinted = 0;
 };
 
-// Without the log's lines, which the notes and the graph tell, too. Null, which is said, where routes cannot be made,
+// Hides the log, whose lines the notes and the graph repeat. Null where the scenes cannot be connected, which is said,
 // and where a signal came first.
 std::unique_ptr<SceneGraph> makeGraph(const std::vector<SceneFile>& files, const Surroundings& around)
 {

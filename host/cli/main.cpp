@@ -9,8 +9,8 @@
 
 namespace {
 
-// What the program opens would else take their place, and what it says would go there. A run goes on without a reader;
-// an answer that nobody can get is an error, so there the stream stays one that cannot be written to.
+// Otherwise the files that the program opens would become its standard streams, and get its output. A run goes on
+// without standard output; for the other verbs it is an error, so their stream is one that cannot be written to.
 void openClosedStreams(bool runs)
 {
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream)

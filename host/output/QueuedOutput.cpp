@@ -17,7 +17,7 @@
 namespace Host {
 namespace {
 
-// Of all queues; a handler of signals can look at nothing else.
+// Over all queues: all that a signal handler can look at.
 std::atomic<std::size_t> unwrittenBytes{0};
 static_assert(std::atomic<std::size_t>::is_always_lock_free);
 
@@ -117,7 +117,7 @@ bool QueuedOutput::Queue::append(std::string_view unit) noexcept
     return true;
 }
 
-// Nobody need wait any more for what has not been written.
+// From now on waitForAll() does not wait for what this queue has not written.
 void QueuedOutput::Queue::giveUp()
 {
     unwrittenBytes -= std::exchange(_counted, 0);

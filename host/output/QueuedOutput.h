@@ -28,7 +28,7 @@ public:
 
     /// Throws std::system_error when there can be no more threads.
     QueuedOutput(int descriptor, GapLine gapLine);
-    /// Leaves what waits. A thread that is stuck in a write is left behind with what it needs.
+    /// Discards what still waits. A thread that is stuck in a write is left running, with what it needs.
     ~QueuedOutput();
     QueuedOutput(const QueuedOutput&) = delete;
     QueuedOutput& operator=(const QueuedOutput&) = delete;
@@ -40,8 +40,8 @@ public:
     /// Tells at the end how many lines were dropped in all, if any were.
     void tellTotal() noexcept;
 
-    /// Bytes that were put so far, and whether as many have been written. Who draws a screen again and again draws it
-    /// only once the last one is written: one that nobody has seen yet needs no successor.
+    /// Bytes that were put so far, and whether as many have been written: a screen is redrawn only once the last one
+    /// was.
     std::uint64_t position() const;
     bool hasWritten(std::uint64_t position) const;
 

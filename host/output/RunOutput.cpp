@@ -17,7 +17,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// At the end of a run. The messages come last: they tell what came of the others.
+// At the end of a run. Messages are waited for last, as they report on the other outputs.
 constexpr auto patienceForOthers = 900ms, patience = 1000ms;
 constexpr auto minForMessages = 100ms; // on a machine so busy that all of that has passed meanwhile
 
@@ -28,8 +28,8 @@ bool areOne(int a, int b)
            first.st_ino == second.st_ino;
 }
 
-// Left open to the end of the process: a thread may be stuck in a write. -1 where there is none; of one that cannot be
-// opened the log has complained.
+// Left open to the end of the process: a thread may be stuck in a write. -1 where none is named, or where it cannot be
+// opened, which the log has reported.
 int openLogFile()
 {
     const char* const path = std::getenv("OSG_LOG_FILE");
@@ -89,7 +89,7 @@ std::string RunOutput::logFileFailure()
            "); the log goes on here\n" + _logFile->takeUnwritten();
 }
 
-// What came of the values, on standard error; of what nobody wanted to read any more, nothing.
+// Reports values that were lost on standard error, unless their reader has gone.
 void RunOutput::sayOfValues(const std::string& left)
 {
     if (_values.state() == QueuedOutput::State::Failed)

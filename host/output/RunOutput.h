@@ -28,7 +28,7 @@ public:
     bool isTaken() const { return _stream.isTaken(); }
     /// False once nobody can read the values any more.
     bool canWrite() const { return _values.state() == QueuedOutput::State::Open; }
-    /// Values that no lack of room keeps out.
+    /// Values that are queued even where there is no room.
     void putLast(const std::string& lines) { _values.putLast(lines); }
 
     void say(const std::string& line) { messages().put(line + "\n"); }

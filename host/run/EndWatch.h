@@ -9,7 +9,7 @@
 
 namespace Host {
 
-/// Sees to it that the end comes: from the first signal on, or once the run ends by itself, it names a node whose
+/// Makes sure that the program ends: from the first signal on, or once the run ends by itself, it names a node whose
 /// start, stop, settings or destructor has taken a second, again every five; with the second signal it says which one
 /// it was and ends the process with 128 + the signal's number.
 /// Ownership: refers to the signal, which must live as long.

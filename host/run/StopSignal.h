@@ -3,8 +3,8 @@
 namespace Host {
 
 /// SIGINT, SIGTERM and SIGHUP as a request to stop; a second SIGINT or SIGTERM ends the process at once with 128 + its
-/// number. SIGHUP stays ignored where it was, as nohup wants it. A reader of standard output that goes away is an error
-/// of writing, no signal.
+/// number. SIGHUP stays ignored where it was, as nohup wants it. SIGPIPE is ignored: a reader that has gone shows as a
+/// failed write.
 /// One object per process, living longer than everything that waits on it.
 class StopSignal {
 public:

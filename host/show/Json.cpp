@@ -149,7 +149,7 @@ std::string fewDigits(double number)
     return text.data();
 }
 
-// Small numbers of seconds are no points in time but lengths.
+// Small numbers of seconds are durations, not dates.
 std::string dateText(double seconds)
 {
     constexpr double firstDate = 1e8; // in the year 1973

@@ -95,7 +95,7 @@ Keyboard::Keyboard() : _isThere(isatty(STDIN_FILENO))
     for (const int number : fatal)
         install(number, onFatal);
     for (const int number : ofJobs)
-        install(number, SIG_IGN); // else looking at the terminal would stop the program just when it goes behind
+        install(number, SIG_IGN); // else it would stop the program that has just gone to the background
     install(SIGTSTP, onStop);
 }
 

@@ -34,7 +34,7 @@ std::string ageText(double age)
     return age < 100 ? number("%.1f s", age) : number("%.0f s", age);
 }
 
-// The value on lines of its own. What is still left out is told by the last one.
+// The value on lines of its own; the last one ends with … where more was left out.
 std::vector<std::string> valueLines(const std::string& value, std::size_t width)
 {
     const std::size_t start = width > 2 * indent ? indent : 0;

@@ -7,8 +7,8 @@
 
 namespace Host {
 
-/// Picks sensors by a text that stands somewhere in what they are called, in small or capital letters; `*` in it stands
-/// for any text. A value type.
+/// Picks sensors by a text that occurs in their name or label, in small or capital letters; `*` in it stands for any
+/// text. A value type.
 class SensorFilter {
 public:
     static constexpr std::size_t MaxLength = 200; // bytes

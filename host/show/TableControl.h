@@ -7,7 +7,7 @@
 
 namespace Host {
 
-/// What the keys have made of the live table: its first row, its filter and its order. Threads: one.
+/// What keys change in the live table: its first row, its filter and its order. Threads: one.
 class TableControl {
 public:
     enum class Order { Scene, Name, Rate, Age };

@@ -21,7 +21,7 @@ namespace {
 constexpr double drawInterval = 0.25, writeInterval = 1, rateInterval = 1, keyInterval = 0.05; // seconds
 constexpr std::size_t maxValue = 1000, widthElsewhere = 120;
 
-// Whether the time has come that `interval` puts behind `last`, which is now then.
+// Whether `interval` has passed since `last`, which is set to now then; also where the clock was set back.
 bool isDue(double& last, double now, double interval)
 {
     if (now >= last && now - last < interval)

@@ -66,8 +66,8 @@ std::unique_ptr<TableSensors> watchedSensors(std::vector<Scenes::SensorWatch*> w
 
 /// A table of the sensors that pass a filter. In place it is drawn anew four times a second and after each key; it
 /// takes the size of the terminal at standard output, and waits while the program is in the background. Otherwise it is
-/// written once a second, whole. While the last one has not been read yet none is drawn: the next one that is tells the
-/// same and more.
+/// written once a second, whole. None is drawn while the last one waits to be read, as the next one shows the newest
+/// values anyway.
 std::unique_ptr<View> makeTableView(std::ostream& out, TableScreen screen, std::unique_ptr<TableSensors> sensors,
                                     SensorFilter filter = SensorFilter());
 } // namespace Host

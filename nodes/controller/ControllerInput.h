@@ -25,7 +25,7 @@ struct InputChange {
     Vec3<float> _values; // of an axis the first one; of a button not 0 while it is held down
 };
 
-/// How everything on a device stands. At rest unless told otherwise.
+/// The state of all controls of a device; at rest by default.
 struct ControllerState {
     std::array<float, AxisCount> _axes{};
     std::array<bool, ButtonCount> _buttons{};

@@ -81,7 +81,7 @@ void ControllerSlots::apply(const InputChange& change, const Time& now)
 {
     ControllerState after = _state;
     after.apply(change);
-    // Motion is measured anew each time; of all else, what has not changed is no event.
+    // Every reading of a motion sensor is an event; of any other control only a change is.
     if (after == _state && change._kind != InputKind::Motion)
         return;
     const bool ofStick = change._kind == InputKind::Axis && change._index < LeftTrigger;

@@ -17,7 +17,7 @@ public:
 
     void forEach(const std::function<void(const std::string& label, BasicOutSlot& slot)>& visit);
 
-    /// Sends everything, for what stood there before may be another device's.
+    /// Sends the whole state: what was sent before may have come from another device.
     void show(const ControllerState& state, const Time& now);
 
     /// What changes nothing is left out, but for motion. A stick waits for its other axis, until the same one moves
@@ -25,7 +25,7 @@ public:
     void apply(const InputChange& change, const Time& now);
     void flush(const Time& now);
 
-    /// Nobody holds anything: sends rest for all that is not at rest.
+    /// The device is gone: sends the rest position of every control that is not at rest.
     void rest(const Time& now);
 
 private:

@@ -9,8 +9,8 @@ namespace Trovio::Nodes {
 
 namespace {
 
-// Seconds from one poll to the next. Devices are asked, for they wake nobody: while one is in use about as often as the
-// fastest report, otherwise to see whether one was plugged in.
+// Seconds from one poll to the next, as devices do not wake a thread: while one is in use about as often as the fastest
+// reports come, otherwise to see whether one was plugged in.
 constexpr double inUse = 0.002;
 constexpr double waiting = 0.1;
 constexpr double untilRetry = 1.0;

@@ -82,7 +82,7 @@ private:
     void exchangeRumble();
     std::string explainMissing(const User& user) const;
 
-    /// How good the user's right to the device is; nothing if it does not want it, or cannot get it.
+    /// The user's priority for the device; nothing if it does not want it, or cannot get it.
     static std::optional<int> claim(const User& user, const Device& device);
 
     const std::unique_ptr<ControllerDevices> _devices;

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::streamsize maxLineLength = 256;
 
-/// What stands behind `key` in the first line that begins with it.
+/// What follows `key` in the first line that begins with it.
 std::string readValue(const std::string& file, std::string_view key)
 {
     std::ifstream stream(file);

@@ -23,7 +23,7 @@ struct DevicePlace {
     std::string _port;
     std::string _serial;
 
-    /// path is the device file. A port that the system does not know is the path itself, which is as good as long as
+    /// path is the device file. A port that the system does not know is the path itself, which identifies it as long as
     /// nothing else is plugged in or out. systemFolder: where the system shows its devices.
     static DevicePlace find(const std::string& path, const std::string& systemFolder = "/sys");
 };

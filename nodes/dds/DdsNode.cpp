@@ -15,7 +15,7 @@ constexpr double addressPeriod = 2.0; // seconds from one check of the own addre
 
 constexpr std::string_view timingSuffix = "/timing";
 
-/// The topic whose problems are the slot's, too. "Wand/alive" has none: it tells of them.
+/// The topic whose problems are also those of the slot. "Wand/alive" has none, as it reports them.
 std::string topicOf(const std::string& label)
 {
     return label.ends_with(timingSuffix) ? label.substr(0, label.size() - timingSuffix.size()) : label;

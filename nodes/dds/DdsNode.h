@@ -7,7 +7,7 @@
 
 namespace Trovio::Nodes {
 
-/// Slots that meet across programs and machines: an in-slot for each topic that is published, an out-slot for each that
+/// Joins slots across programs and machines: an in-slot for each topic that is published, an out-slot for each that
 /// is subscribed to, by the same label everywhere.
 /// Ownership: owns its slots; routes refer to them only while the node stands in a namespace.
 /// Threads:   one thread sends and looks after peers; what comes in is pushed on threads of the DDS library.

@@ -170,8 +170,8 @@ DdsSettings readDdsSettings(const Settings& settings)
                                                 std::string(nameCharacters));
     const std::size_t slots = read._published.size() + read._subscribed.size();
     checkQueues(settings, "depth", slots);
-    // What comes in goes on at once, to slots that keep as much as their owners want: samples wait for a reader only
-    // behind one that another thread is just pushing. So their number is bounded, but none is lost below the bound.
+    // A sample is pushed into slots as it arrives, and waits in the reader only while another thread is pushing one
+    // before it. The depth bounds how many wait, and none is lost below it.
     read._quality._readerDepth = static_cast<int>(std::min<std::size_t>(maxDepth, shareOfWaiting(slots)));
     checkApart(settings, read);
     if (!read._format._isRos)

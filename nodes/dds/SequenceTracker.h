@@ -9,9 +9,9 @@ namespace Trovio::Nodes {
 
 /// The last sequence number of each writer of a topic, so that no sample is delivered twice: to a reader that joins
 /// again after the connection was interrupted, the library sends anew what it has kept.
-/// A writer is known by its endpoint, as the library counts them, by its GUID, which outlives an interruption, and by
-/// an id of its own, which outlives a change of its address. None of them counts for another one while that goes on:
-/// whoever takes the id of somebody else shuts nobody out.
+/// A writer is recognised by its endpoint handle, by its GUID, which survives an interruption, and by an id of its own,
+/// which survives a change of its address. While a writer is active, another one that claims its id does not displace
+/// it.
 /// Remembers a bounded number of writers; the one that was quiet longest is forgotten first.
 /// Threads: one at a time.
 class SequenceTracker {
@@ -29,7 +29,7 @@ public:
     };
 
     bool knows(std::uint64_t endpoint) const { return _endpoints.contains(endpoint); }
-    /// From now on that endpoint is known, as what it was before where its identity is.
+    /// Adds an endpoint. Where its GUID is known, it goes on as that writer.
     void introduce(std::uint64_t endpoint, const Guid& guid);
 
     /// Number 0 is always new: its writer does not count.
@@ -42,7 +42,7 @@ private:
         std::uint64_t _number = 0; // 0: none yet
         std::uint64_t _turn = 0;
     };
-    /// The one that came last of a writer that was another endpoint then, up to this number.
+    /// The endpoint, other than this one, through which the writer with that id last sent, up to this number.
     std::optional<std::uint64_t> findEarlier(std::uint64_t id, std::uint64_t number) const;
 
     std::map<std::uint64_t, Last> _endpoints;

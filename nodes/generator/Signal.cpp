@@ -14,7 +14,7 @@ class ElementSource {
 public:
     explicit ElementSource(const Settings& settings) : _wave(settings, Components<E>::Count) {}
 
-    /// One element of many stands apart from the first by its share of a period.
+    /// The elements of an array are spread evenly over one period.
     void fill(std::vector<E>& elements, const Tick& tick) const
     {
         for (std::size_t i = 0; i < elements.size(); ++i)

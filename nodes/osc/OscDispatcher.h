@@ -32,8 +32,8 @@ public:
 
     void forEachSlot(const std::function<void(BasicOutSlot&)>& use);
 
-    /// Why a slot has no values, or not all. For those that nothing reached it stands between what the whole node
-    /// received (`any`: whether that was anything), and what it did not.
+    /// Why a slot has no values, or not all. Where nothing reached a slot, the text begins with what the node as a
+    /// whole received (`any`: whether it received anything) and ends with what it lost.
     std::vector<RemarkInfo> getRemarks(const std::string& received, bool any, const std::string& lost) const
         OSTREL_EXCLUDES(_lock);
 

@@ -52,7 +52,7 @@ private:
     void openSocket(const SocketAddress& target);
     void drain();
     void send(Bytes packet, std::size_t messages);
-    /// Takes refusals in, and throws away what anybody may send here.
+    /// Reads the errors of earlier packets (nobody listens there), and discards what others send to this socket.
     void listen();
     void refused();
     void fail(const std::string& problem);

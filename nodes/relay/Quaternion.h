@@ -26,7 +26,8 @@ struct Quaternion {
     Quaternion operator*(double factor) const { return {_x * factor, _y * factor, _z * factor, _w * factor}; }
     Quaternion normalized() const { return *this * (1.0 / length()); }
 
-    /// The same rotation, written so that it lies on other's side of the sphere.
+    /// The same rotation with the sign whose dot product with other is not negative: the way between them is the
+    /// shorter one.
     Quaternion nearTo(const Quaternion& other) const { return dot(other) < 0.0 ? *this * -1.0 : *this; }
 
     /// The rotation that takes this one to other on the shorter way, as axis times angle in radians. Both of length 1.

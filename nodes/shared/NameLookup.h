@@ -17,7 +17,7 @@ public:
         std::optional<SocketAddress> _address;
         std::string _problem; // why there is none
     };
-    /// Nothing while the answer is still out.
+    /// Empty while the answer is pending.
     virtual std::optional<Answer> poll() = 0;
 
     /// Gives the lookup up. Never waits.

@@ -2,7 +2,7 @@
 
 namespace Trovio::Nodes {
 
-/// Rounds through all sources before the thread looks at other things.
+/// Rounds over all sources before the thread does other work.
 constexpr int maxRoundsAtOnce = 256;
 
 /// Calls takeOne(source), which says whether there was something to take, for each source in turn, so that a busy one

@@ -25,7 +25,7 @@ struct ListedNames {
     std::string _allowed; // what such a name consists of, in words
 };
 
-/// Throws InvalidFieldException, with the entry and what is allowed, for anything else, for a name that stands there
+/// Throws InvalidFieldException, with the entry and what is allowed, for anything else, for a name that is listed
 /// twice, and for more than MaxListedSlots.
 std::vector<ListedSlot> readSlotList(const Settings& settings, const char* setting, const ListedNames& names);
 

@@ -23,7 +23,7 @@ public:
 
     void set(double seconds) override
     {
-        // All zeros would clear the timer; a year from now is as good as never.
+        // All zeros would clear the timer; a year from now stands for never.
         const double latest = 3.2e7 + Clock::system().now();
         const double bounded = std::clamp(seconds, 1e-9, latest);
         const double whole = std::floor(bounded);

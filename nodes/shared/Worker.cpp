@@ -124,7 +124,7 @@ void Worker::signal()
 
 void Worker::clearSignal()
 {
-    // Emptied before the mark is taken away: a wake() in between is seen by the caller, who looks at its work now.
+    // Drained before the flag is cleared: a wake() in between is not lost, as the caller looks for work now.
     std::uint64_t count = 0;
     [[maybe_unused]] const auto taken = ::read(_event.get(), &count, sizeof(count));
     _signalled = false;

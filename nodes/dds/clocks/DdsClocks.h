@@ -11,7 +11,7 @@ namespace Trovio::Nodes {
 
 /// Asks the clocks of those who publish, and answers those who subscribe. Time stamps stay as their source wrote them;
 /// this tells how they read here.
-/// Questions name who is to answer. Everybody in the domain gets them all, and the answers, so they become the rarer,
+/// Questions name who is to answer. Everybody in the domain gets them all, and the answers, so they are sent less often
 /// the more endpoints there are: what travels in the domain is bounded, however many machines it has.
 /// Threads: one; want() and getKnowledge() from any.
 class DdsClocks {

@@ -4,8 +4,8 @@
 
 namespace Trovio::Nodes {
 
-/// The messages of the DDS library, in our words: they go to our log, or to who opens something and wants to say why
-/// that failed. Its last words before it aborts go straight to standard error, and so does that it aborts.
+/// The messages of the DDS library, rephrased: they go to our log, or to the caller that opens something and reports
+/// why that failed. Before the library aborts, its last messages go straight to standard error.
 /// Threads: any; messages come on those of the library, too.
 class DdsLog {
 public:

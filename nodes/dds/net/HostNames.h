@@ -15,7 +15,7 @@ public:
     {
     }
 
-    /// All addresses, numeric and of one family, or nothing while an answer is still out: call it again then. Throws
+    /// All addresses, numeric and of one family, or nothing while an answer is pending: call it again then. Throws
     /// DdsProblem where a host is not known. After that, or after all were found, it begins anew.
     std::optional<std::vector<std::string>> find();
 

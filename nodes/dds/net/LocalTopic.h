@@ -4,8 +4,8 @@
 
 namespace Trovio::Nodes {
 
-/// Whether a topic of a domain is read in this program itself. The library hands such readers a sample on the thread
-/// that writes it, and they push it: so nobody may write it under the lock of a slot.
+/// Whether a topic of a domain is read in this program itself. The library calls such readers on the writing thread,
+/// and they push the sample into slots: so it must not be written under the lock of a slot.
 /// Threads: any. The lock is held while writeUnread() writes; who subscribes waits for that.
 class LocalTopic {
 public:

@@ -10,7 +10,7 @@
 // How slot values become messages of ROS 2 and are read back, as WireValue does for samples of our own.
 namespace Trovio::Nodes {
 
-/// Numbers that stand in the message as they do in memory.
+/// Numbers that have the same layout in the message as in memory.
 template <class T>
 class RosContent {
 public:

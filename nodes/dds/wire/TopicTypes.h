@@ -5,7 +5,7 @@
 
 namespace Trovio::Nodes {
 
-/// How values stand in the samples of a node's topics, and what is let in.
+/// How values are laid out in the samples of a node's topics, and which are accepted.
 struct DdsFormat {
     bool _isRos = false;   // as messages of ROS 2, on its topics
     bool _isFinite = true; // samples with numbers that are infinite or none are refused

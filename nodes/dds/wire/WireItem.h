@@ -6,9 +6,9 @@
 
 // Elements that travel as a structure of their own. Each WireItem<E> has
 //   Wire                  that structure
-//   refer(element, wire)  makes it refer to the element's memory, which must outlive it; what stands against sending it
+//   refer(element, wire)  makes it refer to the element's memory, which must outlive it; why it cannot be sent
 //   read(wire, element)   takes it over; what is wrong with it
-// What is wrong, or stands against it, is an empty text where nothing is.
+// These texts are empty where nothing is wrong.
 namespace Trovio::Nodes {
 
 constexpr std::size_t MaxWireText = 1048576; // bytes, as in SlotSamples.idl

@@ -12,10 +12,10 @@
 // How slot values become the value part of a sample and are read back, once for each kind of element. Every WireKind<E>
 // writes and reads one element (the sample's value itself) and many (a sequence).
 //   refer…  makes the sample refer to the memory of the value, or of this object, which must outlive the sample;
-//           what stands against sending it
+//           why it cannot be sent
 //   lend…   makes the sample refer to the memory of the value, for the library to write into
 //   read…   takes over what the sample holds; what is wrong with it
-// What is wrong, or stands against it, is an empty text where nothing is.
+// These texts are empty where nothing is wrong.
 namespace Trovio::Nodes {
 
 /// Numbers, vectors, matrices, rotations, times: runs of components in memory and on the wire alike.

@@ -19,7 +19,7 @@ struct OscAddress {
 bool isOscAddress(std::string_view text);
 
 /// Reads "/wand/position Vec3f, /cloud Vec3f[]". Throws InvalidFieldException, with the entry and what is allowed, for
-/// anything else, and for an address that stands there twice.
+/// anything else, and for an address that is listed twice.
 std::vector<OscAddress> readOscAddresses(const Settings& settings, const char* name);
 
 } // namespace Trovio::Nodes

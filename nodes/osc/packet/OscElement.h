@@ -23,7 +23,7 @@ To convertOscNumber(From number)
     if constexpr (std::is_same_v<To, bool>) {
         return number != From(0);
     } else if constexpr (std::is_integral_v<To> && std::is_floating_point_v<From>) {
-        // The upper limit itself is no value of From; the next one below it is.
+        // The largest To is no value of From, but the power of two behind it is; the smallest To is its negative.
         constexpr auto limit = -static_cast<From>(std::numeric_limits<To>::min());
         if (std::isnan(number))
             return 0;

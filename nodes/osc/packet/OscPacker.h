@@ -10,9 +10,9 @@ namespace Trovio::Nodes {
 enum class Bundling { Auto, Always, Never }; // in the order of the setting's choices
 
 /// Gathers messages into packets that travel in one piece.
-/// Several messages make a bundle, tagged with the earliest of their times; one of a later time stands in a bundle of
-/// its own inside it, so that no message loses its time. A single message goes as it is, and bare, unless bundles are
-/// always wanted.
+/// Several messages make a bundle, tagged with the earliest of their times; a message with a later time goes into a
+/// nested bundle, so that no message loses its time. A single message goes without a bundle, unless bundles are always
+/// wanted.
 /// Threads: one.
 class OscPacker {
 public:

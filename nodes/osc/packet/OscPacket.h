@@ -7,10 +7,10 @@
 
 namespace Trovio::Nodes {
 
-/// How deep bundles may stand in one another.
+/// How deep bundles may be nested.
 constexpr unsigned MaxOscDepth = 8;
 
-/// How many messages of a packet may address several slots by a pattern: each costs a look at every slot.
+/// How many messages of a packet may address several slots by a pattern: each is matched against every slot.
 constexpr unsigned MaxOscPatterns = 16;
 
 /// One message of a packet, which it refers into.
