@@ -30,6 +30,8 @@ struct Options {
     std::optional<double> _repeat;     // records per second of pub
     bool _stampNow = false;            // not as they were stamped before
     bool _onlyNames = false;           // of list
+    std::string _listen;               // where run answers on TCP; empty for what its scenes say
+    bool _monitorMayWrite = false;     // there, with a token
     bool _strict = false;
     bool _quiet = false;
     bool _verbose = false;

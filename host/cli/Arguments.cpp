@@ -1,6 +1,7 @@
 #include "host/cli/Arguments.h"
 
 #include "explain/text/Escape.h"
+#include "explain/text/ListenAddress.h"
 #include "explain/text/NameHint.h"
 #include "host/cli/CommandLine.h"
 #include "host/show/SensorFilter.h"
@@ -36,6 +37,15 @@ CLI::Validator filterText()
             if (!text.empty() && text.size() <= SensorFilter::MaxLength)
                 return {};
             return inQuotes(text) + " is not a text of 1 to " + std::to_string(SensorFilter::MaxLength) + " bytes";
+        },
+        std::string());
+}
+
+CLI::Validator listenAddress()
+{
+    return CLI::Validator(
+        [](std::string& text) -> std::string {
+            return ListenAddress::read(text) ? std::string() : inQuotes(text) + " is not " + ListenAddress::Allowed;
         },
         std::string());
 }
@@ -121,6 +131,12 @@ void scenesAndRunOptions(CLI::App& app, Options& options)
     addFormat(app, "--format", "how values are shown: table, lines or json", options._format,
               {{"table", Format::Table}, {"lines", Format::Lines}, {"json", Format::Json}});
     addFilter(app, options);
+    // A flag, for else a bare one would take the scene behind it for its value.
+    app.add_flag("--monitor{localhost}", options._listen,
+                 "answer on TCP, too, for reading: --monitor=ADDRESS:PORT; loopback and 8765 if not given")
+        ->check(listenAddress());
+    app.add_flag("--monitor-write", options._monitorMayWrite,
+                 "let who has the token of the printed address change things on TCP");
     app.add_flag("--strict", options._strict, "refuse scenes of which a handler or a node cannot be made");
     app.add_flag("--quiet", options._quiet, "show no values, only messages");
     app.add_flag("--verbose", options._verbose, "show the library's informational lines");

@@ -7,6 +7,7 @@
 #include "host/output/RunLog.h"
 #include "host/report/Report.h"
 #include "host/run/ClockStepDetector.h"
+#include "host/run/RunMonitor.h"
 #include "host/run/StoppableClock.h"
 #include "host/run/WatchedRun.h"
 #include "host/show/Json.h"
@@ -52,6 +53,12 @@ double rateOf(const std::vector<SceneFile>& files, const Options& options)
     return options._rate.value_or(rate);
 }
 
+MonitorSettings monitorOf(const std::vector<SceneFile>& files, const Options& options)
+{
+    const bool asksForWriting = options._listen.empty() && options._monitorMayWrite;
+    return {asksForWriting ? "localhost" : options._listen, options._monitorMayWrite, rateOf(files, options)};
+}
+
 std::unique_ptr<View> makeView(const Options& options, const Session& session, RunLog& log, RunOutput& output,
                                double start)
 {
@@ -77,7 +84,7 @@ void tellOfStep(double step, const Session& session, View& view)
 
 // Runs frames until the end of the run, which also comes when nobody can read the values any more.
 void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view, const SensorFilter& filter,
-               const RunOutput& output)
+               const RunOutput& output, RunMonitor& monitor)
 {
     ClockStepDetector steps;
     for (SensorWatch* watch : session.watches())
@@ -88,6 +95,7 @@ void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view,
             tellOfStep(step, session, view);
         session.frame(now);
         view.frame(now);
+        monitor.endFrame(loop, now);
         osg::logHeldBack();
         return output.canWrite();
     });
@@ -118,15 +126,19 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const Watche
     const Say sayInRun = [&output](const std::string& line) { output.say(line); };
     RunLog log(options._verbose, &output);
     StoppableClock clock(around._stop);
-    FrameLoop loop(clock, rateOf(files, options), {options._seconds, options._frames});
+    const MonitorSettings settings = monitorOf(files, options);
+    FrameLoop loop(clock, settings._rate, {options._seconds, options._frames});
     Session session;
     if (!session.build(std::move(files), sayInRun, [&around] { return around._stop.requested(); })) {
         output.say(endedEarly);
         return Done;
     }
     reportStart(session, messageWidth(), sayInRun);
-    runFrames(session, loop, clock, *makeView(options, session, log, output, clock.now()),
-              SensorFilter(options._filter), output);
+    {
+        RunMonitor monitor(session, settings, sayInRun); // ends before the nodes do
+        runFrames(session, loop, clock, *makeView(options, session, log, output, clock.now()),
+                  SensorFilter(options._filter), output, monitor);
+    }
     around._watch.begin();
     const RunTotals totals{session.stopNodes(), clock.now(), loop.frames(), loop.skipped()};
     reportEnd(session, totals, messageWidth(), sayInRun);

@@ -201,6 +201,11 @@ std::string sequenceText(const Json& elements, std::size_t size, const TextForm&
 }
 } // namespace
 
+std::string fieldText(Ostrel::Field& field)
+{
+    return jsonText(fieldJson(field, std::numeric_limits<std::size_t>::max()));
+}
+
 std::string jsonLine(const JsonTimes& times, const JsonSensor& sensor, Ostrel::Field& field)
 {
     nlohmann::ordered_json line;
@@ -213,8 +218,7 @@ std::string jsonLine(const JsonTimes& times, const JsonSensor& sensor, Ostrel::F
     line["label"] = sensor._label;
     line["type"] = sensor._type;
     const std::string head = jsonText(line);
-    return head.substr(0, head.size() - 1) +
-           ",\"value\":" + jsonText(fieldJson(field, std::numeric_limits<std::size_t>::max())) + "}\n";
+    return head.substr(0, head.size() - 1) + ",\"value\":" + fieldText(field) + "}\n";
 }
 
 std::string droppedAsJson(std::uint64_t dropped, std::uint64_t inAll)

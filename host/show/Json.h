@@ -35,6 +35,9 @@ std::string jsonLine(const JsonTimes& times, const JsonSensor& sensor, Ostrel::F
 /// The line that stands for values that were dropped, as RunOutput wants it: how many in this gap, and so far.
 std::string droppedAsJson(std::uint64_t dropped, std::uint64_t inAll);
 
+/// The value alone, as it stands there, on one line.
+std::string fieldText(Ostrel::Field& field);
+
 /// Few: six significant digits, no sign before a zero, a time as its date, a matrix in rows. All: as many digits as
 /// tell the number from every other one of its type, so that reading it gives the same number again.
 enum class Digits { Few, All };

@@ -6,6 +6,7 @@
 #include "ostrel/FieldClass.h"
 #include "scene/SceneError.h"
 #include "scene/file/SceneURL.h"
+#include "scene/run/Places.h"
 #include "scene/run/SceneParts.h"
 #include "sensorManager/FieldTypes.h"
 #include "trovio/InSlot.h"
@@ -34,21 +35,12 @@ SceneGraph::SceneGraph(const std::vector<SceneFile>& files, const Stopped& stopp
 
 void SceneGraph::addPlaces(const std::vector<SceneFile>& files)
 {
-    for (std::size_t scene = 0; scene < files.size(); ++scene) {
-        const SceneFile& file = files[scene];
-        _places._scenes.push_back(file._path);
-        for (const GraphHandler& handler : _handlers) {
-            if (handler._scene != &file)
-                continue;
-            const HandlerEntry& entry = *handler._entry;
-            _places._handlers.push_back({scene, entry._name._value, entry._kind._value, handler._label});
-            if (!handler._label.empty())
-                for (const SensorEntry& sensor : file._sensors)
-                    if (!sensor._label._value.empty())
-                        _places._sensors[{handler._label, sensor._label._value}] = {scene, sensor._name._value};
-        }
-        for (const LocatedPair& link : file._links)
-            _places._links.push_back({scene, link._first._value, link._second._value});
+    for (const SceneFile& file : files) {
+        std::vector<PlacedHandler> handlers;
+        for (const GraphHandler& handler : _handlers)
+            if (handler._scene == &file)
+                handlers.push_back({handler._entry, handler._label});
+        Scenes::addPlaces(file, handlers, _places);
     }
 }
 

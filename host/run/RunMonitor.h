@@ -1,0 +1,40 @@
+#pragma once
+
+#include "host/run/SensorValues.h"
+#include "monitor/Server.h"
+#include "scene/run/FrameLoop.h"
+#include "scene/run/Session.h"
+
+#include <memory>
+
+namespace Host {
+
+/// How a run may be asked from outside, beside the Unix socket.
+struct MonitorSettings {
+    std::string _listen; // as Monitor::ServerOptions has it
+    bool _write = false;
+    double _rate = 0; // frames a second
+};
+
+/// Answers who asks about a run, from its first frame to its last.
+/// Ownership: refers to the session, which must live as long.
+/// Threads:   the scene thread.
+class RunMonitor {
+public:
+    /// Where nobody can ask, it says so, and the run goes on.
+    RunMonitor(const Scenes::Session& session, const MonitorSettings& settings, const Scenes::Say& say);
+    ~RunMonitor() { _values.end(); }
+    RunMonitor(const RunMonitor&) = delete;
+    RunMonitor& operator=(const RunMonitor&) = delete;
+
+    /// Behind each frame; `now` in wall-clock seconds. Waits for nobody.
+    void endFrame(const Scenes::FrameLoop& loop, double now);
+
+private:
+    Monitor::SceneView view(const Scenes::Session& session, double rate);
+
+    SensorValues _values;
+    std::atomic<std::uint64_t> _frames{0}, _leftOut{0};
+    std::unique_ptr<Monitor::Server> _server; // ends first
+};
+} // namespace Host

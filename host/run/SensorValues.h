@@ -1,0 +1,59 @@
+#pragma once
+
+#include "base/Mutex.h"
+#include "monitor/SceneView.h"
+#include "scene/run/SensorWatch.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace Host {
+
+/// Copies of what sensors hold, for other threads: the scene thread makes them behind a frame when somebody asks, some
+/// at a time, so that no frame is late for it.
+/// Ownership: refers to the watches, which must live as long as endFrame() is called.
+/// Threads:   endFrame() and end() from the scene thread, the rest from any.
+class SensorValues {
+public:
+    explicit SensorValues(std::vector<Scenes::SensorWatch*> watches) : _watches(std::move(watches)) {}
+
+    /// Copies for up to a millisecond where somebody waits, else does nothing. `now` in wall-clock seconds.
+    void endFrame(double now) OSTREL_EXCLUDES(_lock);
+    /// Nobody waits any more, and no frame comes.
+    void end() OSTREL_EXCLUDES(_lock);
+
+    /// The value as JSON, by the sensor's title, not older than a quarter of a second; "null" where there is no such
+    /// sensor, or no frame came for a second, for which it blocks once a second.
+    std::string json(const std::string& title) OSTREL_EXCLUDES(_lock);
+    /// The same for what was counted; waits for nothing that json() has just got.
+    Monitor::ChangeCounts changes(const std::string& title) OSTREL_EXCLUDES(_lock);
+
+private:
+    using Time = std::chrono::steady_clock::time_point;
+    struct Copy {
+        std::string _json;
+        Monitor::ChangeCounts _changes;
+    };
+    using Copies = std::unordered_map<std::string, Copy>;
+
+    std::optional<Copy> find(const std::string& title) OSTREL_EXCLUDES(_lock);
+    bool isFresh() const OSTREL_REQUIRES(_lock);
+
+    const std::vector<Scenes::SensorWatch*> _watches;
+    std::size_t _next = 0; // to be copied; the scene thread's, as the next
+    Copies _young;
+
+    std::atomic<bool> _isWanted{false};
+    Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
+    std::condition_variable_any _news;
+    Copies _copies OSTREL_GUARDED_BY(_lock);
+    std::optional<Time> _made OSTREL_GUARDED_BY(_lock);
+    Time _stuckUntil OSTREL_GUARDED_BY(_lock); // no frame came lately, so nobody waits for one
+    bool _isOver OSTREL_GUARDED_BY(_lock) = false;
+};
+} // namespace Host
