@@ -31,7 +31,7 @@ install(FILES ${PROJECT_BINARY_DIR}/package/OstrelSensorManagerConfig.cmake
 # pkg-config finds the prefix from where its file stands, so that the tree may be moved.
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH OSTREL_PREFIX_FROM_PC /${pkgconfig_dir} /)
-foreach(name ostrelSensorManager ostrelSceneFile)
+foreach(name ostrelSensorManager ostrelSceneFile ostrelMonitor)
   configure_file(${CMAKE_CURRENT_LIST_DIR}/${name}.pc.in ${PROJECT_BINARY_DIR}/package/${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/package/${name}.pc DESTINATION ${pkgconfig_dir})
 endforeach()
