@@ -13,11 +13,12 @@ namespace Monitor {
 
 std::string socketFolder()
 {
-    if (const char* const runtime = std::getenv("XDG_RUNTIME_DIR"); runtime != nullptr && *runtime == '/')
-        return std::string(runtime) + "/ostrel";
     std::error_code none;
+    if (const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
+        runtime != nullptr && *runtime == '/' && std::filesystem::is_directory(runtime, none))
+        return std::string(runtime) + "/ostrel";
     const auto temporary = std::filesystem::temp_directory_path(none);
-    return (none ? std::string("/tmp") : temporary.string()) + "/ostrel-" + std::to_string(getuid());
+    return (none ? std::string("/tmp") : temporary.string()) + "/ostrel-" + std::to_string(geteuid());
 }
 
 // Whoever may write into the folder could put a socket of his own in the place of ours.
@@ -29,7 +30,7 @@ std::string makeSocketFolder(const std::string& folder)
     struct stat found {};
     if (lstat(folder.c_str(), &found) != 0)
         return name + " cannot be looked at: " + std::strerror(errno);
-    if (!S_ISDIR(found.st_mode) || found.st_uid != getuid())
+    if (!S_ISDIR(found.st_mode) || found.st_uid != geteuid())
         return name + " is no folder of this user; remove it, or set XDG_RUNTIME_DIR to a folder that is";
     if ((found.st_mode & 077) != 0 && chmod(folder.c_str(), 0700) != 0)
         return name + " cannot be closed to others: " + std::strerror(errno);

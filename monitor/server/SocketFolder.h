@@ -5,7 +5,7 @@
 namespace Monitor {
 
 /// Where the sockets of the running programs of this user stand, each as "PID.sock": $XDG_RUNTIME_DIR/ostrel, or
-/// without that variable ostrel-UID in the system's folder for temporary files. It may not be there.
+/// where there is no such folder ostrel-UID in the system's folder for temporary files. It may not be there.
 std::string socketFolder();
 
 /// Makes that folder, or another one, where it is missing, for its owner only. Returns what is wrong with it: empty
