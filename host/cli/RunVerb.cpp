@@ -53,10 +53,16 @@ double rateOf(const std::vector<SceneFile>& files, const Options& options)
     return options._rate.value_or(rate);
 }
 
+// What the command line says, else the first scene that says anything.
 MonitorSettings monitorOf(const std::vector<SceneFile>& files, const Options& options)
 {
-    const bool asksForWriting = options._listen.empty() && options._monitorMayWrite;
-    return {asksForWriting ? "localhost" : options._listen, options._monitorMayWrite, rateOf(files, options)};
+    std::string listen = options._listen;
+    for (const SceneFile& file : files)
+        if (listen.empty())
+            listen = file._host._monitor._value;
+    if (listen.empty() && options._monitorMayWrite)
+        listen = "localhost";
+    return {listen, options._monitorMayWrite, rateOf(files, options)};
 }
 
 std::unique_ptr<View> makeView(const Options& options, const Session& session, RunLog& log, RunOutput& output,

@@ -23,9 +23,10 @@ RunMonitor::RunMonitor(const Scenes::Session& session, const MonitorSettings& se
             Monitor::ServerOptions{settings._listen, settings._write, view(session, settings._rate), {}});
     });
     if (failure)
-        return say("nobody can ask this run: " + *failure);
-    for (const std::string& address : _server->addresses())
-        say("monitor: " + address);
+        say("nobody can ask this run: " + *failure);
+    else
+        for (const std::string& address : _server->addresses())
+            say("monitor: " + address);
 }
 
 Monitor::SceneView RunMonitor::view(const Scenes::Session& session, double rate)

@@ -34,6 +34,7 @@ constexpr std::size_t maxNodes = 1'000;           // of one handler, each with a
 struct HostEntry {
     Located<double> _rate{defaultRate, {}};
     Located<std::uint64_t> _memory{defaultMemory, {}};
+    LocatedText _monitor; // where a run answers on TCP; empty for nowhere
 };
 
 /// One [[handler]]; nodes become its parameters, routes its labels.

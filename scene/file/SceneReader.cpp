@@ -1,5 +1,6 @@
 #include "scene/file/SceneReader.h"
 
+#include "explain/text/ListenAddress.h"
 #include "scene/file/SceneMemory.h"
 #include "scene/file/SceneText.h"
 #include "scene/file/SceneValidator.h"
@@ -56,6 +57,15 @@ const TomlValue* takeMemory(const TomlValue& value, HostEntry& entry)
     return nullptr;
 }
 
+const TomlValue* takeMonitor(const TomlValue& value, HostEntry& entry)
+{
+    const auto* text = std::get_if<std::string>(&value._data);
+    if (text == nullptr || !ListenAddress::read(*text))
+        return &value;
+    entry._monitor = {*text, value._position};
+    return nullptr;
+}
+
 const TomlValue* takeBuffer(const TomlValue& value, SensorEntry& entry)
 {
     const auto* size = std::get_if<std::int64_t>(&value._data);
@@ -103,7 +113,8 @@ const TomlValue* takePairs(const TomlValue& value, HandlerEntry& entry)
 
 constexpr KeyRule<HostEntry> hostRules[] = {
     {"rate", "frames per second, a number above 0 and up to 10000", false, takeRate},
-    {"memory", "a text such as \"2 GiB\" or \"512 MiB\", up to \"1024 GiB\"", false, takeMemory}};
+    {"memory", "a text such as \"2 GiB\" or \"512 MiB\", up to \"1024 GiB\"", false, takeMemory},
+    {"monitor", ListenAddress::Allowed, false, takeMonitor}};
 
 constexpr KeyRule<HandlerEntry> handlerRules[] = {
     {"kind", "a text, the handler kind, e.g. \"Trovio\"", true, takeName<HandlerEntry, &HandlerEntry::_kind>},
