@@ -104,11 +104,15 @@ int main(int count, char** arguments)
     using namespace Explorer;
     catchCrashes();
     Options options;
-    std::map<std::string, std::string> meanings;
-    for (const Scenario& scenario : scenariosOf(""))
-        meanings[scenario._name] = scenario._meaning;
-    CLI::App app("Runs small scenarios of slots in all orders that chance draws.", "explorer");
-    app.add_option("--scenario", options._scenario, "one of them; otherwise all")->check(CLI::IsMember(&meanings));
+    CLI::App app("Runs small scenarios of slots in orders that chance draws.", "explorer");
+    std::vector<std::string> names;
+    std::string list = "Scenarios:";
+    for (const Scenario& scenario : scenariosOf("")) {
+        names.emplace_back(scenario._name);
+        list += "\n  " + names.back() + ": " + scenario._meaning;
+    }
+    app.footer(list);
+    app.add_option("--scenario", options._scenario, "one of them; otherwise all")->check(CLI::IsMember(names));
     app.add_option("--seed", options._seed, "of the first schedule");
     app.add_option("--schedules", options._schedules, "how many of each scenario")->check(CLI::PositiveNumber);
     app.add_flag("--trace", options._tracing, "print every step");
