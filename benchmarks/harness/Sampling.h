@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -38,20 +39,23 @@ inline double quantile(std::vector<double>& values, double share)
 }
 
 /// Repeats an operation in short batches and gives the nanoseconds that one takes in the median batch: a batch in
-/// which another process got the core does not count.
+/// which another process got the core does not count. between: is done after each batch, and not measured.
 template <class Operation>
-Sample sampleBatches(std::size_t perBatch, Operation operation)
+Sample sampleBatches(
+    std::size_t perBatch, Operation operation, const std::function<void()>& between = [] {})
 {
     constexpr std::size_t batches = 25;
     std::vector<double> times(batches);
-    const auto before = allocations();
+    double allocated = 0;
     for (double& time : times) {
+        const auto before = allocations();
         const auto start = Clock::now();
         for (std::size_t i = 0; i < perBatch; ++i)
             operation();
         time = nanosecondsSince(start) / static_cast<double>(perBatch);
+        allocated += static_cast<double>(allocations() - before);
+        between();
     }
-    const auto allocated = static_cast<double>(allocations() - before);
     return {{quantile(times, 0.5)}, allocated / static_cast<double>(batches * perBatch)};
 }
 

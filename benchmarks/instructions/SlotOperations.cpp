@@ -1,5 +1,6 @@
 #include "benchmarks/harness/Sampling.h"
 #include "benchmarks/instructions/Operation.h"
+#include "monitor/tap/AnyTap.h"
 #include "trovio/BufferedInSlot.h"
 #include "trovio/OutSlot.h"
 
@@ -90,6 +91,28 @@ void addCounting(Operations& operations)
     operations.push_back({"note a time stamp", [watch] { watch->note(record.getTimeStamp()); }});
 }
 
+/// A record that goes through an out-slot with one reader, which somebody looks at, too.
+void addWatched(Operations& operations)
+{
+    struct Watched {
+        Trovio::OutSlot<Value> _out{"out"};
+        Trovio::InSlot<Value> _in{"in"};
+        const std::unique_ptr<Monitor::AnyTap> _tap = Monitor::makeTap("Vec3f", {});
+        Watched()
+        {
+            _out.connect(&_in);
+            _out.connect(&_tap->slot());
+        }
+        ~Watched()
+        {
+            _out.disconnect(&_tap->slot());
+            _out.disconnect(&_in);
+        }
+    };
+    const auto watched = std::make_shared<Watched>();
+    operations.push_back({"push through a watched out-slot", [watched] { watched->_out.push(record); }});
+}
+
 } // namespace
 
 void addSlotOperations(Operations& operations)
@@ -97,6 +120,7 @@ void addSlotOperations(Operations& operations)
     addWaiting(operations);
     addRing(operations);
     addCounting(operations);
+    addWatched(operations);
     addShared(operations);
     const auto many = std::make_shared<Fan>(16);
     operations.push_back({"push to 16", [many] { many->_out.push(record); }});
