@@ -2,9 +2,11 @@
 #include "monitor/tap/HopAges.h"
 #include "tests/monitor/WatchedScene.h"
 
+#include <atomic>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <thread>
 #include <unistd.h>
 
 using namespace Monitor;
@@ -192,6 +194,36 @@ TEST_F(AnswersTest, AgesAreMeasuredAlongTheWay)
     EXPECT_EQ(asked[2].at("median"), nullptr) << "nothing came";
     EXPECT_NEAR(hops.ages({-age, 0.25})[0]._least, ages[0]._least - age, 1e-6);
     EXPECT_NEAR(hops.ages({-age, 0.25})[0]._bound, 0.25, 0.01);
+}
+
+TEST_F(AnswersTest, WhoAsksStandsInNobodysWay)
+{
+    constexpr std::uint64_t count = 2000, published = 20;
+    std::atomic<bool> isOver = false;
+    std::thread asker([&] {
+        while (!isOver)
+            for (const char* path : {"/slots", "/sensors", "/why", "/graph", "/metrics"})
+                EXPECT_EQ(get(path)._status, 200);
+    });
+    std::thread watcher([&] {
+        while (!isOver) {
+            _taps.add("Context/Device/value");
+            EXPECT_EQ(get("/delay", {{"from", "Device/value"}, {"to", "stick"}, {"seconds", "0.001"}})._status, 200);
+            _taps.remove("Context/Device/value");
+        }
+    });
+    std::thread publisher([&] {
+        for (std::uint64_t i = 0; i < published; ++i)
+            EXPECT_EQ(pub("Head", R"({"value":2})")._status, 200);
+    });
+    for (std::uint64_t i = 0; i < count; ++i)
+        send(now());
+    publisher.join();
+    isOver = true;
+    asker.join();
+    watcher.join();
+    EXPECT_EQ(_wand.getCounts().stored, count);
+    EXPECT_EQ(_head.getCounts().stored, published);
 }
 
 /// What somebody else's reader makes of the text, one sample a line.
