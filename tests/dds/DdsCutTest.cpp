@@ -1,8 +1,10 @@
+#include "monitor/answer/Answers.h"
 #include "tests/dds/DdsFixture.h"
 #include "tests/dds/TwoMachines.h"
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
 
 namespace Trovio::Nodes {
 namespace {
@@ -10,8 +12,9 @@ namespace {
 /// How samples travel.
 struct Traffic {
     const char* _settings = "";
-    int _rate = 100;          // samples a second
-    const char* _lease = "3"; // seconds, the default
+    int _rate = 100;                    // samples a second
+    const char* _lease = "3";           // seconds, the default
+    std::vector<std::string> _before{}; // what starts the program that sends
 
     double lease() const { return std::atof(_lease); }
 };
@@ -76,6 +79,7 @@ protected:
                         traffic._lease);
         _count.emplace();
         std::vector<std::string> arguments = _machines.there();
+        arguments.insert(arguments.end(), traffic._before.begin(), traffic._before.end());
         arguments.insert(arguments.end(), {HOST_PROGRAM, "run", _scene, "--seconds", "100000"});
         _host.emplace("nsenter", arguments);
     }
@@ -180,6 +184,32 @@ TEST_F(DdsTwoMachines, LastValueOfAPublisherWithoutAddressArrivesOnceItHasOne)
     _machines.line().mend();
     _count->takeUntil(last);
 }
+
+#ifdef CLOCK_AHEAD
+TEST_F(DdsTwoMachines, AgesAreThoseOfTheLineWhateverTheOtherClockSays)
+{
+    constexpr double ahead = 5, late = 0.020; // seconds
+    _machines.line().delay(std::chrono::milliseconds(20));
+    start(100000, {"", 100, "3", {"env", "LD_PRELOAD=" CLOCK_AHEAD}});
+    _count->takeUntil(10);
+    const Monitor::TapSet taps;
+    const Monitor::Answers answers({}, taps);
+    const Monitor::Question question{
+        "GET", "/delay", {{"from", "reader/Count"}, {"to", "probe of reader/Count"}, {"seconds", "0.5"}}, {}, {},
+        false, {}};
+    nlohmann::json delay, hop;
+    await([&] { // until enough questions about the clock are answered
+        delay = nlohmann::json::parse(answers.ask(question)._body);
+        hop = delay.at("hops").at(0);
+        return delay.at("clock").is_object() && hop.at("bound").is_number();
+    });
+    const double bound = hop.at("bound");
+    std::printf("%s\n", delay.dump().c_str());
+    EXPECT_NEAR(hop.at("least").get<double>(), late, bound) << delay;
+    EXPECT_NEAR(delay.at("clock").at("ahead").get<double>(), ahead, bound) << delay;
+    EXPECT_LT(bound, ahead / 10);
+}
+#endif
 #endif
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "tests/dds/Line.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fcntl.h>
 #include <linux/if_tun.h>
@@ -50,25 +51,52 @@ void Line::mend()
     _cut = {};
 }
 
+void Line::delay(std::chrono::milliseconds eachWay)
+{
+    const Ostrel::LockGuard guard(_lock);
+    _delay = eachWay;
+}
+
 void Line::carry()
 {
     std::array<pollfd, 3> waiting{
         {{_end.get(), POLLIN, 0}, {_plugs[0].get(), POLLIN, 0}, {_plugs[1].get(), POLLIN, 0}}};
-    while (::poll(waiting.data(), waiting.size(), -1) > 0 && waiting[0].revents == 0) {
+    while (::poll(waiting.data(), waiting.size(), patience()) >= 0 && waiting[0].revents == 0) {
         for (std::size_t i = 0; i < _plugs.size(); ++i)
             if (waiting[i + 1].revents != 0)
-                pass(i);
+                take(i);
+        deliver();
     }
 }
 
-void Line::pass(std::size_t from)
+/// Milliseconds until a packet is due; -1 for ever.
+int Line::patience() const
+{
+    using namespace std::chrono;
+    if (_onTheWay.empty())
+        return -1;
+    return std::max(0, static_cast<int>(ceil<milliseconds>(_onTheWay.front()._due - steady_clock::now()).count()));
+}
+
+void Line::take(std::size_t from)
 {
     std::array<char, 65536> packet{};
     const ssize_t length = ::read(_plugs[from].get(), packet.data(), packet.size());
     const Ostrel::LockGuard guard(_lock);
-    if (length > 0 && !_cut[from]) // an interface that is down takes nothing
-        [[maybe_unused]]
-        const auto written = ::write(_plugs[1 - from].get(), packet.data(), static_cast<std::size_t>(length));
+    if (length > 0 && !_cut[from])
+        _onTheWay.push_back(
+            {std::chrono::steady_clock::now() + _delay, 1 - from, {packet.data(), packet.data() + length}});
+}
+
+void Line::deliver()
+{
+    while (!_onTheWay.empty() && _onTheWay.front()._due <= std::chrono::steady_clock::now()) {
+        const Packet& packet = _onTheWay.front();
+        // An interface that is down takes nothing.
+        [[maybe_unused]] const auto written =
+            ::write(_plugs[packet._to].get(), packet._bytes.data(), packet._bytes.size());
+        _onTheWay.pop_front();
+    }
 }
 
 } // namespace Trovio::Nodes
