@@ -48,19 +48,34 @@ private:
     std::string _space, _from, _to;
 };
 
-const SlotMap::Place& target(const SlotMap& map, const std::string& label)
+struct Target {
+    std::string _label, _type;
+};
+
+Target searched(const Context& context, const std::string& label)
 {
+    const SlotMap map(Root::get().inspect(), placesOf(context));
     std::string problem;
     const SlotMap::Place* const place = map.find(label, problem, Trovio::Slot::Direction::In);
     if (!place)
         throw Refusal(404, problem);
     if (!place->isOut())
-        return *place;
+        return {place->_label, place->_slot->_typeName};
     std::string ends;
     for (const SlotMap::Joint& joint : map.joints())
         if (joint._from == place)
             ends += (ends.empty() ? "; it is connected with " : ", ") + inQuotes(joint._to->_label);
     throw Refusal(400, inQuotes(place->_label) + " is an out-slot, and values are written into in-slots" + ends);
+}
+
+/// Who writes often says the whole label, and need not wait for a copy of the tree.
+Target target(const Context& context, const std::string& label)
+{
+    if (!Trovio::isForTools(label))
+        for (const Trovio::SlotInfo& slot : Root::get().findSlots(label))
+            if (slot._direction == Trovio::Slot::Direction::In)
+                return {label, slot._typeName};
+    return searched(context, label);
 }
 
 json readBody(const std::string& body)
@@ -86,15 +101,13 @@ Answer answerPub(const Context& context, const Question& question, const std::st
         throw Refusal(403,
                       "writing is not allowed here; use the Unix socket, or start the host with --monitor-write and "
                       "give its token");
-    const SlotMap map(Root::get().inspect(), placesOf(context));
-    const SlotMap::Place& place = target(map, label);
-    const SlotCodec& codec = *SlotCodec::find(place._slot->_typeName);
+    const Target place = target(context, label);
+    const SlotCodec& codec = *SlotCodec::find(place._type);
     const json body = readBody(question._body);
     Bytes message;
     std::string problem;
     if (!codec.fromJson(body["value"].dump(-1, ' ', false, json::error_handler_t::replace), message, problem))
-        throw Refusal(400,
-                      "\"value\" is no " + place._slot->_typeName + " for " + inQuotes(place._label) + ": " + problem);
+        throw Refusal(400, "\"value\" is no " + place._type + " for " + inQuotes(place._label) + ": " + problem);
     Pen pen(codec, place._label);
     if (!pen.isConnected())
         throw Refusal(404, inQuotes(place._label) + " is not seen in the root, so nothing can be written into it; show "
