@@ -130,6 +130,7 @@ void Hub::stream(const Question& question, const std::shared_ptr<Exchange>& exch
 {
     std::uint64_t most = 0;
     const std::string count = valueOf(question, "n"), label = valueOf(question, "label");
+    const std::string form = valueOf(question, "form");
     const auto [end, error] = std::from_chars(count.data(), count.data() + count.size(), most);
     if (question._method != "GET")
         return exchange->reply(errorAnswer(405, "'/stream' takes GET, not " + inQuotes(question._method)));
@@ -137,11 +138,15 @@ void Hub::stream(const Question& question, const std::shared_ptr<Exchange>& exch
         return exchange->reply(errorAnswer(400, "/stream?label=" + label + "&n=" + count +
                                                     ": allowed: the label of a slot, and where n is given a whole "
                                                     "number of records above 0"));
-    const auto work = [this, label, most, held = exchange]() mutable {
+    if (!form.empty() && form != "bytes")
+        return exchange->reply(errorAnswer(400, "a stream has no form " + inQuotes(form) +
+                                                    "; allowed is bytes, for sizes in place of values, or none"));
+    const auto shows = form.empty() ? LineStream::Shows::Value : LineStream::Shows::Size;
+    const auto work = [this, label, most, shows, held = exchange]() mutable {
         std::string problem;
         auto labels = sourcesOf(label, _scene, problem);
-        _network._post([this, labels, problem, most, held = std::exchange(held, nullptr)] {
-            auto made = lines(labels, most);
+        _network._post([this, labels, problem, most, shows, held = std::exchange(held, nullptr)] {
+            auto made = lines(labels, most, shows);
             made ? held->replyWith(std::move(made))
                  : held->reply(errorAnswer(404, problem.empty() ? "the slot is gone" : problem));
         });
@@ -150,9 +155,9 @@ void Hub::stream(const Question& question, const std::shared_ptr<Exchange>& exch
         exchange->reply(errorAnswer(503, tooMany));
 }
 
-std::unique_ptr<Stream> Hub::lines(const std::vector<std::string>& labels, std::uint64_t most)
+std::unique_ptr<Stream> Hub::lines(const std::vector<std::string>& labels, std::uint64_t most, LineStream::Shows shows)
 {
-    auto made = std::make_unique<LineStream>(_watches, most);
+    auto made = std::make_unique<LineStream>(_watches, most, shows);
     enter(*made, "stream");
     bool any = false;
     for (const std::string& label : labels)

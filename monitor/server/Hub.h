@@ -3,6 +3,7 @@
 #include "monitor/SceneView.h"
 #include "monitor/answer/Answers.h"
 #include "monitor/server/FoxgloveStream.h"
+#include "monitor/server/LineStream.h"
 #include "monitor/server/Service.h"
 #include "monitor/server/WhoMay.h"
 #include "monitor/server/WorkThread.h"
@@ -42,7 +43,7 @@ private:
     void answerLater(Question question, Take take);
     Answer answer(const Question& question) const;
     void stream(const Question& question, const std::shared_ptr<Exchange>& exchange);
-    std::unique_ptr<Stream> lines(const std::vector<std::string>& labels, std::uint64_t most);
+    std::unique_ptr<Stream> lines(const std::vector<std::string>& labels, std::uint64_t most, LineStream::Shows shows);
     void enter(Stream& stream, const std::string& kind);
     void lookAtSlots();
     void noteClients() OSTREL_EXCLUDES(_countsLock);

@@ -11,8 +11,10 @@ void LineStream::take(const std::string& label, const SlotCodec& codec, const Ta
 {
     if (_most != 0 && _taken == _most)
         return;
+    const std::string what = _shows == Shows::Size ? "\"bytes\":" + std::to_string(record._cdr.size())
+                                                   : "\"value\":" + valueText(codec, record);
     if (add("{\"label\":" + Explain::jsonText(nlohmann::json(label)) + ",\"time\":" + secondsText(record._arrival) +
-            ",\"stamp\":" + stampText(record._stamp) + ",\"value\":" + valueText(codec, record) + "}\n"))
+            ",\"stamp\":" + stampText(record._stamp) + "," + what + "}\n"))
         ++_taken;
 }
 

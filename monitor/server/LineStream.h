@@ -6,11 +6,14 @@
 namespace Monitor {
 
 /// The records of slots as lines of JSON: {"label":…,"time":…,"stamp":…,"value":…}, times in seconds, "time" that of
-/// the arrival; {"dropped":…} where some are missing. Threads: the server's.
+/// the arrival; {"dropped":…} where some are missing. Where sizes are asked for, "bytes" of its message stand in place
+/// of the value. Threads: the server's.
 class LineStream final : public RoundStream {
 public:
+    enum class Shows { Value, Size };
+
     /// Ends after `most` records; 0 for never.
-    LineStream(Watches& watches, std::uint64_t most) : _watches(watches), _most(most) {}
+    LineStream(Watches& watches, std::uint64_t most, Shows shows) : _watches(watches), _most(most), _shows(shows) {}
     ~LineStream() override { _watches.removeAll(*this); }
 
     /// Whether there is such an out-slot, which it then watches.
@@ -25,6 +28,7 @@ public:
 private:
     Watches& _watches;
     const std::uint64_t _most;
+    const Shows _shows;
     std::uint64_t _taken = 0;
 };
 } // namespace Monitor
