@@ -4,10 +4,10 @@
 #include "host/ExitCode.h"
 #include "host/ask/Asking.h"
 #include "host/ask/HostClient.h"
+#include "monitor/server/SocketFolder.h"
 
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
@@ -21,17 +21,6 @@ namespace Files = std::filesystem;
 namespace {
 
 constexpr double shortPatience = 1; // seconds, where an answer is only good to have
-
-// Where hosts have their sockets: with and without a session of the user, and whoever asks may have the other.
-std::vector<std::string> socketFolders()
-{
-    std::vector<std::string> folders;
-    if (const char* const session = std::getenv("XDG_RUNTIME_DIR"); session != nullptr && *session == '/')
-        folders.push_back(std::string(session) + "/ostrel");
-    std::error_code ignored;
-    folders.push_back((Files::temp_directory_path(ignored) / ("ostrel-" + std::to_string(geteuid()))).string());
-    return folders;
-}
 
 // What another user has put there is not asked: its answers would be shown as those of one's own host.
 bool isOwn(const std::string& path)
@@ -68,14 +57,6 @@ std::string described(const RunningHost& host)
     }
     return host._pid + (scenes.empty() ? "" : " (" + escaped(scenes) + ")");
 }
-
-std::string listedFolders()
-{
-    std::string text;
-    for (const std::string& folder : socketFolders())
-        text += (text.empty() ? "" : " or ") + inQuotes(folder);
-    return text;
-}
 } // namespace
 
 std::string RunningHost::name() const
@@ -86,15 +67,14 @@ std::string RunningHost::name() const
 std::vector<RunningHost> runningHosts()
 {
     std::vector<RunningHost> hosts;
-    for (const std::string& folder : socketFolders()) {
-        if (!isOwn(folder))
-            continue;
-        std::error_code error;
-        for (Files::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-            const Files::path path = entry->path();
-            if (path.extension() == ".sock" && isNumber(path.stem().string()) && answers(path.string()))
-                hosts.push_back({path.stem().string(), path.string()});
-        }
+    const std::string folder = Monitor::socketFolder();
+    if (!isOwn(folder))
+        return hosts;
+    std::error_code error;
+    for (Files::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        const Files::path path = entry->path();
+        if (path.extension() == ".sock" && isNumber(path.stem().string()) && answers(path.string()))
+            hosts.push_back({path.stem().string(), path.string()});
     }
     std::ranges::sort(hosts, {}, [](const RunningHost& host) { return std::pair(host._pid.size(), host._pid); });
     return hosts;
@@ -112,8 +92,8 @@ RunningHost chosenHost(const std::string& wish)
     for (const RunningHost& host : hosts)
         all += (all.empty() ? "" : ", ") + described(host);
     if (hosts.empty())
-        throw AskError(NothingFound, "no host runs here, as there is no socket of one in " + listedFolders() +
-                                         "; start one with: ostrel-host run SCENE");
+        throw AskError(NothingFound, "no host runs here, as there is no socket of one in " +
+                                         inQuotes(Monitor::socketFolder()) + "; start one with: ostrel-host run SCENE");
     if (!wish.empty())
         throw AskError(NothingFound, "no host has process ID " + wish + "; there is: " + all);
     if (hosts.size() > 1)
