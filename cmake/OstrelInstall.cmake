@@ -37,6 +37,7 @@ foreach(name ostrelSensorManager ostrelSceneFile ostrelMonitor)
 endforeach()
 
 install(FILES docs/man/ostrel-host.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES host/completion/ostrel-host DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES docs/man/ostrel-scene.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
 # The pages stand to each other as they do in the sources, so that their links lead somewhere.
 install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
