@@ -15,18 +15,27 @@ using Json = nlohmann::ordered_json;
 
 constexpr double staleAfter = 1.0; // seconds
 
-/// What was asked as the root calls it, where the one slot that is meant is known; else as it is, for the answer to
-/// say what is wrong with it.
-std::string meant(const SlotMap& map, const std::string& text)
+/// The one slot that is meant, where the root sees it.
+const SlotMap::Place* meant(const SlotMap& map, const std::string& text)
 {
     std::string problem;
     const SlotMap::Place* const place = map.find(text, problem);
-    return place && place->_seen ? place->_label : text;
+    return place && place->_seen ? place : nullptr;
+}
+
+/// Both as the root calls them, or else as they are, for the answer to say what is wrong: one of each would be looked
+/// for in the wrong namespace.
+Trovio::Explanation explainMeant(const SlotMap& map, const std::string& from, const std::string& to)
+{
+    const SlotMap::Place* const source = meant(map, from);
+    const SlotMap::Place* const target = meant(map, to);
+    return source && target ? Explain::explainLabels(source->_label, target->_label, staleAfter)
+                            : Explain::explainLabels(from, to, staleAfter);
 }
 
 Answer whyPair(const SlotMap& map, const std::string& from, const std::string& to)
 {
-    const Trovio::Explanation found = Explain::explainLabels(meant(map, from), meant(map, to), staleAfter);
+    const Trovio::Explanation found = explainMeant(map, from, to);
     Json object{{"from", from}, {"to", to}};
     object.update(Explain::explanationJson(found));
     const auto isSensor = [&map](const std::string& label) {

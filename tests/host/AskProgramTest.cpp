@@ -81,6 +81,7 @@ TEST_F(Ask, EveryVerbHasItsAnswer)
         {"$host why Generator/value Wave", 0, "records flow"},
         {"$host why Wand Note", 3, "nothing flows"},
         {"$host why", 3, "'Context/Wand'"},
+        {"$host why Nope Wave", 3, "no such label: no slot has the label 'Nope'\n"},
         {"$host why $scene Generator/value Wave", 0, "which runs this scene\n"},
         {"$host graph", 0, "Generator"},
         {"$host graph --format dot", 0, "digraph"},
