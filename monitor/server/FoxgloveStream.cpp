@@ -2,9 +2,9 @@
 
 #include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
+#include "monitor/server/ClientJson.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 namespace Monitor {
 
@@ -213,8 +213,11 @@ void FoxgloveStream::publish(const Publication& publication, std::string_view pa
     question._body = "{\"value\":" + value + "}";
     question._mayWrite = true;
     _around._ask(std::move(question), [self = std::weak_ptr(_self)](const Answer& answer) {
-        if (const auto there = self.lock(); there && answer._status >= 400)
-            (*there)->status(Error, answer._body);
+        const auto there = self.lock();
+        if (!there || answer._status < 400)
+            return;
+        const auto object = readObject(answer._body);
+        (*there)->status(Error, object ? textAt(*object, "error").value_or(answer._body) : answer._body);
     });
 }
 

@@ -2,6 +2,7 @@
 #include "monitor/codec/Encode.h"
 #include "tests/monitor/ServerBench.h"
 #include "tests/monitor/WebSocketClient.h"
+#include "trovio/InSlot.h"
 
 namespace {
 
@@ -104,6 +105,27 @@ INSTANTIATE_TEST_SUITE_P(
               {{"op", "advertise"}, {"channels", {{{"id", 1}, {"topic", "a"}, {"encoding", "ros1"}}}}},
               "allowed: cdr, json"}),
     [](const auto& row) { return std::string(row.param._name); });
+
+TEST(Stream, PublishedMessagesReachTheSlotAndOthersAreNamed)
+{
+    ServerBench bench;
+    Trovio::InSlot<double> lamp("test");
+    Trovio::Root::get().addInSlot("Lamp", &lamp);
+    WebSocketClient client(bench, foxglove);
+    client.nextJson();
+    client.nextJson();
+    const auto channel = [](int number, const char* topic) {
+        return Json{{"id", number}, {"topic", topic}, {"encoding", "cdr"}, {"schemaName", "std_msgs/msg/Float64"}};
+    };
+    client.say({{"op", "advertise"}, {"channels", {channel(5, "Lamp"), channel(6, "Nowhere")}}});
+    const Bytes value = encoded(0.75);
+    const std::string message(reinterpret_cast<const char*>(value.data()), value.size());
+    client.sendBinary(std::string("\1\5\0\0\0", 5) + message);
+    client.sendBinary(std::string("\1\6\0\0\0", 5) + message);
+    EXPECT_TRUE(client.nextJson()["message"].get<std::string>().starts_with("no slot has the label 'Nowhere'"));
+    EXPECT_EQ(lamp.pop().getValue(), 0.75); // they are answered in turn
+    Trovio::Root::get().removeSlot("Lamp");
+}
 
 TEST(Stream, ClientThatStopsReadingIsToldWhatItLostAndHoldsUpNobody)
 {
