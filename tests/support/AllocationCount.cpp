@@ -65,6 +65,16 @@ void* operator new[](std::size_t size)
     return counted(size);
 }
 
+// Not the sanitizer's, whose memory free() would not take.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    try {
+        return counted(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void operator delete(void* memory) noexcept
 {
     std::free(memory);
