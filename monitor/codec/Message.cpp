@@ -1,7 +1,6 @@
 #include "monitor/codec/Message.h"
 
 #include <algorithm>
-#include <ranges>
 #include <stdexcept>
 
 namespace Monitor {
@@ -76,8 +75,9 @@ const Row* findPart(std::string_view type)
 /// Appends every message that these fields are made of, each once.
 void addParts(std::string& text, std::string_view fields)
 {
-    for (const auto line : std::views::split(fields, '\n')) {
-        const std::string_view field(line.begin(), line.end());
+    while (!fields.empty()) {
+        const std::string_view field = fields.substr(0, fields.find('\n'));
+        fields.remove_prefix(std::min(field.size() + 1, fields.size()));
         const Row* const part = findPart(field.substr(0, field.find_first_of(" [")));
         if (!part)
             continue;
