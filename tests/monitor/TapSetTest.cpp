@@ -100,7 +100,7 @@ TEST_F(TapSetTest, KeepsNoMoreThanItsSizeAllows)
     stand("scene", texts);
     TapSet taps(TapSize{1'000, 2});
     ASSERT_TRUE(taps.add("scene/value"));
-    for (const std::size_t length : {900, 200, 100, 2'000, 0})
+    for (const std::size_t length : {900U, 200U, 100U, 2'000U, 0U})
         texts.push(Data<std::string>(std::string(length, 'x')));
     EXPECT_EQ(drain(taps), 3U) << "900, 100 and 0";
     texts.push(Data<std::string>(std::string(2'000, 'x')));
