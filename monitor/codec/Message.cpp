@@ -1,6 +1,7 @@
 #include "monitor/codec/Message.h"
 
 #include <algorithm>
+#include <span>
 #include <stdexcept>
 
 namespace Monitor {
