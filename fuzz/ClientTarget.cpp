@@ -1,8 +1,8 @@
 // One message of a WebSocket client a line; its first letter says which: t a text, b a binary one of the Foxglove
 // protocol, p one of the page's. Between them records come.
 #include "fuzz/Fuzz.h"
-#include "monitor/server/BatchStream.h"
-#include "monitor/server/FoxgloveStream.h"
+#include "monitor/server/streams/BatchStream.h"
+#include "monitor/server/streams/FoxgloveStream.h"
 #include "trovio/OutSlot.h"
 #include "trovio/Root.h"
 

@@ -1,8 +1,8 @@
 // First line: "unix", "loopback" or "network". Below: the bytes that a client sends there. They go through a connection
 // as they come from a socket, to a service that judges as the real one does and answers at once.
 #include "fuzz/Fuzz.h"
-#include "monitor/server/Transport.h"
-#include "monitor/server/WhoMay.h"
+#include "monitor/server/doors/WhoMay.h"
+#include "monitor/server/net/Transport.h"
 
 #include <array>
 #include <poll.h>

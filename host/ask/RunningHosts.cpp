@@ -4,7 +4,7 @@
 #include "host/ExitCode.h"
 #include "host/ask/Asking.h"
 #include "host/ask/HostClient.h"
-#include "monitor/server/SocketFolder.h"
+#include "monitor/server/doors/SocketFolder.h"
 
 #include <algorithm>
 #include <cctype>

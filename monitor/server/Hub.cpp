@@ -4,8 +4,8 @@
 #include "explain/text/Failure.h"
 #include "explain/text/JsonText.h"
 #include "monitor/answer/SlotMap.h"
-#include "monitor/server/BatchStream.h"
-#include "monitor/server/LineStream.h"
+#include "monitor/server/streams/BatchStream.h"
+#include "monitor/server/streams/LineStream.h"
 #include "trovio/Root.h"
 
 #include <algorithm>

@@ -2,11 +2,11 @@
 
 #include "monitor/SceneView.h"
 #include "monitor/answer/Answers.h"
-#include "monitor/server/FoxgloveStream.h"
-#include "monitor/server/LineStream.h"
 #include "monitor/server/Service.h"
-#include "monitor/server/WhoMay.h"
 #include "monitor/server/WorkThread.h"
+#include "monitor/server/doors/WhoMay.h"
+#include "monitor/server/streams/FoxgloveStream.h"
+#include "monitor/server/streams/LineStream.h"
 
 #include <chrono>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "monitor/answer/Question.h"
-#include "monitor/server/RequestHead.h"
-#include "monitor/server/Stream.h"
+#include "monitor/server/net/RequestHead.h"
+#include "monitor/server/streams/Stream.h"
 
 #include <memory>
 #include <optional>

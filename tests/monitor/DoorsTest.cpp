@@ -1,7 +1,7 @@
 #include "monitor/Server.h"
-#include "monitor/server/SocketFolder.h"
-#include "monitor/server/TcpDoors.h"
-#include "monitor/server/UnixDoor.h"
+#include "monitor/server/doors/SocketFolder.h"
+#include "monitor/server/doors/TcpDoors.h"
+#include "monitor/server/doors/UnixDoor.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>

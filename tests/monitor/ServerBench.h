@@ -1,7 +1,7 @@
 #pragma once
 
 #include "monitor/server/Hub.h"
-#include "monitor/server/Transport.h"
+#include "monitor/server/net/Transport.h"
 #include "trovio/OutSlot.h"
 #include "trovio/Root.h"
 

@@ -1,5 +1,5 @@
 #include "monitor/Server.h"
-#include "monitor/server/Descriptor.h"
+#include "monitor/server/net/Descriptor.h"
 #include "trovio/InSlot.h"
 #include "trovio/OutSlot.h"
 #include "trovio/Root.h"

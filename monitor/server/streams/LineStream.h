@@ -1,7 +1,7 @@
 #pragma once
 
-#include "monitor/server/RoundStream.h"
-#include "monitor/server/Watches.h"
+#include "monitor/server/streams/RoundStream.h"
+#include "monitor/server/streams/Watches.h"
 
 namespace Monitor {
 

@@ -1,4 +1,4 @@
-#include "monitor/server/ClientQueue.h"
+#include "monitor/server/streams/ClientQueue.h"
 
 namespace Monitor {
 

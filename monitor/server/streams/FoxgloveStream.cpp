@@ -1,8 +1,8 @@
-#include "monitor/server/FoxgloveStream.h"
+#include "monitor/server/streams/FoxgloveStream.h"
 
 #include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
-#include "monitor/server/ClientJson.h"
+#include "monitor/server/streams/ClientJson.h"
 
 #include <algorithm>
 

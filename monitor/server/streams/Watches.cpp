@@ -1,4 +1,4 @@
-#include "monitor/server/Watches.h"
+#include "monitor/server/streams/Watches.h"
 
 #include <set>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "monitor/server/Limits.h"
 #include "monitor/server/Service.h"
+#include "monitor/server/net/Limits.h"
 
 #include <boost/asio/generic/stream_protocol.hpp>
 #include <chrono>

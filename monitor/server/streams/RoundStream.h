@@ -1,6 +1,6 @@
 #pragma once
 
-#include "monitor/server/Stream.h"
+#include "monitor/server/streams/Stream.h"
 
 #include <utility>
 

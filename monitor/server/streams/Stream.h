@@ -1,7 +1,7 @@
 #pragma once
 
 #include "monitor/codec/SlotCodec.h"
-#include "monitor/server/ClientQueue.h"
+#include "monitor/server/streams/ClientQueue.h"
 #include "monitor/tap/AnyTap.h"
 
 #include <functional>

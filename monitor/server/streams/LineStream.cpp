@@ -1,7 +1,7 @@
-#include "monitor/server/LineStream.h"
+#include "monitor/server/streams/LineStream.h"
 
 #include "explain/text/JsonText.h"
-#include "monitor/server/RecordText.h"
+#include "monitor/server/streams/RecordText.h"
 
 #include <nlohmann/json.hpp>
 

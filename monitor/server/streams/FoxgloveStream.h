@@ -1,9 +1,9 @@
 #pragma once
 
 #include "monitor/answer/Question.h"
-#include "monitor/server/Channels.h"
-#include "monitor/server/FoxgloveMessage.h"
-#include "monitor/server/Watches.h"
+#include "monitor/server/streams/Channels.h"
+#include "monitor/server/streams/FoxgloveMessage.h"
+#include "monitor/server/streams/Watches.h"
 
 #include <array>
 #include <nlohmann/json_fwd.hpp>

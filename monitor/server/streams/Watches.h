@@ -1,6 +1,6 @@
 #pragma once
 
-#include "monitor/server/Stream.h"
+#include "monitor/server/streams/Stream.h"
 #include "monitor/tap/TapSet.h"
 
 #include <map>

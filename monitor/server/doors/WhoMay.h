@@ -1,6 +1,6 @@
 #pragma once
 
-#include "monitor/server/RequestHead.h"
+#include "monitor/server/net/RequestHead.h"
 
 #include <optional>
 #include <string>

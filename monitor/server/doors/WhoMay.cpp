@@ -1,4 +1,4 @@
-#include "monitor/server/WhoMay.h"
+#include "monitor/server/doors/WhoMay.h"
 
 #include "explain/text/Escape.h"
 

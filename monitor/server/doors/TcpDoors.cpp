@@ -1,4 +1,4 @@
-#include "monitor/server/TcpDoors.h"
+#include "monitor/server/doors/TcpDoors.h"
 
 #include <arpa/inet.h>
 #include <cerrno>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "monitor/server/Descriptor.h"
-#include "monitor/server/Limits.h"
 #include "monitor/server/Service.h"
+#include "monitor/server/net/Descriptor.h"
+#include "monitor/server/net/Limits.h"
 
 #include <functional>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "monitor/server/RequestHead.h"
+#include "monitor/server/net/RequestHead.h"
 
 #include <charconv>
 

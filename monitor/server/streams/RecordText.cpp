@@ -1,4 +1,4 @@
-#include "monitor/server/RecordText.h"
+#include "monitor/server/streams/RecordText.h"
 
 #include <array>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "monitor/server/Connection.h"
+#include "monitor/server/net/Connection.h"
 
 #include <array>
 #include <boost/asio/write.hpp>

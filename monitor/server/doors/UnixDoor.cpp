@@ -1,7 +1,7 @@
-#include "monitor/server/UnixDoor.h"
+#include "monitor/server/doors/UnixDoor.h"
 
 #include "explain/text/Escape.h"
-#include "monitor/server/SocketFolder.h"
+#include "monitor/server/doors/SocketFolder.h"
 
 #include <cerrno>
 #include <charconv>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "monitor/server/Descriptor.h"
+#include "monitor/server/net/Descriptor.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "monitor/server/SocketFolder.h"
+#include "monitor/server/doors/SocketFolder.h"
 
 #include "explain/text/Escape.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "explain/text/ListenAddress.h"
-#include "monitor/server/Descriptor.h"
-#include "monitor/server/RequestHead.h"
+#include "monitor/server/net/Descriptor.h"
+#include "monitor/server/net/RequestHead.h"
 
 #include <string>
 #include <vector>

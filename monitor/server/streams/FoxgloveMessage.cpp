@@ -1,7 +1,7 @@
-#include "monitor/server/FoxgloveMessage.h"
+#include "monitor/server/streams/FoxgloveMessage.h"
 
 #include "explain/text/Escape.h"
-#include "monitor/server/ClientJson.h"
+#include "monitor/server/streams/ClientJson.h"
 
 namespace Monitor::Foxglove {
 

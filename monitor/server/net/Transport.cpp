@@ -1,6 +1,6 @@
-#include "monitor/server/Transport.h"
+#include "monitor/server/net/Transport.h"
 
-#include "monitor/server/Connection.h"
+#include "monitor/server/net/Connection.h"
 
 #include <algorithm>
 #include <boost/asio/io_context.hpp>

@@ -1,9 +1,9 @@
-#include "monitor/server/BatchStream.h"
+#include "monitor/server/streams/BatchStream.h"
 
 #include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
-#include "monitor/server/ClientJson.h"
-#include "monitor/server/RecordText.h"
+#include "monitor/server/streams/ClientJson.h"
+#include "monitor/server/streams/RecordText.h"
 
 namespace Monitor {
 

@@ -1,4 +1,4 @@
-#include "monitor/server/Channels.h"
+#include "monitor/server/streams/Channels.h"
 
 #include "explain/TreeWalk.h"
 #include "trovio/Root.h"
