@@ -1,7 +1,7 @@
 // A file that says of itself that it is a recording.
 #include "fuzz/Fuzz.h"
-#include "monitor/mcap/Reader.h"
-#include "monitor/mcap/RecordBytes.h"
+#include "monitor/mcap/format/RecordBytes.h"
+#include "monitor/mcap/read/Reader.h"
 
 namespace Fuzz {
 

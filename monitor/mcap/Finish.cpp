@@ -1,9 +1,9 @@
 #include "monitor/mcap/Finish.h"
 
 #include "explain/text/Escape.h"
-#include "monitor/mcap/ChunkBuilder.h"
-#include "monitor/mcap/OutputFile.h"
-#include "monitor/mcap/Summary.h"
+#include "monitor/mcap/write/ChunkBuilder.h"
+#include "monitor/mcap/write/OutputFile.h"
+#include "monitor/mcap/write/Summary.h"
 
 #include <stdexcept>
 

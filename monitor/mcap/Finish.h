@@ -1,6 +1,6 @@
 #pragma once
 
-#include "monitor/mcap/Reader.h"
+#include "monitor/mcap/read/Reader.h"
 
 #include <functional>
 

@@ -1,4 +1,4 @@
-#include "monitor/mcap/Recording.h"
+#include "monitor/mcap/write/Recording.h"
 #include "tests/recording/Story.h"
 
 #include <fcntl.h>

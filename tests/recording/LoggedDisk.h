@@ -1,6 +1,6 @@
 #pragma once
 
-#include "monitor/mcap/OutputFile.h"
+#include "monitor/mcap/write/OutputFile.h"
 
 #include <algorithm>
 #include <random>

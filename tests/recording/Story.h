@@ -1,7 +1,7 @@
 #pragma once
 
-#include "monitor/mcap/GrowingFile.h"
-#include "monitor/mcap/Reader.h"
+#include "monitor/mcap/read/Reader.h"
+#include "monitor/mcap/write/GrowingFile.h"
 
 #include <algorithm>
 #include <cstring>

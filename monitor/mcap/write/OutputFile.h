@@ -1,6 +1,6 @@
 #pragma once
 
-#include "monitor/mcap/Format.h"
+#include "monitor/mcap/format/Format.h"
 
 #include <memory>
 #include <system_error>

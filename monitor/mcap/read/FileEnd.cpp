@@ -1,8 +1,8 @@
-#include "monitor/mcap/FileEnd.h"
+#include "monitor/mcap/read/FileEnd.h"
 
-#include "monitor/mcap/ByteCursor.h"
-#include "monitor/mcap/RecordBytes.h"
-#include "monitor/mcap/RecordParts.h"
+#include "monitor/mcap/format/ByteCursor.h"
+#include "monitor/mcap/format/RecordBytes.h"
+#include "monitor/mcap/format/RecordParts.h"
 
 namespace Monitor::Mcap {
 

@@ -1,4 +1,4 @@
-#include "monitor/mcap/RecordBytes.h"
+#include "monitor/mcap/format/RecordBytes.h"
 
 #include <zlib.h>
 

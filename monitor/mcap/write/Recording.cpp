@@ -1,4 +1,4 @@
-#include "monitor/mcap/Recording.h"
+#include "monitor/mcap/write/Recording.h"
 
 #include "explain/text/Escape.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "monitor/mcap/RecordParts.h"
+#include "monitor/mcap/format/RecordParts.h"
 
 namespace Monitor::Mcap {
 

@@ -1,8 +1,8 @@
-#include "monitor/mcap/RecordParts.h"
+#include "monitor/mcap/format/RecordParts.h"
 
 #include "explain/text/Escape.h"
-#include "monitor/mcap/ByteCursor.h"
-#include "monitor/mcap/RecordBytes.h"
+#include "monitor/mcap/format/ByteCursor.h"
+#include "monitor/mcap/format/RecordBytes.h"
 
 #include <zstd.h>
 

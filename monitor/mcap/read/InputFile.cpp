@@ -1,4 +1,4 @@
-#include "monitor/mcap/InputFile.h"
+#include "monitor/mcap/read/InputFile.h"
 
 #include "explain/text/Escape.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "monitor/mcap/Visitor.h"
+#include "monitor/mcap/read/Visitor.h"
 
 namespace Monitor::Mcap {
 

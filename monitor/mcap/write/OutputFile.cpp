@@ -1,4 +1,4 @@
-#include "monitor/mcap/OutputFile.h"
+#include "monitor/mcap/write/OutputFile.h"
 
 #include "explain/text/Escape.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Mutex.h"
-#include "monitor/mcap/GrowingFile.h"
+#include "monitor/mcap/write/GrowingFile.h"
 
 #include <condition_variable>
 #include <deque>

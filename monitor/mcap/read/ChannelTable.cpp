@@ -1,4 +1,4 @@
-#include "monitor/mcap/ChannelTable.h"
+#include "monitor/mcap/read/ChannelTable.h"
 
 namespace Monitor::Mcap {
 

@@ -1,8 +1,8 @@
-#include "monitor/mcap/Reader.h"
+#include "monitor/mcap/read/Reader.h"
 
-#include "monitor/mcap/ByteCursor.h"
-#include "monitor/mcap/FileEnd.h"
-#include "monitor/mcap/RecordBytes.h"
+#include "monitor/mcap/format/ByteCursor.h"
+#include "monitor/mcap/format/RecordBytes.h"
+#include "monitor/mcap/read/FileEnd.h"
 
 #include <algorithm>
 

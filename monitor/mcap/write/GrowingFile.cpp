@@ -1,4 +1,4 @@
-#include "monitor/mcap/GrowingFile.h"
+#include "monitor/mcap/write/GrowingFile.h"
 
 namespace Monitor::Mcap {
 

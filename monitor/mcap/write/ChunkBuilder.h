@@ -1,7 +1,7 @@
 #pragma once
 
-#include "monitor/mcap/RecordBytes.h"
-#include "monitor/mcap/RecordParts.h"
+#include "monitor/mcap/format/RecordBytes.h"
+#include "monitor/mcap/format/RecordParts.h"
 
 namespace Monitor::Mcap {
 

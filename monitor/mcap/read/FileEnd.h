@@ -1,6 +1,6 @@
 #pragma once
 
-#include "monitor/mcap/InputFile.h"
+#include "monitor/mcap/read/InputFile.h"
 
 #include <map>
 #include <optional>

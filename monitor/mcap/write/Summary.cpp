@@ -1,4 +1,4 @@
-#include "monitor/mcap/Summary.h"
+#include "monitor/mcap/write/Summary.h"
 
 namespace Monitor::Mcap {
 

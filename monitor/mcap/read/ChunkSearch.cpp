@@ -1,7 +1,7 @@
-#include "monitor/mcap/ChunkSearch.h"
+#include "monitor/mcap/read/ChunkSearch.h"
 
-#include "monitor/mcap/ByteCursor.h"
-#include "monitor/mcap/RecordParts.h"
+#include "monitor/mcap/format/ByteCursor.h"
+#include "monitor/mcap/format/RecordParts.h"
 
 #include <algorithm>
 

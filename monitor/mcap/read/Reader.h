@@ -1,8 +1,8 @@
 #pragma once
 
-#include "monitor/mcap/ChannelTable.h"
-#include "monitor/mcap/ChunkSearch.h"
-#include "monitor/mcap/FileState.h"
+#include "monitor/mcap/read/ChannelTable.h"
+#include "monitor/mcap/read/ChunkSearch.h"
+#include "monitor/mcap/read/FileState.h"
 
 namespace Monitor::Mcap {
 

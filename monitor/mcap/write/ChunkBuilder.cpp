@@ -1,4 +1,4 @@
-#include "monitor/mcap/ChunkBuilder.h"
+#include "monitor/mcap/write/ChunkBuilder.h"
 
 #include <stdexcept>
 #include <zstd.h>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "monitor/mcap/ChunkBuilder.h"
-#include "monitor/mcap/OutputFile.h"
-#include "monitor/mcap/Summary.h"
+#include "monitor/mcap/write/ChunkBuilder.h"
+#include "monitor/mcap/write/OutputFile.h"
+#include "monitor/mcap/write/Summary.h"
 
 namespace Monitor::Mcap {
 
