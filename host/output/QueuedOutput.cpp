@@ -1,12 +1,13 @@
 #include "host/output/QueuedOutput.h"
 
+#include "base/QuietThread.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <climits>
 #include <condition_variable>
-#include <csignal>
 #include <ctime>
 #include <new>
 #include <poll.h>
@@ -198,9 +199,6 @@ void QueuedOutput::Queue::wrote(ssize_t count, int error)
 
 void QueuedOutput::Queue::writeAll()
 {
-    sigset_t all; // signals are for the other threads; the one of a closed pipe then is an error only
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr);
     std::array<char, PIPE_BUF> piece{};
     while (const std::size_t size = nextPiece(piece)) {
         const ssize_t count = writeSome(_descriptor, {piece.data(), size});
@@ -229,8 +227,10 @@ std::string QueuedOutput::Queue::takeWaiting()
 }
 
 QueuedOutput::QueuedOutput(int descriptor, GapLine gapLine)
-    : _queue(std::make_shared<Queue>(descriptor, std::move(gapLine))), _thread([queue = _queue] { queue->writeAll(); })
+    : _queue(std::make_shared<Queue>(descriptor, std::move(gapLine))),
+      _thread(Ostrel::quietThread("output", [queue = _queue] { queue->writeAll(); }))
 {
+    // That the thread takes no signals makes a closed pipe an error there, and nothing more.
 }
 
 QueuedOutput::~QueuedOutput()

@@ -1,11 +1,11 @@
 #include "host/run/EndWatch.h"
 
+#include "base/QuietThread.h"
 #include "explain/text/Escape.h"
 #include "host/output/QueuedOutput.h"
 #include "host/show/Keyboard.h"
 
 #include <algorithm>
-#include <csignal>
 #include <new>
 #include <unistd.h>
 
@@ -59,7 +59,8 @@ std::string described(const Trovio::NodeMove::Info& move)
 }
 } // namespace
 
-EndWatch::EndWatch(const StopSignal& stop, Say say) : _stop(stop), _say(std::move(say)), _thread([this] { watch(); })
+EndWatch::EndWatch(const StopSignal& stop, Say say)
+    : _stop(stop), _say(std::move(say)), _thread(Ostrel::quietThread("end watch", [this] { watch(); }))
 {
     _stop.setWatched(true);
 }
@@ -80,9 +81,6 @@ void EndWatch::begin()
 
 void EndWatch::watch()
 {
-    sigset_t all; // signals are for the other threads
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr);
     for (;;) {
         const bool ends = _begun || _stop.requested();
         _stop.waitForNews(ends ? interval : forever);

@@ -1,8 +1,8 @@
 #include "monitor/Server.h"
 
+#include "base/QuietThread.h"
 #include "explain/text/Escape.h"
 #include "monitor/server/Hub.h"
-#include "monitor/server/QuietThread.h"
 #include "monitor/server/doors/SocketFolder.h"
 #include "monitor/server/doors/TcpDoors.h"
 #include "monitor/server/doors/UnixDoor.h"
@@ -101,7 +101,7 @@ Server::State::State(ServerOptions options) : _doors(options)
         _transport->listen(_doors._unix->takeSocket(), Door::Unix);
     for (TcpDoor& door : _doors._tcp)
         _transport->listen(std::move(door._socket), door._door);
-    _thread = quietThread("monitor", [this] { _transport->run(); });
+    _thread = Ostrel::quietThread("monitor", [this] { _transport->run(); });
 }
 
 Server::State::~State()

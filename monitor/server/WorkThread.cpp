@@ -1,6 +1,6 @@
 #include "monitor/server/WorkThread.h"
 
-#include "monitor/server/QuietThread.h"
+#include "base/QuietThread.h"
 
 namespace Monitor {
 
@@ -25,7 +25,7 @@ bool WorkThread::add(Work work)
     if (_isOver || _waiting.size() >= MostWaiting)
         return false;
     if (!_thread.joinable())
-        _thread = quietThread(_name, [this] { run(); });
+        _thread = Ostrel::quietThread(_name, [this] { run(); });
     _waiting.push_back(std::move(work));
     _news.notify_all();
     return true;

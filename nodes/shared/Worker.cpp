@@ -1,13 +1,12 @@
 #include "nodes/shared/Worker.h"
 
+#include "base/QuietThread.h"
 #include "osg/LogMessage.h"
 #include "osg/LogRecord.h"
 #include "trovio/messages/ExceptionText.h"
 #include <array>
-#include <csignal>
 #include <cstdint>
 #include <poll.h>
-#include <pthread.h>
 #include <stdexcept>
 #include <sys/eventfd.h>
 #include <system_error>
@@ -17,23 +16,6 @@ namespace Trovio::Nodes {
 namespace {
 
 constexpr std::size_t maxDescriptors = 8;
-
-/// Workers block all signals: the threads of the program handle them.
-class NoSignals {
-public:
-    NoSignals()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_BLOCK, &all, &_before);
-    }
-    ~NoSignals() { pthread_sigmask(SIG_SETMASK, &_before, nullptr); }
-    NoSignals(const NoSignals&) = delete;
-    NoSignals& operator=(const NoSignals&) = delete;
-
-private:
-    sigset_t _before{};
-};
 
 /// No exception may leave a thread: it would end the program.
 void runGuarded(const std::function<void()>& body, const std::function<void(const std::string&)>& failed) noexcept
@@ -66,9 +48,8 @@ Worker::~Worker()
 void Worker::start(const char* name, std::function<void()> body, std::function<void(const std::string&)> failed)
 {
     _stopping = false;
-    const NoSignals inherited;
-    _thread = std::thread([body = std::move(body), failed = std::move(failed)] { runGuarded(body, failed); });
-    pthread_setname_np(_thread.native_handle(), std::string(name).substr(0, 15).c_str());
+    _thread = Ostrel::quietThread(std::string(name).substr(0, 15).c_str(),
+                                  [body = std::move(body), failed = std::move(failed)] { runGuarded(body, failed); });
 }
 
 void Worker::stop()

@@ -1,41 +1,20 @@
 #include "monitor/mcap/write/Recording.h"
 
+#include "base/QuietThread.h"
 #include "explain/text/Escape.h"
 
 #include <algorithm>
-#include <csignal>
-#include <pthread.h>
 #include <stdexcept>
 
 namespace Monitor::Mcap {
-
-namespace {
-
-// The threads of the program handle signals.
-std::thread threadWithoutSignals(std::function<void()> body)
-{
-    sigset_t all, before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, &before);
-    try {
-        std::thread thread(std::move(body));
-        pthread_sigmask(SIG_SETMASK, &before, nullptr);
-        return thread;
-    } catch (...) {
-        pthread_sigmask(SIG_SETMASK, &before, nullptr);
-        throw;
-    }
-}
-} // namespace
 
 Recording::Recording(std::string title, std::unique_ptr<OutputFile> file, std::string library,
                      const RecordingLimits& limits)
     : _title(std::move(title)),
       _limits(limits),
       _file(std::move(file)),
-      _thread(threadWithoutSignals([this, library = std::move(library)] { writeAll(library); }))
+      _thread(Ostrel::quietThread("recording", [this, library = std::move(library)] { writeAll(library); }))
 {
-    pthread_setname_np(_thread.native_handle(), "recording");
 }
 
 Recording::~Recording()

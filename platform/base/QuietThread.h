@@ -5,9 +5,10 @@
 #include <thread>
 #include <utility>
 
-namespace Monitor {
+namespace Ostrel {
 
-/// A thread that takes no signals: those are for the program's own. `name` has up to 15 bytes.
+/// A thread that takes no signals: those are for the program's own threads. `name` has up to 15 bytes. Throws
+/// std::system_error where no thread can be started.
 template <class Body>
 std::thread quietThread(const char* name, Body body)
 {
@@ -24,4 +25,4 @@ std::thread quietThread(const char* name, Body body)
         throw;
     }
 }
-} // namespace Monitor
+} // namespace Ostrel
