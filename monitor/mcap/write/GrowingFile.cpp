@@ -5,7 +5,7 @@ namespace Monitor::Mcap {
 namespace {
 
 // It grows by some bytes with each chunk, and is written with each: in a long recording it is left to the end.
-constexpr std::size_t mostSummary = 1024UL * 1024;
+constexpr std::size_t maxSummary = 1024UL * 1024;
 } // namespace
 
 std::error_code GrowingFile::begin(std::string_view library)
@@ -31,7 +31,7 @@ std::error_code GrowingFile::add(ChunkBuilder&& chunk)
         _summary.add(channel);
     ChunkBuilder::Packed packed = chunk.pack(_end, _compression);
     _summary.add(packed._index, packed._messages);
-    return replaceTail(std::move(packed._bytes), packed._checksum, _summary.size() <= mostSummary);
+    return replaceTail(std::move(packed._bytes), packed._checksum, _summary.size() <= maxSummary);
 }
 
 std::error_code GrowingFile::add(const Attachment& attachment)
@@ -39,8 +39,7 @@ std::error_code GrowingFile::add(const Attachment& attachment)
     Bytes bytes;
     RecordBytes(bytes).attachment(attachment);
     _summary.add(attachment, _end, bytes.size());
-    const std::uint32_t sum = checksum(bytes);
-    return replaceTail(std::move(bytes), sum, _summary.size() <= mostSummary);
+    return addRecord(std::move(bytes));
 }
 
 std::error_code GrowingFile::add(const Metadata& metadata)
@@ -48,8 +47,13 @@ std::error_code GrowingFile::add(const Metadata& metadata)
     Bytes bytes;
     RecordBytes(bytes).metadata(metadata);
     _summary.add(metadata, _end, bytes.size());
-    const std::uint32_t sum = checksum(bytes);
-    return replaceTail(std::move(bytes), sum, _summary.size() <= mostSummary);
+    return addRecord(std::move(bytes));
+}
+
+std::error_code GrowingFile::addRecord(Bytes&& record)
+{
+    const std::uint32_t sum = checksum(record);
+    return replaceTail(std::move(record), sum, _summary.size() <= maxSummary);
 }
 
 std::error_code GrowingFile::replaceTail(Bytes&& added, std::uint32_t addedChecksum, bool whole)

@@ -42,6 +42,7 @@ public:
     std::uint64_t room() const { return _file->room(); }
 
 private:
+    std::error_code addRecord(Bytes&& record);
     std::error_code replaceTail(Bytes&& added, std::uint32_t addedChecksum, bool whole);
     void putBack();
 
