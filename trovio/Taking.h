@@ -30,12 +30,12 @@ private:
     friend class InSlot<T>;
     friend class BufferedInSlot<T>;
 
-    static bool isEmpty(const InSlot<T>& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS { return slot._empty; }
-    static bool isEmpty(const BufferedInSlot<T>& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS { return slot._count == 0; }
+    static bool isEmpty(const InSlot<T>& slot) OSTREL_REQUIRES(slot._dataLock) { return slot._empty; }
+    static bool isEmpty(const BufferedInSlot<T>& slot) OSTREL_REQUIRES(slot._dataLock) { return slot._count == 0; }
 
     /// pop() of both kinds.
     template <class SlotT>
-    static Data<T> waitAndTake(SlotT& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+    static Data<T> waitAndTake(SlotT& slot) OSTREL_EXCLUDES(slot._dataLock)
     {
         for (;;) {
             slot.waitAndLock();
@@ -48,7 +48,7 @@ private:
     }
 
     template <class SlotT, class Use>
-    static bool nextOf(SlotT& slot, Use& use) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+    static bool nextOf(SlotT& slot, Use& use) OSTREL_EXCLUDES(slot._dataLock)
     {
         slot.lock();
         if (isEmpty(slot) || !Hooks::tryDown(slot)) {
@@ -61,7 +61,7 @@ private:
     }
 
     // Under the slot's lock, which they leave, with a token for the record.
-    static Data<T> take(InSlot<T>& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+    static Data<T> take(InSlot<T>& slot) OSTREL_RELEASE(slot._dataLock)
     {
         const Data<T> data = slot.handOut(slot._data, true);
         slot._empty = true;
@@ -70,7 +70,7 @@ private:
         slot.unlock();
         return data;
     }
-    static Data<T> take(BufferedInSlot<T>& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
+    static Data<T> take(BufferedInSlot<T>& slot) OSTREL_RELEASE(slot._dataLock)
     {
         const Data<T> data = slot.handOut(*slot._readPos, true);
         slot.advance(slot._readPos);
