@@ -3,11 +3,10 @@
 #include "sensorManager/Conversions.h"
 #include "sensorManager/FieldTypes.h"
 #include "sensorManager/LogMessage.h"
-#include "trovio/BufferedInSlot.h"
 #include "trovio/Hooks.h"
 #include "trovio/Namespace.h"
 #include "trovio/OutSlot.h"
-#include "trovio/Taking.h"
+#include "trovio/TryPop.h"
 #include <algorithm>
 #include <typeinfo>
 
@@ -49,7 +48,7 @@ template <class Row>
 bool takeOne(const Road& road)
 {
     auto* const field = as<typename Row::FieldType>(road._field);
-    return field && Trovio::Taking<typename Row::SlotValue>::next(road._slot, [&](auto&& record) {
+    return field && Trovio::tryPop<typename Row::SlotValue>(road._slot, [&](auto&& record) {
                if constexpr (isImage<Row>) {
                    if (const Trovio::Image* refused = Conversions::toField(record.getValue(), *field))
                        tellRefused(*refused, road);

@@ -5,6 +5,7 @@
 #include "trovio/Exception.h"
 #include "trovio/Hooks.h"
 #include "trovio/Peers.h"
+#include "trovio/Taking.h"
 #include "trovio/TypeName.h"
 
 namespace Trovio {
@@ -13,8 +14,6 @@ template <class T>
 class OutSlot;
 template <class T>
 class Wiring;
-template <class T>
-class Taking;
 
 /// Receives records and keeps the newest: a record that nobody took in time is overwritten.
 /// Ownership: owns a copy of the record; a shared value stays with its pool. Does not own the out-slots it refers to,
@@ -152,5 +151,4 @@ void InSlot<T>::push(const Data<T>& data)
 
 } // namespace Trovio
 
-#include "trovio/Taking.h"
 #include "trovio/Wiring.h"

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "trovio/Data.h"
 #include "trovio/Hooks.h"
-#include "trovio/InSlot.h"
-#include <typeinfo>
-#include <utility>
 
 namespace Trovio {
 
+class BasicInSlot;
+template <class T>
+class InSlot;
 template <class T>
 class BufferedInSlot;
 
@@ -14,21 +15,11 @@ class BufferedInSlot;
 /// Threads: any.
 template <class T>
 class Taking {
-public:
-    /// Calls use(record) with the slot's next record, without the lock, where one waits that no reader passed down()
-    /// for; it is looked for and taken under one lock. False where none does, and for a slot that is neither an
-    /// InSlot<T> nor a BufferedInSlot<T> itself. Throws as pop() does. Needs trovio/BufferedInSlot.h.
-    template <class Use>
-    static bool next(BasicInSlot& slot, Use&& use)
-    {
-        if (typeid(slot) == typeid(InSlot<T>))
-            return nextOf(static_cast<InSlot<T>&>(slot), use);
-        return typeid(slot) == typeid(BufferedInSlot<T>) && nextOf(static_cast<BufferedInSlot<T>&>(slot), use);
-    }
-
 private:
     friend class InSlot<T>;
     friend class BufferedInSlot<T>;
+    template <class Value, class Use>
+    friend bool tryPop(BasicInSlot& slot, Use&& use);
 
     static bool isEmpty(const InSlot<T>& slot) OSTREL_REQUIRES(slot._dataLock) { return slot._empty; }
     static bool isEmpty(const BufferedInSlot<T>& slot) OSTREL_REQUIRES(slot._dataLock) { return slot._count == 0; }
@@ -47,8 +38,9 @@ private:
         }
     }
 
+    /// tryPop() of both kinds.
     template <class SlotT, class Use>
-    static bool nextOf(SlotT& slot, Use& use) OSTREL_EXCLUDES(slot._dataLock)
+    static bool takeWithoutWaiting(SlotT& slot, Use& use) OSTREL_EXCLUDES(slot._dataLock)
     {
         slot.lock();
         if (isEmpty(slot) || !Hooks::tryDown(slot)) {

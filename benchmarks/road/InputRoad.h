@@ -2,7 +2,7 @@
 
 #include "benchmarks/road/Road.h"
 #include "sensorManager/Conversions.h"
-#include "trovio/BufferedInSlot.h"
+#include "trovio/TryPop.h"
 #include <list>
 #include <map>
 #include <vector>
@@ -50,7 +50,7 @@ public:
         push();
         for (Place& place : _row)
             if (place._slot->mayHoldRecord() && !place._sensor->isOutput())
-                Trovio::Taking<Value>::next(*place._slot, [&place](auto&& record) { give(record, place); });
+                Trovio::tryPop<Value>(*place._slot, [&place](auto&& record) { give(record, place); });
     }
 
 private:

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "benchmarks/harness/Fan.h"
-#include "trovio/BufferedInSlot.h"
 #include "trovio/OutSlot.h"
+#include "trovio/TryPop.h"
 
 namespace Bench {
 
@@ -34,7 +34,7 @@ public:
     bool poll(std::size_t i)
     {
         return _ins[i]->mayHoldRecord() &&
-               Trovio::Taking<LibraryValue>::next(*_ins[i], [](const LibraryRecord& record) { keep(record); });
+               Trovio::tryPop<LibraryValue>(*_ins[i], [](const LibraryRecord& record) { keep(record); });
     }
 
 private:

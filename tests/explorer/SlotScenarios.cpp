@@ -1,4 +1,5 @@
 #include "Rig.h"
+#include "trovio/TryPop.h"
 
 namespace Explorer {
 
@@ -93,7 +94,7 @@ unsigned serviceFrame(In& slot, long& last)
         ++taken;
         expect(record.getValue().number() > std::exchange(last, record.getValue().number()), brokenOrder);
     };
-    while (slot.mayHoldRecord() && Trovio::Taking<Halves>::next(slot, use))
+    while (slot.mayHoldRecord() && Trovio::tryPop<Halves>(slot, use))
         ;
     return taken;
 }
@@ -147,9 +148,8 @@ void frameBesideReader(Scheduler& scheduler)
         push(ring, 1);
         push(ring, 2);
     });
-    scheduler.spawn([&] {
-        taken = Trovio::Taking<Halves>::next(ring, [&](const auto& record) { last = record.getValue().number(); });
-    });
+    scheduler.spawn(
+        [&] { taken = Trovio::tryPop<Halves>(ring, [&](const auto& record) { last = record.getValue().number(); }); });
     scheduler.run();
     expect(popped != last && popped != 0, "the reader and the frame did not get a record each");
     expectAccounts(ring, 2, 1 + taken);

@@ -1,5 +1,5 @@
-#include "trovio/BufferedInSlot.h"
 #include "trovio/OutSlot.h"
+#include "trovio/TryPop.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -31,7 +31,7 @@ std::vector<long> drain(InSlot<long>& slot)
 void expectInterruptThrowsOnce(InSlot<long>& slot, const std::vector<long>& waiting)
 {
     const std::function<void()> readings[] = {[&slot] { slot.pop(); }, [&slot] { slot.top(); },
-                                              [&slot] { Trovio::Taking<long>::next(slot, [](auto&&) {}); }};
+                                              [&slot] { tryPop<long>(slot, [](auto&&) {}); }};
     for (const auto& read : readings) {
         push(slot, 1, 2);
         slot.interrupt();
@@ -68,7 +68,7 @@ TEST(InSlot, AFrameLeavesWhatAnotherReaderWasPromised)
 {
     BufferedInSlot<long> slot("in", 2);
     long taken = 0;
-    const auto take = [&] { return Trovio::Taking<long>::next(slot, [&](const auto& r) { taken = r.getValue(); }); };
+    const auto take = [&] { return tryPop<long>(slot, [&](const auto& r) { taken = r.getValue(); }); };
     EXPECT_FALSE(take());
     push(slot, 1, 2);
     slot.down();
