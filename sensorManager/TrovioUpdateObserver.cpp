@@ -71,7 +71,7 @@ void sendValue(Field& field, Trovio::Slot& slot)
 /// How many rounds one update goes through, at most: a frame ends also where values come faster than it takes them.
 std::uint64_t roundsOf(const Trovio::BasicInSlot& slot)
 {
-    return std::max(std::uint64_t{64}, 2 * std::uint64_t{slot.getCapacity()});
+    return std::max(std::uint64_t{64}, 2 * std::uint64_t{Trovio::Hooks::getCapacity(slot)});
 }
 
 /// The part of an update that has something to do: the slot holds a record. Not inlined: what it saves on the stack
@@ -82,7 +82,7 @@ std::uint64_t roundsOf(const Trovio::BasicInSlot& slot)
     const Road road{slot, label, field, caller};
     const std::uint64_t rounds = roundsOf(slot);
     std::uint64_t count = 0;
-    while (slot.mayHoldRecord()) {
+    while (Trovio::Hooks::mayHoldRecord(slot)) {
         if (count == rounds) {
             Trovio::Hooks::cutShort(slot);
             break;
@@ -121,13 +121,13 @@ TrovioSensorHandler::UpdateObserver::~UpdateObserver()
 bool TrovioSensorHandler::UpdateObserver::update(const TimeStamp& now)
 {
     // Only an in-slot holds records. A dynamic cast says the same, and takes longer.
-    return _slot && _slot->mayHoldRecord() && _field &&
+    return _slot && Trovio::Hooks::mayHoldRecord(*_slot) && _field &&
            drain(*static_cast<Trovio::BasicInSlot*>(_slot), _slotLabel, *_field, __PRETTY_FUNCTION__, now);
 }
 
 void TrovioSensorHandler::UpdateObserver::updateOutput(const TimeStamp&)
 {
-    if (!_field || !_slot || _slot->isInSlot())
+    if (!_field || !_slot || Trovio::Hooks::isInSlot(*_slot))
         return;
     bool sent = false;
     withFieldType(_field->getTypeCode(), [&]<class Row>(Row) {

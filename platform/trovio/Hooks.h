@@ -5,7 +5,9 @@
 #include "trovio/BasicInSlot.h"
 
 // What the typed slots and those who drain them need of this framework beyond its documented interface. A build against
-// another framework replaces this header by one whose operations do nothing, but for downAndLock() and tryDown().
+// another framework replaces this header. Of its operations these have to do what they say: wiringLock(),
+// downAndLock(), tryDown(), unlockUnchanged(), putBack(), which is up() there, and isInSlot(). mayHoldRecord() may be
+// true of every in-slot, getCapacity() any number and saysOnce() always true. The others may do nothing.
 namespace Trovio::Hooks {
 
 /// Held around the whole of every connect and disconnect in the process, so that the two sides of a pair never
@@ -19,6 +21,18 @@ public:
     WiringGuard(const WiringGuard&) = delete;
     WiringGuard& operator=(const WiringGuard&) = delete;
 };
+
+/// What slot.getDirection() says, without a virtual call.
+inline bool isInSlot(const Slot& slot)
+{
+    return slot.isInSlot();
+}
+
+/// False where certainly no unread record waits, always for an out-slot; without a lock.
+inline bool mayHoldRecord(const Slot& slot)
+{
+    return slot.mayHoldRecord();
+}
 
 /// slot.down() and then slot.lock(), in one step where that is cheaper.
 inline void downAndLock(const BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
@@ -63,6 +77,12 @@ inline void notStored(BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
 inline void putBack(const BasicInSlot& slot) OSTREL_NO_THREAD_SAFETY_ANALYSIS
 {
     slot.putBack();
+}
+
+/// How many records the slot can hold.
+inline unsigned int getCapacity(const BasicInSlot& slot)
+{
+    return slot.getCapacity();
 }
 
 inline void setCapacity(BasicInSlot& slot, unsigned int capacity)
