@@ -6,18 +6,10 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 // Copies of what stands in the tree at one moment, for tools that print or explain it.
 namespace Trovio {
-
-/// Labels that begin with '@' belong to tools that look at a tree while it works, such as their namespaces below the
-/// root: inspect() and explain() pass over what stands under such a label, and over routes that name one.
-constexpr bool isForTools(std::string_view label)
-{
-    return label.starts_with('@');
-}
 
 /// A slot as it is seen in one namespace.
 struct SlotInfo {

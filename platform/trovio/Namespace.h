@@ -4,6 +4,7 @@
 #include "merid/URL.h"
 #include "trovio/Explanation.h"
 #include "trovio/Inspection.h"
+#include "trovio/Labels.h"
 #include <map>
 #include <memory>
 #include <string>
@@ -15,10 +16,6 @@ class BasicInSlot;
 class BasicOutSlot;
 class Node;
 class Scope;
-
-/// Bytes of the longest label that somebody may give to a slot, a namespace or a node, and of the longest pattern or
-/// target of a route.
-constexpr std::size_t MaxLabelLength = 1024;
 
 /// Holds slots under labels, routes between them, and child namespaces.
 /// Scope:     a namespace sees its own slots, and those of its children that their external routes show to it, under

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "trovio/Inspection.h"
+#include "trovio/Labels.h"
 #include "trovio/routing/LabelIndex.h"
 #include "trovio/routing/Pattern.h"
 #include "trovio/routing/Serial.h"
