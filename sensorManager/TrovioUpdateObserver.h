@@ -12,8 +12,8 @@ public:
     UpdateObserver(TrovioSensorHandler& handler, const std::string& slotLabel);
     ~UpdateObserver() override;
 
-    /// Takes every record that waits, in the slot's order, and announces each with the frame's time. True if at least
-    /// one was taken.
+    /// Takes the records that wait, in the slot's order, and announces each with the frame's time: at most 64, or twice
+    /// what the slot holds if that is more. True if at least one was taken.
     bool update(const TimeStamp& now) override;
 
     /// Pushes the field's value, changed or not, stamped with the current time.

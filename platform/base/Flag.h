@@ -5,8 +5,10 @@
 
 namespace Ostrel {
 
-/// A flag that changes under a lock of its owner and is asked without it, for the price of a plain read. Whoever knows,
-/// by whatever other way, that a change is done sees it.
+/// A flag that changes under a lock of its owner and is asked without it, for the price of a plain read. A change is
+/// seen by all that it happens before, such as what comes after a join or under the next lock. On x86 it is seen as
+/// soon as the lock is left, however one hears of that: leaving it is an xchg, which waits until all stores before it
+/// are seen.
 class Flag {
 public:
     Flag() = default;

@@ -42,7 +42,7 @@ struct Explanation {
     std::string _text;            // one line
     std::vector<Detail> _details; // what the text says, for programs: labels, types, counts, seconds
     /// The slots that records pass on their way, from the first to the last, as their labels are seen where it was
-    /// asked. Empty where no way leads there.
+    /// asked. Empty where no way leads there, and where a route on it does not connect.
     std::vector<std::string> _passes{};
 
     /// Null if there is no such detail, or if it is a number.

@@ -19,7 +19,7 @@ struct SlotInfo {
     bool _own = false; // stands in this namespace, rather than being seen through a child's external route
     std::string _home; // from here: labels of the namespaces down to the one where it stands, and its label there
 
-    // Of a slot that stands here; the last two for its direction.
+    // Of a slot that stands here, and from findSlots() of every one: of the last two the one for its direction.
     bool _active = false; // it has a connection that is no tool's
     std::optional<OutSlotActivity> _out;
     std::optional<InSlotActivity> _in;

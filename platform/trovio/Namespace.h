@@ -94,8 +94,8 @@ public:
     /// A copy of everything in and below this namespace, as it was at one moment, but for what belongs to tools.
     NamespaceInfo inspect() const;
 
-    /// The slots that are seen here under the label, each with the activity of where it stands. Costs one look-up,
-    /// unlike inspect().
+    /// The slots that are seen here under the label, each with the activity of where it stands. Costs what these
+    /// slots' own connections cost, unlike inspect().
     std::vector<SlotInfo> findSlots(const std::string& label) const;
 
     /// Whether records flow from one label seen here to another, through routes and nodes, and if not, the first cause

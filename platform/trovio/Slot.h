@@ -36,12 +36,12 @@ public:
     virtual const std::type_info& getTypeID() const = 0;
     virtual Direction getDirection() const = 0;
 
-    /// The same as getDirection() says, without a virtual call: for those who look into thousands of
-    /// slots in which nothing waits.
+    /// The same as getDirection() says, without a virtual call.
     bool isInSlot() const { return _isInSlot; }
 
-    /// False where certainly no unread record waits, always for an out-slot; asked without a lock. A record whose push
-    /// has returned is seen.
+    /// False where certainly no unread record waits, always for an out-slot; asked without a lock: for those who look
+    /// into thousands of slots in which nothing waits. A record is seen once its push has returned, as far as
+    /// base/Flag.h promises.
     bool mayHoldRecord() const { return _mayHoldRecord.isSet(); }
 
     Slot(const Slot&) = delete;

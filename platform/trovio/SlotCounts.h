@@ -10,7 +10,7 @@ namespace Trovio {
 struct InSlotCounts {
     std::uint64_t stored = 0;      // every record pushed into the slot, but those that could not be copied
     std::uint64_t overwritten = 0; // replaced, or dropped from a full ring, before anybody took it
-    std::uint64_t taken = 0;       // handed to a reader by pop()
+    std::uint64_t taken = 0;       // handed to a reader or a frame
     std::uint64_t waiting = 0;     // unread
     bool operator==(const InSlotCounts&) const = default;
 };
