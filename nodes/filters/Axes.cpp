@@ -21,13 +21,6 @@ AxisOrder readOrder(const Settings& settings, const char* name, std::size_t coun
                                      " once, as a capital where it is to be negated, or nothing");
 }
 
-/// For settings that mean nothing to values of the type.
-void refuseIfGiven(const Settings& settings, const char* name, const char* types)
-{
-    if (settings.isGiven(name))
-        throw settings.refusal(name, std::string("only with a type that it means something for: ") + types);
-}
-
 double readFactor(const Settings& settings)
 {
     return unitFactors[settings.choice("unit")];

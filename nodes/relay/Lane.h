@@ -3,6 +3,7 @@
 #include "trovio/BufferedInSlot.h"
 #include "trovio/OutSlot.h"
 #include <optional>
+#include <vector>
 
 namespace Trovio::Nodes {
 
@@ -12,28 +13,31 @@ enum class Outcome : std::size_t {
     BadValue,  // a component is no finite number, or a rotation has no direction
     BadResult, // the result does not fit into the type
     BadStamp,  // the time stamp is not after the one before it, where that matters
+    Kept,      // nothing is wrong with it, and nothing is sent because of it
 };
 
-/// The in-slot and the out-slot of a relay, of one type, and what happens to records on their way.
+/// The slots of a relay, and what happens to records on their way.
 /// Threads: any thread uses the slots; one thread relays.
 class Lane {
 public:
     virtual ~Lane() = default;
-    virtual BasicInSlot& getInSlot() = 0;
-    virtual BasicOutSlot& getOutSlot() = 0;
+    virtual std::vector<BasicInSlot*> getInSlots() = 0;
+    virtual std::vector<BasicOutSlot*> getOutSlots() = 0;
 
-    /// Takes the oldest waiting record and sends what becomes of it. Nothing if none waits.
+    /// Takes the next waiting record and sends what becomes of it. Nothing if none waits that it could take.
     virtual std::optional<Outcome> relayNext() = 0;
 };
 
-/// Process changes a record in place, and says whether it is to be sent: Outcome operator()(Data<T>&).
+/// From one in-slot to one out-slot of its type. Process changes a record in place, and says whether it is to be sent:
+/// Outcome operator()(Data<T>&).
 template <class T, class Process>
 class TypedLane final : public Lane {
 public:
     TypedLane(unsigned capacity, Process process) : _process(std::move(process)), _in("in", capacity), _out("out") {}
 
-    BasicInSlot& getInSlot() override { return _in; }
-    OutSlot<T>& getOutSlot() override { return _out; }
+    std::vector<BasicInSlot*> getInSlots() override { return {&_in}; }
+    std::vector<BasicOutSlot*> getOutSlots() override { return {&_out}; }
+    OutSlot<T>& getOutSlot() { return _out; }
 
     std::optional<Outcome> relayNext() override
     {

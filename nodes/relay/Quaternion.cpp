@@ -2,6 +2,21 @@
 
 namespace Trovio::Nodes {
 
+Quaternion Quaternion::about(std::size_t axis, double angle)
+{
+    std::array<double, 3> vector{};
+    vector.at(axis) = std::sin(angle / 2.0);
+    return {vector[0], vector[1], vector[2], std::cos(angle / 2.0)};
+}
+
+Quaternion Quaternion::operator*(const Quaternion& other) const
+{
+    return {_w * other._x + _x * other._w + _y * other._z - _z * other._y,
+            _w * other._y - _x * other._z + _y * other._w + _z * other._x,
+            _w * other._z + _x * other._y - _y * other._x + _z * other._w,
+            _w * other._w - _x * other._x - _y * other._y - _z * other._z};
+}
+
 std::array<double, 3> Quaternion::rotationTo(const Quaternion& other) const
 {
     const Quaternion to = other.nearTo(*this);

@@ -14,6 +14,9 @@ struct Quaternion {
     Quaternion(double x, double y, double z, double w) : _x(x), _y(y), _z(z), _w(w) {}
     explicit Quaternion(const Rotation& rotation) : Quaternion(rotation[0], rotation[1], rotation[2], rotation[3]) {}
 
+    /// By an angle in radians about the axis x (0), y (1) or z (2).
+    static Quaternion about(std::size_t axis, double angle);
+
     /// Of length 1, unless this has none.
     Rotation toRotation() const
     {
@@ -23,6 +26,8 @@ struct Quaternion {
 
     double dot(const Quaternion& other) const { return _x * other._x + _y * other._y + _z * other._z + _w * other._w; }
     double length() const { return std::sqrt(dot(*this)); }
+    /// Turns by other first, then by this.
+    Quaternion operator*(const Quaternion& other) const;
     Quaternion operator*(double factor) const { return {_x * factor, _y * factor, _z * factor, _w * factor}; }
     Quaternion normalized() const { return *this * (1.0 / length()); }
 

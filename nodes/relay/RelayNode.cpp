@@ -2,10 +2,11 @@
 
 namespace Trovio::Nodes {
 
-RelayTable::RelayTable(std::string types, const char* initialType, std::initializer_list<Setting> rows)
+RelayTable::RelayTable(std::string types, const char* initialType, std::initializer_list<Setting> rows,
+                       const char* meaning)
     : _types(std::move(types)),
-      _rows{Setting::choice("type", initialType, _types.c_str(), "slot type of both ends"),
-            Setting::integer("queue", "256", 1, 65536, "records that may wait in the in-slot; the newest are kept")}
+      _rows{Setting::choice("type", initialType, _types.c_str(), meaning),
+            Setting::integer("queue", "256", 1, 65536, "records that may wait in an in-slot; the newest are kept")}
 {
     _rows.insert(_rows.end(), rows);
 }
@@ -31,9 +32,20 @@ void RelayNode::configure(const Settings& settings)
     auto lane = createLane(settings);
     removeSlots();
     _lane = std::move(lane);
-    _lane->getInSlot().setListener(this);
-    addSlot(_lane->getInSlot());
-    addSlot(_lane->getOutSlot());
+    for (BasicInSlot* const slot : _lane->getInSlots()) {
+        slot->setListener(this);
+        addSlot(*slot);
+    }
+    for (BasicOutSlot* const slot : _lane->getOutSlots())
+        addSlot(*slot);
+}
+
+std::vector<std::string> RelayNode::outLabels() const
+{
+    std::vector<std::string> labels;
+    for (const BasicOutSlot* const slot : _lane->getOutSlots())
+        labels.push_back(slot->getName());
+    return labels;
 }
 
 void RelayNode::run()
@@ -59,7 +71,7 @@ void RelayNode::relayWaiting()
         if (*outcome == Outcome::Sent)
             _sent.add();
         else
-            countRejected(*outcome);
+            countUnsent(*outcome);
     }
 }
 

@@ -11,8 +11,9 @@ namespace Trovio::Nodes {
 /// Lives as long as the node type, which refers to it.
 class RelayTable {
 public:
-    /// types: the names of the types that the relay is made for, as choices: "Float|Vec3f".
-    RelayTable(std::string types, const char* initialType, std::initializer_list<Setting> rows);
+    /// types: the names of the types that the relay is made for, as choices: "Float|Vec3f"; meaning: of which slots.
+    RelayTable(std::string types, const char* initialType, std::initializer_list<Setting> rows,
+               const char* meaning = "slot type of both ends");
     RelayTable(const RelayTable&) = delete;
     RelayTable& operator=(const RelayTable&) = delete;
 
@@ -23,8 +24,9 @@ private:
     std::vector<Setting> _rows;
 };
 
-/// Takes records from an in-slot, in order, and sends what becomes of them through an out-slot of the same type.
-/// Invariant: received = sent + rejected whenever nothing waits; a record that there was no memory for may be none.
+/// Takes records from its in-slots, those of each in order, and sends what becomes of them through its out-slots.
+/// Invariant: received = sent + rejected + kept whenever nothing waits; a record that there was no memory for may be
+///            none.
 /// Ownership: owns its slots; routes refer to them only while the node stands in a namespace.
 /// Threads:   a record that arrives is queued and wakes the node's own thread, which does all the rest.
 class RelayNode : public WorkerNode, private SlotListener {
@@ -41,12 +43,18 @@ protected:
     virtual std::optional<double> update() { return std::nullopt; }
 
     /// Runs on the node's thread for each record that was received but not sent.
-    virtual void countRejected(Outcome) {}
+    virtual void countUnsent(Outcome) {}
 
     void configure(const Settings& settings) override;
 
+    /// A record that went out of update(). On the node's thread.
+    void addSent() { _sent.add(); }
+
     /// Records sent so far. Any thread.
     std::uint64_t countSent() const { return _sent.get(); }
+
+    /// The labels of what goes out. Any thread, once the node is configured.
+    std::vector<std::string> outLabels() const;
 
     static unsigned readQueue(const Settings& settings);
 
