@@ -1,10 +1,15 @@
 #include "fuzz/NodeTypes.h"
 
+#include "nodes/filters/Align.h"
 #include "nodes/filters/Axes.h"
 #include "nodes/filters/Clamp.h"
+#include "nodes/filters/Convert.h"
 #include "nodes/filters/DeadZone.h"
+#include "nodes/filters/Join.h"
+#include "nodes/filters/OnChange.h"
 #include "nodes/filters/OneEuro.h"
 #include "nodes/filters/Scale.h"
+#include "nodes/filters/Split.h"
 #include "nodes/generator/Generator.h"
 #include "nodes/guard/Guard.h"
 #include "nodes/osc/OscNode.h"
@@ -21,8 +26,10 @@ const std::vector<const Trovio::NodeTypeEntry*>& nodeTypes()
 {
     using namespace Trovio::Nodes;
     static const std::vector<const Trovio::NodeTypeEntry*> types{
-        &OscNode::getEntry(),        &Generator::getEntry(), &Guard::getEntry(),   &Axes::getEntry(),
-        &Clamp::getEntry(),          &DeadZone::getEntry(),  &OneEuro::getEntry(), &Scale::getEntry(),
+        &OscNode::getEntry(),        &Generator::getEntry(), &Guard::getEntry(),   &Align::getEntry(),
+        &Axes::getEntry(),           &Clamp::getEntry(),     &Convert::getEntry(), &DeadZone::getEntry(),
+        &Join::getEntry(),           &OnChange::getEntry(),  &OneEuro::getEntry(), &Scale::getEntry(),
+        &Split::getEntry(),
 #ifdef FUZZ_CONTROLLER
         &ControllerNode::getEntry(),
 #endif

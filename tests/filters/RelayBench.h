@@ -7,33 +7,33 @@
 namespace Trovio::Nodes {
 
 /// A relay under the root, between an out-slot of the test and a probe.
-template <class NodeT, class T>
+template <class NodeT, class T, class Out = T>
 class RelayBench {
 public:
-    explicit RelayBench(const std::string& settings)
+    explicit RelayBench(const std::string& settings, const std::string& out = "out")
         : _node(std::make_unique<NodeT>(_clock), "label=relay type=" + TypeName<T>::getName() + " " + settings),
           _source("relay/in"),
-          _probe("relay/out")
+          _probe("relay/" + out)
     {
     }
 
     void send(const T& value, double stamp = 1.0) { _source.push(value, stamp); }
-    Data<T> next() { return _probe.next(); }
-    T pass(const T& value, double stamp = 1.0)
+    Data<Out> next() { return _probe.next(); }
+    Out pass(const T& value, double stamp = 1.0)
     {
         send(value, stamp);
         return next().getValue();
     }
     ManualClock& clock() { return _clock; }
     StandingNode<NodeT>& node() { return _node; }
-    BufferedInSlot<T>& output() { return _probe.slot(); }
+    BufferedInSlot<Out>& output() { return _probe.slot(); }
 
 private:
     OpenRoot _root;
     ManualClock _clock;
     StandingNode<NodeT> _node;
     Feed<T> _source;
-    Probe<T> _probe;
+    Probe<Out> _probe;
 };
 
 /// Numbers as a value of type T, and back.
