@@ -44,6 +44,35 @@ TEST_F(Tree, TakenLabelsGetTheLowestFreeNumber)
     EXPECT_EQ(_root.addNamespace(std::move(named)), "my node");
 }
 
+TEST_F(Tree, ListsEachSlotByWhatItIsCalledAndWhereItStands)
+{
+    Trovio::InSlot<float> tap("tap");
+    auto box = std::make_unique<Namespace>(), tools = std::make_unique<Namespace>();
+    auto node = make("node");
+    node->addOutSlot("out", &_out);
+    box->addInSlot("in", &_in);
+    box->addNamespace("inner", std::move(node));
+    box->addExternalRoute("inner/out", "renamed");
+    box->addExternalRoute("inner/out", "{NamespaceLabel}/{SlotLabel}");
+    tools->addInSlot("renamed", &tap);
+    tools->addExternalRoute("*", "{NamespaceLabel}/{SlotLabel}");
+    _root.addNamespace("box", std::move(box));
+    _root.addNamespace("@tools", std::move(tools));
+    _out.push(Trovio::Data<float>(1));
+    std::multimap<std::string, std::string> homes;
+    for (const Trovio::SlotInfo& slot : Root::listSlots()) {
+        homes.emplace(slot._label, slot._home);
+        EXPECT_EQ(slot._out ? slot._out->_written : slot._in->_counts.stored + 1, 1U) << slot._home;
+    }
+    EXPECT_EQ(homes, (std::multimap<std::string, std::string>{
+                         {"", "box/in"}, {"box/inner/out", "box/inner/out"}, {"renamed", "box/inner/out"}}));
+    const auto nodes = Root::listNodes();
+    ASSERT_EQ(nodes.size(), 1U);
+    EXPECT_EQ(nodes.at("box/inner")._typeName, "Test");
+    _root.removeNamespace("@tools");
+    _root.removeNamespace("box");
+}
+
 TEST_F(Tree, UnknownAndUnusableNamespacesAreRefused)
 {
     EXPECT_EQ(_root.getNamespace("nobody"), nullptr);

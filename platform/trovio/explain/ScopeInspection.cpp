@@ -1,5 +1,6 @@
 #include "trovio/explain/ScopeInspection.h"
 
+#include "trovio/Node.h"
 #include "trovio/explain/PathSearch.h"
 #include "trovio/routing/RouteProblems.h"
 #include <algorithm>
@@ -40,16 +41,22 @@ bool isActive(const SlotView& home)
     return used;
 }
 
-void addActivity(const SlotView& home, SlotInfo& info)
+void addCounts(const SlotView& home, SlotInfo& info)
 {
-    info._active = isActive(home);
     if (home._ref.out())
         info._out = home._ref.out()->getActivity();
     else
         info._in = home._ref.in()->getActivity();
 }
 
-SlotInfo inspectSlot(const SlotView& view)
+void addActivity(const SlotView& home, SlotInfo& info)
+{
+    info._active = isActive(home);
+    addCounts(home, info);
+}
+
+/// Without its activity.
+SlotInfo describeSlot(const SlotView& view)
 {
     const SlotRef& ref = view._ref;
     SlotInfo info{view._label, ref._slot->getDirection(), ref._slot->getTypeName(), !view._shownBy, {}, {}, {}, {}};
@@ -57,6 +64,12 @@ SlotInfo inspectSlot(const SlotView& view)
     for (; home->_origin; home = home->_origin)
         info._home += home->_origin->_scope->getLabel() + "/";
     info._home += home->_label;
+    return info;
+}
+
+SlotInfo inspectSlot(const SlotView& view)
+{
+    SlotInfo info = describeSlot(view);
     if (info._own)
         addActivity(view, info);
     return info;
@@ -125,10 +138,48 @@ std::vector<SlotInfo> inspectSlots(const Scope& scope, const std::string& label)
 {
     std::vector<SlotInfo> slots;
     for (const SlotView* view : scope.getViews().under(label)) {
-        slots.push_back(inspectSlot(*view));
+        slots.push_back(describeSlot(*view));
         addActivity(view->home(), slots.back());
     }
     return slots;
+}
+
+NodeInfo inspectNode(const Node& node, bool isRelaying)
+{
+    return {node.getTypeName(), node.getState(), node.getCounters(), {}, isRelaying};
+}
+
+std::vector<SlotInfo> inspectSeen(const Scope& scope)
+{
+    std::vector<SlotInfo> slots;
+    for (const auto& [label, same] : scope.getViews()) {
+        if (isForTools(label))
+            continue;
+        for (const SlotView* view : same) {
+            slots.push_back(describeSlot(*view));
+            addCounts(view->home(), slots.back());
+        }
+    }
+    return slots;
+}
+
+void addUnseen(const Scope& scope, const std::string& path, const Scope& top, std::vector<SlotInfo>& slots)
+{
+    for (const auto& [label, same] : scope.getViews()) {
+        if (isForTools(label))
+            continue;
+        for (const SlotView* view : same) {
+            bool isSeen = view->_origin != nullptr; // by what the scope where it stands adds
+            if (!isSeen)
+                forEachView(*view, [&](const SlotView& above) { isSeen = isSeen || above._scope == &top; });
+            if (isSeen)
+                continue;
+            slots.push_back(describeSlot(*view));
+            slots.back()._label.clear();
+            slots.back()._home = path + "/" + label;
+            addCounts(*view, slots.back());
+        }
+    }
 }
 
 } // namespace Trovio

@@ -11,4 +11,14 @@ void inspectScope(const Scope& scope, NamespaceInfo& info);
 /// The slots that it sees under the label, each with its activity. Under the tree lock.
 std::vector<SlotInfo> inspectSlots(const Scope& scope, const std::string& label);
 
+/// Without what it knows of its slots.
+NodeInfo inspectNode(const Node& node, bool isRelaying);
+
+/// The slots that it sees, each under each of its labels, with what passed them, but without looking at connections.
+/// Under the tree lock.
+std::vector<SlotInfo> inspectSeen(const Scope& scope);
+
+/// Adds the same of those that stand in the scope with that path and that `top` does not see. Under the tree lock.
+void addUnseen(const Scope& scope, const std::string& path, const Scope& top, std::vector<SlotInfo>& slots);
+
 } // namespace Trovio

@@ -10,6 +10,7 @@
 #include "trovio/explain/FlowQuery.h"
 #include "trovio/explain/ScopeInspection.h"
 #include "trovio/messages/FrameworkLog.h"
+#include "trovio/tree/ForEachBelow.h"
 #include <algorithm>
 #include <optional>
 
@@ -352,18 +353,6 @@ void Namespace::clear()
     _dirty = false;
 }
 
-template <class Visit>
-void Namespace::forEachBelow(const std::string& path, const Visit& visit) const
-{
-    for (const auto& [label, child] : _children) {
-        if (isForTools(label))
-            continue;
-        const std::string childPath = path.empty() ? label : path + "/" + label;
-        visit(childPath, *child->_scope);
-        child->forEachBelow(childPath, visit);
-    }
-}
-
 Explanation Namespace::explain(const std::string& from, const std::string& to, double staleAfter) const
 {
     const LockGuard guard(_treeLock);
@@ -389,9 +378,10 @@ NamespaceInfo Namespace::inspectLocked() const
     NamespaceInfo info;
     info._label = _label;
     info._dirty = _dirty;
-    if (const auto* node = dynamic_cast<const Node*>(this))
-        info._node = NodeInfo{node->getTypeName(), node->getState(), node->getCounters(), node->askRemarks(),
-                              _scope->isRelaying()};
+    if (const auto* node = dynamic_cast<const Node*>(this)) {
+        info._node = inspectNode(*node, _scope->isRelaying());
+        info._node->_remarks = node->askRemarks();
+    }
     inspectScope(*_scope, info);
     for (const auto& [label, child] : _children)
         if (!isForTools(label))
