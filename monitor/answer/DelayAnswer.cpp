@@ -46,6 +46,8 @@ const SlotMap::Place& placeOf(const SlotMap& map, const Question& question, cons
         throw Refusal(400,
                       "'" + name + "' is " + Explain::inQuotes(place->_label) + ", an " +
                           (isOut ? "in-slot; records come from an out-slot" : "out-slot; records go to an in-slot"));
+    if (TapSet::isPattern(place->_label))
+        throw Refusal(400, TapSet::whyNot(place->_label));
     if (!place->_seen)
         throw Refusal(404, Explain::inQuotes(place->_label) + " is not seen in the root; show it by external routes");
     return *place;

@@ -148,7 +148,7 @@ void Hub::stream(const Question& question, const std::shared_ptr<Exchange>& exch
         _network._post([this, labels, problem, most, shows, held = std::exchange(held, nullptr)] {
             auto made = lines(labels, most, shows);
             made ? held->replyWith(std::move(made))
-                 : held->reply(errorAnswer(404, problem.empty() ? "the slot is gone" : problem));
+                 : held->reply(errorAnswer(404, labels.empty() ? problem : TapSet::whyNot(labels.front())));
         });
     };
     if (!_work.add(work))

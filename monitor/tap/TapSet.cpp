@@ -1,5 +1,6 @@
 #include "monitor/tap/TapSet.h"
 
+#include "explain/text/Escape.h"
 #include "trovio/Exception.h"
 #include "trovio/Root.h"
 
@@ -54,8 +55,19 @@ TapSet::~TapSet()
     Root::get().removeNamespace(_space);
 }
 
+std::string TapSet::whyNot(const std::string& label)
+{
+    if (isPattern(label))
+        return Explain::inQuotes(label) + " cannot be looked at: in a route a '*' stands for any text; give the slot a "
+                                          "label without";
+    return codecAt(label) ? Explain::inQuotes(label) + " cannot be looked at: its label is too long"
+                          : "no out-slot has the label " + Explain::inQuotes(label);
+}
+
 bool TapSet::add(const std::string& label)
 {
+    if (isPattern(label))
+        return false;
     const Ostrel::LockGuard guard(_lock);
     if (const auto known = _watched.find(label); known != _watched.end()) {
         ++known->second->_users;

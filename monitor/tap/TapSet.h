@@ -34,6 +34,10 @@ public:
     /// Looks at the out-slot with that label, as the root sees it; each call asks for one remove(). False, and looks at
     /// nothing, if there is none now.
     bool add(const std::string& label) OSTREL_EXCLUDES(_lock);
+    /// What to say where add() looked at nothing.
+    static std::string whyNot(const std::string& label);
+    /// Whether the label cannot stand for one slot in a route.
+    static bool isPattern(const std::string& label) { return label.find('*') != std::string::npos; }
     void remove(const std::string& label) OSTREL_EXCLUDES(_lock);
 
     /// Hands out what has come, by the time of its arrival. The codec is that of the slot's type, which may change when

@@ -106,6 +106,32 @@ INSTANTIATE_TEST_SUITE_P(
               "allowed: cdr, json"}),
     [](const auto& row) { return std::string(row.param._name); });
 
+TEST(Stream, OffersSlotsAsTheRootSeesThem)
+{
+    ServerBench bench;
+    Trovio::OutSlot<double> renamed("renamed"), hidden("hidden");
+    auto box = std::make_unique<Trovio::Namespace>();
+    box->addOutSlot("value", &renamed);
+    box->addOutSlot("hidden", &hidden);
+    box->addExternalRoute("value", "Renamed");
+    Trovio::Root::get().addNamespace("Box", std::move(box));
+    Source star("Any/*");
+    WebSocketClient client(bench, foxglove);
+    client.nextJson();
+    const Json channels = client.nextJson()["channels"];
+    ASSERT_EQ(channels.size(), 2U) << channels;
+    EXPECT_EQ(channels[0]["topic"], "Any/*");
+    EXPECT_EQ(channels[1]["topic"], "Renamed");
+    for (const Json& channel : channels)
+        client.say({{"op", "subscribe"}, {"subscriptions", {{{"id", channel["id"]}, {"channelId", channel["id"]}}}}});
+    EXPECT_NE(client.nextJson()["message"].get<std::string>().find("'Any/*' cannot be looked at"), std::string::npos);
+    renamed.push(Trovio::Data(2.5));
+    star.push(1);
+    bench.round();
+    EXPECT_EQ(client.nextBinary().substr(13), std::string(reinterpret_cast<const char*>(encoded(2.5).data()), 12));
+    Trovio::Root::get().removeNamespace("Box");
+}
+
 TEST(Stream, PublishedMessagesReachTheSlotAndOthersAreNamed)
 {
     ServerBench bench;

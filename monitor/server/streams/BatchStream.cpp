@@ -1,13 +1,10 @@
 #include "monitor/server/streams/BatchStream.h"
 
-#include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
 #include "monitor/server/streams/ClientJson.h"
 #include "monitor/server/streams/RecordText.h"
 
 namespace Monitor {
-
-using Explain::inQuotes;
 
 // A client that does not even take words is sent away.
 void BatchStream::say(const nlohmann::json& object)
@@ -43,7 +40,7 @@ void BatchStream::subscribe(const nlohmann::json& labels)
             continue;
         }
         _numbers.erase(label);
-        say({{"op", "error"}, {"label", label}, {"message", "no out-slot has the label " + inQuotes(label)}});
+        say({{"op", "error"}, {"label", label}, {"message", TapSet::whyNot(label)}});
     }
     say({{"op", "subscribed"}, {"slots", slots}});
     endRound();

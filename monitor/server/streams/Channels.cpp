@@ -1,9 +1,6 @@
 #include "monitor/server/streams/Channels.h"
 
-#include "explain/TreeWalk.h"
 #include "trovio/Root.h"
-
-#include <algorithm>
 
 namespace Monitor {
 namespace {
@@ -11,13 +8,10 @@ namespace {
 std::map<std::string, const SlotCodec*> outSlots()
 {
     std::map<std::string, const SlotCodec*> found;
-    Explain::walkTree(Trovio::Root::get().inspect(),
-                      [&found](const std::string& path, const Trovio::NamespaceInfo& at) {
-                          for (const Trovio::SlotInfo& slot : at._slots)
-                              if (slot._own && slot._direction == Trovio::Slot::Direction::Out)
-                                  if (const SlotCodec* const codec = SlotCodec::find(slot._typeName))
-                                      found[Explain::pathBelow(path, slot._label)] = codec;
-                      });
+    for (const Trovio::SlotInfo& slot : Trovio::Root::listSlots())
+        if (!slot._label.empty() && slot._direction == Trovio::Slot::Direction::Out)
+            if (const SlotCodec* const codec = SlotCodec::find(slot._typeName))
+                found.emplace(slot._label, codec);
     return found;
 }
 } // namespace

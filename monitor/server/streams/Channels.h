@@ -8,7 +8,7 @@
 
 namespace Monitor {
 
-/// The out-slots of the tree under numbers, as streams offer them. A number is never given to another one.
+/// The out-slots that the root sees under numbers, as streams offer them. A number is never given to another one.
 /// Threads: the server's.
 class Channels {
 public:

@@ -145,7 +145,7 @@ void FoxgloveStream::handle(const Foxglove::Subscribe& message)
             continue;
         _byLabel.erase(label);
         _subscriptions.erase(entry._number);
-        status(Error, "the slot " + inQuotes(label) + " is gone");
+        status(Error, TapSet::whyNot(label));
     }
 }
 
