@@ -1,90 +1,103 @@
-#include "explain/TreeWalk.h"
 #include "monitor/answer/Context.h"
 #include "monitor/answer/MetricsText.h"
-#include "monitor/answer/SlotMap.h"
 #include "trovio/Root.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <unordered_set>
 
 namespace Monitor {
 namespace {
 
-using Place = SlotMap::Place;
+using Trovio::SlotInfo;
 
 struct Fate {
     const char* _name;
-    std::uint64_t (*_count)(const Place& place);
+    std::uint64_t (*_count)(const SlotInfo& slot);
     bool _isOut;
 };
 
-constexpr Fate fates[] = {
-    {"written", [](const Place& place) { return place._slot->_out->_written; }, true},
-    {"stored", [](const Place& place) { return place._slot->_in->_counts.stored; }, false},
-    {"overwritten", [](const Place& place) { return place._slot->_in->_counts.overwritten; }, false},
-    {"taken", [](const Place& place) { return place._slot->_in->_counts.taken; }, false},
-    {"not_stored", [](const Place& place) { return place._slot->_in->_notStored; }, false}};
+constexpr Fate fates[] = {{"written", [](const SlotInfo& slot) { return slot._out->_written; }, true},
+                          {"stored", [](const SlotInfo& slot) { return slot._in->_counts.stored; }, false},
+                          {"overwritten", [](const SlotInfo& slot) { return slot._in->_counts.overwritten; }, false},
+                          {"taken", [](const SlotInfo& slot) { return slot._in->_counts.taken; }, false},
+                          {"not_stored", [](const SlotInfo& slot) { return slot._in->_notStored; }, false}};
 
-Trovio::StampCounts stampsOf(const Place& place)
+bool isOut(const SlotInfo& slot)
 {
-    return place.isOut() ? place._slot->_out->_stamps : place._slot->_in->_stamps;
+    return slot._direction == Trovio::Slot::Direction::Out;
 }
 
-void addSlots(const SlotMap& map, MetricsText& text)
+Trovio::StampCounts stampsOf(const SlotInfo& slot)
+{
+    return isOut(slot) ? slot._out->_stamps : slot._in->_stamps;
+}
+
+using Slots = std::vector<SlotInfo>;
+
+/// Each slot once, and no two under one label: the same sample twice is none. Who has a label that another one had
+/// first, or none that the root sees, is called by the way there.
+Slots named(Slots slots)
+{
+    std::ranges::stable_sort(slots, {}, [](const SlotInfo& slot) -> const std::string& { return slot._label; });
+    const auto seen = std::ranges::find_if(slots, [](const SlotInfo& slot) { return !slot._label.empty(); });
+    std::rotate(slots.begin(), seen, slots.end());
+    std::unordered_set<std::string> homes, labels;
+    std::erase_if(slots, [&](SlotInfo& slot) {
+        if (!homes.insert(slot._home).second)
+            return true;
+        if (slot._label.empty() || labels.contains(slot._label))
+            slot._label = slot._home;
+        return !labels.insert(slot._label).second;
+    });
+    return slots;
+}
+
+void addSlots(const Slots& slots, MetricsText& text)
 {
     text.family("ostrel_slot_records", "counter", "Records by slot and what became of them.");
-    for (const Place& place : map.all())
+    for (const SlotInfo& slot : slots)
         for (const Fate& fate : fates)
-            if (fate._isOut == place.isOut())
-                text.sample({{"slot", place._label}, {"type", place._slot->_typeName}, {"fate", fate._name}},
-                            fate._count(place));
+            if (fate._isOut == isOut(slot))
+                text.sample({{"slot", slot._label}, {"type", slot._typeName}, {"fate", fate._name}}, fate._count(slot));
     text.family("ostrel_slot_waiting", "gauge", "Records that nobody has taken yet.");
-    for (const Place& place : map.all())
-        if (!place.isOut())
-            text.sample({{"slot", place._label}}, place._slot->_in->_counts.waiting);
+    for (const SlotInfo& slot : slots)
+        if (!isOut(slot))
+            text.sample({{"slot", slot._label}}, slot._in->_counts.waiting);
     text.family("ostrel_slot_odd_stamps", "counter", "Records stamped in the future, or before the one before.");
-    for (const Place& place : map.all()) {
-        const Trovio::StampCounts stamps = stampsOf(place);
-        text.sample({{"slot", place._label}, {"kind", "future"}}, stamps._future);
-        text.sample({{"slot", place._label}, {"kind", "backwards"}}, stamps._backwards);
+    for (const SlotInfo& slot : slots) {
+        const Trovio::StampCounts stamps = stampsOf(slot);
+        text.sample({{"slot", slot._label}, {"kind", "future"}}, stamps._future);
+        text.sample({{"slot", slot._label}, {"kind", "backwards"}}, stamps._backwards);
     }
 }
 
-void addAges(const SlotMap& map, MetricsText& text)
+void addAges(const Slots& slots, MetricsText& text)
 {
     const double now = Trovio::Time::getCurrentTime().getSeconds();
     text.family("ostrel_slot_age_seconds", "gauge", "Since the time stamp of the newest record.");
-    for (const Place& place : map.all()) {
-        const double stamp = stampsOf(place)._last.getSeconds();
+    for (const SlotInfo& slot : slots) {
+        const double stamp = stampsOf(slot)._last.getSeconds();
         if (stamp != 0 && std::isfinite(stamp))
-            text.sample({{"slot", place._label}}, now - stamp);
+            text.sample({{"slot", slot._label}}, now - stamp);
     }
 }
 
-/// Calls visit(path, node) for every node.
-template <class Visit>
-void forEachNode(const SlotMap& map, const Visit& visit)
-{
-    Explain::walkTree(map.root(), [&visit](const std::string& path, const Trovio::NamespaceInfo& info) {
-        if (info._node)
-            visit(path, *info._node);
-    });
-}
+using Nodes = std::map<std::string, Trovio::NodeInfo>; // by path
 
-void addNodes(const SlotMap& map, MetricsText& text)
+void addNodes(const Nodes& nodes, MetricsText& text)
 {
     text.family("ostrel_node_state", "stateset", "Whether a node runs, or lacks something and keeps trying.");
-    forEachNode(map, [&](const std::string& path, const Trovio::NodeInfo& node) {
+    for (const auto& [path, node] : nodes)
         for (const bool degraded : {false, true})
             text.sample(
                 {{"node", path}, {"type", node._typeName}, {"ostrel_node_state", degraded ? "degraded" : "running"}},
                 std::uint64_t(node._state._degraded == degraded));
-    });
     text.family("ostrel_node_events", "counter", "What nodes count.");
-    forEachNode(map, [&](const std::string& path, const Trovio::NodeInfo& node) {
+    for (const auto& [path, node] : nodes)
         for (const Trovio::CounterInfo& counter : node._counters)
             text.sample({{"node", path}, {"type", node._typeName}, {"event", counter._name}}, counter._value);
-    });
 }
 
 void addFrames(const SceneView& scene, MetricsText& text)
@@ -121,17 +134,18 @@ Answer answerMetrics(const Context& context, const Question&)
 {
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
-    Trovio::NamespaceInfo root = Trovio::Root::get().inspect();
+    Slots copied = Trovio::Root::listSlots();
+    const Nodes nodes = Trovio::Root::listNodes();
     const std::chrono::duration<double> copying = Clock::now() - start;
-    const SlotMap map(std::move(root), placesOf(context));
+    const Slots slots = named(std::move(copied));
     MetricsText text;
     text.family("ostrel_host", "info", "The program.");
     text.sample({{"version", MONITOR_VERSION}, {"name", context._scene._name}}, std::uint64_t(1));
     text.family("ostrel_start_seconds", "gauge", "When it began to answer, since 1970.");
     text.sample({}, context._started);
-    addSlots(map, text);
-    addAges(map, text);
-    addNodes(map, text);
+    addSlots(slots, text);
+    addAges(slots, text);
+    addNodes(nodes, text);
     addFrames(context._scene, text);
     addWatchers(context, text);
     text.family("ostrel_tree_copy_seconds", "gauge", "How long the tree stood still for this text.");

@@ -1,11 +1,9 @@
 #include "tests/host/HostProcess.h"
+#include "tests/host/HostQuestion.h"
 #include "tests/support/SceneOnDisk.h"
 
-#include <array>
 #include <csignal>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 
 namespace {
 
@@ -26,22 +24,7 @@ protected:
             return entry.path();
         return {};
     }
-    std::string ask(const std::string& target) const
-    {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        socketPath().copy(address.sun_path, sizeof address.sun_path - 1);
-        const int client = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        EXPECT_EQ(connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0) << socketPath();
-        const std::string request = "GET " + target + " HTTP/1.1\r\nConnection: close\r\n\r\n";
-        EXPECT_EQ(send(client, request.data(), request.size(), MSG_NOSIGNAL), static_cast<ssize_t>(request.size()));
-        std::string answer;
-        std::array<char, 4096> bytes{};
-        for (ssize_t count = 1; count > 0; answer.append(bytes.data(), static_cast<std::size_t>(std::max(count, {}))))
-            count = recv(client, bytes.data(), bytes.size(), 0);
-        close(client);
-        return answer;
-    }
+    std::string ask(const std::string& target) const { return askHost(socketPath(), target); }
 
     const SceneOnDisk _scene{"[host]\nmonitor = \"127.0.0.1:0\"\n"
                              "[[handler]]\nkind = \"Trovio\"\nname = \"a\"\n"

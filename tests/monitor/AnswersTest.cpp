@@ -244,8 +244,11 @@ std::string parsed(const std::string& text)
 
 TEST_F(AnswersTest, MetricsAreReadByOthers)
 {
-    Trovio::OutSlot<float> odd("odd");
+    Trovio::OutSlot<float> odd("odd"), hidden("hidden");
     Root::get().addOutSlot("a\\b \"c\"\n\xFF", &odd);
+    Root::get().addNamespace("Box", std::make_unique<Trovio::Namespace>());
+    Root::get().getNamespace("Box")->addOutSlot("hidden", &hidden);
+    Root::get().getNamespace("Context")->addExternalRoute("Wand", "Context/Head"); // which is taken
     send(now());
     _taps.add("Context/Device/value");
     const Answer answer = get("/metrics");
@@ -254,10 +257,12 @@ TEST_F(AnswersTest, MetricsAreReadByOthers)
     for (const char* sample :
          {"ostrel_slot_records_total fate='written' slot='Context/Device/value' type='Float' 1",
           "ostrel_slot_records_total fate='written' slot='a\\\\b \"c\"\\n\\\\xff' type='Float' 0",
+          "ostrel_slot_records_total fate='written' slot='Box/hidden' type='Float' 0",
           "ostrel_slot_waiting slot='Context/Wand' 1", "ostrel_node_state node='Context/Filter'",
           "ostrel_frames_total fate='left_out' 1", "ostrel_client_records_total client='1.2.3.4:5' fate='dropped' 1",
           "ostrel_tap_records_total fate='drained' slot='Context/Device/value' 0"})
         EXPECT_NE(lines.find(sample), std::string::npos) << sample << " in:\n" << lines;
+    Root::get().removeNamespace("Box");
     Root::get().removeSlot("a\\b \"c\"\n\xFF");
 }
 
