@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
 
 namespace {
 
-constexpr std::size_t mostInputs = 200; // of one target: a corpus is kept small by fuzz/keep
+constexpr std::size_t maxInputs = 200; // of one target: a corpus is kept small by fuzz/keep
 
 std::vector<std::filesystem::path> filesOf(const char* folder)
 {
@@ -47,5 +47,5 @@ int main(int argc, char** argv)
         }
     }
     std::fprintf(stderr, "%zu inputs\n", count);
-    return count == 0 || count > mostInputs ? 1 : 0; // an empty corpus proves nothing
+    return count == 0 || count > maxInputs ? 1 : 0; // an empty corpus proves nothing
 }

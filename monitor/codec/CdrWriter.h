@@ -30,7 +30,7 @@ public:
     template <class Number>
     void putRun(const void* first, std::size_t count)
     {
-        static_assert(sizeof(Number) <= 8);
+        static_assert(sizeof(Number) <= 8, "CDR aligns to 8 bytes at most");
         if (count == 0)
             return; // nothing, not even what aligns it
         align(sizeof(Number));

@@ -18,7 +18,7 @@ template <>
 struct WireComponent<Trovio::Rotation> {
     using Type = double;
 };
-static_assert(sizeof(bool) == 1 && sizeof(long) == 8);
+static_assert(sizeof(bool) == 1 && sizeof(long) == 8, "bool and int64 of a message are bool and long here");
 
 template <Trovio::Numeric T>
 struct Wire<T> {

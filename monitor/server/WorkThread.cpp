@@ -22,7 +22,7 @@ void WorkThread::end()
 bool WorkThread::add(Work work)
 {
     const Ostrel::LockGuard guard(_lock);
-    if (_isOver || _waiting.size() >= MostWaiting)
+    if (_isOver || _waiting.size() >= MaxWaiting)
         return false;
     if (!_thread.joinable())
         _thread = Ostrel::quietThread(_name, [this] { run(); });

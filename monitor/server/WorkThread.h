@@ -14,7 +14,7 @@ namespace Monitor {
 /// Threads: any.
 class WorkThread {
 public:
-    static constexpr std::size_t MostWaiting = 16;
+    static constexpr std::size_t MaxWaiting = 16;
     using Work = std::function<void()>;
 
     explicit WorkThread(const char* name) : _name(name) {} // of up to 15 bytes

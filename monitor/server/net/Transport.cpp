@@ -22,7 +22,7 @@ using namespace std::chrono_literals;
 using Problem = boost::system::error_code;
 
 constexpr auto round = 16ms, idleRound = 1000ms;
-constexpr std::size_t mostRefused = 8; // clients that are just being told that there is no room
+constexpr std::size_t maxRefused = 8; // clients that are just being told that there is no room
 
 struct Client {
     std::weak_ptr<Connection> _connection;
@@ -108,7 +108,7 @@ void Transport::State::takeIn(Descriptor socket, Door door)
         }));
     };
     const bool isFull = count(false) >= _limits._clients;
-    if (isFull && count(true) >= mostRefused)
+    if (isFull && count(true) >= maxRefused)
         return;
     prepare(socket.get(), door);
     Problem problem;

@@ -14,7 +14,7 @@ using Json = nlohmann::ordered_json;
 namespace {
 
 constexpr std::size_t channelsAtOnce = 100;
-constexpr std::size_t mostPublications = 1024;
+constexpr std::size_t maxPublications = 1024;
 constexpr unsigned roundsBetweenTelling = 64; // about a second
 
 const SlotCodec* codecOfSchema(const std::string& name)
@@ -178,9 +178,9 @@ void FoxgloveStream::handle(const Foxglove::Advertise& message)
             status(Error, what + "the encoding " + inQuotes(entry._encoding) + " is unknown; allowed: cdr, json");
         else if (entry._encoding == "cdr" && !codec)
             status(Error, what + "no slot type has the schema " + inQuotes(entry._schemaName) + "; /types lists them");
-        else if (_publications.size() == mostPublications || _publications.contains(entry._number))
+        else if (_publications.size() == maxPublications || _publications.contains(entry._number))
             status(Error, what + "the number " + std::to_string(entry._number) + " is taken, or there are " +
-                              std::to_string(mostPublications) + " already");
+                              std::to_string(maxPublications) + " already");
         else
             _publications[entry._number] = {entry._topic, entry._encoding == "cdr" ? codec : nullptr};
     }
