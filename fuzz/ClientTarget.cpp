@@ -14,7 +14,7 @@ namespace {
 
 using namespace Monitor;
 
-/// A server's insides with two slots.
+/// A server's insides with three slots, one of them with poses.
 class Inside {
 public:
     Inside()
@@ -22,10 +22,13 @@ public:
         Trovio::Root::init();
         Trovio::Root::get().addOutSlot("Wand/x", &_number);
         Trovio::Root::get().addOutSlot("Wand/name", &_text);
+        Trovio::Root::get().addOutSlot("Wand/place", &_place);
         _taps = std::make_unique<TapSet>();
         _watches = std::make_unique<Watches>(*_taps, [] {});
         _channels.refresh();
-        _around.emplace(FoxgloveStream::Around{*_watches, _channels,
+        _poses = std::make_unique<PoseFeed>(*_watches);
+        _poses->setSlots(_channels.poseLabels());
+        _around.emplace(FoxgloveStream::Around{*_watches, _channels, *_poses,
                                                [](const Question& question, const auto& take) {
                                                    require(question._method == "POST", "clients only publish");
                                                    take({question._body.size() % 2 == 0 ? 200 : 400, {}, "{}"});
@@ -41,15 +44,18 @@ public:
     {
         _number.push(Trovio::Data(1.5));
         _text.push(Trovio::Data(std::string("wand")));
+        _place.push(Trovio::Data(Trovio::Matrix4<float>()));
         _watches->round();
     }
 
 private:
     Trovio::OutSlot<double> _number{"number"};
     Trovio::OutSlot<std::string> _text{"text"};
+    Trovio::OutSlot<Trovio::Matrix4<float>> _place{"place"};
     std::unique_ptr<TapSet> _taps;
     std::unique_ptr<Watches> _watches;
     Channels _channels;
+    std::unique_ptr<PoseFeed> _poses;
     std::optional<FoxgloveStream::Around> _around;
 };
 

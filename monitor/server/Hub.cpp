@@ -71,11 +71,14 @@ Hub::Hub(SceneView scene, WhoMay whoMay, Network network)
       _whoMay(std::move(whoMay)),
       _network(std::move(network)),
       _watches(_taps, _network._hurry),
-      _foxglove{_watches, _channels,
+      _foxglove{_watches,
+                _channels,
+                _poses,
                 [this](Question question, const std::function<void(const Answer&)>& take) {
                     answerLater(std::move(question), take);
                 },
-                _scene._name, newToken()},
+                _scene._name,
+                newToken()},
       _answers(_scene, _taps, [this] { return clientCounts(); })
 {
 }
@@ -191,6 +194,7 @@ void Hub::lookAtSlots()
     _lastLook = _network._now();
     if (!_channels.refresh())
         return;
+    _poses.setSlots(_channels.poseLabels());
     for (const auto& [stream, name] : _streams)
         stream->slotsChanged();
 }

@@ -55,6 +55,7 @@ private:
     TapSet _taps;
     Channels _channels;
     Watches _watches;
+    PoseFeed _poses{_watches};
     const FoxgloveStream::Around _foxglove;
 
     std::map<Stream*, std::string> _streams; // with what to call the client

@@ -6,6 +6,7 @@
 #include "tests/monitor/AllValues.h"
 #include "trovio/InSlot.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
 #include <set>
 
@@ -283,4 +284,31 @@ TEST(Codec, EachTypeHasASchemaOfItsOwn)
     EXPECT_EQ(SlotCodec::find("Vec3f[]")->schemaText(),
               "geometry_msgs/Point32[] values\n" + std::string(80, '=') +
                   "\nMSG: geometry_msgs/Point32\nfloat32 x\nfloat32 y\nfloat32 z\n");
+}
+
+// What one type's row in the page has to be; the message of its array stands in the same row.
+static std::string documentedRow(const SlotCodec& codec)
+{
+    const SlotCodec& array = *SlotCodec::find(std::string(codec.slotType()) + "[]");
+    const auto fieldsOf = [](const SlotCodec& one) {
+        std::string fields = one.schemaText().substr(0, one.schemaText().find("\n==="));
+        fields.erase(fields.find_last_not_of('\n') + 1);
+        for (std::size_t at = 0; (at = fields.find('\n', at)) != std::string::npos;)
+            fields.replace(at, 1, "; ");
+        return "`" + fields + "`";
+    };
+    const std::string_view arrayName = array.schemaName().substr(array.schemaName().rfind('/') + 1);
+    return "| `" + std::string(codec.slotType()) + "` | `" + std::string(codec.schemaName()) + "` | " +
+           fieldsOf(codec) + " | `" + std::string(arrayName) + "`: " + fieldsOf(array) + " |\n";
+}
+
+TEST(Codec, PageHasTheMessageOfEachType)
+{
+    std::ifstream file(PROJECT_FOLDER "/docs/messages.md");
+    const std::string page{std::istreambuf_iterator<char>(file), {}};
+    for (const SlotCodec* codec : SlotCodec::all()) {
+        if (codec->slotType().ends_with("[]"))
+            continue;
+        EXPECT_NE(page.find(documentedRow(*codec)), std::string::npos) << documentedRow(*codec);
+    }
 }

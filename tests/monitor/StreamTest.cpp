@@ -1,5 +1,5 @@
 #include "explain/text/JsonText.h"
-#include "monitor/codec/Encode.h"
+#include "tests/monitor/AllValues.h"
 #include "tests/monitor/ServerBench.h"
 #include "tests/monitor/WebSocketClient.h"
 #include "trovio/InSlot.h"
@@ -22,13 +22,6 @@ struct Source {
     const std::string _label;
     Trovio::OutSlot<double> _slot{"test"};
 };
-
-Bytes encoded(double value)
-{
-    Bytes bytes;
-    encode(Trovio::Data(value, Trovio::Time(value)), bytes);
-    return bytes;
-}
 
 class Subprotocol : public ::testing::TestWithParam<const char*> {};
 
@@ -130,6 +123,44 @@ TEST(Stream, OffersSlotsAsTheRootSeesThem)
     bench.round();
     EXPECT_EQ(client.nextBinary().substr(13), std::string(reinterpret_cast<const char*>(encoded(2.5).data()), 12));
     Trovio::Root::get().removeNamespace("Box");
+}
+
+TEST(Stream, PosesOfAllSlotsAreOneChannel)
+{
+    ServerBench bench;
+    using Matrix = Trovio::Matrix4<double>;
+    Trovio::OutSlot<Matrix> place("test"), other("test");
+    Trovio::Root::get().addOutSlot("Place", &place);
+    place.push(Trovio::Data(Matrix()));
+    WebSocketClient first(bench, foxglove), second(bench, foxglove);
+    const auto subscribe = [&bench](WebSocketClient& client) {
+        client.nextJson();
+        const Json channel = client.nextJson()["channels"][0];
+        EXPECT_EQ(channel["topic"], "/tf");
+        EXPECT_EQ(channel["schemaName"], "tf2_msgs/msg/TFMessage");
+        client.say({{"op", "subscribe"}, {"subscriptions", {{{"id", 4}, {"channelId", channel["id"]}}}}});
+        bench.round();
+        EXPECT_EQ(client.nextBinary()[13 + 4], 1) << "what stands still has a pose, too";
+    };
+    subscribe(first);
+    subscribe(second);
+    Trovio::Root::get().addOutSlot("Other", &other);
+    bench.pass(2s); // the slot is seen
+    other.push(Trovio::Data(Matrix()));
+    other.push(Trovio::Data(filled<Matrix>(0)));
+    place.push(Trovio::Data(Matrix()));
+    bench.round();
+    for (WebSocketClient* const client : {&first, &second}) {
+        EXPECT_EQ(client->nextJson()["channels"][0]["topic"], "Other");
+        EXPECT_EQ(client->nextJson()["message"], "no pose of 'Other': the matrix does more than turn and move");
+        EXPECT_EQ(client->nextBinary()[13 + 4], 2) << "poses in one message";
+    }
+    first.say({{"op", "unsubscribe"}, {"subscriptionIds", {4}}});
+    second.say({{"op", "unsubscribe"}, {"subscriptionIds", {4}}});
+    bench.round();
+    EXPECT_FALSE(place.isActive());
+    Trovio::Root::get().removeSlot("Place");
+    Trovio::Root::get().removeSlot("Other");
 }
 
 TEST(Stream, PublishedMessagesReachTheSlotAndOthersAreNamed)

@@ -1,5 +1,7 @@
 #include "monitor/server/streams/Channels.h"
 
+#include "monitor/codec/Message.h"
+#include "monitor/codec/Poses.h"
 #include "trovio/Root.h"
 
 namespace Monitor {
@@ -16,9 +18,22 @@ std::map<std::string, const SlotCodec*> outSlots()
 }
 } // namespace
 
+std::string_view Channels::Channel::schemaName() const
+{
+    return _codec ? _codec->schemaName() : transformsMessage()._name;
+}
+
+const std::string& Channels::Channel::schemaText() const
+{
+    return _codec ? _codec->schemaText() : transformsMessage()._text;
+}
+
 bool Channels::refresh()
 {
     std::map<std::string, const SlotCodec*> now = outSlots();
+    _poseLabels = Poses::labelsAmong(now);
+    if (!_poseLabels.empty())
+        now.emplace(PosesLabel, nullptr); // unless a slot is called so
     bool changed = false;
     for (auto entry = _channels.begin(); entry != _channels.end();) {
         const auto still = now.find(entry->second._label);

@@ -45,6 +45,12 @@ void FoxgloveStream::status(Level level, const std::string& text, const char* nu
     say(object);
 }
 
+FoxgloveStream::~FoxgloveStream()
+{
+    _around._poses.remove(*this);
+    _around._watches.removeAll(*this);
+}
+
 void FoxgloveStream::opened()
 {
     _isOpen = true;
@@ -68,8 +74,8 @@ void FoxgloveStream::advertiseSome()
         channels.push_back({{"id", number},
                             {"topic", channel._label},
                             {"encoding", "cdr"},
-                            {"schemaName", channel._codec->schemaName()},
-                            {"schema", channel._codec->schemaText()},
+                            {"schemaName", channel.schemaName()},
+                            {"schema", channel.schemaText()},
                             {"schemaEncoding", "ros2msg"}});
         _offered[number] = channel._label;
         _advertised = number;
@@ -139,9 +145,11 @@ void FoxgloveStream::handle(const Foxglove::Subscribe& message)
             continue;
         }
         const std::string& label = _offered[entry._channel];
-        _subscriptions[entry._number] = {entry._channel, label};
+        const Channels::Channel* const channel = _around._channels.find(entry._channel);
+        const Subscription& subscription =
+            _subscriptions[entry._number] = {entry._channel, label, channel && channel->isPoses()};
         _byLabel[label] = entry._number; // the newest record may come at once
-        if (_around._watches.add(label, *this))
+        if (watch(subscription))
             continue;
         _byLabel.erase(label);
         _subscriptions.erase(entry._number);
@@ -149,12 +157,23 @@ void FoxgloveStream::handle(const Foxglove::Subscribe& message)
     }
 }
 
+bool FoxgloveStream::watch(const Subscription& subscription)
+{
+    if (!subscription._isPoses)
+        return _around._watches.add(subscription._label, *this);
+    _around._poses.add(*this);
+    return true;
+}
+
 void FoxgloveStream::end(std::uint32_t subscription)
 {
     const auto found = _subscriptions.find(subscription);
     if (found == _subscriptions.end())
         return;
-    _around._watches.remove(found->second._label, *this);
+    if (found->second._isPoses)
+        _around._poses.remove(*this);
+    else
+        _around._watches.remove(found->second._label, *this);
     _byLabel.erase(found->second._label);
     _subscriptions.erase(found);
 }
@@ -224,15 +243,24 @@ void FoxgloveStream::publish(const Publication& publication, std::string_view pa
 void FoxgloveStream::take(const std::string& label, const SlotCodec&, const TapRecord& record)
 {
     const auto found = _byLabel.find(label);
-    if (found == _byLabel.end())
-        return;
+    if (found != _byLabel.end())
+        sendRecord(found->second, record);
+}
+
+void FoxgloveStream::takePoses(const TapRecord& poses)
+{
+    sendRecord(_byLabel.at(Channels::PosesLabel), poses);
+}
+
+void FoxgloveStream::sendRecord(std::uint32_t subscription, const TapRecord& record)
+{
     constexpr std::size_t head = 13;
     OutMessage message;
     if (!queue().hasRoomFor(message.cost() + head + record._cdr.size()))
         return queue().drop(1);
     message._bytes.reserve(head + record._cdr.size());
     message._bytes += '\x01';
-    putLittleEndian(found->second, 4, message._bytes);
+    putLittleEndian(subscription, 4, message._bytes);
     putLittleEndian(static_cast<std::uint64_t>(std::max<std::int64_t>(record._arrival, 0)), 8, message._bytes);
     message._bytes.append(reinterpret_cast<const char*>(record._cdr.data()), record._cdr.size());
     message._records = 1;
