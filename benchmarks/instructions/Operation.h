@@ -18,5 +18,6 @@ using Operations = std::vector<Operation>;
 void addSlotOperations(Operations& operations);
 void addRoadOperations(Operations& operations);
 void addOscOperations(Operations& operations);
+void addFilterOperations(Operations& operations);
 
 } // namespace Bench

@@ -17,6 +17,7 @@ int main()
     Bench::addSlotOperations(operations);
     Bench::addRoadOperations(operations);
     Bench::addOscOperations(operations);
+    Bench::addFilterOperations(operations);
     for (const Bench::Operation& operation : operations) {
         // The first turns bind symbols and fill pools.
         for (int i = 0; i < 3; ++i) {
