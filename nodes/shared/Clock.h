@@ -31,7 +31,7 @@ public:
     /// Throws std::system_error where the system has no descriptor left. Must not outlive the clock.
     virtual std::unique_ptr<Alarm> createAlarm() = 0;
 
-    /// The system's clock.
+    /// The system's clock; while a Stepper is active, one that says its time: nodes that are made then live by that.
     static Clock& system();
 };
 

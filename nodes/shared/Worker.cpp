@@ -48,8 +48,20 @@ Worker::~Worker()
 void Worker::start(const char* name, std::function<void()> body, std::function<void(const std::string&)> failed)
 {
     _stopping = false;
-    _thread = Ostrel::quietThread(std::string(name).substr(0, 15).c_str(),
-                                  [body = std::move(body), failed = std::move(failed)] { runGuarded(body, failed); });
+    _turn = Stepper::join(_signalled);
+    const auto run = [turn = _turn.get(), body = std::move(body), failed = std::move(failed)] {
+        if (turn)
+            turn->begin();
+        runGuarded(body, failed);
+        if (turn)
+            turn->end();
+    };
+    try {
+        _thread = Ostrel::quietThread(std::string(name).substr(0, 15).c_str(), run);
+    } catch (...) {
+        _turn.reset(); // else it would be waited for
+        throw;
+    }
 }
 
 void Worker::stop()
@@ -58,7 +70,10 @@ void Worker::stop()
         return;
     _stopping = true;
     signal();
+    if (_turn)
+        _turn->finish();
     _thread.join();
+    _turn.reset();
 }
 
 void Worker::wake()
@@ -73,8 +88,17 @@ bool Worker::wait(std::optional<double> until, std::span<const int> descriptors)
         return false;
     if (descriptors.size() > maxDescriptors)
         throw std::logic_error("a worker waits for at most " + std::to_string(maxDescriptors) + " descriptors");
-    setAlarm(until);
+    if (_turn) {
+        _turn->wait(until, descriptors);
+        clearSignal();
+    } else
+        sleep(until, descriptors);
+    return !isStopping();
+}
 
+void Worker::sleep(std::optional<double> until, std::span<const int> descriptors)
+{
+    setAlarm(until);
     std::array<pollfd, maxDescriptors + 2> waiting{{{_event.get(), POLLIN, 0}, {_alarm->getDescriptor(), POLLIN, 0}}};
     std::size_t count = 2;
     for (const int descriptor : descriptors)
@@ -82,7 +106,6 @@ bool Worker::wait(std::optional<double> until, std::span<const int> descriptors)
     ::poll(waiting.data(), count, -1);
     if (waiting[0].revents != 0)
         clearSignal();
-    return !isStopping();
 }
 
 void Worker::setAlarm(std::optional<double> until)

@@ -2,6 +2,7 @@
 
 #include "nodes/shared/Clock.h"
 #include "nodes/shared/FileDescriptor.h"
+#include "trovio/Stepper.h"
 #include <atomic>
 #include <functional>
 #include <optional>
@@ -12,7 +13,8 @@
 namespace Trovio::Nodes {
 
 /// A node's own thread. It sleeps, without polling, until it is stopped, was told of work, a point in time has come,
-/// or a descriptor has something to read or an error to report.
+/// or a descriptor has something to read or an error to report. Started while a Stepper is active, it goes on only with
+/// the stepper's baton.
 /// Threads: start() and stop() from the node's start() and stop(); wake() from any thread, and under any lock;
 ///          the rest only from the worker's own thread.
 class Worker {
@@ -40,6 +42,7 @@ public:
     bool isStopping() const { return _stopping.load(); }
 
 private:
+    void sleep(std::optional<double> until, std::span<const int> descriptors);
     void setAlarm(std::optional<double> until);
     void signal();
     void clearSignal();
@@ -49,6 +52,7 @@ private:
     std::optional<double> _until;        // what the alarm is set to; the worker's thread only
     std::atomic<bool> _signalled{false}; // the event was, or is just being, written
     std::atomic<bool> _stopping{false};
+    std::unique_ptr<Stepper::Turn> _turn; // null where time is the system's
     std::thread _thread;
 };
 

@@ -8,7 +8,7 @@ public:
     constexpr Time() = default;
     constexpr explicit Time(double seconds) : _seconds(seconds) {}
 
-    /// From the system's real-time clock; steps when somebody sets that clock.
+    /// From the system's real-time clock, which steps when somebody sets it; while a Stepper is active, its date.
     static Time getCurrentTime();
 
     constexpr double getSeconds() const { return _seconds; }

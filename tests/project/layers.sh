@@ -19,6 +19,7 @@ declare -A allowed=(
     [platform/trovio/messages]="$runtime platform/trovio/."
     [platform/trovio/values]="$runtime platform/trovio/."
     [platform/trovio/slots]="$runtime platform/trovio/."
+    [platform/trovio/stepping]="$runtime platform/trovio/."
     [platform/trovio/settings]="$runtime platform/trovio/. platform/trovio/messages"
     [platform/trovio/routing]="$runtime platform/trovio/. platform/trovio/messages"
     [platform/trovio/explain]="$runtime platform/trovio/. platform/trovio/messages platform/trovio/routing"
