@@ -114,7 +114,7 @@ void SceneGraph::addNodes(const GraphHandler& handler, const Stopped& stopped)
     for (const LabelledNode& node : labelledNodes(*handler._entry)) {
         if (stopped())
             return;
-        if (const auto fault = addNode(space, node, baseURL))
+        if (const auto fault = addNode(space, node, baseURL, {}))
             _faults.push_back({handler._scene, fault->_position, fault->_text, fault->_fromOutside});
         const Trovio::Namespace* const standing = space.getNamespace(node._label);
         if (standing == nullptr || standing->inspect()._slots.empty())

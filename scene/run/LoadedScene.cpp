@@ -25,8 +25,8 @@ constexpr std::string_view fieldSuffix = ".value";
 constexpr std::size_t maxReason = 1000;
 } // namespace
 
-LoadedScene::LoadedScene(SceneFile file, std::string title, Stopped stopped)
-    : _file(std::move(file)), _title(std::move(title)), _stopped(std::move(stopped))
+LoadedScene::LoadedScene(SceneFile file, std::string title, Stopped stopped, ChooseNode choose)
+    : _file(std::move(file)), _title(std::move(title)), _stopped(std::move(stopped)), _choose(std::move(choose))
 {
 }
 
@@ -142,7 +142,7 @@ void LoadedScene::addNode(const LoadedHandler& loaded, const LabelledNode& node,
     if (loaded._namespace.empty())
         return loaded._handler->addParameter(type, settings);
     Trovio::Namespace& space = *Trovio::Root::get().getNamespace(loaded._namespace);
-    if (const auto fault = Scenes::addNode(space, node, sceneURL(loaded._entry->_url._value, _file._path)))
+    if (const auto fault = Scenes::addNode(space, node, sceneURL(loaded._entry->_url._value, _file._path), _choose))
         miss(fault->_position, "node " + inQuotes(type), fault->_text, say);
 }
 

@@ -4,6 +4,7 @@
 #include "ostrel/Scene.h"
 #include "scene/file/SceneFile.h"
 #include "scene/run/NodeLabels.h"
+#include "scene/run/SceneParts.h"
 #include "scene/run/SensorWatch.h"
 #include "scene/run/Stopped.h"
 
@@ -42,7 +43,7 @@ class LoadedScene {
 public:
     /// `title` names the scene in messages where several run, else it is empty. Where `stopped` says so, it adds no
     /// more: it is asked before each step that can take long.
-    LoadedScene(SceneFile file, std::string title, Stopped stopped);
+    LoadedScene(SceneFile file, std::string title, Stopped stopped, ChooseNode choose = {});
 
     /// Makes and registers the sensors with their initial values, and links their fields.
     void addSensors();
@@ -79,6 +80,7 @@ private:
     const SceneFile _file;
     const std::string _title;
     const Stopped _stopped;
+    const ChooseNode _choose;
     Ostrel::Scene _scene;
     std::vector<LoadedHandler> _handlers;
     std::vector<MissingPart> _missing;

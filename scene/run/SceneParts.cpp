@@ -49,21 +49,49 @@ bool takesLabel(const std::string& kind)
     return nearest.empty() || nearest == bridgeKind;
 }
 
-std::optional<NodeFault> addNode(Trovio::Namespace& space, const LabelledNode& node, const Merid::URL& baseURL)
+namespace {
+
+NodeFault faultOf(const LabelledNode& node, const std::string& text)
 {
-    const LocatedText &type = node._entry->_first, &settings = node._entry->_second;
+    const Position settings = node._entry->_second._position;
+    return {settings._line != 0 ? settings : node._entry->_first._position, text};
+}
+
+// Null where it has a fault.
+std::unique_ptr<Trovio::Node> makeNode(const LabelledNode& node, const Merid::URL& baseURL,
+                                       std::optional<NodeFault>& fault)
+{
+    const LocatedText& type = node._entry->_first;
     std::unique_ptr<Trovio::Node> made;
     if (const auto failure = failureOf([&] { made = Trovio::NodeType::newInstance(type._value); })) {
         const bool isKnown = std::ranges::count(Trovio::NodeType::names(), type._value) != 0;
-        return NodeFault{type._position, *failure, isKnown};
+        fault = NodeFault{type._position, *failure, isKnown};
+        return nullptr;
     }
     const auto failure = failureOf([&] {
         made->setBaseURL(baseURL);
         made->setFieldValues(node._settings);
-        space.addNamespace(std::move(made));
     });
     if (!failure)
-        return std::nullopt;
-    return NodeFault{settings._position._line != 0 ? settings._position : type._position, *failure};
+        return made;
+    fault = faultOf(node, *failure);
+    return nullptr;
+}
+} // namespace
+
+std::optional<NodeFault> addNode(Trovio::Namespace& space, const LabelledNode& node, const Merid::URL& baseURL,
+                                 const ChooseNode& choose)
+{
+    std::optional<NodeFault> fault;
+    std::unique_ptr<Trovio::Node> chosen = makeNode(node, baseURL, fault);
+    const auto failure = failureOf([&] {
+        if (choose)
+            chosen = choose(space.getLabel() + "/" + node._label, node._entry->_first._value, std::move(chosen));
+        if (!chosen)
+            return;
+        space.addNamespace(node._label, std::move(chosen));
+        fault.reset();
+    });
+    return failure ? faultOf(node, *failure) : fault;
 }
 } // namespace Scenes

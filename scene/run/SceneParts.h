@@ -2,8 +2,9 @@
 
 #include "merid/URL.h"
 #include "scene/run/NodeLabels.h"
-#include "trovio/Namespace.h"
+#include "trovio/Node.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -26,7 +27,15 @@ struct NodeFault {
     bool _fromOutside = false; // the type is known, but cannot be used on this machine
 };
 
-/// Makes the node and puts it into the namespace, where it starts if that stands under the root. `baseURL` is what
-/// relative file names in its settings are resolved against.
-std::optional<NodeFault> addNode(Trovio::Namespace& space, const LabelledNode& node, const Merid::URL& baseURL);
+/// Chooses what stands for a node of a scene, in its place and under its label: the node itself, which has its settings
+/// and has not started, or another one. `path` is where it will stand, from the root down; `type` what the scene calls
+/// it; `made` is null where it could not be made, and then so may be what is chosen. What it throws is a fault of the
+/// node.
+using ChooseNode = std::function<std::unique_ptr<Trovio::Node>(const std::string& path, const std::string& type,
+                                                               std::unique_ptr<Trovio::Node> made)>;
+
+/// Makes the node and puts it, or what is chosen for it, into the namespace, where it starts if that stands under the
+/// root. `baseURL` is what relative file names in its settings are resolved against. An empty `choose` takes the node.
+std::optional<NodeFault> addNode(Trovio::Namespace& space, const LabelledNode& node, const Merid::URL& baseURL,
+                                 const ChooseNode& choose);
 } // namespace Scenes

@@ -55,12 +55,12 @@ void Session::tearDown()
     Trovio::Root::shutdown();
 }
 
-bool Session::build(std::vector<SceneFile> files, const Say& say, const Stopped& stopped)
+bool Session::build(std::vector<SceneFile> files, const Say& say, const Stopped& stopped, const ChooseNode& choose)
 {
     const bool several = files.size() > 1;
     for (SceneFile& file : files) {
         const std::string title = several ? file._path : std::string();
-        _scenes.push_back(std::make_unique<LoadedScene>(std::move(file), title, stopped));
+        _scenes.push_back(std::make_unique<LoadedScene>(std::move(file), title, stopped, choose));
         _scenes.back()->addSensors();
         _scenes.back()->addHandlers(say);
     }

@@ -20,8 +20,10 @@ public:
 
     /// Builds the scenes. First all sensors and handlers, last the nodes, so that nothing that a device sends is lost.
     /// Ends early, and returns false, where `stopped` says so: it is asked before each step that can take long.
+    /// `choose` may put something else in the place of nodes.
     bool build(
-        std::vector<SceneFile> files, const Say& say, const Stopped& stopped = [] { return false; });
+        std::vector<SceneFile> files, const Say& say, const Stopped& stopped = [] { return false; },
+        const ChooseNode& choose = {});
 
     /// Services every sensor of every scene; `now` in wall-clock seconds.
     void frame(double now);
