@@ -53,6 +53,7 @@ declare -A allowed=(
     [monitor/mcap/format]="$product explain/text monitor/codec"
     [monitor/mcap/read]="$product explain/text monitor/codec monitor/mcap/format"
     [monitor/mcap/write]="$product explain/text monitor/codec monitor/mcap/format"
+    [monitor/replay]="$product explain/text monitor/codec monitor/mcap"
     [host]="$product explain scene monitor"
     [host/output]="$product explain scene monitor host/."
     [host/show]="$product explain scene monitor host/. host/output"
