@@ -11,8 +11,8 @@
 #include "host/run/StoppableClock.h"
 #include "host/run/WatchedRun.h"
 #include "host/show/Json.h"
+#include "host/show/RunView.h"
 #include "host/show/Terminal.h"
-#include "host/show/View.h"
 #include "osg/LogMessage.h"
 #include "scene/file/Problems.h"
 #include "scene/file/SceneMemory.h"
@@ -65,22 +65,6 @@ MonitorSettings monitorOf(const std::vector<SceneFile>& files, const Options& op
     return {listen, options._monitorMayWrite, rateOf(files, options)};
 }
 
-std::unique_ptr<View> makeView(const Options& options, const Session& session, RunLog& log, RunOutput& output,
-                               double start)
-{
-    const bool inPlace = hasCursor(STDOUT_FILENO);
-    if (options._quiet)
-        return std::make_unique<View>();
-    if (options._format == Format::Json)
-        return makeJsonView(output.values());
-    if (options._format == Format::Table || (options._format == Format::Automatic && inPlace))
-        return makeTableView(output.values(),
-                             {inPlace, inPlace && isatty(STDERR_FILENO) ? &log : nullptr,
-                              inPlace ? std::make_unique<Keyboard>() : nullptr, [&output] { return output.isTaken(); }},
-                             watchedSensors(session.watches()), SensorFilter(options._filter));
-    return makeLinesView(output.values(), start);
-}
-
 void tellOfStep(double step, const Session& session, View& view)
 {
     for (SensorWatch* watch : session.watches())
@@ -101,7 +85,7 @@ void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view,
             tellOfStep(step, session, view);
         session.frame(now);
         view.frame(now);
-        monitor.endFrame(loop, now);
+        monitor.endFrame(loop.frames(), loop.skipped(), now);
         osg::logHeldBack();
         return output.canWrite();
     });
@@ -142,7 +126,7 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const Watche
     reportStart(session, messageWidth(), sayInRun);
     {
         RunMonitor monitor(session, settings, sayInRun); // ends before the nodes do
-        runFrames(session, loop, clock, *makeView(options, session, log, output, clock.now()),
+        runFrames(session, loop, clock, *makeRunView(options, session, log, output, clock.now()),
                   SensorFilter(options._filter), output, monitor);
     }
     around._watch.begin();

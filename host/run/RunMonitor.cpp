@@ -40,10 +40,10 @@ Monitor::SceneView RunMonitor::view(const Scenes::Session& session, double rate)
     return view;
 }
 
-void RunMonitor::endFrame(const Scenes::FrameLoop& loop, double now)
+void RunMonitor::endFrame(std::uint64_t frames, std::uint64_t leftOut, double now)
 {
-    _frames.store(loop.frames(), std::memory_order_relaxed);
-    _leftOut.store(loop.skipped(), std::memory_order_relaxed);
+    _frames.store(frames, std::memory_order_relaxed);
+    _leftOut.store(leftOut, std::memory_order_relaxed);
     _values.endFrame(now);
 }
 } // namespace Host

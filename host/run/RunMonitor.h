@@ -2,7 +2,6 @@
 
 #include "host/run/SensorValues.h"
 #include "monitor/Server.h"
-#include "scene/run/FrameLoop.h"
 #include "scene/run/Session.h"
 
 #include <memory>
@@ -28,7 +27,7 @@ public:
     RunMonitor& operator=(const RunMonitor&) = delete;
 
     /// Behind each frame; `now` in wall-clock seconds. Waits for nobody.
-    void endFrame(const Scenes::FrameLoop& loop, double now);
+    void endFrame(std::uint64_t frames, std::uint64_t leftOut, double now);
 
 private:
     Monitor::SceneView view(const Scenes::Session& session, double rate);

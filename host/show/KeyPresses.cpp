@@ -17,7 +17,7 @@ struct Sequence {
 constexpr Sequence sequences[] = {{"[A", Key::Up},    {"[B", Key::Down}, {"[5~", Key::PageUp}, {"[6~", Key::PageDown},
                                   {"[H", Key::Home},  {"[F", Key::End},  {"[1~", Key::Home},   {"[4~", Key::End},
                                   {"[7~", Key::Home}, {"[8~", Key::End}, {"OA", Key::Up},      {"OB", Key::Down},
-                                  {"OH", Key::Home},  {"OF", Key::End}};
+                                  {"OH", Key::Home},  {"OF", Key::End},  {"[C", Key::Right},   {"OC", Key::Right}};
 
 // The length of what starts with an escape; 0 where its end has not come.
 std::size_t sequenceLength(std::string_view text)

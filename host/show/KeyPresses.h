@@ -6,7 +6,7 @@
 
 namespace Host {
 
-enum class Key { Up, Down, PageUp, PageDown, Home, End, Enter, Escape, Backspace, Letter };
+enum class Key { Up, Down, Right, PageUp, PageDown, Home, End, Enter, Escape, Backspace, Letter };
 
 struct KeyPress {
     Key _key;

@@ -21,6 +21,7 @@ public:
 
     std::size_t first() const { return _first; }
     const SensorFilter& filter() const { return _filter; }
+    bool isEditing() const { return _isEditing; }
     Order order() const { return _order; }
 
     /// One line about what is shown of `rows` rows, and which keys there are if `withKeys`.

@@ -54,6 +54,11 @@ public:
             *last += seconds;
     }
 
+    void refresh() override { _lastDraw = 0; }
+    void press(const KeyPress& press) override { _control.press(press); }
+    bool isTyping() const override { return _control.isEditing(); }
+    void terminalIsBack() override { _drawn.clear(); } // others have written below it
+
 private:
     struct Counted {
         std::uint64_t _changes = 0;
@@ -65,6 +70,7 @@ private:
     void select(double now);
     void draw(double now);
     std::string table(const TerminalSize& size, double now);
+    std::string statusLine() const;
     TablePage page(std::size_t first, std::size_t room, double now);
     std::string eraseDrawn(std::size_t width) const;
 
@@ -124,7 +130,7 @@ bool TableView::readKeys()
         return false;
     const std::vector<KeyPress> presses = _keys.read(_screen._keyboard->read());
     if (_screen._keyboard->isBack())
-        _drawn.clear(); // others have written below it meanwhile
+        terminalIsBack();
     for (const KeyPress& press : presses)
         _control.press(press);
     return !presses.empty();
@@ -192,10 +198,10 @@ std::string TableView::table(const TerminalSize& size, double now)
     const std::size_t first = _control.first();
     TablePage rows = page(first, room, now);
     _control.shown(rows._first, rows._count);
-    if (_screen._inPlace && room > 1 && _control.hasStatus(_selected.size())) {
+    if (_screen._inPlace && room > 1 && (_screen._status || _control.hasStatus(_selected.size()))) {
         rows = page(first, room - 1, now);
         _control.shown(rows._first, rows._count);
-        rows._lines.push_back(fitted(_control.status(_selected.size(), _screen._keyboard != nullptr), _width));
+        rows._lines.push_back(fitted(statusLine(), _width));
     }
     std::string text;
     _drawn.clear();
@@ -206,6 +212,14 @@ std::string TableView::table(const TerminalSize& size, double now)
         _drawn.push_back(displayWidth(line));
     }
     return text;
+}
+
+std::string TableView::statusLine() const
+{
+    std::string line = _screen._status ? _screen._status() : "";
+    if (_control.hasStatus(_selected.size()))
+        line += (line.empty() ? "" : "  ") + _control.status(_selected.size(), _screen._keyboard != nullptr);
+    return line;
 }
 
 // Moves up over what was drawn last. Many terminals break lines anew where they have become narrower.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/show/KeyPresses.h"
 #include "host/show/Keyboard.h"
 #include "host/show/SensorFilter.h"
 #include "scene/run/SensorWatch.h"
@@ -26,6 +27,15 @@ public:
 
     /// The wall clock was set by so many seconds since the last frame.
     virtual void clockStepped(double seconds) { (void)seconds; }
+
+    /// What is shown is out of date, whatever the time.
+    virtual void refresh() {}
+    /// A key that somebody else read, for a view without a keyboard of its own.
+    virtual void press(const KeyPress&) {}
+    /// Whether letters are typed just now.
+    virtual bool isTyping() const { return false; }
+    /// Somebody else wrote to the terminal.
+    virtual void terminalIsBack() {}
 };
 
 /// One line per change: seconds since `start`, name, type, value.
@@ -36,10 +46,11 @@ std::unique_ptr<View> makeJsonView(std::ostream& out);
 
 /// How a table is shown.
 struct TableScreen {
-    bool _inPlace = false;               // else it is written again and again
-    RunLog* _log = nullptr;              // what it holds back is shown above the table; null where it goes elsewhere
-    std::unique_ptr<Keyboard> _keyboard; // may be null
-    std::function<bool()> _isTaken;      // whether what was drawn last has been read; empty where it always is
+    bool _inPlace = false;                  // else it is written again and again
+    RunLog* _log = nullptr;                 // what it holds back is shown above the table; null where it goes elsewhere
+    std::unique_ptr<Keyboard> _keyboard;    // may be null
+    std::function<bool()> _isTaken;         // whether what was drawn last has been read; empty where it always is
+    std::function<std::string()> _status{}; // a line below the table; may be empty
 };
 
 /// The sensors that a table shows, numbered from 0. Asked on the thread that draws.
