@@ -32,6 +32,14 @@ struct Options {
     bool _onlyNames = false;           // of list
     std::string _listen;               // where run answers on TCP; empty for what its scenes say
     bool _monitorMayWrite = false;     // there, with a token
+    std::string _file;                 // recording of replay
+    std::optional<double> _speed;      // of it; infinite is as fast as possible
+    double _fromPosition = 0;          // seconds from its start, as the next
+    double _toPosition = std::numeric_limits<double>::infinity();
+    bool _loops = false, _startsPaused = false, _stepsFrames = false;
+    bool _send = false;   // nodes that only send are made
+    bool _asTest = false; // then the next may name a file
+    std::string _golden, _goldenToWrite;
     bool _strict = false;
     bool _quiet = false;
     bool _verbose = false;

@@ -16,6 +16,7 @@ void nothing(CLI::App& app, Options& options);
 void names(CLI::App& app, Options& options);
 void namesAndFormat(CLI::App& app, Options& options);
 void scenesAndRunOptions(CLI::App& app, Options& options);
+void recordingAndReplay(CLI::App& app, Options& options);
 void scenesAndGraph(CLI::App& app, Options& options);
 void whyAndWhere(CLI::App& app, Options& options);
 

@@ -10,6 +10,8 @@ namespace Host {
 
 /// Runs the scenes until a limit, a signal or the end of standard output.
 int runVerb(const Options& options);
+/// Replays a recording into the scenes.
+int replayVerb(const Options& options);
 /// Reads the scenes and says what is wrong or odd with them; runs nothing.
 int checkVerb(const Options& options);
 /// Runs a scene without a word and says whether records flow between two labels.

@@ -26,6 +26,7 @@ int main(int argc, char** argv)
     return Host::runCommandLine(
         argc, argv,
         {{"run", "run scenes and show their values", Takes::scenesAndRunOptions, Host::runVerb},
+         {"replay", "replay a recording into its scene, or another one", Takes::recordingAndReplay, Host::replayVerb},
          {"check", "read scenes and say what is wrong or odd with them", Takes::scenesAndGraph, Host::checkVerb},
          {"why", "say whether records flow between two labels: of a running host, or of a scene, which is run for real",
           Takes::whyAndWhere, Host::whyVerb},

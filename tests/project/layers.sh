@@ -59,6 +59,7 @@ declare -A allowed=(
     [host/show]="$product explain scene monitor host/. host/output"
     [host/run]="$product explain scene monitor host/. host/output host/show"
     [host/report]="$product explain scene monitor host/. host/show"
+    [host/replay]="$product explain scene monitor host/. host/output host/show host/run host/report"
     [host/ask]="$product explain scene monitor host/. host/output host/show host/run"
     [host/cli]="$product explain scene monitor host"
     [examples]="$product explain scene monitor"
