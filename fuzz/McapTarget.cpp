@@ -2,6 +2,7 @@
 #include "fuzz/Fuzz.h"
 #include "monitor/mcap/format/RecordBytes.h"
 #include "monitor/mcap/read/Reader.h"
+#include "monitor/replay/TimedMessages.h"
 
 namespace Fuzz {
 
@@ -35,6 +36,22 @@ private:
     std::uint64_t _messages = 0;
     std::uint32_t _sum = 0;
 };
+
+/// Every message of a chunk comes once, by time.
+void replay(InputFile& file)
+{
+    const Monitor::RecordedFile recorded = Monitor::readRecordedFile(file, {});
+    std::set<std::uint16_t> channels;
+    for (const Monitor::RecordedChannel& channel : recorded._channels)
+        channels.insert(channel._id);
+    Monitor::TimedMessages messages(file, recorded._chunks, channels);
+    std::uint64_t count = 0, time = 0;
+    for (; const auto message = messages.next(); ++count) {
+        require(message->_logTime >= time, "messages come by time");
+        time = message->_logTime;
+    }
+    require(count == recorded._messages, "no message of a chunk is left out");
+}
 } // namespace
 
 void runOnce(std::string_view input)
@@ -46,6 +63,8 @@ void runOnce(std::string_view input)
     require(state._lost <= input.size(), "no more is lost than there was");
     require(state._problem.empty() == (state._verdict == FileState::Verdict::Whole), "what is not whole says why");
     require(state._problem.empty() || isPrintable(state._problem), "a problem can be shown");
+    if (state._verdict != FileState::Verdict::Foreign)
+        replay(file);
 }
 
 } // namespace Fuzz
