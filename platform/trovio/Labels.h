@@ -10,7 +10,8 @@ namespace Trovio {
 constexpr std::size_t MaxLabelLength = 1024;
 
 /// Labels that begin with '@' belong to tools that look at a tree while it works, such as their namespaces below the
-/// root: inspect() and explain() pass over what stands under such a label, and over routes that name one.
+/// root: inspect() and explain() pass over what stands under such a label, and over routes that name one. The '*' of
+/// any other route does not stand for them.
 constexpr bool isForTools(std::string_view label)
 {
     return label.starts_with('@');

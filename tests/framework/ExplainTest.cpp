@@ -303,14 +303,23 @@ TEST_F(Explain, PassesOverWhatBelongsToTools)
 {
     const auto isActive = [this] { return _scene.inspect()._children.at(0)._slots.at(0)._active; };
     flow();
+    InSlot<float> other("other");
+    _scene.addInSlot("other", &other);
+    for (const char* from : {"*/sensor", "*/device/*"}) // which nobody else has
+        _scene.addRoute(from, "other");
     _scene.setDirty(false);
-    const Tools tools(_scene);
+    Tools tools(_scene);
     EXPECT_EQ(tools._tap.getCounts().stored, 1U);
+    tools._pen.push(Data<float>(1, Time(1e9)));
+    EXPECT_FALSE(_sensor.empty());
+    EXPECT_TRUE(other.empty());
     EXPECT_FALSE(_scene.isDirty());
     const Trovio::NamespaceInfo info = _scene.inspect();
     EXPECT_EQ(info._children.size(), 2U);
-    EXPECT_EQ(info._routes.size(), 2U);
-    EXPECT_EQ(info._slots.size(), 4U);
+    ASSERT_EQ(info._routes.size(), 4U);
+    for (const std::size_t i : {2U, 3U})
+        EXPECT_EQ(info._routes[i]._reason, "no slot has the label '" + info._routes[i]._from + "'");
+    EXPECT_EQ(info._slots.size(), 5U);
     EXPECT_EQ(explain()._text.find('@'), std::string::npos) << explain()._text;
     expect(Verdict::NoMatch, {"none of 2 out-slots"}, "devise/*");
     EXPECT_TRUE(isActive());
@@ -321,6 +330,7 @@ TEST_F(Explain, PassesOverWhatBelongsToTools)
     const auto found = _scene.findSlots("device/out");
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0]._out->_written, 1U);
+    _scene.removeSlot("other");
 }
 
 TEST_F(Explain, CountsSinceTheScenesStart)

@@ -174,6 +174,8 @@ void Scope::erase(SlotView& view) noexcept
 /// To the label of the in-slot that the route leads to from this out-slot.
 void Scope::resolve(Route& route, SlotView& source, const std::vector<std::string_view>& matched)
 {
+    if (isForTools(source._label) && !route.isForTools())
+        return; // a '*' of somebody else's does not mean a tool's slot
     if (!source._ref.out()) {
         if (route._from.isLiteral()) // a pattern may well match in-slots beside the out-slots that it is meant for
             reportOnce(route, wrongDirection(route, source));
@@ -246,8 +248,9 @@ const SlotView* Scope::findMatch(const Pattern& pattern) const
         const auto same = _views.under(pattern.getText());
         return same.empty() ? nullptr : &same.front();
     }
-    const auto found = std::find_if(_views.begin(), _views.end(),
-                                    [&pattern](const auto& same) { return pattern.match(same.first).has_value(); });
+    const auto found = std::find_if(_views.begin(), _views.end(), [&pattern](const auto& same) {
+        return !isForTools(same.first) && pattern.match(same.first).has_value();
+    });
     return found == _views.end() ? nullptr : &found->second.front();
 }
 

@@ -49,7 +49,7 @@ public:
     /// To be called, once, before the scope is destroyed.
     void leaveTree() noexcept { _connector.leaveTree(); }
 
-    /// A view whose label matches; null if none does.
+    /// A view whose label matches, but for those of tools where the pattern has a '*'; null if none does.
     const SlotView* findMatch(const Pattern& pattern) const;
 
     // For who explains and shows.
