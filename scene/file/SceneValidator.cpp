@@ -19,6 +19,7 @@ using namespace Explain;
 namespace {
 
 constexpr std::string_view fieldSuffix = ".value";
+constexpr char toolLabels[] = " cannot be used: labels that begin with '@' belong to tools; use another";
 
 // Names of one kind, each of which may be used once.
 class UniqueNames {
@@ -110,6 +111,9 @@ void SceneValidator::checkSensor(const SensorEntry& sensor)
         _problems.add(sensor._label._position, "the label of sensor " + name + " has " +
                                                    std::to_string(sensor._label._value.size()) +
                                                    " bytes; allowed: up to " + std::to_string(Trovio::MaxLabelLength));
+    if (Trovio::isForTools(sensor._label._value))
+        _problems.add(sensor._label._position,
+                      "the label " + inQuotes(sensor._label._value) + " of sensor " + name + toolLabels);
     const std::string& type = sensor._type._value;
     const Ostrel::FieldClass* fieldClass = Ostrel::FieldClass::find(type);
     if (fieldClass == nullptr && !type.empty())
@@ -139,6 +143,9 @@ void SceneValidator::checkRoute(const LocatedPair& route)
 {
     if (route._first._position._line == 0 || route._second._position._line == 0)
         return; // an end is missing, which has been said
+    for (const LocatedText* end : {&route._first, &route._second})
+        if (Trovio::isForTools(end->_value))
+            _problems.add(end->_position, "the end " + inQuotes(end->_value) + " of a route" + toolLabels);
     try {
         _routes.addRoute(route._first._value, route._second._value);
     } catch (const Trovio::Exception& error) {

@@ -84,6 +84,7 @@ TEST_F(Tree, UnknownAndUnusableNamespacesAreRefused)
     EXPECT_THROW(_root.addNamespace(std::unique_ptr<Trovio::Node>()), Trovio::InvalidNodeException);
     EXPECT_THROW(_root.setFieldValues("x=1"), Trovio::InvalidFieldException);
     EXPECT_NO_THROW(_root.setFieldValues(" "));
+    EXPECT_THROW(make("a")->setFieldValues("label=@tool"), Trovio::InvalidFieldException);
     EXPECT_TRUE(_root.inspect()._children.empty());
 }
 

@@ -45,6 +45,8 @@ $H; routes = [["A"]] => s:4:11: 'routes' of [[handler]] holds a list of
 [[sensor]]; name = "a"; type = "SFVec3" => s:3:8: unknown field type 'SFVec3' of sensor 'a'; allowed: SFBool,
 $S; ; $S => s:6:8: the sensor name 'a' is already used in line 2; allowed: one that no other sensor has
 $S; label = "L"; $V; label = "L" => s:8:9: the label 'L' is already used in line 4
+$S; label = "@L" => s:4:9: the label '@L' of sensor 'a' cannot be used: labels that begin with '@' belong to tools; use
+$H; routes = [["A", "@L"]] => s:4:17: the end '@L' of a route cannot be used: labels that begin with '@'
 $H; url = "no url" => s:4:7: the URL 'no url' of handler 'h' cannot be used:
 $H; routes = [["A", "B*"]] => s:4:12: the route from 'A' to 'B*' cannot be used:
 [[route]]; from = ""; to = "B" => s:2:8: 'from' of [[route]] holds the text ''

@@ -84,6 +84,8 @@ void Node::setFieldValues(const std::string& text)
     }
     const Settings settings(std::move(table), text, getBaseURL());
     std::string label = settings.text("label");
+    if (isForTools(label))
+        throw settings.refusal("label", "a text that does not begin with '@', for such labels belong to tools");
     {
         const NodeMove move(label.empty() ? getTypeName() : label, NodeMove::Kind::IsConfigured);
         callType<InvalidFieldException>(getTypeName(), label, "configure()", [&] { configure(settings); });
