@@ -266,6 +266,19 @@ TEST(RootDeathTest, AccessBeforeInitEndsTheProcess)
                 "^FATAL: Accessed Trovio::Root that is not initialized!\n$");
 }
 
+TEST(RootDeathTest, NodesStopBeforeTheyEndAlsoWithoutShutdown)
+{
+    const auto endWithoutShutdown = [] {
+        static auto& events = *new Events; // the root outlives what main() has made
+        Root::init();
+        auto node = std::make_unique<TestNode>("a", events);
+        node->_onStop = [] { std::fputs("stopped\n", stderr); };
+        Root::get().addNamespace(std::move(node));
+        std::exit(0);
+    };
+    EXPECT_EXIT(endWithoutShutdown(), ::testing::ExitedWithCode(0), "^stopped\n$");
+}
+
 TEST(Root, OpensAndClosesAsOftenAsAsked)
 {
     TestNode::Events events;

@@ -55,6 +55,7 @@ TEST(Scene, SensorsMayComeAndGoDuringAFrame)
         scene.remove(first); // the one that is being serviced
     });
     updates(first).attach(changes);
+    updates(first).attach(others); // behind what ends the subject
     scene.frame(1.0);
     EXPECT_EQ(others.count(), 1U);
     EXPECT_EQ(namesOf(scene.sensors()), "lastnew");
