@@ -1,4 +1,5 @@
 #include "Rig.h"
+#include "trovio/TryPop.h"
 
 namespace Explorer {
 
@@ -19,6 +20,15 @@ bool topIsInterrupted(In& slot)
         return false;
     } catch (const Trovio::InterruptedException&) {
         return true;
+    }
+}
+
+bool tryPopUnlessInterrupted(In& slot)
+{
+    try {
+        return Trovio::tryPop<Halves>(slot, [](const auto& record) { record.getValue().number(); });
+    } catch (const Trovio::InterruptedException&) {
+        return false;
     }
 }
 

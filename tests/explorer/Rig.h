@@ -49,6 +49,8 @@ inline long pop(In& slot)
 /// False instead of an exception, which must not be in the air when another fibre runs.
 bool popUnlessInterrupted(In& slot, long& number);
 bool topIsInterrupted(In& slot);
+/// False where nothing was taken, also for an interrupt.
+bool tryPopUnlessInterrupted(In& slot);
 
 /// What is left in a slot, after all threads have ended.
 std::vector<long> drain(In& slot);

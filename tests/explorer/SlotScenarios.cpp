@@ -155,6 +155,64 @@ void frameBesideReader(Scheduler& scheduler)
     expectAccounts(ring, 2, 1 + taken);
 }
 
+/// For one who calls down() apart from the lock: false for an interrupt. Adds to inVain how often there was neither
+/// that nor a record.
+bool awaitRecord(In& slot, unsigned& inVain)
+{
+    for (;; ++inVain) {
+        slot.down();
+        if (topIsInterrupted(slot))
+            return false;
+        if (slot.getCounts().waiting != 0)
+            return true;
+    }
+}
+
+/// Of a reader who was promised a record by down(): gives it back, unless it is not there any more.
+bool giveBack(In& slot)
+{
+    if (slot.getCounts().waiting == 0)
+        return false;
+    slot.lock();
+    Trovio::Hooks::putBack(slot);
+    slot.unlock();
+    return true;
+}
+
+/// What top() takes from an interrupt is a token too many, which the frame or down() may meet.
+void frameBesideDown(Scheduler& scheduler)
+{
+    Ring ring("ring", 4);
+    unsigned taken = 0, inVain = 0, seenByTop = 0, running = 4;
+    const auto spawn = [&](const std::function<void()>& run) {
+        scheduler.spawn([&ring, &running, run] {
+            run();
+            if (--running == 0)
+                ring.interrupt(); // the reader need not wait any more
+        });
+    };
+    scheduler.spawn([&] {
+        for (int round = 0; round < 2 && awaitRecord(ring, inVain); ++round)
+            inVain += !giveBack(ring);
+    });
+    spawn([&] {
+        push(ring, 1);
+        push(ring, 2);
+    });
+    spawn([&] {
+        for (int frame = 0; frame < 3; ++frame)
+            taken += tryPopUnlessInterrupted(ring);
+    });
+    spawn([&] { ring.interrupt(); });
+    spawn([&] {
+        for (int i = 0; i < 2; ++i)
+            seenByTop += topIsInterrupted(ring);
+    });
+    scheduler.run();
+    expect(inVain <= seenByTop, "down() returned for nothing more often than top() took an interrupt");
+    expectAccounts(ring, 2, taken);
+}
+
 constexpr Scenario scenarios[] = {
     {"push_against_pop", "a producer and a reader that sleeps", pushAgainstPop},
     {"pop_interrupt_top", "top() takes interrupts from a sleeping reader, and both are pushed to", popInterruptAndTop},
@@ -162,6 +220,7 @@ constexpr Scenario scenarios[] = {
     {"frame_against_push", "a frame looks without a lock and takes without waiting", frameAgainstPushes},
     {"frame_against_ring", "the same from a ring that is overrun", frameAgainstRing},
     {"frame_beside_reader", "a frame and a reader that sleeps take from the same ring", frameBesideReader},
+    {"frame_beside_down", "a frame, down() and top() beside an interrupt", frameBesideDown},
 };
 
 } // namespace
