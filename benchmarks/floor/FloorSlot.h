@@ -9,7 +9,7 @@ namespace Bench {
 
 // What the slots promise, written by hand and no more than that, as tight as it can be: one lock of four bytes on each
 // side, the count for whoever waits inside it, one copy into each side, and a flag that says without the lock whether
-// there is anything to take.
+// there is anything to take. Lock, count and flag are the library's own: what is compared stands above them.
 
 template <class Message>
 class FloorIn {

@@ -127,7 +127,7 @@ void addSlotOperations(Operations& operations)
     const auto slots = std::make_shared<Fan>(1'000);
     operations.push_back({"frame over 1,000 empty slots", [slots] {
                               for (const auto& in : slots->_ins)
-                                  if (!in->empty())
+                                  if (in->mayHoldRecord())
                                       keep(in->pop());
                           }});
 }

@@ -1,4 +1,5 @@
 #include "benchmarks/harness/Workload.h"
+#include "benchmarks/road/Road.h"
 #include "benchmarks/slots/LibraryFan.h"
 #include "monitor/answer/Answers.h"
 #include "trovio/BufferedInSlot.h"
@@ -9,11 +10,6 @@ namespace Bench {
 namespace {
 
 using Monitor::TapSet;
-
-struct OpenRoot {
-    OpenRoot() { Trovio::Root::init(); }
-    ~OpenRoot() { Trovio::Root::shutdown(); }
-};
 
 /// An out-slot in the tree with one reader, and perhaps somebody who looks at it.
 class WatchedSlot {
