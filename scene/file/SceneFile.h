@@ -23,6 +23,12 @@ struct LocatedPair {
     LocatedText _second;
 };
 
+/// What is done with the values on a route: its third text. Once read it has become nodes and routes.
+struct RouteConversion {
+    std::size_t _route; // number in the handler's list
+    LocatedText _text;
+};
+
 constexpr std::string_view bridgeKind = "Trovio"; // the kind of handler that has nodes and routes between labels
 constexpr double defaultRate = 60;                // frames per second
 constexpr double maxRate = 10'000;                // frames per second
@@ -44,6 +50,7 @@ struct HandlerEntry {
     LocatedText _url{"file:.", {}};
     std::vector<LocatedPair> _nodes;
     std::vector<LocatedPair> _routes;
+    std::vector<RouteConversion> _conversions;
 };
 
 /// One [[sensor]]. Without a label nothing can reach it, which is allowed and said at start.

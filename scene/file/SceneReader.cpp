@@ -1,6 +1,7 @@
 #include "scene/file/SceneReader.h"
 
 #include "explain/text/ListenAddress.h"
+#include "scene/file/RouteConversions.h"
 #include "scene/file/SceneMemory.h"
 #include "scene/file/SceneText.h"
 #include "scene/file/SceneValidator.h"
@@ -81,34 +82,48 @@ const TomlValue* takeValue(const TomlValue& value, SensorEntry& entry)
     return nullptr;
 }
 
-// A list of one or two texts.
-const TomlValue* takePair(const TomlValue& value, std::size_t minTexts, LocatedPair& pair)
+// A list of texts, from minTexts to maxTexts of them.
+const TomlValue* takeTexts(const TomlValue& value, std::size_t minTexts, std::size_t maxTexts,
+                           std::vector<LocatedText>& texts)
 {
     const auto* list = std::get_if<TomlValue::List>(&value._data);
-    if (list == nullptr || list->size() < minTexts || list->size() > 2)
+    if (list == nullptr || list->size() < minTexts || list->size() > maxTexts)
         return &value;
-    for (std::size_t i = 0; i < list->size(); ++i) {
-        const auto* text = std::get_if<std::string>(&(*list)[i]._data);
+    for (const TomlValue& element : *list) {
+        const auto* text = std::get_if<std::string>(&element._data);
         if (text == nullptr)
-            return &(*list)[i];
-        (i == 0 ? pair._first : pair._second) = {*text, (*list)[i]._position};
+            return &element;
+        texts.push_back({*text, element._position});
     }
     return nullptr;
 }
 
-template <std::vector<LocatedPair> HandlerEntry::*member, std::size_t minTexts, std::size_t maxPairs>
-const TomlValue* takePairs(const TomlValue& value, HandlerEntry& entry)
+// A list of up to maxCount lists of texts; `take` gets the texts of each.
+template <std::size_t minTexts, std::size_t maxTexts, std::size_t maxCount, auto take>
+const TomlValue* takeLists(const TomlValue& value, HandlerEntry& entry)
 {
     const auto* list = std::get_if<TomlValue::List>(&value._data);
-    if (list == nullptr || list->size() > maxPairs)
+    if (list == nullptr || list->size() > maxCount)
         return &value;
     for (const TomlValue& element : *list) {
-        LocatedPair pair;
-        if (const TomlValue* wrong = takePair(element, minTexts, pair))
+        std::vector<LocatedText> texts;
+        if (const TomlValue* wrong = takeTexts(element, minTexts, maxTexts, texts))
             return wrong;
-        (entry.*member).push_back(pair);
+        take(entry, texts);
     }
     return nullptr;
+}
+
+void takeNode(HandlerEntry& entry, const std::vector<LocatedText>& texts)
+{
+    entry._nodes.push_back({texts[0], texts.size() > 1 ? texts[1] : LocatedText()});
+}
+
+void takeRoute(HandlerEntry& entry, const std::vector<LocatedText>& texts)
+{
+    if (texts.size() > 2)
+        entry._conversions.push_back({entry._routes.size(), texts[2]});
+    entry._routes.push_back({texts[0], texts[1]});
 }
 
 constexpr KeyRule<HostEntry> hostRules[] = {
@@ -121,8 +136,9 @@ constexpr KeyRule<HandlerEntry> handlerRules[] = {
     {"name", "a text that is not empty", true, takeName<HandlerEntry, &HandlerEntry::_name>},
     {"url", "a text, a URL such as \"file:.\"", false, takePlain<HandlerEntry, std::string, &HandlerEntry::_url>},
     {"nodes", "a list of up to 1000 [\"node type\", \"settings\"], the settings may be left out", false,
-     takePairs<&HandlerEntry::_nodes, 1, maxNodes>},
-    {"routes", "a list of up to 100000 [\"from\", \"to\"]", false, takePairs<&HandlerEntry::_routes, 2, maxEntries>}};
+     takeLists<1, 2, maxNodes, takeNode>},
+    {"routes", "a list of up to 100000 [\"from\", \"to\"], or [\"from\", \"to\", \"conversions\"]", false,
+     takeLists<2, 3, maxEntries, takeRoute>}};
 
 constexpr KeyRule<SensorEntry> sensorRules[] = {
     {"name", "a text that is not empty", true, takeName<SensorEntry, &SensorEntry::_name>},
@@ -187,6 +203,7 @@ SceneFile parseScene(std::string_view text, const std::string& path)
     scene._path = path;
     for (const TomlEntry& found : std::get<TomlValue::Table>(root._data))
         readEntry(found, problems, scene);
+    makeConversions(scene, text, problems);
     validateScene(scene, problems);
     problems.throwIfAny();
     return scene;

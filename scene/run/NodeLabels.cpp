@@ -1,6 +1,7 @@
 #include "scene/run/NodeLabels.h"
 
 #include "explain/text/NameHint.h"
+#include "scene/file/SettingsText.h"
 #include "trovio/Exception.h"
 #include "trovio/NodeType.h"
 #include "trovio/settings/SettingsParser.h"
@@ -63,14 +64,6 @@ std::string freeLabel(const std::string& wanted, const std::set<std::string>& ta
     return label;
 }
 
-std::string quoted(const std::string& value)
-{
-    std::string text = "'";
-    for (const char byte : value)
-        text.append(byte == '\'' || byte == '\\' ? "\\" : "").append(1, byte);
-    return text + "'";
-}
-
 // Settings that cannot be read stay as they are: whoever takes them says what is wrong.
 std::string withLabel(const std::string& settings, const std::string& label)
 {
@@ -78,8 +71,8 @@ std::string withLabel(const std::string& settings, const std::string& label)
         std::string text;
         for (const auto& [name, value] : Trovio::parseSettings(settings))
             if (name != labelName)
-                text.append(name).append("=").append(quoted(value)).append(" ");
-        return text.append(labelName).append("=").append(quoted(label));
+                text.append(settingText(name, value)).append(" ");
+        return text.append(settingText(labelName, label));
     } catch (const Trovio::InvalidFieldException&) {
         return settings;
     }
