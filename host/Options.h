@@ -25,21 +25,17 @@ struct Options {
     double _staleAfter = 1;            // seconds
     double _patience = 1;              // seconds
     std::string _host;                 // process ID or socket of a host that runs; empty for the only one
-    std::string _label, _value;        // of pub, which may be "-"; the label of echo, hz and bw, too
+    std::string _label, _value;        // of pub, which may be "-"; the label of echo, hz, bw and calibrate, too
     std::uint64_t _count = Endless;    // records or lines
     std::optional<double> _repeat;     // records per second of pub
     bool _stampNow = false;            // not as they were stamped before
     bool _onlyNames = false;           // of list
     std::string _listen;               // where run answers on TCP; empty for what its scenes say
     bool _monitorMayWrite = false;     // there, with a token
-    std::string _file;                 // recording of replay
-    std::optional<double> _speed;      // of it; infinite is as fast as possible
-    double _fromPosition = 0;          // seconds from its start, as the next
-    double _toPosition = std::numeric_limits<double>::infinity();
-    bool _loops = false, _startsPaused = false, _stepsFrames = false;
-    bool _send = false;   // nodes that only send are made
-    bool _asTest = false; // then the next may name a file
-    std::string _golden, _goldenToWrite;
+    std::string _points;               // of calibrate: the file; its sensor's label is _label
+    double _limit = 0.05;              // of calibrate: how far off a point may be, in the scene's unit
+    double _still = 0.01;              // of calibrate: how far values may stray within a second, in theirs
+    bool _keepScale = false;           // of calibrate
     bool _strict = false;
     bool _quiet = false;
     bool _verbose = false;

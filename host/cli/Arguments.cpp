@@ -97,45 +97,9 @@ void addCount(CLI::App& app, const char* help, Options& options)
     app.add_option("-n", options._count, help)->type_name("N")->check(between(0, 1e15, "a number above 0"));
 }
 
-// How a run, or a replay, is shown, and to whom.
-void addShowing(CLI::App& app, Options& options)
+void addDistance(CLI::App& app, const char* option, const char* help, double& distance)
 {
-    addFormat(app, "--format", "how values are shown: table, lines or json", options._format,
-              {{"table", Format::Table}, {"lines", Format::Lines}, {"json", Format::Json}});
-    addFilter(app, options);
-    // A flag, for else a bare one would take the scene behind it for its value.
-    app.add_flag("--monitor{localhost}", options._listen,
-                 "answer on TCP, too, for reading: --monitor=ADDRESS:PORT; loopback and 8765 if not given")
-        ->check(listenAddress());
-    app.add_flag("--monitor-write", options._monitorMayWrite,
-                 "let who has the token of the printed address change things on TCP");
-    app.add_flag("--quiet", options._quiet, "show no values, only messages");
-    app.add_flag("--verbose", options._verbose, "show the library's informational lines");
-}
-
-void addSpeed(CLI::App& app, Options& options)
-{
-    const auto read = [&options](const std::string& text) {
-        double speed = std::numeric_limits<double>::infinity();
-        const bool isNumber = text != "max" && CLI::detail::lexical_cast(text, speed);
-        if (text != "max" && !(isNumber && speed >= 0.001 && speed <= 1000))
-            throw CLI::ValidationError("--speed", inQuotes(text) + " is neither a number from 0.001 to 1000 nor max");
-        options._speed = speed;
-    };
-    app.add_option_function<std::string>("--speed", read,
-                                         "so many times as fast as recorded, or max: as fast as possible")
-        ->type_name("X|max");
-}
-
-void addPosition(CLI::App& app, const char* option, const char* help, double& seconds)
-{
-    const auto isPosition = [](std::string& text) -> std::string {
-        double number = 0;
-        if (CLI::detail::lexical_cast(text, number) && number >= 0 && number <= 1e9)
-            return {};
-        return inQuotes(text) + " is not a number of seconds from 0 on";
-    };
-    app.add_option(option, seconds, help)->type_name("S")->check(CLI::Validator(isPosition, std::string()));
+    app.add_option(option, distance, help)->type_name("D")->check(between(0, 1e9, "a distance above 0"));
 }
 
 void addScenes(CLI::App& app, Options& options)
@@ -216,6 +180,19 @@ void whyAndWhere(CLI::App& app, Options& options)
         "for such a scene: how long a cause must last that may pass; 1 if not given, never above half of --seconds",
         options._patience);
     addFormat(app, "--format", "text or json", options._format, {{"text", Format::Text}, {"json", Format::Json}});
+}
+
+void sceneLabelAndPoints(CLI::App& app, Options& options)
+{
+    const auto addScene = [&options](const std::string& scene) { options._names.push_back(scene); };
+    app.add_option_function<std::string>("SCENE", addScene, "scene file")->required();
+    addLabel(app, "LABEL", "of the sensor that gets the device's position", options._label);
+    addLabel(app, "POINTS", "file of points, a line each: x, y, z or name, x, y, z", options._points);
+    addDistance(app, "--limit", "how far from its place a point may be, in the scene's unit; 0.05 if not given",
+                options._limit);
+    addDistance(app, "--still", "how far values may stray while the device is held still; 0.01 if not given",
+                options._still);
+    app.add_flag("--keep-scale", options._keepScale, "the device's lengths are right as they are");
 }
 
 void listing(CLI::App& app, Options& options)

@@ -16,6 +16,8 @@ int replayVerb(const Options& options);
 int checkVerb(const Options& options);
 /// Runs a scene without a word and says whether records flow between two labels.
 int whyVerb(const Options& options);
+/// Takes somebody with a device from point to point and finds how the device's room lies in the scene's.
+int calibrateVerb(const Options& options);
 /// Lists the node types with their settings.
 int nodesVerb(const Options& options);
 /// Lists the field types and how their values are written.

@@ -40,6 +40,8 @@ int main(int argc, char** argv)
          {"pub", "give a slot of a running host values", Takes::labelAndValue, Host::pubVerb},
          {"graph", "print the graph of a running host", Takes::graphForm, Host::graphVerb},
          {"watch", "show the live table of a running host", Takes::tableOptions, Host::watchVerb},
+         {"calibrate", "find how a device's room lies in yours, from points that you take the device to",
+          Takes::sceneLabelAndPoints, Host::calibrateVerb},
          {"nodes", "list the node types and their settings", Takes::namesAndFormat, Host::nodesVerb},
          {"types", "list the field types and how their values are written", Takes::names, Host::typesVerb},
          {"version", "print the version", Takes::nothing, Host::versionVerb}});
