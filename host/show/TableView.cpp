@@ -2,13 +2,13 @@
 #include "explain/text/Escape.h"
 #include "explain/text/TextWrap.h"
 #include "host/output/RunLog.h"
+#include "host/show/DrawnLines.h"
 #include "host/show/LiveTable.h"
 #include "host/show/TableControl.h"
 #include "host/show/Terminal.h"
 #include "host/show/View.h"
 
 #include <algorithm>
-#include <numeric>
 #include <ostream>
 #include <unistd.h>
 
@@ -72,7 +72,6 @@ private:
     std::string table(const TerminalSize& size, double now);
     std::string statusLine() const;
     TablePage page(std::size_t first, std::size_t room, double now);
-    std::string eraseDrawn(std::size_t width) const;
 
     std::ostream& _out;
     const TableScreen _screen;
@@ -88,7 +87,7 @@ private:
     std::vector<bool> _below;                           // per sensor, whether its value has lines of its own
     std::vector<std::size_t> _selected;                 // sensors, in the order of the table
     double _lastDraw = 0, _lastRate = 0, _lastKeys = 0; // wall-clock seconds, 0 before the first
-    std::vector<std::size_t> _drawn;                    // widths of the lines of the table on the screen
+    DrawnLines _drawn;                                  // the table on the screen
 };
 
 TableView::TableView(std::ostream& out, TableScreen screen, std::unique_ptr<TableSensors> sensors, SensorFilter filter)
@@ -130,7 +129,7 @@ bool TableView::readKeys()
         return false;
     const std::vector<KeyPress> presses = _keys.read(_screen._keyboard->read());
     if (_screen._keyboard->isBack())
-        terminalIsBack();
+        _drawn = {}; // others have written below it meanwhile
     for (const KeyPress& press : presses)
         _control.press(press);
     return !presses.empty();
@@ -204,32 +203,13 @@ std::string TableView::table(const TerminalSize& size, double now)
         rows._lines.push_back(fitted(statusLine(), _width));
     }
     std::string text;
-    _drawn.clear();
+    _drawn = {};
     rows._lines.insert(rows._lines.begin(), _layout.heading());
     for (std::string& line : rows._lines) {
         trimRight(line);
-        text += line + "\n";
-        _drawn.push_back(displayWidth(line));
+        text += _drawn.add(line);
     }
     return text;
-}
-
-std::string TableView::statusLine() const
-{
-    std::string line = _screen._status ? _screen._status() : "";
-    if (_control.hasStatus(_selected.size()))
-        line += (line.empty() ? "" : "  ") + _control.status(_selected.size(), _screen._keyboard != nullptr);
-    return line;
-}
-
-// Moves up over what was drawn last. Many terminals break lines anew where they have become narrower.
-std::string TableView::eraseDrawn(std::size_t width) const
-{
-    const std::size_t lines =
-        std::accumulate(_drawn.begin(), _drawn.end(), std::size_t{0}, [&](std::size_t sum, std::size_t drawn) {
-            return sum + std::max<std::size_t>((drawn + width - 1) / width, 1);
-        });
-    return lines == 0 ? "" : "\x1b[" + std::to_string(lines) + "A\r\x1b[J";
 }
 
 void TableView::draw(double now)
@@ -237,7 +217,7 @@ void TableView::draw(double now)
     TerminalSize size = terminalSize(STDOUT_FILENO).value_or(TerminalSize{widthElsewhere, 24});
     std::string text;
     if (_screen._inPlace) {
-        text = eraseDrawn(size._width);
+        text = _drawn.erase(size._width);
         --size._height; // one line is left free for the cursor
     } else {
         size._height = std::numeric_limits<std::size_t>::max();
