@@ -1,8 +1,10 @@
 // The bytes of a datagram, through the OSC node's reader into an out-slot of every type, and from there through an
-// in-slot back into packets. What the writer made must be read and written again without any difference.
+// in-slot back into packets; and against entries with several slots, fixed and skipped arguments, and '*'. What the
+// writer made must be read and written again without any difference.
 #include "fuzz/Fuzz.h"
 #include "nodes/osc/OscDispatcher.h"
 #include "nodes/osc/OscSender.h"
+#include "nodes/osc/address/OscEntryList.h"
 #include "nodes/osc/packet/OscPacker.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
@@ -18,34 +20,62 @@ using namespace Trovio::Nodes;
 using Packet = std::vector<std::uint8_t>;
 constexpr unsigned capacity = 4096; // no input of the size that is tried fills it
 
-/// "/Vec3f", "/all/Vec3f": two methods for each type, so that patterns match one, some and all of them.
-std::vector<OscAddress> allAddresses()
+/// Messages of several slots and fixed arguments, and what the last two of them get from others, too.
+constexpr const char* sent = "out='/pose s:\"a b\" Vec3f:position Rotation:rotation, /pose s:c Rotation:rotation, "
+                             "/fixed i:3 h:-4 f:0.5 d:0.25 T N Float:x Bool[]:rest, /some Float, /starred Float'";
+constexpr const char* onlyTaken = "in='/skipped _ Float _[], /*/star T Float'";
+
+std::vector<OscEntry> readEntries(const char* text, const char* setting, OscDirection direction)
 {
-    std::vector<OscAddress> addresses;
-    forEachSlotType([&addresses]<class T>(TypeTag<T>) {
+    static const std::vector<Setting> table{Setting::text("in", "", "", ""), Setting::text("out", "", "", "")};
+    return readOscEntries(Settings(table, text), setting, direction);
+}
+
+/// "/Vec3f", "/all/Vec3f": two methods for each type, so that patterns match one, some and all of them.
+std::vector<OscEntry> sentEntries()
+{
+    std::vector<OscEntry> entries;
+    forEachSlotType([&entries]<class T>(TypeTag<T>) {
         std::string name = TypeName<T>::getName();
         if (name.ends_with("[]"))
             name.replace(name.size() - 2, 2, "s");
-        addresses.push_back({"/" + name, TypeName<T>::getName()});
-        addresses.push_back({"/all/" + name, TypeName<T>::getName()});
+        entries.push_back({"/" + name, TypeName<T>::getName()});
+        entries.push_back({"/all/" + name, TypeName<T>::getName()});
     });
-    return addresses;
+    for (const OscEntry& entry : readEntries(sent, "out", OscDirection::Out))
+        entries.push_back(entry);
+    return entries;
+}
+
+std::vector<OscEntry> takenEntries()
+{
+    auto entries = sentEntries();
+    for (const OscEntry& entry : readEntries(onlyTaken, "in", OscDirection::In))
+        entries.push_back(entry);
+    return entries;
 }
 
 /// What the node does between its socket and its socket: a message in, a value in two slots, a message out.
 class Road {
 public:
-    Road() : _dispatcher(allAddresses(), _counters)
+    Road() : _dispatcher(takenEntries(), _counters, [this](const auto& slots) { connect(*slots.at(0), *_ends.back()); })
     {
-        for (const OscAddress& address : allAddresses())
-            _out.push_back(OscSender::create(address, capacity, [] {}));
+        for (const OscEntry& entry : sentEntries()) {
+            _out.push_back(
+                std::make_unique<OscSender>(entry, OscSender::Manner{capacity, Gathering::All, _replaced, [] {}}));
+            _ends.insert(_ends.end(), _out.back()->getSlots().begin(), _out.back()->getSlots().end());
+        }
         std::size_t next = 0;
-        _dispatcher.forEachSlot([&](BasicOutSlot& slot) { slot.connect(&_out[next++]->getSlot()); });
+        _dispatcher.forEachSlot([&](BasicOutSlot& slot) {
+            const bool isSkipped = next == _ends.size();
+            connect(slot, *_ends[isSkipped ? next - 2 : next]);
+            ++next;
+        });
     }
     ~Road()
     {
-        std::size_t next = 0;
-        _dispatcher.forEachSlot([&](BasicOutSlot& slot) { slot.disconnect(&_out[next++]->getSlot()); });
+        for (const auto& [from, to] : _connections)
+            from->disconnect(to);
     }
 
     bool read(Bytes packet) { return !readOscPacket(packet, Time(1.0), _dispatcher).has_value(); }
@@ -57,7 +87,7 @@ public:
         OscPacker packer(Bundling::Always,
                          [&packets](Bytes packet, std::size_t) { packets.emplace_back(packet.begin(), packet.end()); });
         for (const auto& sender : _out)
-            while (const auto stamp = sender->take(_writer))
+            while (const auto stamp = sender->take(_writer, 0.0))
                 packer.add(_writer.finish(), *stamp);
         packer.flush();
         return packets;
@@ -66,13 +96,21 @@ public:
     std::uint64_t takeValueCount() { return _values.get() - std::exchange(_valuesBefore, _values.get()); }
 
 private:
+    void connect(BasicOutSlot& from, BasicInSlot& to)
+    {
+        from.connect(&to);
+        _connections.emplace_back(&from, &to);
+    }
+
     Counter _packets{"packets"}, _messages{"messages"}, _values{"values"}, _mismatched{"mismatched"},
         _unknown{"unknown"}, _malformed{"malformed"}, _dropped{"dropped"}, _unread{"unread"},
-        _withoutMemory{"without memory"};
+        _withoutMemory{"without memory"}, _replaced{"replaced"};
     OscInCounters _counters{_packets,   _messages, _values, _mismatched,   _unknown,
                             _malformed, _dropped,  _unread, _withoutMemory};
     OscDispatcher _dispatcher;
     std::vector<std::unique_ptr<OscSender>> _out;
+    std::vector<BasicInSlot*> _ends; // of all that is sent
+    std::vector<std::pair<BasicOutSlot*, BasicInSlot*>> _connections;
     OscWriter _writer;
     std::uint64_t _valuesBefore = 0;
 };

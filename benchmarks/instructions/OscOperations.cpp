@@ -16,7 +16,7 @@ constexpr std::size_t countersInAll = 9;
 /// What stands behind the socket of an OSC node.
 class Listener {
 public:
-    Listener() : _dispatcher({{"/wand/position", "Vec3f"}, {"/wand/trigger", "Bool"}}, _in) {}
+    Listener() : _dispatcher({{"/wand/position", "Vec3f"}, {"/wand/trigger", "Bool"}}, _in, {}) {}
     void receive(Bytes packet) { readOscPacket(packet, Trovio::Time(1e9), _dispatcher); }
 
 private:

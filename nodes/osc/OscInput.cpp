@@ -1,31 +1,13 @@
 #include "nodes/osc/OscInput.h"
 
+#include "nodes/osc/OscListenPlace.h"
 #include "nodes/shared/Report.h"
-#include <algorithm>
 
 namespace Trovio::Nodes {
 
 namespace {
 
 constexpr double retryPeriod = 2.0; // seconds between two tries to get the port
-
-std::string describe(const std::vector<SocketAddress>& addresses)
-{
-    std::string text;
-    for (const SocketAddress& address : addresses)
-        text += (text.empty() ? "" : " and ") + address.str();
-    return text;
-}
-
-/// From where packets can come.
-std::string describeReach(const std::vector<SocketAddress>& addresses)
-{
-    if (std::all_of(addresses.begin(), addresses.end(), [](const SocketAddress& one) { return one.isLoopback(); }))
-        return ", this machine only";
-    const bool isAny =
-        std::all_of(addresses.begin(), addresses.end(), [](const SocketAddress& one) { return one.isAny(); });
-    return isAny ? ", every address of this machine" : "";
-}
 
 std::string countPackets(std::uint64_t count)
 {
@@ -34,12 +16,13 @@ std::string countPackets(std::uint64_t count)
 
 } // namespace
 
-OscInput::OscInput(Clock& clock, OscInSettings settings, OscInCounters& counters, Health health)
+OscInput::OscInput(Clock& clock, OscInSettings settings, OscInCounters& counters, OscDispatcher::Show show,
+                   Health health)
     : _clock(clock),
       _settings(std::move(settings)),
       _counters(counters),
       _health(std::move(health)),
-      _dispatcher(_settings._addresses, counters),
+      _dispatcher(_settings._entries, counters, std::move(show)),
       _malformedReports(clock),
       _shortage(clock, counters._withoutMemory, "OSC: receiving"),
       _worker(clock)
@@ -85,7 +68,8 @@ void OscInput::open()
     {
         const auto addresses = getAddresses();
         const Ostrel::LockGuard guard(_factsLock);
-        _listens = problem.empty() ? "listens on " + describe(addresses) + describeReach(addresses) : problem;
+        _listens =
+            problem.empty() ? "listens on " + describeOscPlace(addresses) + describeOscReach(addresses) : problem;
     }
     _health(problem);
     if (!problem.empty())
@@ -93,7 +77,7 @@ void OscInput::open()
     const int granted = _receiver.getGrantedBuffer();
     const bool isSmall = granted < _settings._bufferBytes;
     const std::string buffer = " with a receive buffer of " + std::to_string(granted) + " bytes";
-    report(osg::LogAlways, "OSC: listening on " + describe(getAddresses()) + buffer);
+    report(osg::LogAlways, "OSC: listening on " + describeOscPlace(getAddresses()) + buffer);
     if (isSmall)
         report(osg::LogNotice, "OSC:" + buffer + " instead of " + std::to_string(_settings._bufferBytes) +
                                    " bursts may be lost; allow more with sysctl net.core.rmem_max=" +

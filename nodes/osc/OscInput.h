@@ -12,7 +12,7 @@ namespace Trovio::Nodes {
 struct OscInSettings {
     std::vector<SocketAddress> _listen;
     int _bufferBytes = 0; // asked of the kernel
-    std::vector<OscAddress> _addresses;
+    std::vector<OscEntry> _entries;
 };
 
 /// The receiving half of an OSC node: sockets, a thread, and methods.
@@ -23,7 +23,7 @@ public:
     /// Called from any thread with the problem; with an empty text once there is none.
     using Health = std::function<void(const std::string& problem)>;
 
-    OscInput(Clock& clock, OscInSettings settings, OscInCounters& counters, Health health);
+    OscInput(Clock& clock, OscInSettings settings, OscInCounters& counters, OscDispatcher::Show show, Health health);
 
     void start();
     void stop();

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "nodes/osc/address/OscAddressList.h"
+#include "nodes/osc/address/OscEntry.h"
 #include "nodes/osc/packet/OscPacket.h"
+#include <functional>
 #include <memory>
 
 namespace Trovio {
@@ -10,21 +11,48 @@ class BasicOutSlot;
 
 namespace Trovio::Nodes {
 
-/// An address that messages are received for, and the out-slot that they go to. (What has an address is a method to
-/// OSC.)
-/// Threads: one thread delivers; the slot itself is for any thread.
-class OscMethod {
+/// What becomes of a message.
+enum class OscFit {
+    Fits,
+    Differs, // its arguments do not make the values
+    Another, // it has other fixed arguments, and so is meant for another entry
+};
+
+/// Takes one item's arguments off a message.
+/// Threads: one; the slot is for any thread.
+class OscPart {
 public:
-    virtual ~OscMethod() = default;
-    virtual BasicOutSlot& getSlot() = 0;
-
-    /// Pushes the message's value. False, and nothing is pushed, if its arguments do not make one.
-    virtual bool deliver(const OscMessage& message) = 0;
-
+    virtual ~OscPart() = default;
+    virtual OscFit take(OscArguments& arguments) = 0;
     /// The tags that fit best: "fff", "(fff)*".
     virtual std::string getExpected() const = 0;
 
-    static std::unique_ptr<OscMethod> create(const OscAddress& address);
+    /// Of a part that is a slot's value: hands on what was taken last.
+    virtual void push(const Time&) {}
+    virtual BasicOutSlot* getSlot() { return nullptr; }
+};
+
+/// A message as an entry of 'in' describes it, and the out-slots that its arguments go to. (What has an address is a
+/// method to OSC.)
+/// Threads: one thread delivers; the slots themselves are for any thread.
+class OscMethod {
+public:
+    explicit OscMethod(const OscEntry& entry);
+
+    /// Pushes the message's values, all of them or, unless it fits, none.
+    OscFit deliver(const OscMessage& message);
+    /// Whether it fits; pushes nothing.
+    OscFit read(const OscMessage& message);
+
+    /// "/wand/position", "/tracker i:3"
+    const std::string& getTitle() const { return _title; }
+    std::string getExpected() const;
+    const std::vector<BasicOutSlot*>& getSlots() const { return _slots; }
+
+private:
+    const std::string _title;
+    std::vector<std::unique_ptr<OscPart>> _parts;
+    std::vector<BasicOutSlot*> _slots;
 };
 
 } // namespace Trovio::Nodes

@@ -1,26 +1,30 @@
 #include "nodes/osc/OscNode.h"
 
+#include "nodes/osc/OscListenPlace.h"
+#include "nodes/osc/address/OscEntryList.h"
 #include "nodes/shared/Report.h"
 #include "nodes/shared/SlotList.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
-#include <algorithm>
+#include <set>
 
 namespace Trovio::Nodes {
 
 namespace {
 
-constexpr const char* addressList = "'/address Type, ...' with slot types, or nothing";
+constexpr const char* entryList = "'/address Type, /other i:3 Type:name Type:name, ...' with slot types, or nothing";
 
 const Setting oscSettings[] = {
     Setting::endpoint("listen", "", "where to receive, ADDRESS:PORT; the address numeric, or localhost"),
-    Setting::text("in", "", "what to receive; each address is an out-slot", addressList),
+    Setting::text("in", "", "what to receive; each address is an out-slot, or several", entryList),
     Setting::integer("buffer", "8388608", 4096, 1 << 30, "bytes that may wait in the receiving socket"),
     Setting::endpoint("send", "", "where to send, HOST:PORT"),
-    Setting::text("out", "", "what to send; each address is an in-slot", addressList),
+    Setting::text("out", "", "what to send; each address is an in-slot, or several", entryList),
     Setting::integer("queue", "256", 1, 65536, "records that may wait in each in-slot; the newest are kept"),
     Setting::choice("bundle", "auto", "auto|always|never",
                     "whether messages go in bundles, which carry times: where several wait, always, never"),
+    Setting::choice("gather", "all", "all|frame",
+                    "when a message of several slots goes: once each has a new value, or each frame"),
 };
 
 /// Both or neither of a half's two settings.
@@ -32,16 +36,22 @@ void checkPair(const Settings& settings, const char* place, const char* addresse
                                    "' has one");
 }
 
+std::set<std::string> listLabels(const std::vector<OscEntry>& entries)
+{
+    std::set<std::string> labels;
+    for (const OscEntry& entry : entries)
+        for (const OscItem& item : entry._items)
+            if (const auto* const slot = std::get_if<OscSlotItem>(&item))
+                labels.insert(entry.getLabel(*slot));
+    return labels;
+}
+
 OscInSettings readIn(const Settings& settings)
 {
     OscInSettings in;
-    in._addresses = readOscAddresses(settings, "in");
+    in._entries = readOscEntries(settings, "in", OscDirection::In);
     in._bufferBytes = static_cast<int>(settings.integer("buffer"));
-    // Where only a port was written, both loopbacks are meant.
-    const Endpoint endpoint = *settings.endpoint("listen");
-    const std::string& text = settings.text("listen");
-    const bool isPortOnly = text.find(':') == std::string::npos || text.front() == ':';
-    in._listen = SocketAddress::forListening(isPortOnly ? "localhost" : endpoint._host, endpoint._port);
+    in._listen = readOscListenPlace(settings.text("listen"));
     if (in._listen.empty())
         throw settings.refusal("listen", "a numeric address of this machine or localhost, and a port; 0.0.0.0 or [::] "
                                          "for all of its addresses");
@@ -51,26 +61,23 @@ OscInSettings readIn(const Settings& settings)
 OscOutSettings readOut(const Settings& settings)
 {
     OscOutSettings out;
-    out._addresses = readOscAddresses(settings, "out");
+    out._entries = readOscEntries(settings, "out", OscDirection::Out);
     out._target = *settings.endpoint("send");
-    checkQueues(settings, "queue", out._addresses.size());
+    checkQueues(settings, "queue", listLabels(out._entries).size());
     out._queue = static_cast<unsigned>(settings.integer("queue"));
     out._bundling = static_cast<Bundling>(settings.choice("bundle"));
+    out._gathering = static_cast<Gathering>(settings.choice("gather"));
     if (out._target._port == 0)
         throw settings.refusal("send", "a host and a port from 1 to 65535");
     return out;
 }
 
-void checkApart(const Settings& settings, const std::vector<OscAddress>& in, const std::vector<OscAddress>& out)
+void checkApart(const Settings& settings)
 {
-    std::vector<std::string> known;
-    known.reserve(in.size());
-    for (const OscAddress& address : in)
-        known.push_back(address._address);
-    std::sort(known.begin(), known.end());
-    for (const OscAddress& address : out)
-        if (std::binary_search(known.begin(), known.end(), address._address))
-            throw settings.refusal("out", "addresses that 'in' does not have, but both have " + address._address +
+    const auto known = listLabels(readOscEntries(settings, "in", OscDirection::In));
+    for (const std::string& label : listLabels(readOscEntries(settings, "out", OscDirection::Out)))
+        if (known.count(label) != 0)
+            throw settings.refusal("out", "addresses that 'in' does not have, but both have /" + label +
                                               "; use two nodes for that");
 }
 
@@ -96,8 +103,8 @@ OscNode::OscNode(Clock& clock, std::unique_ptr<NameLookup> lookup)
                   addCounter("in dropped by the kernel"),
                   addCounter("in left unread"),
                   addCounter("in without memory")},
-      _outCounters{addCounter("out messages"), addCounter("out packets"), addCounter("out failed"),
-                   addCounter("out refused"), addCounter("out without memory")}
+      _outCounters{addCounter("out messages"), addCounter("out packets"),  addCounter("out failed"),
+                   addCounter("out refused"),  addCounter("out replaced"), addCounter("out without memory")}
 {
 }
 
@@ -111,11 +118,11 @@ void OscNode::configure(const Settings& settings)
         throw settings.refusal("listen", "a value, unless 'send' has one");
     std::unique_ptr<OscInput> input;
     std::unique_ptr<OscOutput> output;
-    checkApart(settings, readOscAddresses(settings, "in"), readOscAddresses(settings, "out"));
+    checkApart(settings);
     if (settings.endpoint("listen"))
-        input = std::make_unique<OscInput>(_clock, readIn(settings), _inCounters, [this](const std::string& problem) {
-            setProblem(&Problems::_input, problem);
-        });
+        input = std::make_unique<OscInput>(
+            _clock, readIn(settings), _inCounters, [this](const std::vector<BasicOutSlot*>& slots) { addSlots(slots); },
+            [this](const std::string& problem) { setProblem(&Problems::_input, problem); });
     if (settings.endpoint("send"))
         output = std::make_unique<OscOutput>(
             _clock, _lookup, readOut(settings), _outCounters,

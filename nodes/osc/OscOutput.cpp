@@ -31,8 +31,10 @@ OscOutput::OscOutput(Clock& clock, std::shared_ptr<NameLookup> lookup, OscOutSet
       _shortage(clock, counters._withoutMemory, "OSC: sending"),
       _worker(clock)
 {
-    for (const OscAddress& address : _settings._addresses)
-        _senders.push_back(OscSender::create(address, _settings._queue, [this] { _worker.wake(); }));
+    const OscSender::Manner manner{_settings._queue, _settings._gathering, _counters._replaced,
+                                   [this] { _worker.wake(); }};
+    for (const OscEntry& entry : _settings._entries)
+        _senders.push_back(std::make_unique<OscSender>(entry, manner));
 }
 
 void OscOutput::start()
@@ -55,7 +57,8 @@ void OscOutput::stop()
 void OscOutput::forEachSlot(const std::function<void(BasicInSlot&)>& use)
 {
     for (const auto& sender : _senders)
-        use(sender->getSlot());
+        for (BasicInSlot* const slot : sender->getSlots())
+            use(*slot);
 }
 
 void OscOutput::run()
@@ -63,10 +66,21 @@ void OscOutput::run()
     for (;;) {
         const bool isDone = _shortage.survives([this] { goOn(); });
         const int descriptor = _socket.get();
-        const auto next = isDone ? (_socket.isOpen() ? _wellFrom : _searchTime) : _clock.now() + MemoryShortage::Pause;
+        const auto next = isDone ? getNextTime() : _clock.now() + MemoryShortage::Pause;
         if (!_worker.wait(next, {&descriptor, _socket.isOpen() ? 1U : 0U}))
             return;
     }
+}
+
+std::optional<double> OscOutput::getNextTime() const
+{
+    if (!_socket.isOpen())
+        return _searchTime;
+    std::optional<double> next = _wellFrom;
+    for (const auto& sender : _senders)
+        if (const auto due = sender->getDueTime(); due && (!next || *due < *next))
+            next = due;
+    return next;
 }
 
 void OscOutput::goOn()
@@ -128,8 +142,8 @@ void OscOutput::openSocket(const SocketAddress& target)
 
 void OscOutput::drain()
 {
-    const auto takeOne = [this](OscSender& sender) {
-        const auto stamp = sender.take(_writer);
+    const auto takeOne = [this, now = _clock.now()](OscSender& sender) {
+        const auto stamp = sender.take(_writer, now);
         if (stamp)
             _packer.add(_writer.finish(), *stamp);
         return stamp.has_value();

@@ -13,8 +13,9 @@ namespace Trovio::Nodes {
 /// Where an OSC node sends to, and what.
 struct OscOutSettings {
     Endpoint _target;
-    std::vector<OscAddress> _addresses;
+    std::vector<OscEntry> _entries;
     unsigned _queue = 1; // records that may wait in each slot
+    Gathering _gathering = Gathering::All;
     Bundling _bundling = Bundling::Auto;
 };
 
@@ -22,8 +23,9 @@ struct OscOutSettings {
 struct OscOutCounters {
     Counter& _messages; // in packets that the system took
     Counter& _packets;
-    Counter& _failed;  // messages in packets that the system did not take
-    Counter& _refused; // answers that nobody listens there
+    Counter& _failed;   // messages in packets that the system did not take
+    Counter& _refused;  // answers that nobody listens there
+    Counter& _replaced; // records of several for one message that newer ones replaced before it was complete
     Counter& _withoutMemory;
 };
 
@@ -51,6 +53,8 @@ private:
     void seekTarget();
     void openSocket(const SocketAddress& target);
     void drain();
+    /// When to go on, if no record comes and no packet.
+    std::optional<double> getNextTime() const;
     void send(Bytes packet, std::size_t messages);
     /// Reads the errors of earlier packets (nobody listens there), and discards what others send to this socket.
     void listen();

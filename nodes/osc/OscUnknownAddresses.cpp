@@ -1,7 +1,8 @@
 #include "nodes/osc/OscUnknownAddresses.h"
 
-#include "nodes/osc/address/OscAddressList.h"
+#include "nodes/osc/address/OscEntryList.h"
 #include "nodes/osc/address/OscPattern.h"
+#include "nodes/osc/packet/OscGuess.h"
 #include "nodes/osc/packet/OscTags.h"
 #include "nodes/shared/Report.h"
 #include "trovio/messages/NearestName.h"
@@ -14,30 +15,36 @@ namespace {
 constexpr std::size_t maxDescribed = 3;
 
 /// What the user may write to get the messages.
-std::string cureFor(std::string_view address, std::string_view tags)
+std::string cureFor(const OscMessage& message)
 {
-    const std::string type = guessSlotType(tags);
-    if (type.empty())
-        return tags.empty() ? "; only types with [] take that" : "; no slot type takes that";
-    if (!isOscAddress(address))
+    OscGuess guess;
+    guess.note(message);
+    const std::string items = guess.getItems();
+    if (items.empty())
+        return message._tags.empty() ? "; only types with [] take that" : "; no slot type takes that";
+    if (!isOscAddress(message._address))
         return "; no slot can have that address";
-    std::string entry;
-    for (const char character : std::string(address) + " " + type)
-        entry += (character == '\'' || character == '\\' ? "\\" : "") + std::string(1, character);
-    return "; in='" + entry + "' would take it";
+    return "; a guess: " + quoteOscEntries(std::string(message._address) + " " + items) + " would take it";
 }
 
 std::string describe(const OscMessage& message, std::string_view address, std::string_view nearest)
 {
-    const std::string text =
-        "OSC: no slot for " + std::string(address) + ", which comes with " + describeOscTags(message._tags);
+    const bool isKnown = nearest == address; // with other fixed arguments
+    const std::string choice = isKnown ? OscGuess::findChoice(message) : std::string();
+    const std::string text = "OSC: no slot for " + std::string(address) + (choice.empty() ? "" : " " + choice) +
+                             ", which comes with " + describeOscTags(message._tags);
     if (isOscPattern(address))
         return text + "; the pattern fits no address";
-    return text + cureFor(message._address, message._tags) +
-           (nearest.empty() ? "" : "; the nearest address with a slot is " + std::string(nearest));
+    return text + cureFor(message) +
+           (nearest.empty() || isKnown ? "" : "; the nearest address with a slot is " + std::string(nearest));
 }
 
 } // namespace
+
+OscUnknownAddresses::OscUnknownAddresses(std::vector<std::string> known)
+    : _addresses(std::move(known)), _known(_addresses.begin(), _addresses.end())
+{
+}
 
 void OscUnknownAddresses::note(const OscMessage& message)
 {

@@ -8,16 +8,16 @@
 
 namespace Trovio::Nodes {
 
-/// Addresses that came and that no slot has. The first few are remembered, and each of them is named once in the log,
-/// with its arguments and the entry of 'in' that would take it; the messages of all others are only counted.
-/// Threads: note() from one thread; the rest from any, under any lock but the log's.
+/// Addresses that came and that no slot has, or none for those arguments. The first few are remembered, and each of
+/// them is named once in the log, with its arguments and the entry of 'in' that may take it; the messages of all others
+/// are only counted. Threads: note() from one thread; the rest from any, under any lock but the log's.
 class OscUnknownAddresses {
 public:
     /// How many addresses are remembered: no more than one source may log in a second.
     static constexpr std::size_t MaxNamed = 16;
 
-    /// The views must outlive this.
-    explicit OscUnknownAddresses(std::vector<std::string_view> known) : _known(std::move(known)) {}
+    /// known: the addresses that have slots.
+    explicit OscUnknownAddresses(std::vector<std::string> known);
 
     void note(const OscMessage& message) OSTREL_EXCLUDES(_lock);
 
@@ -37,7 +37,8 @@ private:
     bool countKnown(std::string_view address) OSTREL_EXCLUDES(_lock);
     void remember(const OscMessage& message, std::string_view address) OSTREL_EXCLUDES(_lock);
 
-    const std::vector<std::string_view> _known;
+    const std::vector<std::string> _addresses;
+    const std::vector<std::string_view> _known; // refer into _addresses
 
     mutable Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
     Named _named OSTREL_GUARDED_BY(_lock);

@@ -33,6 +33,9 @@ public:
         return _slot.pop();
     }
 
+    /// Whether a record waits.
+    bool isWaiting() { return _isWaiting.load() && !_slot.empty(); }
+
 private:
     void dataArrived(Slot&) override
     {

@@ -24,4 +24,19 @@ void SlotListNode::addSlot(BasicOutSlot& slot)
     addOutSlot(_labels.back(), &slot);
 }
 
+void SlotListNode::addSlots(const std::vector<BasicOutSlot*>& slots)
+{
+    const std::size_t before = _labels.size();
+    std::size_t added = 0;
+    try {
+        for (; added < slots.size(); ++added)
+            addSlot(*slots[added]);
+    } catch (...) {
+        for (std::size_t i = 0; i < added; ++i)
+            removeSlot(_labels[before + i]);
+        _labels.resize(before);
+        throw;
+    }
+}
+
 } // namespace Trovio::Nodes

@@ -4,7 +4,7 @@
 
 namespace Trovio::Nodes {
 
-/// A node whose settings say which slots it has, each under its own name.
+/// A node whose settings say which slots it has, each under its own name, or what comes while it runs.
 /// Ownership: the derived node owns the slots.
 class SlotListNode : public Node {
 protected:
@@ -12,6 +12,10 @@ protected:
     void removeSlots();
     void addSlot(BasicInSlot& slot);
     void addSlot(BasicOutSlot& slot);
+
+    /// Adds all or, where one cannot be added, none, and throws what addOutSlot() does. Also from the node's own
+    /// thread, between start() and the end of stop().
+    void addSlots(const std::vector<BasicOutSlot*>& slots);
 
 private:
     std::vector<std::string> _labels; // of what was added

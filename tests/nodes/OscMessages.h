@@ -47,6 +47,15 @@ inline Packet numbersMessage(const std::string& address, char tag, const std::ve
     return serialised(message, address);
 }
 
+/// A message of arguments of several kinds, as lo_message_add() takes them.
+template <class... Arguments>
+Packet mixedMessage(const std::string& address, const char* tags, Arguments... arguments)
+{
+    const LoMessage message = newLoMessage();
+    lo_message_add(message.get(), tags, arguments...);
+    return serialised(message, address);
+}
+
 /// A packet from text and bytes put together by hand; fill it up to four bytes yourself.
 inline Packet raw(const std::string& bytes)
 {

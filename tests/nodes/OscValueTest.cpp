@@ -6,6 +6,7 @@
 #include "tests/nodes/OscMessages.h"
 #include "tests/nodes/SampleValues.h"
 #include "trovio/InSlot.h"
+#include "trovio/Node.h"
 #include "trovio/OutSlot.h"
 #include "trovio/SlotTypes.h"
 #include <cmath>
@@ -22,14 +23,14 @@ template <class T>
 std::optional<T> received(Bytes packet)
 {
     struct Receiver final : OscMessageVisitor {
-        void visit(const OscMessage& message) override { _delivered = _method->deliver(message); }
-        const std::unique_ptr<OscMethod> _method = OscMethod::create({"/a", TypeName<T>::getName()});
+        void visit(const OscMessage& message) override { _delivered = _method.deliver(message) == OscFit::Fits; }
+        OscMethod _method{{"/a", TypeName<T>::getName()}};
         bool _delivered = false;
     } receiver;
     InSlot<T> slot("");
-    slot.connect(&receiver._method->getSlot());
+    slot.connect(receiver._method.getSlots().at(0));
     EXPECT_EQ(readOscPacket(packet, Time(1.0), receiver), std::nullopt);
-    slot.disconnect(&receiver._method->getSlot());
+    slot.disconnect(receiver._method.getSlots().at(0));
     EXPECT_EQ(receiver._delivered, !slot.empty());
     return receiver._delivered ? std::optional(slot.pop().getValue()) : std::nullopt;
 }
@@ -66,8 +67,8 @@ TEST(OscValue, TheTypeThatIsGuessedFromTheTagsTakesTheMessage)
             size += std::string_view("hdt").find(tag) != std::string_view::npos      ? 8
                     : std::string_view("TFIN[]").find(tag) != std::string_view::npos ? 0
                                                                                      : 4;
-        const auto method = OscMethod::create({"/a", type});
-        EXPECT_TRUE(method->deliver({"/a", tags, Bytes(zeros).first(size), Time(1.0)})) << tags;
+        OscMethod method({"/a", type});
+        EXPECT_EQ(method.deliver({"/a", tags, Bytes(zeros).first(size), Time(1.0)}), OscFit::Fits) << tags;
     }
     for (const char* tags : {"", "[]", "m", "fs", "Tf"})
         EXPECT_EQ(guessSlotType(tags), "") << tags;
@@ -154,13 +155,14 @@ TEST(OscValue, ImagesWhoseNumbersDoNotFitTheirPixelsAreRefused)
 TEST(OscValue, WhatGoesOutComesBackEqual)
 {
     forEachSlotType([]<class T>(TypeTag<T>) {
-        const auto out = OscSender::create({"/a", TypeName<T>::getName()}, 4, [] {});
+        Counter replaced("");
+        OscSender out({"/a", TypeName<T>::getName()}, {4, Gathering::All, replaced, [] {}});
         OutSlot<T> source("");
-        source.connect(&out->getSlot());
+        source.connect(out.getSlots().at(0));
         OscWriter writer;
         for (const T& sample : sampleValues<T>()) {
             source.push(Data<T>(sample, Time(3.0)));
-            ASSERT_EQ(out->take(writer), Time(3.0));
+            ASSERT_EQ(out.take(writer, 0.0), Time(3.0));
             Packet packet(writer.finish().begin(), writer.finish().end());
             const auto back = received<T>(packet);
             ASSERT_TRUE(back) << TypeName<T>::getName();
@@ -169,8 +171,8 @@ TEST(OscValue, WhatGoesOutComesBackEqual)
             const LoMessage other(lo_message_deserialise(packet.data(), packet.size(), nullptr), &lo_message_free);
             EXPECT_TRUE(other) << TypeName<T>::getName();
         }
-        EXPECT_EQ(out->take(writer), std::nullopt);
-        source.disconnect(&out->getSlot());
+        EXPECT_EQ(out.take(writer, 0.0), std::nullopt);
+        source.disconnect(out.getSlots().at(0));
     });
 }
 

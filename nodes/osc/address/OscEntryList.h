@@ -1,25 +1,27 @@
 #pragma once
 
+#include "nodes/osc/address/OscEntry.h"
 #include "trovio/Settings.h"
-#include <string>
-#include <vector>
+#include <string_view>
 
 namespace Trovio::Nodes {
 
-/// One entry of the settings in and out: "/wand/position Vec3f".
-struct OscAddress {
-    std::string _address;  // with its leading '/'
-    std::string _typeName; // of a slot value type
+/// How many entries of a list may have '*' in their addresses: messages of addresses that are not known yet are
+/// compared with each of them.
+constexpr std::size_t MaxOscStars = 16;
 
-    /// The label of its slot.
-    std::string getLabel() const { return _address.substr(1); }
-};
+/// How many items may stand behind an address.
+constexpr std::size_t MaxOscItems = 64;
+
+/// Messages of `in`, which may be of any address and have arguments that are skipped, or of `out`.
+enum class OscDirection { In, Out };
 
 /// Whether a slot may have that address.
 bool isOscAddress(std::string_view text);
 
-/// Reads "/wand/position Vec3f, /cloud Vec3f[]". Throws InvalidFieldException, with the entry and what is allowed, for
-/// anything else, and for an address that is listed twice.
-std::vector<OscAddress> readOscAddresses(const Settings& settings, const char* name);
+/// Reads "/wand/position Vec3f, /tracker i:3 Vec3f:position Rotation:rotation". Throws InvalidFieldException, with the
+/// entry, the character and what is allowed there, for anything else; for a label that two slots would have; and for
+/// more than MaxListedSlots slots.
+std::vector<OscEntry> readOscEntries(const Settings& settings, const char* setting, OscDirection direction);
 
 } // namespace Trovio::Nodes

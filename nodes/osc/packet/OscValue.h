@@ -5,15 +5,13 @@
 
 namespace Trovio::Nodes {
 
-/// How a whole slot value is written in a message, built on OscElement. read() takes all arguments or refuses.
+/// How a whole slot value is written in a message, built on OscElement. read() takes the arguments of the value, all of
+/// them for a vector, or refuses; others may be left.
 template <class T>
 struct OscValue {
     static std::string expected() { return OscElement<T>::signature(); }
 
-    static bool read(OscArguments& arguments, T& value)
-    {
-        return OscElement<T>::read(arguments, value) && arguments.atEnd();
-    }
+    static bool read(OscArguments& arguments, T& value) { return OscElement<T>::read(arguments, value); }
 
     static void write(OscWriter& writer, const T& value) { OscElement<T>::write(writer, value); }
 };
@@ -27,7 +25,7 @@ struct OscValue<SharedImage> {
     {
         value = {};
         value.acquire();
-        return OscElement<Image>::read(arguments, *value) && arguments.atEnd();
+        return OscElement<Image>::read(arguments, *value);
     }
 
     static void write(OscWriter& writer, const SharedImage& value)

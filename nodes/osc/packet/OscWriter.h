@@ -18,7 +18,9 @@ public:
     void addNumber(std::int64_t number) { addBits64('h', static_cast<std::uint64_t>(number)); }
     void addNumber(float number);
     void addNumber(double number);
-    void addBool(bool value) { _tags += value ? 'T' : 'F'; }
+    void addBool(bool value) { addTag(value ? 'T' : 'F'); }
+    /// An argument that is its tag and has no bytes.
+    void addTag(char tag) { _tags += tag; }
     /// The text ends at its first zero byte.
     void addText(std::string_view text);
     /// Of less than 2^31 bytes.

@@ -1,0 +1,117 @@
+#include "nodes/osc/packet/OscGuess.h"
+
+#include "nodes/osc/address/OscItemReader.h"
+#include "nodes/osc/packet/OscElement.h"
+#include "nodes/osc/packet/OscTags.h"
+#include "osg/LogText.h"
+
+namespace Trovio::Nodes {
+
+namespace {
+
+constexpr double unitTolerance = 0.01; // senders round
+
+bool isOneOf(char tag, std::string_view tags)
+{
+    return tags.find(tag) != std::string_view::npos;
+}
+
+std::string withoutBrackets(std::string_view tags)
+{
+    std::string plain(tags);
+    std::erase_if(plain, [](char tag) { return tag == '[' || tag == ']'; });
+    return plain;
+}
+
+/// How many arguments in front choose: texts that numbers follow, or one whole number that floats follow.
+std::size_t countChoice(std::string_view plain)
+{
+    const std::size_t texts = std::min(plain.find_first_not_of("sS"), plain.size());
+    const std::string_view rest = plain.substr(texts);
+    if (texts != 0)
+        return !rest.empty() && isOneOf(rest.front(), "ihfdTF") ? texts : 0;
+    const bool isNumbered =
+        plain.size() > 1 && isOneOf(plain.front(), "ih") && plain.find_first_not_of("fd", 1) == std::string_view::npos;
+    return isNumbered ? 1 : 0;
+}
+
+/// An item that this argument fits, "_" where its text cannot stand in an entry, or not be shown as it is.
+std::string itemFor(const OscArgument& argument)
+{
+    if (argument._tag == 'i')
+        return "i:" + std::to_string(argument.asInt32());
+    if (argument._tag == 'h')
+        return "h:" + std::to_string(argument.asInt64());
+    const std::string text(argument.asText());
+    const std::string item = text.find_first_of(" ,") == std::string::npos ? "s:" + text : "s:\"" + text + "\"";
+    return readOscItem(item) && osg::escapeControls(text) == text ? item : "_";
+}
+
+} // namespace
+
+std::string OscGuess::findChoice(const OscMessage& message)
+{
+    std::string choice;
+    OscArguments arguments = message.getArguments();
+    for (std::size_t left = countChoice(withoutBrackets(message._tags)); left > 0; --left)
+        if (const auto argument = arguments.next())
+            choice += (choice.empty() ? "" : " ") + itemFor(*argument);
+    return choice;
+}
+
+void OscGuess::note(const OscMessage& message)
+{
+    const std::string plain = withoutBrackets(message._tags);
+    const std::size_t chosenBy = countChoice(plain);
+    const std::string tags = plain.substr(chosenBy);
+    if (tags != _tags)
+        *this = {};
+    _tags = tags;
+    _chosenBy = chosenBy;
+    _choice = findChoice(message);
+    if (_tags.size() != 4 || _tags.find_first_not_of("fd") != std::string::npos)
+        return;
+    OscArguments arguments = message.getArguments();
+    for (std::size_t i = 0; i < chosenBy; ++i)
+        arguments.next();
+    double squares = 0.0, number = 0.0;
+    while (readOscNumber(arguments, number)) {
+        squares += number * number;
+        _isColour = _isColour && number >= 0.0 && number <= 1.0;
+    }
+    _isUnit = _isUnit && std::abs(std::sqrt(squares) - 1.0) <= unitTolerance;
+}
+
+std::string OscGuess::getSlots() const
+{
+    const bool isReal = !_tags.empty() && _tags.find_first_not_of("fd") == std::string::npos;
+    const std::string vector = _tags.find('d') == std::string::npos ? "Vec3f" : "Vec3d";
+    if (isReal && _tags.size() == 4 && _isUnit)
+        return "Rotation";
+    if (isReal && _tags.size() == 4 && _isColour)
+        return "ColorRGBA";
+    if (isReal && _tags.size() == 6)
+        return vector + ":position " + vector + ":angles";
+    if (isReal && _tags.size() == 7)
+        return vector + ":position Rotation:rotation";
+    return guessSlotType(_tags);
+}
+
+std::string OscGuess::getItems(bool isFixed) const
+{
+    std::string items = isFixed ? _choice : std::string();
+    for (std::size_t i = 0; !isFixed && i < _chosenBy; ++i)
+        items += i == 0 ? "_" : " _";
+    const std::string slots = getSlots();
+    return slots.empty() ? slots : items + (items.empty() ? "" : " ") + slots;
+}
+
+std::string quoteOscEntries(std::string_view entries)
+{
+    std::string quoted;
+    for (const char character : entries)
+        quoted += (character == '\'' || character == '\\' ? "\\" : "") + std::string(1, character);
+    return "in='" + quoted + "'";
+}
+
+} // namespace Trovio::Nodes
