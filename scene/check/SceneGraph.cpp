@@ -116,10 +116,22 @@ void SceneGraph::addNodes(const GraphHandler& handler, const Stopped& stopped)
             return;
         if (const auto fault = addNode(space, node, baseURL, {}))
             _faults.push_back({handler._scene, fault->_position, fault->_text, fault->_fromOutside});
-        const Trovio::Namespace* const standing = space.getNamespace(node._label);
-        if (standing == nullptr || standing->inspect()._slots.empty())
-            _openPlaces.push_back(pathBelow(handler._label, node._label));
+        noteOpen(space, handler._label, node._label);
     }
+}
+
+// A node that makes slots as something comes speaks of them by a pattern of their labels.
+void SceneGraph::noteOpen(const Trovio::Namespace& space, const std::string& handler, const std::string& node)
+{
+    const std::string path = pathBelow(handler, node);
+    const Trovio::Namespace* const standing = space.getNamespace(node);
+    const auto info = standing ? standing->inspect() : Trovio::NamespaceInfo();
+    if (info._slots.empty())
+        _openPlaces.push_back(path);
+    if (info._node)
+        for (const Trovio::RemarkInfo& remark : info._node->_remarks)
+            if (remark._slot.find('*') != std::string::npos)
+                _openLabels.emplace_back(pathBelow(path, remark._slot));
 }
 
 const GraphHandler* SceneGraph::handlerAt(const std::string& path) const
@@ -132,11 +144,17 @@ bool SceneGraph::isOpen(const std::string& path, const std::string& pattern) con
 {
     const std::size_t star = pattern.find('*');
     const std::string start = pathBelow(path, pattern.substr(0, star)); // all that a pattern is known to begin with
-    return std::ranges::any_of(_openPlaces, [&](const std::string& place) {
+    const bool isPattern = star != std::string::npos;
+    const auto isOpenPlace = [&](const std::string& place) {
         const std::string slots = place + "/";
-        return start.starts_with(slots) || (star != std::string::npos && slots.starts_with(start));
-    });
+        return start.starts_with(slots) || (isPattern && slots.starts_with(start));
+    };
+    const auto isOpenLabel = [&](const Trovio::Pattern& label) {
+        return isPattern ? label.getText().starts_with(start) : label.match(start).has_value();
+    };
+    return std::ranges::any_of(_openPlaces, isOpenPlace) || std::ranges::any_of(_openLabels, isOpenLabel);
 }
+
 std::vector<Trovio::Pattern> SceneGraph::openTargets(const Trovio::NamespaceInfo& tree) const
 {
     std::vector<Trovio::Pattern> targets;

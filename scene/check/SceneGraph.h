@@ -60,10 +60,12 @@ private:
     void addPlaces(const std::vector<SceneFile>& files);
     void addRoutes(const std::vector<LocatedPair>& routes, Trovio::Namespace& space, const Stopped& stopped);
     void addNodes(const GraphHandler& handler, const Stopped& stopped);
+    void noteOpen(const Trovio::Namespace& space, const std::string& handler, const std::string& node);
 
     std::vector<GraphHandler> _handlers;
     std::vector<GraphFault> _faults;
-    std::vector<std::string> _openPlaces; // paths of nodes and handlers whose slots nobody knows
+    std::vector<std::string> _openPlaces;     // paths of nodes and handlers whose slots nobody knows
+    std::vector<Trovio::Pattern> _openLabels; // of slots that nodes may make while they run
     Explain::ScenePlaces _places;
     std::vector<std::unique_ptr<Trovio::Slot>> _slots;
     std::unique_ptr<Trovio::Namespace> _root; // goes before the slots that it refers to

@@ -191,6 +191,10 @@ TEST(HostProgram, ChecksWhetherAllOfASceneCanWork)
         return handler + "nodes = [[\"Generator\"], [\"Scale\"]]\nroutes = [[\"" + from + "\", \"" + to + "\"]]\n" +
                sensors;
     };
+    const auto star = [&](const std::string& from) {
+        return handler + "nodes = [[\"OSC\", \"listen=9000 in='/hmd s:a Float:x Long:y, /wand/* Float:x'\"]]\n" +
+               "routes = [[\"" + from + "\", \"In\"]]\n" + sensors;
+    };
     const SceneOnDisk broken("no library", "trovio-node-Broken.so");
     struct Row {
         std::string _scene;
@@ -214,6 +218,8 @@ TEST(HostProgram, ChecksWhetherAllOfASceneCanWork)
         {route("Scale/out", "Scale/in"), 0, ": note: 'Scale/out' and 'Scale/in' stay apart: "},
         {route("Out", "Scale/in") + "[[route]]\nfrom = \"Generator/value\"\nto = \"Context/In\"\n", 0,
          "no slot has the label 'Generator/value'; did you mean 'Context/Generator/value'?\n"},
+        {star("OSC/hmd/a/z"), 0, "no slot has the label 'OSC/hmd/a/z'; did you mean 'OSC/hmd/a/x'?\n"},
+        {star("OSC/wand/left"), 0, "no slot has the label 'OSC/wand/left'"},
         {"[[sensor]]\nname = \"s\"\ntype = \"SFBool\"\n", 0, ":2:8: note: sensor 's' has no label"},
     };
     const std::string folder = "TROVIO_NODE_PATH=" + broken.path().substr(0, broken.path().rfind('/'));
@@ -230,6 +236,17 @@ TEST(HostProgram, ChecksWhetherAllOfASceneCanWork)
             EXPECT_EQ(check.out().empty(), strict || row._code != 0);
         }
     }
+}
+
+TEST(HostProgram, CheckKnowsWhichLabelsANodeMakesWhileItRuns)
+{
+    const SceneOnDisk scene("[[handler]]\nkind = \"Trovio\"\nname = \"a\"\n"
+                            "nodes = [[\"OSC\", \"listen=9000 in='/hmd Float, /wand/* Float:x'\"]]\n"
+                            "routes = [[\"OSC/wand/left/x\", \"In\"], [\"OSC/wand/*/x\", \"In\"]]\n"
+                            "[[sensor]]\nname = \"s\"\ntype = \"SFFloat\"\nlabel = \"In\"\n");
+    HostProcess check(host, {"check", scene.path(), "--strict"});
+    EXPECT_EQ(check.wait(), 0);
+    EXPECT_EQ(check.err(), "");
 }
 
 // What a node's slots are nobody knows that cannot be made.
