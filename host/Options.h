@@ -30,7 +30,7 @@ struct Options {
     std::optional<double> _repeat;     // records per second of pub
     bool _stampNow = false;            // not as they were stamped before
     bool _onlyNames = false;           // of list
-    std::string _listen;               // where run answers on TCP; empty for what its scenes say
+    std::string _listen;               // where run answers on TCP, empty for what its scenes say; place of osc-listen
     bool _monitorMayWrite = false;     // there, with a token
     std::string _points;               // of calibrate: the file; its sensor's label is _label
     double _limit = 0.05;              // of calibrate: how far off a point may be, in the scene's unit

@@ -195,6 +195,14 @@ void sceneLabelAndPoints(CLI::App& app, Options& options)
     app.add_flag("--keep-scale", options._keepScale, "the device's lengths are right as they are");
 }
 
+void placeAndSeconds(CLI::App& app, Options& options)
+{
+    app.add_option("PLACE", options._listen,
+                   "[ADDRESS:]PORT to listen on; a port alone means this machine only, 0.0.0.0:PORT any")
+        ->required();
+    addSeconds(app, "--seconds", "end after this many seconds", options._seconds);
+}
+
 void listing(CLI::App& app, Options& options)
 {
     addHost(app, options);

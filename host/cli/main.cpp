@@ -1,6 +1,7 @@
 #include "host/ask/AskVerbs.h"
 #include "host/cli/Arguments.h"
 #include "host/cli/Verbs.h"
+#include "host/listen/ListenVerb.h"
 
 #include <cerrno>
 #include <cstring>
@@ -42,6 +43,8 @@ int main(int argc, char** argv)
          {"watch", "show the live table of a running host", Takes::tableOptions, Host::watchVerb},
          {"calibrate", "find how a device's room lies in yours, from points that you take the device to",
           Takes::sceneLabelAndPoints, Host::calibrateVerb},
+         {"osc-listen", "show what comes by OSC, and which settings of a node would take it", Takes::placeAndSeconds,
+          Host::oscListenVerb},
          {"nodes", "list the node types and their settings", Takes::namesAndFormat, Host::nodesVerb},
          {"types", "list the field types and how their values are written", Takes::names, Host::typesVerb},
          {"version", "print the version", Takes::nothing, Host::versionVerb}});

@@ -4,7 +4,7 @@ set -euo pipefail
 host=$1/bin/ostrel-host
 page=$(sed 's/\\-/-/g; s/\\//g' "$1/share/man/man1/ostrel-host.1")
 
-mapfile -t verbs < <("$host" --help | sed -n '/^Subcommands:/,$p' | grep -oE '^  [a-z]+' | tr -d ' ')
+mapfile -t verbs < <("$host" --help | sed -n '/^Subcommands:/,$p' | grep -oE '^  [a-z-]+' | tr -d ' ')
 ((${#verbs[@]} > 3)) || { echo "no verbs found in: $("$host" --help)" >&2 && exit 1; }
 missing=0
 for verb in "${verbs[@]}"; do
