@@ -5,6 +5,7 @@
 #include "nodes/osc/OscDispatcher.h"
 #include "nodes/osc/OscSender.h"
 #include "nodes/osc/address/OscEntryList.h"
+#include "nodes/osc/packet/OscGuess.h"
 #include "nodes/osc/packet/OscPacker.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
@@ -115,6 +116,22 @@ private:
     std::uint64_t _valuesBefore = 0;
 };
 
+/// Whether the entry that is guessed from a message takes it. Whether the bytes of an image fit is not guessed.
+class GuessCheck final : public OscMessageVisitor {
+public:
+    void visit(const OscMessage& message) override
+    {
+        OscGuess guess;
+        guess.note(message);
+        const std::string items = guess.getItems();
+        if (items.empty() || items.ends_with("Image") || !isOscAddress(message._address))
+            return;
+        const std::string text = quoteOscEntries(std::string(message._address) + " " + items);
+        OscMethod method(readEntries(text.c_str(), "in", OscDirection::In).at(0));
+        require(method.read(message) == OscFit::Fits, "the entry that is guessed takes the message");
+    }
+};
+
 } // namespace
 
 void runOnce(std::string_view input)
@@ -125,6 +142,8 @@ void runOnce(std::string_view input)
     const auto count = road.takeValueCount();
     require(taken || (packets.empty() && count == 0), "of a malformed packet nothing arrives");
     require(packets.empty() == (count == 0), "every value that is counted arrives");
+    GuessCheck guesses;
+    readOscPacket(Bytes(reinterpret_cast<const std::uint8_t*>(input.data()), input.size()), Time(1.0), guesses);
     for (const Packet& packet : packets)
         require(road.read(packet), "what the node writes, it reads");
     require(road.takeValueCount() == count, "all that the node writes fits the slots that it came from");

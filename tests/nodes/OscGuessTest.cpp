@@ -38,7 +38,7 @@ TEST(OscGuess, FollowsFromTheArgumentsAndTakesTheMessage)
         {mixedMessage("/a", "fffffff", 5., 0.2, 0., 0., 0., 0., 1.), "Vec3f:position Rotation:rotation"},
         {mixedMessage("/a", "sfffffff", "Hmd", 5., 0.2, 0., 0., 0., 0., 1.), "s:Hmd Vec3f:position Rotation:rotation"},
         {mixedMessage("/a", "ssf", "it's a", "b,c", 5.), "s:\"it's a\" s:\"b,c\" Float"},
-        {mixedMessage("/a", "sf", "with \" in it", 5.), "_ Float"},
+        {mixedMessage("/a", "sf", "\"quoted\"", 5.), "_ Float"},
         {mixedMessage("/a", "ifff", 3, 1., 2., 3.), "i:3 Vec3f"},
         {mixedMessage("/a", "ii", 3, 4), "Vec2d"},
         {mixedMessage("/a", "ss", "a", "b"), "String[]"},

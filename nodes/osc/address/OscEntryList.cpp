@@ -3,7 +3,7 @@
 #include "nodes/osc/address/OscAddressMap.h"
 #include "nodes/osc/address/OscItemReader.h"
 #include "nodes/shared/SlotList.h"
-#include "trovio/Namespace.h"
+#include "trovio/Labels.h"
 #include <algorithm>
 #include <set>
 

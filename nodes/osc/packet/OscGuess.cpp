@@ -9,7 +9,8 @@ namespace Trovio::Nodes {
 
 namespace {
 
-constexpr double unitTolerance = 0.01; // senders round
+constexpr double unitTolerance = 0.01;             // senders round
+constexpr std::size_t maxTexts = 16, maxFixed = 2; // in front; of them in the entry, whose label has an end
 
 bool isOneOf(char tag, std::string_view tags)
 {
@@ -29,7 +30,7 @@ std::size_t countChoice(std::string_view plain)
     const std::size_t texts = std::min(plain.find_first_not_of("sS"), plain.size());
     const std::string_view rest = plain.substr(texts);
     if (texts != 0)
-        return !rest.empty() && isOneOf(rest.front(), "ihfdTF") ? texts : 0;
+        return texts <= maxTexts && !rest.empty() && isOneOf(rest.front(), "ihfdTF") ? texts : 0;
     const bool isNumbered =
         plain.size() > 1 && isOneOf(plain.front(), "ih") && plain.find_first_not_of("fd", 1) == std::string_view::npos;
     return isNumbered ? 1 : 0;
@@ -44,7 +45,8 @@ std::string itemFor(const OscArgument& argument)
         return "h:" + std::to_string(argument.asInt64());
     const std::string text(argument.asText());
     const std::string item = text.find_first_of(" ,") == std::string::npos ? "s:" + text : "s:\"" + text + "\"";
-    return readOscItem(item) && osg::escapeControls(text) == text ? item : "_";
+    const bool isPlain = text.find('"') == std::string::npos && osg::escapeControls(text) == text;
+    return isPlain && readOscItem(item) ? item : "_";
 }
 
 } // namespace
@@ -53,9 +55,10 @@ std::string OscGuess::findChoice(const OscMessage& message)
 {
     std::string choice;
     OscArguments arguments = message.getArguments();
-    for (std::size_t left = countChoice(withoutBrackets(message._tags)); left > 0; --left)
+    const std::size_t count = countChoice(withoutBrackets(message._tags));
+    for (std::size_t i = 0; i < count; ++i)
         if (const auto argument = arguments.next())
-            choice += (choice.empty() ? "" : " ") + itemFor(*argument);
+            choice += (choice.empty() ? "" : " ") + (i < maxFixed ? itemFor(*argument) : "_");
     return choice;
 }
 
