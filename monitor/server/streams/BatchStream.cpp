@@ -1,7 +1,7 @@
 #include "monitor/server/streams/BatchStream.h"
 
 #include "explain/text/JsonText.h"
-#include "monitor/server/streams/ClientJson.h"
+#include "monitor/codec/ClientJson.h"
 #include "monitor/server/streams/RecordText.h"
 
 namespace Monitor {

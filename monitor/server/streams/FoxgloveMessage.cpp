@@ -1,7 +1,7 @@
 #include "monitor/server/streams/FoxgloveMessage.h"
 
 #include "explain/text/Escape.h"
-#include "monitor/server/streams/ClientJson.h"
+#include "monitor/codec/ClientJson.h"
 
 namespace Monitor::Foxglove {
 

@@ -2,7 +2,7 @@
 
 #include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
-#include "monitor/server/streams/ClientJson.h"
+#include "monitor/codec/ClientJson.h"
 
 #include <algorithm>
 
