@@ -1,6 +1,7 @@
 #include "explain/text/Escape.h"
 #include "monitor/answer/Context.h"
 #include "monitor/answer/SlotMap.h"
+#include "monitor/codec/ClientJson.h"
 #include "monitor/codec/SlotCodec.h"
 #include "trovio/Root.h"
 
@@ -80,17 +81,17 @@ Target target(const Context& context, const std::string& label)
 
 json readBody(const std::string& body)
 {
-    json read = json::parse(body, nullptr, false);
-    if (!read.is_object() || !read.contains("value"))
-        throw Refusal(400,
-                      R"(the body is no JSON object with "value", such as {"value": 1.5, "stamp": 1700000000.25})");
-    if (const auto stamp = read.find("stamp"); stamp != read.end() && !stamp->is_number() && !stamp->is_null())
+    auto read = readObject(body);
+    if (!read || !read->contains("value"))
+        throw Refusal(400, R"(the body is no JSON object with "value", of up to 16 levels, such as )"
+                           R"({"value": 1.5, "stamp": 1700000000.25})");
+    if (const auto stamp = read->find("stamp"); stamp != read->end() && !stamp->is_number() && !stamp->is_null())
         throw Refusal(400, "\"stamp\" is no number; allowed are seconds since 1970, or nothing for now");
-    for (const auto& [name, value] : read.items())
+    for (const auto& [name, value] : read->items())
         if (name != "value" && name != "stamp" && name != "label" && name != "time") // echo's lines have these, too
             throw Refusal(400,
                           "the body knows nothing called " + inQuotes(name) + R"(; allowed are "value" and "stamp")");
-    return read;
+    return std::move(*read);
 }
 
 } // namespace
@@ -106,7 +107,7 @@ Answer answerPub(const Context& context, const Question& question, const std::st
     const json body = readBody(question._body);
     Bytes message;
     std::string problem;
-    if (!codec.fromJson(body["value"].dump(-1, ' ', false, json::error_handler_t::replace), message, problem))
+    if (!codec.fromJson(body["value"], message, problem))
         throw Refusal(400, "\"value\" is no " + place._type + " for " + inQuotes(place._label) + ": " + problem);
     Pen pen(codec, place._label);
     if (!pen.isConnected())

@@ -8,8 +8,9 @@
 
 namespace Monitor {
 
-/// An object that a client sent, of up to 16 levels, however large its numbers are; nothing for any other text.
-inline std::optional<nlohmann::json> readObject(std::string_view text)
+/// What a client sent, of up to 16 levels; nothing for any other text. Whoever goes through the levels by recursion is
+/// then safe, as is nlohmann's dump().
+inline std::optional<nlohmann::json> readJson(std::string_view text)
 {
     using Json = nlohmann::json;
     bool isDeep = false;
@@ -18,9 +19,14 @@ inline std::optional<nlohmann::json> readObject(std::string_view text)
         return !isDeep;
     };
     Json read = Json::parse(text, keep, false);
-    if (isDeep || !read.is_object())
-        return std::nullopt;
-    return read;
+    return isDeep || read.is_discarded() ? std::nullopt : std::optional(std::move(read));
+}
+
+/// The same, where it is an object.
+inline std::optional<nlohmann::json> readObject(std::string_view text)
+{
+    auto read = readJson(text);
+    return read && read->is_object() ? std::move(read) : std::nullopt;
 }
 
 /// The text under that key; nothing where there is none.

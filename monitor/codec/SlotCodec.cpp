@@ -1,6 +1,5 @@
 #include "monitor/codec/SlotCodec.h"
 
-#include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
 #include "monitor/codec/Encode.h"
 #include "monitor/codec/JsonReader.h"
@@ -45,19 +44,6 @@ struct PlainValue<Trovio::SmartPtr<T>> {
     using Type = T;
 };
 
-bool parse(std::string_view text, nlohmann::json& json, std::string& problem)
-{
-    try {
-        json = nlohmann::json::parse(text);
-        return true;
-    } catch (const nlohmann::json::exception& fault) {
-        // Behind the parser's name for the fault.
-        const std::string_view what = fault.what();
-        problem = "no JSON: " + Explain::escaped(what.substr(std::min(what.find("] ") + 2, what.size())));
-        return false;
-    }
-}
-
 template <class T>
 class TypedCodec final : public SlotCodec {
 public:
@@ -76,14 +62,11 @@ public:
         return isRead;
     }
 
-    bool fromJson(std::string_view json, Bytes& message, std::string& problem) const override
+    bool fromJson(const nlohmann::json& json, Bytes& message, std::string& problem) const override
     {
-        nlohmann::json parsed;
-        if (!parse(json, parsed, problem))
-            return false;
         Plain value{};
         JsonReader reader;
-        const bool isRead = reader.get(parsed, value);
+        const bool isRead = reader.get(json, value);
         if (isRead)
             encode(Trovio::Data<Plain>(value, {}), message);
         else

@@ -4,6 +4,7 @@
 #include "monitor/codec/Bytes.h"
 
 #include <memory>
+#include <nlohmann/json_fwd.hpp>
 #include <string_view>
 
 namespace Monitor {
@@ -34,8 +35,8 @@ public:
     /// bytes that are no such message.
     virtual bool toJson(std::span<const std::byte> message, std::string& json, std::string& problem) const = 0;
     /// The message for a value in JSON; null is a number that is none. False, with what is wrong, where, and what is
-    /// allowed, for a text that is none. Images are refused: JSON says what they are and has no pixels.
-    virtual bool fromJson(std::string_view json, Bytes& message, std::string& problem) const = 0;
+    /// allowed, for JSON that is no such value. Images are refused: JSON says what they are and has no pixels.
+    virtual bool fromJson(const nlohmann::json& json, Bytes& message, std::string& problem) const = 0;
 
     /// A slot of that name. Images and arrays come from the pools of the product.
     virtual std::unique_ptr<AnySource> makeSource(const std::string& name) const = 0;

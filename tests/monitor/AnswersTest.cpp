@@ -60,11 +60,12 @@ protected:
 
 TEST_F(AnswersTest, WhatCannotBeAnsweredIsRefusedWithACure)
 {
+    const std::string deep = std::string(500'000, '[') + std::string(500'000, ']');
     const struct {
         int _status;
         const char *_says, *_method, *_path;
         std::map<std::string, std::string> _query{};
-        const char* _body = "";
+        std::string _body = "";
         bool _mayWrite = false;
     } rows[] = {
         {404, "nothing is answered at '/slot'; there are /host, /slots, ", "GET", "/slot"},
@@ -85,6 +86,8 @@ TEST_F(AnswersTest, WhatCannotBeAnsweredIsRefusedWithACure)
         {404, "did you mean 'Wand'?", "POST", "/pub/Want", {}, R"({"value":1})", true},
         {400, "it is connected with 'Context/Filter/in'", "POST", "/pub/Device/value", {}, R"({"value":1})", true},
         {400, "no JSON object with \"value\"", "POST", "/pub/Wand", {}, R"({"value":)", true},
+        {400, "up to 16 levels", "POST", "/pub/Wand", {}, R"({"value":)" + deep + "}", true},
+        {400, "up to 16 levels", "POST", "/pub/Wand", {}, R"({"value":1e999})", true},
         {400, "no Float for 'Context/Wand'", "POST", "/pub/Wand", {}, R"({"value":"x"})", true},
         {400, "seconds since 1970", "POST", "/pub/Wand", {}, R"({"value":1,"stamp":"x"})", true},
         {400, "nothing called 'stmap'", "POST", "/pub/Wand", {}, R"({"value":1,"stmap":1})", true},

@@ -8,6 +8,7 @@
 
 #include <fstream>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <set>
 
 using namespace Monitor;
@@ -141,9 +142,9 @@ TEST(Codec, JsonBecomesTheMessageThatItCameFrom)
         Bytes back;
         std::string problem;
         if (codec.slotType().starts_with("Image") && json != "[]")
-            EXPECT_FALSE(codec.fromJson(json, back, problem));
+            EXPECT_FALSE(codec.fromJson(nlohmann::json::parse(json), back, problem));
         else
-            EXPECT_TRUE(codec.fromJson(json, back, problem)) << problem;
+            EXPECT_TRUE(codec.fromJson(nlohmann::json::parse(json), back, problem)) << problem;
         // Not the same number, nor the same bytes, but what JSON can say of them.
         if (!problem.empty())
             return;
@@ -175,15 +176,8 @@ TEST(Codec, JsonThatIsNoValueIsRefusedWithItsPlace)
     for (const auto& row : rows) {
         Bytes message;
         std::string problem;
-        EXPECT_FALSE(SlotCodec::find(row._type)->fromJson(row._json, message, problem));
+        EXPECT_FALSE(SlotCodec::find(row._type)->fromJson(nlohmann::json::parse(row._json), message, problem));
         EXPECT_EQ(problem, row._problem);
-    }
-    for (const char* json : {"", "[1,", "\"\xff\"", "1e999", "\x1b"}) {
-        Bytes message;
-        std::string problem;
-        EXPECT_FALSE(SlotCodec::find("Double")->fromJson(json, message, problem));
-        EXPECT_EQ(problem.find("no JSON: "), 0U) << problem;
-        EXPECT_EQ(problem.find('\x1b'), std::string::npos) << problem;
     }
 }
 
