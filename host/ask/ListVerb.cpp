@@ -30,9 +30,9 @@ std::string rateText(double perSecond)
 void printNames(HostClient& host)
 {
     for (const HostSlot& slot : askSlots(host)._slots)
-        std::printf("%s\n", slot._short.c_str());
+        std::printf("%s\n", escaped(slot._short, std::string::npos).c_str());
     for (const auto& sensor : askJson(host, {"/sensors"}))
-        std::printf("%s\n", escaped(sensor.at("name").get<std::string>()).c_str());
+        std::printf("%s\n", escaped(sensor.at("name").get<std::string>(), std::string::npos).c_str());
 }
 
 void printSlots(const HostSlots& before, const HostSlots& now)

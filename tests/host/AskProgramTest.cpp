@@ -9,6 +9,7 @@
 namespace {
 
 const std::string host = HOST_PROGRAM;
+const std::string completion = EXAMPLES_FOLDER "/../host/completion/ostrel-host";
 
 /// A wave goes through a filter into a sensor; others wait for values from outside.
 constexpr char scene[] =
@@ -87,6 +88,17 @@ TEST_F(Ask, EveryVerbHasItsAnswer)
         {"$host graph --format dot", 0, "digraph"},
         {"$host watch --filter WAV | head -n 2", 0, "\nwave    SFFloat "},
     });
+}
+
+TEST_F(Ask, CompletionRunsNothingThatALabelSays)
+{
+    const std::string command = "cd $XDG_RUNTIME_DIR && bash -c '. " + completion + R"sh(
+        names() { echo Wand; echo "\$(touch made)"; }
+        COMP_WORDS=(names echo "") COMP_CWORD=2
+        _ostrel_host names
+        printf "%s " "${COMPREPLY[@]}"
+        test ! -e made')sh";
+    expectAll({{command.c_str(), 0, R"(Wand \$\(touch\ made\) )"}});
 }
 
 TEST_F(Ask, SaysWhatIsWrong)
