@@ -263,6 +263,36 @@ TEST(Stream, LinesEndAfterSoMany)
     EXPECT_TRUE(all.ends_with("\r\n0\r\n\r\n"));
 }
 
+TEST(Stream, LinesTellAGapInItsPlaceAndDoNotCountWhatIsMissing)
+{
+    constexpr std::uint64_t most = 60'000; // more than the queue holds
+    ServerBench bench;
+    Source wand("Wand/x");
+    BenchClient client(bench);
+    client.send("GET /stream?label=Wand/x&n=" + std::to_string(most) + " HTTP/1.1\r\nHost: h\r\n\r\n");
+    ASSERT_TRUE(client.waitFor("\r\n\r\n"));
+    std::uint64_t pushed = 0, got = 0, missing = 0, gaps = 0;
+    const auto pushSome = [&] {
+        for (int i = 0; i < 500; ++i)
+            wand.push(static_cast<double>(pushed++));
+        bench.round();
+    };
+    while (pushed < plenty)
+        pushSome();
+    for (std::string line = "-"; !line.empty(); line = client.takeUpTo("\n")) {
+        if (line.starts_with("{\"dropped\":")) {
+            missing += Json::parse(line)["dropped"].get<std::uint64_t>();
+            ++gaps;
+        } else if (line.starts_with("{")) {
+            ASSERT_EQ(Json::parse(line)["value"], got + missing);
+            if (++got % 100 == 0) // the client reads, but more comes than it takes
+                pushSome();
+        }
+    }
+    EXPECT_EQ(got, most);
+    EXPECT_GT(gaps, 1U);
+}
+
 TEST(Stream, LinesOfNoSlotAreRefused)
 {
     ServerBench bench;

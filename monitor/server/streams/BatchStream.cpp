@@ -63,9 +63,9 @@ void BatchStream::take(const std::string& label, const SlotCodec& codec, const T
 
 void BatchStream::endRound()
 {
-    if (isEmpty() && !(hasDropped() && queue().empty()))
+    if (isEmpty() && !(untold() > 0 && queue().empty()))
         return;
-    newlyDropped();
+    tell();
     OutMessage round = takeRound();
     round._bytes =
         "{\"op\":\"batch\",\"records\":[" + round._bytes + "],\"dropped\":" + std::to_string(queue().dropped()) + "}";

@@ -7,25 +7,32 @@
 
 namespace Monitor {
 
+// What the client misses is told in its place, before the next record.
 void LineStream::take(const std::string& label, const SlotCodec& codec, const TapRecord& record)
 {
-    if (_most != 0 && _taken == _most)
+    if (isEnough())
         return;
     const std::string what = _shows == Shows::Size ? "\"bytes\":" + std::to_string(record._cdr.size())
                                                    : "\"value\":" + valueText(codec, record);
-    if (add("{\"label\":" + Explain::jsonText(nlohmann::json(label)) + ",\"time\":" + secondsText(record._arrival) +
-            ",\"stamp\":" + stampText(record._stamp) + "," + what + "}\n"))
-        ++_taken;
+    if (!add(gapText() + "{\"label\":" + Explain::jsonText(nlohmann::json(label)) + ",\"time\":" +
+             secondsText(record._arrival) + ",\"stamp\":" + stampText(record._stamp) + "," + what + "}\n"))
+        return;
+    tell();
+    ++_taken;
 }
 
-// A gap is told once there is room again, before what comes next.
+std::string LineStream::gapText() const
+{
+    return untold() > 0 ? "{\"dropped\":" + std::to_string(untold()) + "}\n" : std::string();
+}
+
 void LineStream::endRound()
 {
-    if (hasDropped() && queue().empty())
-        queue().putWords("{\"dropped\":" + std::to_string(newlyDropped()) + "}\n");
     if (!isEmpty())
         queue().putRecords(takeRound());
-    if (_most != 0 && _taken == _most && !queue().isFinished()) {
+    if (untold() > 0 && (queue().empty() || isEnough()) && queue().putWords(gapText()))
+        tell();
+    if (isEnough() && !queue().isFinished()) {
         _watches.removeAll(*this);
         queue().finish();
     }

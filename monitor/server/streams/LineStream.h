@@ -26,6 +26,9 @@ public:
     void drained() override { endRound(); }
 
 private:
+    bool isEnough() const { return _most != 0 && _taken == _most; }
+    std::string gapText() const;
+
     Watches& _watches;
     const std::uint64_t _most;
     const Shows _shows;

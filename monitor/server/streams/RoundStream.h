@@ -9,10 +9,11 @@ namespace Monitor {
 /// A stream of texts that gathers the records of a round into one message. Threads: the server's.
 class RoundStream : public Stream {
 protected:
-    /// Adds a record to the round, or drops it where the queue would have no room for it.
+    /// Adds a record to the round, or drops it where the queue would have no room for it. Whoever puts more than 64
+    /// bytes around the round may find that there is none after all.
     bool add(const std::string& text)
     {
-        const std::size_t bytes = _round._bytes.size() + text.size();
+        const std::size_t bytes = _round.cost() + around + text.size();
         if ((_round._records > 0 && bytes > ClientQueue::Room) || !queue().hasRoomFor(bytes)) {
             queue().drop(1);
             return false;
@@ -25,11 +26,12 @@ protected:
     OutMessage takeRound() { return std::exchange(_round, {}); }
     bool isEmpty() const { return _round._records == 0; }
 
-    /// How many records were dropped since this was asked.
-    std::uint64_t newlyDropped() { return queue().dropped() - std::exchange(_told, queue().dropped()); }
-    bool hasDropped() const { return queue().dropped() != _told; }
+    /// How many dropped records the client has not been told of, and that it is now.
+    std::uint64_t untold() const { return queue().dropped() - _told; }
+    void tell() { _told = queue().dropped(); }
 
 private:
+    static constexpr std::size_t around = 64; // bytes
     OutMessage _round;
     std::uint64_t _told = 0; // of the dropped ones
 };
