@@ -33,11 +33,12 @@ double lastTaken(const std::string& label)
 
 } // namespace
 
-HopAges::HopAges(const std::vector<std::string>& way) : _taps({}, "@delay"), _lastPoll(now())
+HopAges::HopAges(const std::vector<std::string>& way) : _taps({}, "@delay")
 {
     for (const std::string& label : way)
         if (&label == &way.back() || _taps.add(label))
             _hops.push_back({label, {}});
+    _lastPoll = now();
     _lastTaken = lastTaken(way.back());
     // What a slot held before counts for nothing: it may have come long ago.
     _taps.drain([](const std::string&, const SlotCodec&, TapRecord&&) {});
@@ -46,28 +47,29 @@ HopAges::HopAges(const std::vector<std::string>& way) : _taps({}, "@delay"), _la
 void HopAges::poll()
 {
     _taps.drain([this](const std::string& label, const SlotCodec&, TapRecord&& record) {
-        note(*std::ranges::find(_hops, label, &Hop::_label), record._stamp.getSeconds(),
-             static_cast<double>(record._arrival) / 1e9);
+        note(*std::ranges::find(_hops, label, &Hop::_label),
+             {record._stamp.getSeconds(), static_cast<double>(record._arrival) / 1e9}, _taps.arrivalBound());
     });
     pollLast();
 }
 
+// It was taken between the beginning of the look before and the end of this one.
 void HopAges::pollLast()
 {
-    Hop& last = _hops.back();
-    const double stamp = lastTaken(last._label);
-    const double time = now();
-    if (stamp != std::exchange(_lastTaken, stamp)) {
-        note(last, stamp, time);
-        last._bound = std::max(last._bound, time - _lastPoll);
-    }
-    _lastPoll = time;
+    const double begin = now();
+    const double stamp = lastTaken(_hops.back()._label);
+    const double end = now();
+    if (stamp != std::exchange(_lastTaken, stamp))
+        note(_hops.back(), {stamp, end}, end - _lastPoll);
+    _lastPoll = begin;
 }
 
-void HopAges::note(Hop& hop, double stamp, double time)
+void HopAges::note(Hop& hop, const Passed& passed, double bound)
 {
-    if (std::isfinite(stamp) && hop._passed.size() < maxRecords)
-        hop._passed.push_back({stamp, time});
+    if (!std::isfinite(passed._stamp) || hop._passed.size() == maxRecords)
+        return;
+    hop._passed.push_back(passed);
+    hop._bound = std::max(hop._bound, bound);
 }
 
 std::vector<HopAge> HopAges::ages(const SourceClock& clock) const

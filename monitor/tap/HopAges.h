@@ -44,13 +44,13 @@ private:
         std::vector<Passed> _passed;
         double _bound = 0; // of the times
     };
-    void note(Hop& hop, double stamp, double time);
+    static void note(Hop& hop, const Passed& passed, double bound);
     void pollLast();
     HopAge ageOf(const Hop& hop, const std::vector<double>& stamps, const SourceClock& clock) const;
 
     TapSet _taps;
     std::vector<Hop> _hops;
-    double _lastPoll;
+    double _lastPoll = 0;  // when it began
     double _lastTaken = 0; // stamp
 };
 

@@ -21,12 +21,24 @@ std::int64_t nanoseconds()
     return std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch()).count();
 }
 
-std::int64_t wallAtZero()
+/// What the wall clock says, in nanoseconds, when the steady clock says 0.
+struct WallAtZero {
+    std::int64_t _time, _bound;
+};
+
+WallAtZero readWallAtZero()
 {
     const std::int64_t before = nanoseconds<std::chrono::steady_clock>();
     const std::int64_t wall = nanoseconds<std::chrono::system_clock>();
-    const std::int64_t after = nanoseconds<std::chrono::steady_clock>();
-    return wall - before - (after - before) / 2;
+    const std::int64_t half = (nanoseconds<std::chrono::steady_clock>() - before + 1) / 2;
+    return {wall - before - half, half};
+}
+
+/// The best of three: one may have been interrupted.
+WallAtZero wallAtZero()
+{
+    return std::min({readWallAtZero(), readWallAtZero(), readWallAtZero()},
+                    [](const WallAtZero& a, const WallAtZero& b) { return a._bound < b._bound; });
 }
 
 /// Of the out-slot that stands under the label; null if none does.
@@ -150,10 +162,11 @@ void TapSet::renewTypes(std::int64_t now)
 std::vector<TapSet::Arrived> TapSet::collect()
 {
     const Ostrel::LockGuard guard(_lock);
-    const std::int64_t wall = wallAtZero();
+    const WallAtZero wall = wallAtZero();
+    _arrivalBound = wall._bound;
     std::vector<Arrived> arrived;
     for (const auto& [label, watched] : _watched)
-        watched->_tap->drain(wall, [&arrived, &watched = watched](TapRecord&& record) {
+        watched->_tap->drain(wall._time, [&arrived, &watched = watched](TapRecord&& record) {
             ++watched->_drained;
             arrived.push_back({watched, std::move(record)});
         });
@@ -167,6 +180,12 @@ void TapSet::drain(const Use& use)
     std::ranges::stable_sort(arrived, {}, [](const Arrived& record) { return record._record._arrival; });
     for (Arrived& record : arrived)
         use(record._watched->_label, record._watched->_codec, std::move(record._record));
+}
+
+double TapSet::arrivalBound() const
+{
+    const Ostrel::LockGuard guard(_lock);
+    return static_cast<double>(_arrivalBound) / 1e9;
 }
 
 TapCounts TapSet::countsOf(const Watched& watched)

@@ -45,6 +45,9 @@ public:
     using Use = std::function<void(const std::string& label, const SlotCodec& codec, TapRecord&& record)>;
     void drain(const Use& use) OSTREL_EXCLUDES(_lock);
 
+    /// Seconds by which the arrivals that the last drain() handed out may be wrong.
+    double arrivalBound() const OSTREL_EXCLUDES(_lock);
+
     /// By label, of all that are looked at now.
     std::vector<TapCounts> getCounts() const OSTREL_EXCLUDES(_lock);
 
@@ -77,7 +80,8 @@ private:
     // Unranked, and before the tree's: taps are wired under it.
     mutable Ostrel::Mutex _lock;
     std::map<std::string, std::shared_ptr<Watched>> _watched OSTREL_GUARDED_BY(_lock);
-    std::int64_t _nextRenewal OSTREL_GUARDED_BY(_lock) = 0; // nanoseconds of the steady clock
+    std::int64_t _nextRenewal OSTREL_GUARDED_BY(_lock) = 0;  // nanoseconds of the steady clock
+    std::int64_t _arrivalBound OSTREL_GUARDED_BY(_lock) = 0; // nanoseconds
 };
 
 } // namespace Monitor
