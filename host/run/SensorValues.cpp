@@ -1,7 +1,11 @@
 #include "host/run/SensorValues.h"
 
 #include "host/show/Json.h"
+#include "ostrel/FieldClass.h"
+#include "ostrel/FieldTypes.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace Host {
@@ -10,28 +14,50 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-constexpr auto timeOfFrame = 1ms;   // that copying may take
-constexpr auto freshness = 250ms;   // for which copies are given out again
-constexpr auto patience = 1000ms;   // with the scene thread
-constexpr std::size_t inOneGo = 16; // between looks at the clock
+constexpr auto timeOfFrame = 1ms; // that copying may take
+constexpr auto freshness = 250ms; // for which copies are given out again
+constexpr auto patience = 1000ms; // with the scene thread
+
+// Pixels are not shown, and nodes are the scene thread's.
+bool isToldAtOnce(const Ostrel::Field& field)
+{
+    constexpr std::array codes = {Ostrel::SFImage::typeCode, Ostrel::MFImage::typeCode, Ostrel::SFNode::typeCode,
+                                  Ostrel::MFNode::typeCode};
+    return std::ranges::find(codes, field.getTypeCode()) != codes.end();
+}
 } // namespace
+
+SensorValues::SensorValues(std::vector<Scenes::SensorWatch*> watches) : _watches(std::move(watches))
+{
+    for (std::size_t i = 0; i < _watches.size(); ++i)
+        _byTitle.emplace(_watches[i]->title(), i);
+}
+
+SensorValues::Copy SensorValues::copyOf(const Scenes::SensorWatch& watch, double now)
+{
+    Copy copy{nullptr, {}, {watch.changes(), watch.age(now)}};
+    const auto* const fieldClass = Ostrel::FieldClass::find(watch.field().getTypeCode());
+    if (!fieldClass || isToldAtOnce(watch.field())) {
+        copy._json = fieldText(watch.field());
+    } else {
+        copy._field = fieldClass->create();
+        copy._field->copyValue(watch.field());
+    }
+    return copy;
+}
 
 void SensorValues::endFrame(double now)
 {
     if (!_isWanted.load(std::memory_order_acquire))
         return;
-    for (const Time start = Clock::now(); _next < _watches.size() && Clock::now() - start < timeOfFrame;)
-        for (std::size_t end = std::min(_next + inOneGo, _watches.size()); _next < end; ++_next) {
-            const Scenes::SensorWatch& watch = *_watches[_next];
-            _young[watch.title()] = {fieldText(watch.field()), {watch.changes(), watch.age(now)}};
-        }
-    if (_next < _watches.size())
+    for (const Time start = Clock::now(); _young.size() < _watches.size() && Clock::now() - start < timeOfFrame;)
+        _young.push_back(copyOf(*_watches[_young.size()], now));
+    if (_young.size() < _watches.size())
         return;
-    _next = 0;
-    Copies old = std::exchange(_young, {}); // goes outside the lock
+    std::shared_ptr<const Copies> copies = std::make_shared<Copies>(std::exchange(_young, {}));
     {
         const Ostrel::LockGuard guard(_lock);
-        _copies.swap(old);
+        _copies.swap(copies); // the old ones go outside the lock
         _made = Clock::now();
         _isWanted.store(false, std::memory_order_relaxed);
     }
@@ -52,7 +78,7 @@ bool SensorValues::isFresh() const
     return _made && Clock::now() - *_made < freshness;
 }
 
-std::optional<SensorValues::Copy> SensorValues::find(const std::string& title)
+std::shared_ptr<const SensorValues::Copies> SensorValues::copies()
 {
     const Ostrel::LockGuard guard(_lock);
     const Time latest = Clock::now() + patience;
@@ -62,19 +88,23 @@ std::optional<SensorValues::Copy> SensorValues::find(const std::string& title)
     }
     if (!isFresh() && Clock::now() >= latest)
         _stuckUntil = Clock::now() + patience;
-    const auto found = _copies.find(title);
-    return found == _copies.end() || !isFresh() ? std::nullopt : std::optional(found->second);
+    return isFresh() ? _copies : nullptr;
 }
 
 std::string SensorValues::json(const std::string& title)
 {
-    const auto found = find(title);
-    return found ? found->_json : "null";
+    const auto known = _byTitle.find(title);
+    const auto fresh = known == _byTitle.end() ? nullptr : copies();
+    if (!fresh)
+        return "null";
+    const Copy& copy = (*fresh)[known->second];
+    return copy._field ? fieldText(*copy._field) : copy._json;
 }
 
 Monitor::ChangeCounts SensorValues::changes(const std::string& title)
 {
-    const auto found = find(title);
-    return found ? found->_changes : Monitor::ChangeCounts();
+    const auto known = _byTitle.find(title);
+    const auto fresh = known == _byTitle.end() ? nullptr : copies();
+    return fresh ? (*fresh)[known->second]._changes : Monitor::ChangeCounts();
 }
 } // namespace Host

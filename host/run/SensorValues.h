@@ -7,6 +7,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -15,14 +16,15 @@
 namespace Host {
 
 /// Copies of what sensors hold, for other threads: the scene thread makes them behind a frame when somebody asks, some
-/// at a time, so that no frame is late for it.
+/// at a time, so that no frame is late for it. Text is made of them on the thread that asks.
 /// Ownership: refers to the watches, which must live as long as endFrame() is called.
 /// Threads:   endFrame() and end() from the scene thread, the rest from any.
 class SensorValues {
 public:
-    explicit SensorValues(std::vector<Scenes::SensorWatch*> watches) : _watches(std::move(watches)) {}
+    explicit SensorValues(std::vector<Scenes::SensorWatch*> watches);
 
-    /// Copies for up to a millisecond where somebody waits, else does nothing. `now` in wall-clock seconds.
+    /// Copies for up to a millisecond, or one value where that takes longer, where somebody waits; else does nothing.
+    /// `now` in wall-clock seconds.
     void endFrame(double now) OSTREL_EXCLUDES(_lock);
     /// Nobody waits any more, and no frame comes.
     void end() OSTREL_EXCLUDES(_lock);
@@ -36,22 +38,25 @@ public:
 private:
     using Time = std::chrono::steady_clock::time_point;
     struct Copy {
+        std::unique_ptr<Ostrel::Field> _field; // null where the text was made at once
         std::string _json;
         Monitor::ChangeCounts _changes;
     };
-    using Copies = std::unordered_map<std::string, Copy>;
+    using Copies = std::vector<Copy>; // in the order of the watches
 
-    std::optional<Copy> find(const std::string& title) OSTREL_EXCLUDES(_lock);
+    static Copy copyOf(const Scenes::SensorWatch& watch, double now);
+    /// Those that are fresh, or null.
+    std::shared_ptr<const Copies> copies() OSTREL_EXCLUDES(_lock);
     bool isFresh() const OSTREL_REQUIRES(_lock);
 
     const std::vector<Scenes::SensorWatch*> _watches;
-    std::size_t _next = 0; // to be copied; the scene thread's, as the next
-    Copies _young;
+    std::unordered_map<std::string, std::size_t> _byTitle; // positions of the watches
+    Copies _young;                                         // the scene thread's
 
     std::atomic<bool> _isWanted{false};
     Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
     std::condition_variable_any _news;
-    Copies _copies OSTREL_GUARDED_BY(_lock);
+    std::shared_ptr<const Copies> _copies OSTREL_GUARDED_BY(_lock);
     std::optional<Time> _made OSTREL_GUARDED_BY(_lock);
     Time _stuckUntil OSTREL_GUARDED_BY(_lock); // no frame came lately, so nobody waits for one
     bool _isOver OSTREL_GUARDED_BY(_lock) = false;
