@@ -34,8 +34,9 @@ public:
     virtual ~AnyTap() = default;
 
     virtual Trovio::BasicInSlot& slot() = 0;
-    /// Hands out what the ring holds, oldest first. wallAtZero: what the wall clock says, in nanoseconds, when the
-    /// steady clock says 0. One thread at a time, not a pushing one.
+    /// Hands out what the ring holds, oldest first. A record that there is no memory for, or for which `use` throws,
+    /// counts as refused. wallAtZero: what the wall clock says, in nanoseconds, when the steady clock says 0. One
+    /// thread at a time, not a pushing one.
     virtual void drain(std::int64_t wallAtZero, const std::function<void(TapRecord&&)>& use) = 0;
     /// Records that were pushed into it: those that drain() handed out or will, and those that it refused.
     virtual std::uint64_t seen() const = 0;

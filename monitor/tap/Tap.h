@@ -42,11 +42,8 @@ private:
         std::int64_t _arrival = 0; // nanoseconds of the steady clock
     };
 
-    /// Gives back what was drained, also where encoding it failed.
     struct Drained {
-        ~Drained() { _tap.giveBack(*this); }
-        Tap& _tap;
-        std::size_t _entries = 0, _text = 0;
+        std::size_t _entries = 0, _text = 0, _lost = 0;
     };
 
     /// Bytes beside the entry.
@@ -108,7 +105,7 @@ void Tap<T>::drain(std::int64_t wallAtZero, const std::function<void(TapRecord&&
     this->lock();
     const std::size_t count = _waiting;
     this->unlockUnchanged();
-    Drained drained{*this};
+    Drained drained;
     while (drained._entries != count) {
         Entry& entry = _ring[_oldest];
         Trovio::Data<T> record;
@@ -116,10 +113,15 @@ void Tap<T>::drain(std::int64_t wallAtZero, const std::function<void(TapRecord&&
         advance(_oldest);
         ++drained._entries;
         drained._text += textOf(record.getValue());
-        TapRecord out{entry._arrival + wallAtZero, record.getTimeStamp(), {}};
-        encode(record, out._cdr);
-        use(std::move(out));
+        try {
+            TapRecord out{entry._arrival + wallAtZero, record.getTimeStamp(), {}};
+            encode(record, out._cdr);
+            use(std::move(out));
+        } catch (const std::exception&) { // no memory, or 4 GiB of text
+            ++drained._lost;
+        }
     }
+    giveBack(drained);
 }
 
 template <class T>
@@ -128,6 +130,7 @@ void Tap<T>::giveBack(const Drained& drained)
     this->lock();
     _waiting -= drained._entries;
     _text -= drained._text;
+    _refused += drained._lost;
     this->unlockUnchanged();
 }
 

@@ -167,8 +167,8 @@ std::vector<TapSet::Arrived> TapSet::collect()
     std::vector<Arrived> arrived;
     for (const auto& [label, watched] : _watched)
         watched->_tap->drain(wall._time, [&arrived, &watched = watched](TapRecord&& record) {
-            ++watched->_drained;
             arrived.push_back({watched, std::move(record)});
+            ++watched->_drained;
         });
     renewTypes(nanoseconds<std::chrono::steady_clock>());
     return arrived;

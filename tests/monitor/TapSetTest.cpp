@@ -135,6 +135,25 @@ TEST_F(TapSetTest, AllocatesNothingWhereItIsPushedAndGivesPooledObjectsBack)
     expectCounts(taps, 3, 2);
 }
 
+TEST_F(TapSetTest, ARecordThatThereIsNoMemoryForIsRefusedAlone)
+{
+    OutSlot<std::string> texts("texts");
+    stand("scene", texts);
+    TapSet taps;
+    ASSERT_TRUE(taps.add("scene/value"));
+    for (std::uint64_t nth = 1; nth <= 3; ++nth) {
+        for (int i = 0; i < 3; ++i)
+            texts.push(Data<std::string>(std::string(100, 'x')));
+        std::size_t count = 0;
+        {
+            const AllocationFailure failure(nth);
+            count = drain(taps);
+        }
+        EXPECT_EQ(count, 2U);
+    }
+    expectCounts(taps, 9, 6);
+}
+
 TEST_F(TapSetTest, CountsEveryRecordOfManyPushers)
 {
     constexpr int pushers = 3, records = 4'000;
