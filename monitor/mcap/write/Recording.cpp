@@ -11,6 +11,10 @@ namespace Monitor::Mcap {
 Recording::Recording(std::string title, std::unique_ptr<OutputFile> file, std::string library,
                      const RecordingLimits& limits)
     : _title(std::move(title)),
+      _outOfMemory(
+          "recording " + Explain::inQuotes(_title) +
+          " ended: out of memory; what the file holds can be read, and 'ostrel-host recording finish' gives it "
+          "its end"),
       _limits(limits),
       _file(std::move(file)),
       _thread(Ostrel::quietThread("recording", [this, library = std::move(library)] { writeAll(library); }))
@@ -125,17 +129,31 @@ std::optional<Recording::Job> Recording::nextJob()
     return job;
 }
 
-// The thread.
+// The thread. Where there was no memory nobody knows how far a job came: nothing more is written, so that what stands
+// in the file can be read, and what waits is let go.
 void Recording::writeAll(const std::string& library)
 {
-    told(_file.begin(library));
+    bool goesOn = attempt([&](GrowingFile& file) { return file.begin(library); });
     while (auto job = nextJob()) {
-        told(job->_do(_file));
+        goesOn = goesOn && attempt(job->_do);
         const Ostrel::LockGuard guard(_lock);
         _status._waiting -= job->_bytes;
         _changed.notify_all();
     }
-    told(_file.close());
+    if (goesOn)
+        attempt([](GrowingFile& file) { return file.close(); });
+}
+
+bool Recording::attempt(const std::function<std::error_code(GrowingFile&)>& action)
+{
+    try {
+        told(action(_file));
+        return true;
+    } catch (const std::exception&) {
+        const Ostrel::LockGuard guard(_lock);
+        _status._problem.swap(_outOfMemory);
+        return false;
+    }
 }
 
 void Recording::told(std::error_code error)

@@ -66,9 +66,12 @@ private:
     void hand(Job&& job) OSTREL_EXCLUDES(_lock);
     std::optional<Job> nextJob() OSTREL_EXCLUDES(_lock);
     void writeAll(const std::string& library);
+    /// False where there was no memory for it.
+    bool attempt(const std::function<std::error_code(GrowingFile&)>& action) OSTREL_EXCLUDES(_lock);
     void told(std::error_code error) OSTREL_EXCLUDES(_lock);
 
     const std::string _title;
+    std::string _outOfMemory; // what to say then, when there is no memory to make it
     const RecordingLimits _limits;
     GrowingFile _file; // the thread's
     ChunkBuilder _chunk;
