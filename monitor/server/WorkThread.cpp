@@ -1,6 +1,7 @@
 #include "monitor/server/WorkThread.h"
 
 #include "base/QuietThread.h"
+#include "monitor/server/Guarded.h"
 
 namespace Monitor {
 
@@ -46,6 +47,6 @@ bool WorkThread::takeNext(Work& next)
 void WorkThread::run()
 {
     for (Work next; takeNext(next); next = nullptr)
-        next();
+        guarded(_name, next);
 }
 } // namespace Monitor

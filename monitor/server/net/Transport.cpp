@@ -1,5 +1,6 @@
 #include "monitor/server/net/Transport.h"
 
+#include "monitor/server/Guarded.h"
 #include "monitor/server/net/Connection.h"
 
 #include <algorithm>
@@ -93,7 +94,7 @@ void Transport::State::accept(std::size_t listener)
             return arm();
         }
         if (client.get() >= 0)
-            takeIn(std::move(client), ready._door);
+            guarded("taking a client in", [&] { takeIn(std::move(client), ready._door); });
         accept(listener);
     });
 }
@@ -144,7 +145,7 @@ void Transport::State::arm()
     _timer.async_wait([this](const Problem& problem) {
         _isArmed = false;
         if (!problem)
-            tick();
+            guarded("a round of the server", [this] { tick(); });
         arm();
     });
 }
@@ -181,7 +182,8 @@ void Transport::run()
 {
     _state->_runs = true;
     const auto work = asio::make_work_guard(_state->_io);
-    _state->_io.run();
+    while (!guarded("what a client wants", [this] { _state->_io.run(); })) {
+    }
 }
 
 void Transport::stop()
