@@ -7,8 +7,24 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 #include <sys/wait.h>
+
+namespace {
+
+bool hasIpv6 = true; // or the kernel was started without
+} // namespace
+
+/// That of the system, for the whole program.
+extern "C" __attribute__((visibility("default"))) int socket(int domain, int type, int protocol) noexcept
+{
+    if (domain == AF_INET6 && !hasIpv6) {
+        errno = EAFNOSUPPORT;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_socket, domain, type, protocol));
+}
 
 namespace {
 
@@ -116,5 +132,13 @@ TEST(TcpDoors, TakeTheNextPortWhereOneIsTaken)
     for (const TcpDoor& door : both)
         EXPECT_EQ(portOf(door._address), portOf(both.front()._address));
     EXPECT_THROW(openTcpDoors({"192.0.2.1", 0}), std::runtime_error); // no address of any machine
+}
+
+TEST(TcpDoors, LocalhostNeedsNoIpv6)
+{
+    hasIpv6 = false;
+    EXPECT_EQ(openTcpDoors({"localhost", 0}).size(), 1U);
+    EXPECT_THROW(openTcpDoors({"::1", 0}), std::runtime_error);
+    hasIpv6 = true;
 }
 } // namespace

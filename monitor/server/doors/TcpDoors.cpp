@@ -58,6 +58,8 @@ TcpDoor openOne(const std::string& host, std::uint16_t port)
     TcpDoor door{Descriptor(socket(address._storage.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)),
                  address._door,
                  {}};
+    if (door._socket.get() < 0)
+        return door;
     const int on = 1;
     setsockopt(door._socket.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (address._storage.ss_family == AF_INET6)
