@@ -33,11 +33,15 @@ bool isLoopback(const std::string& host)
            (inet_pton(AF_INET, host.c_str(), &address) == 1 && (ntohl(address.s_addr) >> 24) == 127);
 }
 
-// A page whose host is another one is foreign, and so is one without a host, such as "null".
+// A page whose host is another one is foreign, and so is one without a host, such as "null". All names of loopback are
+// one host.
 bool isForeign(std::string_view origin, const std::string& host)
 {
     const std::size_t scheme = origin.find("://");
-    return scheme == origin.npos || hostOnly(origin.substr(scheme + 3)) != host;
+    if (scheme == origin.npos)
+        return true;
+    const std::string from = hostOnly(origin.substr(scheme + 3));
+    return from != host && !(isLoopback(from) && isLoopback(host));
 }
 
 bool changes(const RequestHead& head)
