@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace Host {
 namespace {
@@ -67,9 +68,8 @@ std::string bytesPerSecond(double bytes)
 }
 
 // Bytes of records that went by.
-struct Sizes {
-    std::uint64_t _records = 0, _bytes = 0;
-
+class Sizes {
+public:
     void take(std::string_view line)
     {
         const auto record = nlohmann::json::parse(line, nullptr, false);
@@ -78,13 +78,23 @@ struct Sizes {
         ++_records;
         _bytes += record["bytes"].get<std::uint64_t>();
     }
-    double mean() const { return _records == 0 ? 0 : static_cast<double>(_bytes) / static_cast<double>(_records); }
+    /// Of those since the last call; where there were none, as before.
+    double takeMean()
+    {
+        if (_records > 0)
+            _mean = static_cast<double>(std::exchange(_bytes, 0)) / static_cast<double>(std::exchange(_records, 0));
+        return _mean;
+    }
+
+private:
+    std::uint64_t _records = 0, _bytes = 0;
+    double _mean = 0;
 };
 
-std::string bandwidthLine(const Rate& rate, const Sizes& sizes)
+std::string bandwidthLine(const Rate& rate, double meanSize)
 {
-    return bytesPerSecond(rate.perSecond() * sizes.mean()) +
-           formatted(" (%.2f records/s of %.1f bytes in the mean)", rate.perSecond(), sizes.mean());
+    return bytesPerSecond(rate.perSecond() * meanSize) +
+           formatted(" (%.2f records/s of %.1f bytes in the mean)", rate.perSecond(), meanSize);
 }
 } // namespace
 
@@ -119,7 +129,7 @@ int bwVerb(const Options& options)
                             if (steadySeconds() < next)
                                 return true;
                             next += interval;
-                            return out.put(bandwidthLine(meter.next(), sizes)) && --left > 0;
+                            return out.put(bandwidthLine(meter.next(), sizes.takeMean())) && --left > 0;
                         });
         return Done;
     });
