@@ -1,7 +1,5 @@
 #include "host/ask/Asking.h"
 
-#include "explain/text/Escape.h"
-#include "explain/text/NameHint.h"
 #include "host/ExitCode.h"
 #include "host/ask/RunningHosts.h"
 #include "host/ask/Steady.h"
@@ -11,8 +9,6 @@
 #include <nlohmann/json.hpp>
 
 namespace Host {
-
-using namespace Explain;
 
 int askHost(const Options& options, const std::function<int(HostClient& host)>& verb)
 {
@@ -34,11 +30,11 @@ nlohmann::json askJson(HostClient& host, const HostQuestion& question, double pa
     return answer;
 }
 
-HostSlots askSlots(HostClient& host)
+HostSlots askSlots(HostClient& host, const std::string& name)
 {
     HostSlots slots;
     const double before = steadySeconds();
-    const nlohmann::json answer = askJson(host, {"/slots"});
+    const nlohmann::json answer = askJson(host, {"/slots" + queryText({{"label", name}})});
     slots._time = (before + steadySeconds()) / 2;
     for (const auto& slot : answer) {
         const std::string label = slot.at("label");
@@ -51,21 +47,8 @@ HostSlots askSlots(HostClient& host)
 
 const HostSlot* HostSlots::tryFind(const std::string& label) const
 {
-    for (const auto name : {&HostSlot::_label, &HostSlot::_short})
-        if (const auto found = std::ranges::find(_slots, label, name); found != _slots.end())
-            return &*found;
-    return nullptr;
-}
-
-const HostSlot& HostSlots::find(const std::string& label) const
-{
-    if (const HostSlot* const found = tryFind(label))
-        return *found;
-    std::vector<std::string_view> known;
-    for (const HostSlot& slot : _slots)
-        known.insert(known.end(), {slot._label, slot._short});
-    throw AskError(NothingFound, "the host has no slot " + inQuotes(label) + nearestHint(label, known) +
-                                     "; 'ostrel-host list' shows all");
+    const auto found = std::ranges::find(_slots, label, &HostSlot::_label);
+    return found == _slots.end() ? nullptr : &*found;
 }
 
 double ratePerSecond(const HostSlot& slot, const HostSlots& before, const HostSlots& now)

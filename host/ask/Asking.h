@@ -31,13 +31,13 @@ struct HostSlots {
     double _time = 0; // seconds of this machine's steady clock
     std::vector<HostSlot> _slots;
 
-    /// Throws AskError with the nearest label where there is no such slot.
-    const HostSlot& find(const std::string& label) const;
-    /// Null where there is none.
+    /// By its whole label; null where there is none.
     const HostSlot* tryFind(const std::string& label) const;
 };
 
-HostSlots askSlots(HostClient& host);
+/// All of them, or the one that the host understands by `name`. Throws AskError, where it understands none by it with
+/// what it has instead.
+HostSlots askSlots(HostClient& host, const std::string& name = {});
 
 /// Records a second between two moments; 0 where the slot was not there at the first, or has been made anew.
 double ratePerSecond(const HostSlot& slot, const HostSlots& before, const HostSlots& now);

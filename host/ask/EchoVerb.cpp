@@ -114,8 +114,15 @@ int streamSlot(HostClient& host, const HostSlot& slot, const Options& options)
     return isShort ? NoAnswer : Done;
 }
 
+// By its name, with the scene before it where several run.
+bool isCalled(const json& sensor, const std::string& name)
+{
+    const std::string own = sensor.at("name");
+    return own == name || sensor.at("scene").get<std::string>() + ": " + own == name;
+}
+
 // The value as frames leave it, looked at as often as the host copies it; what comes and goes in between is not seen.
-int followField(HostClient& host, const std::string& sensor, const Options& options)
+int followField(HostClient& host, const std::string& name, const Options& options)
 {
     constexpr double interval = 0.25; // seconds
     const double end = steadySeconds() + options._seconds;
@@ -124,18 +131,17 @@ int followField(HostClient& host, const std::string& sensor, const Options& opti
     json last;
     for (std::uint64_t left = options._count; left > 0;) {
         const json sensors = askJson(host, {"/sensors"});
-        const auto found = std::ranges::find_if(sensors, [&](const json& one) { return one.at("name") == sensor; });
+        const auto found = std::ranges::find_if(sensors, [&](const json& one) { return isCalled(one, name); });
         if (found == sensors.end())
-            throw AskError(NothingFound, "the host has no sensor " + inQuotes(sensor) + " any more");
+            throw AskError(NothingFound, "the host has no sensor " + inQuotes(name) + " any more");
         if (!lines)
             lines.emplace(out, options._format,
                           Ostrel::FieldClass::find(std::string_view(found->at("field").get<std::string>())));
         const json news{{"changes", found->value("changes", json())}, {"value", found->at("value")}};
         if (std::exchange(last, news) != news) {
             --left;
-            const json record{{"time", Trovio::Time::getCurrentTime().getSeconds()},
-                              {"sensor", sensor},
-                              {"value", found->at("value")}};
+            const json record{
+                {"time", Trovio::Time::getCurrentTime().getSeconds()}, {"sensor", name}, {"value", found->at("value")}};
             if (!lines->put(jsonText(record)))
                 return Done;
         }
@@ -146,19 +152,28 @@ int followField(HostClient& host, const std::string& sensor, const Options& opti
     }
     return Done;
 }
+
+// Nothing where a sensor is meant by its name, which several slots may serve.
+std::optional<HostSlot> slotCalled(HostClient& host, const std::string& name)
+{
+    try {
+        HostSlot slot = askSlots(host, name)._slots.front();
+        const bool isByLabel = slot._label == name || slot._label.ends_with("/" + name);
+        return isByLabel ? std::optional(std::move(slot)) : std::nullopt;
+    } catch (const AskError&) {
+        const json sensors = askJson(host, {"/sensors"});
+        if (std::ranges::none_of(sensors, [&](const json& one) { return isCalled(one, name); }))
+            throw;
+        return std::nullopt;
+    }
+}
 } // namespace
 
 int echoVerb(const Options& options)
 {
-    return askHost(options, [&options](HostClient& host) -> int {
-        const HostSlots slots = askSlots(host);
-        if (const HostSlot* const slot = slots.tryFind(options._label))
-            return streamSlot(host, *slot, options);
-        for (const auto& sensor : askJson(host, {"/sensors"}))
-            if (sensor.at("name") == options._label)
-                return followField(host, options._label, options);
-        slots.find(options._label); // which says that there is none
-        return Done;
+    return askHost(options, [&options](HostClient& host) {
+        const auto slot = slotCalled(host, options._label);
+        return slot ? streamSlot(host, *slot, options) : followField(host, options._label, options);
     });
 }
 } // namespace Host

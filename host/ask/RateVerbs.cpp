@@ -24,29 +24,24 @@ struct Rate {
 
 class RateMeter {
 public:
-    RateMeter(HostClient& host, const std::string& label)
-        : _host(host), _before(askSlots(host)), _label(_before.find(label)._label)
-    {
-    }
+    RateMeter(HostClient& host, const std::string& name) : _host(host), _before(askSlots(host, name)) {}
 
-    const std::string& label() const { return _label; }
+    const std::string& label() const { return _before._slots.front()._label; }
 
     /// Since the last call. Throws AskError where the slot is gone.
     Rate next()
     {
-        HostSlots now = askSlots(_host);
-        const HostSlot& slot = now.find(_label);
-        const std::uint64_t before = _before.find(_label)._records;
+        HostSlots now = askSlots(_host, label());
+        const std::uint64_t records = now._slots.front()._records, before = _before._slots.front()._records;
         // One that was made anew has begun anew.
-        const Rate rate{slot._records - (before <= slot._records ? before : 0), now._time - _before._time};
+        const Rate rate{records - (before <= records ? before : 0), now._time - _before._time};
         _before = std::move(now);
         return rate;
     }
 
 private:
     HostClient& _host;
-    HostSlots _before;
-    const std::string _label;
+    HostSlots _before; // the one slot
 };
 
 template <class... Values>

@@ -23,7 +23,7 @@ struct Row {
 const std::vector<Row>& table()
 {
     static const std::vector<Row> rows{
-        {"/host", answerHost, {}},           {"/slots", answerSlots, {}},
+        {"/host", answerHost, {}},           {"/slots", answerSlots, {"label"}},
         {"/sensors", answerSensors, {}},     {"/nodes", answerNodes, {}},
         {"/types", answerTypes, {}},         {"/graph", answerGraph, {"form"}},
         {"/why", answerWhy, {"from", "to"}}, {"/delay", answerDelay, {"from", "to", "seconds"}},

@@ -80,10 +80,18 @@ Answer answerHost(const Context& context, const Question&)
     return jsonAnswer(object);
 }
 
-Answer answerSlots(const Context& context, const Question&)
+Answer answerSlots(const Context& context, const Question& question)
 {
     const SlotMap map(Trovio::Root::get().inspect(), placesOf(context));
     Json slots = Json::array();
+    if (const auto asked = question._query.find("label"); asked != question._query.end()) {
+        std::string problem;
+        const SlotMap::Place* const place = map.find(asked->second, problem);
+        if (!place)
+            throw Refusal(404, problem);
+        slots.push_back(slotJson(map, *place));
+        return jsonAnswer(slots);
+    }
     for (const SlotMap::Place& place : map.all())
         slots.push_back(slotJson(map, place));
     return jsonAnswer(slots);

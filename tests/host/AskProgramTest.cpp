@@ -67,6 +67,7 @@ TEST_F(Ask, EveryVerbHasItsAnswer)
         {"$host list --format json", 0, "\"rate\":"},
         {"$host echo Generator/value --once", 0, "     0."},
         {"$host echo Context/Wave -n 2 --format json", 0, ",\"value\":"},
+        {"$host echo out -n 1", 0, "     0."},
         {"$host echo Generator/value -n 2 --format csv", 0, "time,stamp,value\n1"},
         {"$host echo Generator/value | head -n 1", 0, "     0."},
         {"$host hz Generator/value -n 1", 0, " records/s ("},
@@ -106,8 +107,9 @@ TEST_F(Ask, SaysWhatIsWrong)
     expectAll({{"$host list", 3, "no host runs here"}, {"$host why a b", 3, "start one with: ostrel-host run SCENE"}});
     const auto running = std::make_unique<RunningScene>(_scene);
     expectAll({
-        {"$host echo Generator/valeu", 3, "nearest: 'Generator/value'"},
-        {"$host hz wav", 3, "nearest: 'Wave'"},
+        {"$host echo Generator/valeu", 3, "did you mean 'Generator/value'?"},
+        {"$host hz wav", 3, "did you mean '"},
+        {"$host echo value", 3, "2 slots are called 'value'; say 'Context/Generator"},
         {"$host pub Wave text", 2, "Float"},
         {"$host pub Generator/value 1", 2, "is an out-slot"},
         {"echo oops | $host pub Wave -", 2, "standard input, line 1: 'oops'"},
