@@ -3,6 +3,7 @@
 #include "host/ExitCode.h"
 #include "host/ask/AskVerbs.h"
 #include "host/ask/Asking.h"
+#include "host/ask/LineOutput.h"
 #include "host/ask/RunningHosts.h"
 #include "trovio/Explanation.h"
 
@@ -29,23 +30,25 @@ int codeOf(const json& explanation)
                                                        : NothingFound;
 }
 
-void print(const json& explanation)
+std::string lineOf(const json& explanation)
 {
     std::string text = explanation.at("text");
     if (const std::string fits = explanation.value("fits", ""); !fits.empty())
         text += "; " + fits;
     if (const auto more = explanation.value("more", std::uint64_t{0}); more > 0)
         text += "; the same holds for " + std::to_string(more) + " more";
-    std::printf("%s\n", escaped(text, 4000).c_str());
+    return escaped(text, 4000) + "\n";
 }
 
-int printAll(const json& stopped)
+// One explanation, or a list of what stands still.
+std::string textOf(const json& answer)
 {
-    for (const json& explanation : stopped)
-        print(explanation);
-    if (stopped.empty())
-        std::printf("everything flows\n");
-    return stopped.empty() ? Done : codeOf(stopped.front());
+    if (answer.is_object())
+        return lineOf(answer);
+    std::string text;
+    for (const json& explanation : answer)
+        text += lineOf(explanation);
+    return answer.empty() ? "everything flows\n" : text;
 }
 
 // Seconds since 1970 of the last change of the file, its name included.
@@ -59,12 +62,7 @@ int askWhy(const Options& options)
 {
     return askHost(options, [&options](HostClient& host) {
         const json answer = askJson(host, {"/why" + queryText({{"from", options._from}, {"to", options._to}})}, 60);
-        if (options._format == Format::Json)
-            std::printf("%s\n", jsonText(answer).c_str());
-        else if (answer.is_object())
-            print(answer);
-        else
-            return printAll(answer);
+        LineOutput().write(options._format == Format::Json ? jsonText(answer) + "\n" : textOf(answer));
         return answer.is_object() ? codeOf(answer) : answer.empty() ? Done : codeOf(answer.front());
     });
 }

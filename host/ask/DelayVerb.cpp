@@ -4,6 +4,7 @@
 #include "host/ask/AskVerbs.h"
 #include "host/ask/Asking.h"
 #include "host/ask/Columns.h"
+#include "host/ask/LineOutput.h"
 
 #include <cmath>
 #include <cstdio>
@@ -48,10 +49,7 @@ int delayVerb(const Options& options)
                     {"/delay" +
                      queryText({{"from", options._from}, {"to", options._to}, {"seconds", std::to_string(seconds)}})},
                     seconds + 10);
-        if (options._format == Format::Json)
-            std::printf("%s\n", jsonText(answer).c_str());
-        else
-            std::fputs(hopTable(answer.at("hops")).c_str(), stdout);
+        LineOutput().write(options._format == Format::Json ? jsonText(answer) + "\n" : hopTable(answer.at("hops")));
         return Done;
     });
 }

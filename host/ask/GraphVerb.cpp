@@ -1,8 +1,7 @@
 #include "host/ExitCode.h"
 #include "host/ask/AskVerbs.h"
 #include "host/ask/Asking.h"
-
-#include <cstdio>
+#include "host/ask/LineOutput.h"
 
 namespace Host {
 
@@ -12,8 +11,7 @@ int graphVerb(const Options& options)
         const char* const form = options._graph == Format::Json  ? "json"
                                  : options._graph == Format::Dot ? "dot"
                                                                  : "text";
-        const std::string graph = host.ask({"/graph" + queryText({{"form", form}})});
-        std::fputs(graph.c_str(), stdout);
+        LineOutput().write(host.ask({"/graph" + queryText({{"form", form}})}));
         return Done;
     });
 }

@@ -27,34 +27,36 @@ std::string rateText(double perSecond)
 }
 
 // For the shell, which completes what stands on its command line.
-void printNames(HostClient& host)
+std::string namesText(HostClient& host)
 {
+    std::string text;
     for (const HostSlot& slot : askSlots(host)._slots)
-        std::printf("%s\n", escaped(slot._short, std::string::npos).c_str());
+        text += escaped(slot._short, std::string::npos) + "\n";
     for (const auto& sensor : askJson(host, {"/sensors"}))
-        std::printf("%s\n", escaped(sensor.at("name").get<std::string>(), std::string::npos).c_str());
+        text += escaped(sensor.at("name").get<std::string>(), std::string::npos) + "\n";
+    return text;
 }
 
-void printSlots(const HostSlots& before, const HostSlots& now)
+std::string slotsText(const HostSlots& before, const HostSlots& now)
 {
     std::vector<std::vector<std::string>> lines{{"slot", "", "type", "records/s", "records"}};
     for (const HostSlot& slot : now._slots)
         lines.push_back({escaped(slot._short), slot._isOut ? "out" : "in", slot._type,
                          rateText(ratePerSecond(slot, before, now)), std::to_string(slot._records)});
-    std::fputs(columns(lines, 3).c_str(), stdout);
+    return columns(lines, 3);
 }
 
-void printSensors(const HostSensors& sensors)
+std::string sensorsText(const HostSensors& sensors)
 {
     std::vector<std::vector<std::string>> lines{{"sensor", "type", "label", "value"}};
     const auto names = sensors.names();
     for (std::size_t i = 0; i < names.size(); ++i)
         lines.push_back(
             {escaped(names[i]._title), names[i]._type, escaped(names[i]._label), sensors.value(i, maxValue)});
-    std::fputs(("\n" + columns(lines, 4)).c_str(), stdout);
+    return "\n" + columns(lines, 4);
 }
 
-void printNodes(const nlohmann::json& nodes)
+std::string nodesText(const nlohmann::json& nodes)
 {
     std::vector<std::vector<std::string>> lines{{"node", "type", "state"}};
     for (const auto& node : nodes) {
@@ -62,38 +64,34 @@ void printNodes(const nlohmann::json& nodes)
         lines.push_back({escaped(node.at("node").get<std::string>()), node.at("type"),
                          node.at("state").get<std::string>() + (reason.empty() ? "" : ": " + escaped(reason, 600))});
     }
-    std::fputs(("\n" + columns(lines, 3)).c_str(), stdout);
+    return "\n" + columns(lines, 3);
 }
 
-void printJson(HostClient& host, const HostSlots& before)
+std::string allAsJson(HostClient& host, const HostSlots& before)
 {
     const HostSlots now = askSlots(host);
     nlohmann::json slots = askJson(host, {"/slots"});
     for (auto& slot : slots)
         if (const HostSlot* const known = now.tryFind(slot.at("label")))
             slot["rate"] = ratePerSecond(*known, before, now);
-    std::printf("%s\n", jsonText(nlohmann::json{{"slots", std::move(slots)},
-                                                {"sensors", askJson(host, {"/sensors"})},
-                                                {"nodes", askJson(host, {"/nodes"})}})
-                            .c_str());
+    const nlohmann::json all{
+        {"slots", std::move(slots)}, {"sensors", askJson(host, {"/sensors"})}, {"nodes", askJson(host, {"/nodes"})}};
+    return jsonText(all) + "\n";
 }
 } // namespace
 
 int listVerb(const Options& options)
 {
     return askHost(options, [&options](HostClient& host) {
-        if (options._onlyNames) {
-            printNames(host);
-            return Done;
-        }
+        LineOutput out;
+        if (options._onlyNames)
+            return out.write(namesText(host)), Done;
         const HostSlots before = askSlots(host);
-        if (!LineOutput().wait(rateWindow))
+        if (!out.wait(rateWindow))
             return Done;
-        if (options._format == Format::Json)
-            return printJson(host, before), Done;
-        printSlots(before, askSlots(host));
-        printSensors(HostSensors(host));
-        printNodes(askJson(host, {"/nodes"}));
+        out.write(options._format == Format::Json ? allAsJson(host, before)
+                                                  : slotsText(before, askSlots(host)) + sensorsText(HostSensors(host)) +
+                                                        nodesText(askJson(host, {"/nodes"})));
         return Done;
     });
 }

@@ -129,6 +129,25 @@ TEST_F(Ask, SaysWhatIsWrong)
          {"echo >> $scene; $host why $scene Generator/value Wave --patience 0.1", 0, "before its last change\n"}});
 }
 
+TEST_F(Ask, ThatNobodyReadsIsNoFailure)
+{
+    const RunningScene running(_scene);
+    const std::vector<std::string> commands[] = {{"list"},
+                                                 {"list", "--names"},
+                                                 {"graph"},
+                                                 {"why", "Generator/value", "Wave"},
+                                                 {"delay", "Generator/value", "Wave", "--seconds", "0.1"},
+                                                 {"echo", "Wave"},
+                                                 {"hz", "Wave"},
+                                                 {"bw", "Wave"},
+                                                 {"watch"}};
+    for (const auto& command : commands) {
+        HostProcess asking(host, command);
+        asking.stopReading();
+        EXPECT_EQ(asking.wait(), 0) << command.front() << asking.err();
+    }
+}
+
 TEST_F(Ask, AKilledHostIsNamedAndNotInTheWay)
 {
     auto running = std::make_unique<RunningScene>(_scene);
