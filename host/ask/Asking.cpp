@@ -22,6 +22,18 @@ int askHost(const Options& options, const std::function<int(HostClient& host)>& 
     }
 }
 
+int followHost(const Options& options, const std::function<int(HostClient& host)>& verb)
+{
+    return askHost(options, [&](HostClient& host) {
+        try {
+            return verb(host);
+        } catch (const HostEnded& ended) {
+            std::fprintf(stderr, "%s\n", ended.what());
+            return options._count == Options::Endless ? int(Done) : int(NoAnswer);
+        }
+    });
+}
+
 nlohmann::json askJson(HostClient& host, const HostQuestion& question, double patience)
 {
     nlohmann::json answer = nlohmann::json::parse(host.ask(question, patience), nullptr, false);

@@ -15,6 +15,9 @@ namespace Host {
 /// that, and returns the code for it.
 int askHost(const Options& options, const std::function<int(HostClient& host)>& verb);
 
+/// The same for a verb that goes on until the host ends, which is the end of it then, and no failure.
+int followHost(const Options& options, const std::function<int(HostClient& host)>& verb);
+
 /// The answer as JSON. Throws AskError, also where it is none.
 nlohmann::json askJson(HostClient& host, const HostQuestion& question, double patience = 10);
 

@@ -109,8 +109,8 @@ int streamSlot(HostClient& host, const HostSlot& slot, const Options& options)
                                      return lines.put(line) && left > 0;
                                  });
     if (end == HostClient::StreamEnd::Complete)
-        std::fprintf(stderr, "the host has ended, or has no such slot any more\n");
-    const bool isShort = options._count != Options::Endless && left > 0 && end != HostClient::StreamEnd::Enough;
+        throw HostEnded(Failed, "the host has ended, or has no such slot any more");
+    const bool isShort = options._count != Options::Endless && left > 0 && end == HostClient::StreamEnd::TimeOver;
     return isShort ? NoAnswer : Done;
 }
 
@@ -171,7 +171,7 @@ std::optional<HostSlot> slotCalled(HostClient& host, const std::string& name)
 
 int echoVerb(const Options& options)
 {
-    return askHost(options, [&options](HostClient& host) {
+    return followHost(options, [&options](HostClient& host) {
         const auto slot = slotCalled(host, options._label);
         return slot ? streamSlot(host, *slot, options) : followField(host, options._label, options);
     });

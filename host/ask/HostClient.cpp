@@ -109,7 +109,8 @@ private:
 
 HostClient::HostClient(std::string socketPath, std::string name) : _path(std::move(socketPath)), _name(std::move(name))
 {
-    connect();
+    if (const int error = connect(); error != 0)
+        throw AskError(NothingFound, "no host answers at " + inQuotes(_path) + ": " + std::strerror(error));
 }
 
 HostClient::~HostClient()
@@ -118,7 +119,8 @@ HostClient::~HostClient()
         close(_socket);
 }
 
-void HostClient::connect()
+// Returns what the system says; 0 where it did.
+int HostClient::connect()
 {
     if (_socket >= 0)
         close(_socket);
@@ -128,15 +130,27 @@ void HostClient::connect()
                                      " bytes, this one has more: " + inQuotes(_path));
     _path.copy(address.sun_path, _path.size());
     _socket = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (_socket < 0 || ::connect(_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-        throw AskError(NothingFound, "no host answers at " + inQuotes(_path) + ": " + std::strerror(errno));
+    const bool isConnected =
+        _socket >= 0 && ::connect(_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    return isConnected ? 0 : errno;
 }
 
-// A connection that the host has closed since the last answer is readable, and made anew.
+// Who ends in order takes its socket away; a killed host leaves it.
+void HostClient::reconnect()
+{
+    const int error = connect();
+    if (error == ENOENT)
+        throw HostEnded(Failed, _name + " has ended");
+    if (error != 0)
+        throw AskError(Failed, _name + " does not answer any more");
+}
+
+// A connection that the host has closed since the last answer is readable, and made anew. A host that has had enough of
+// the question says so before it closes.
 void HostClient::send(const HostQuestion& question)
 {
     if (pollfd idle = {_socket, POLLIN, 0}; poll(&idle, 1, 0) != 0)
-        connect();
+        reconnect();
     std::string text = question._method + " " + question._target + " HTTP/1.1\r\nHost: localhost\r\n";
     if (question._method != "GET")
         text += "Content-Type: application/json\r\nContent-Length: " + std::to_string(question._body.size()) + "\r\n";
@@ -144,7 +158,7 @@ void HostClient::send(const HostQuestion& question)
     for (std::string_view left = text; !left.empty();) {
         const ssize_t sent = ::send(_socket, left.data(), left.size(), MSG_NOSIGNAL);
         if (sent < 0 && errno != EINTR)
-            throw AskError(Failed, _name + " has ended");
+            return;
         left.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(sent, 0)));
     }
 }

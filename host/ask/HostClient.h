@@ -15,6 +15,11 @@ struct AskError : std::runtime_error {
     int _code;
 };
 
+/// The host has ended in order between two answers: its socket is gone.
+struct HostEnded : AskError {
+    using AskError::AskError;
+};
+
 /// One question, as HTTP has it.
 struct HostQuestion {
     std::string _target; // path and query, encoded
@@ -31,8 +36,7 @@ std::string encoded(std::string_view text);
 /// Ownership: owns the connection.
 /// Threads:   one.
 /// Errors:    AskError, with the host's own words where it refuses: NothingFound for what it does not have, BadUsage
-/// for
-///            a question that it cannot take, NoAnswer where it says nothing in time, else Failed.
+///            for a question that it cannot take, NoAnswer where it says nothing in time, else Failed.
 class HostClient {
 public:
     /// Connects; `name` stands for the host in messages.
@@ -57,7 +61,8 @@ public:
 
 private:
     class Answer;
-    void connect();
+    int connect();
+    void reconnect();
     void send(const HostQuestion& question);
     enum class News { Part, Silence, ReaderGone };
     News receive(Answer& answer, double deadline, bool watchesOutput);

@@ -95,7 +95,7 @@ std::string bandwidthLine(const Rate& rate, double meanSize)
 
 int hzVerb(const Options& options)
 {
-    return askHost(options, [&options](HostClient& host) {
+    return followHost(options, [&options](HostClient& host) {
         LineOutput out;
         RateMeter meter(host, options._label);
         for (std::uint64_t left = options._count; left > 0 && out.wait(interval); --left) {
@@ -111,21 +111,24 @@ int hzVerb(const Options& options)
 // The number is the source's own; the size is that of the records that a second connection looks at, all or not.
 int bwVerb(const Options& options)
 {
-    return askHost(options, [&options](HostClient& host) {
+    return followHost(options, [&options](HostClient& host) {
         LineOutput out;
         RateMeter meter(host, options._label);
         Sizes sizes;
         std::uint64_t left = options._count;
         double next = steadySeconds() + interval;
         HostClient watching(&host);
-        watching.follow({"/stream" + queryText({{"label", meter.label()}, {"form", "bytes"}})}, options._seconds,
-                        [&](std::string_view line) {
-                            sizes.take(line);
-                            if (steadySeconds() < next)
-                                return true;
-                            next += interval;
-                            return out.put(bandwidthLine(meter.next(), sizes.takeMean())) && --left > 0;
-                        });
+        const auto end =
+            watching.follow({"/stream" + queryText({{"label", meter.label()}, {"form", "bytes"}})}, options._seconds,
+                            [&](std::string_view line) {
+                                sizes.take(line);
+                                if (steadySeconds() < next)
+                                    return true;
+                                next += interval;
+                                return out.put(bandwidthLine(meter.next(), sizes.takeMean())) && --left > 0;
+                            });
+        if (end == HostClient::StreamEnd::Complete)
+            throw HostEnded(Failed, "the host has ended, or has no such slot any more");
         return Done;
     });
 }

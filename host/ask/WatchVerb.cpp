@@ -47,7 +47,7 @@ private:
 
 int watchVerb(const Options& options)
 {
-    return askHost(options, [&options](HostClient& host) {
+    return followHost(options, [&options](HostClient& host) {
         const StopSignal stop; // so that the terminal gets its settings back
         LineOutput out;
         auto table = std::make_unique<HostTable>(host, options);

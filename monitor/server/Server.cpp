@@ -104,8 +104,10 @@ Server::State::State(ServerOptions options) : _doors(options)
     _thread = Ostrel::quietThread("monitor", [this] { _transport->run(); });
 }
 
+// Who finds its connection closed, but no socket, knows that the program has ended in order.
 Server::State::~State()
 {
+    _doors._unix.reset();
     _transport->stop();
     _thread.join();
     _hub->endAnswers();

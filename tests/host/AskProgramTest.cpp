@@ -1,6 +1,7 @@
 #include "tests/host/HostProcess.h"
 #include "tests/support/SceneOnDisk.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -146,6 +147,20 @@ TEST_F(Ask, ThatNobodyReadsIsNoFailure)
         asking.stopReading();
         EXPECT_EQ(asking.wait(), 0) << command.front() << asking.err();
     }
+}
+
+TEST_F(Ask, AHostThatEndsInOrderEndsWhoFollowsItWithoutFailure)
+{
+    const RunningScene running(_scene);
+    HostProcess echo(host, {"echo", "Generator/value"}), field(host, {"echo", "wave"}), hz(host, {"hz", "Wave"}),
+        some(host, {"echo", "Generator/value", "-n", "99999"});
+    for (HostProcess* const following : {&echo, &field, &hz, &some})
+        ASSERT_TRUE(following->waitFor("."));
+    running.signal(SIGTERM);
+    for (HostProcess* const following : {&echo, &field, &hz})
+        EXPECT_EQ(following->wait(), 0) << following->err();
+    EXPECT_EQ(some.wait(), 124);
+    EXPECT_NE(hz.err().find(" has ended"), std::string::npos) << hz.err();
 }
 
 TEST_F(Ask, AKilledHostIsNamedAndNotInTheWay)

@@ -20,6 +20,8 @@ namespace websocket = beast::websocket;
 using Problem = beast::error_code;
 using WebSocket = websocket::stream<ClientSocket>;
 
+constexpr std::string_view lastChunk = "0\r\n\r\n";
+
 std::string textOf(const http::fields& fields, http::field field)
 {
     return fields[field].to_string();
@@ -62,6 +64,7 @@ public:
 
     void start(const std::optional<std::string>& refusal) override;
     void expire(SteadyTime now) override;
+    void sayFarewell() override;
     void close() override;
 
     void reply(Answer answer) override;
@@ -400,6 +403,18 @@ void BeastConnection::endMessage(const Problem& problem)
     sendNext();
 }
 
+// The end of the lines, or the close frame with code 1001, going away. In the middle of a message it would be a part of
+// it.
+void BeastConnection::sayFarewell()
+{
+    static constexpr std::string_view goingAway = "\x88\x02\x03\xE9";
+    if (_phase != Phase::Streaming || _isSending)
+        return;
+    Problem ignored;
+    socket().non_blocking(true, ignored);
+    socket().write_some(asio::buffer(_webSocket ? goingAway : lastChunk), ignored);
+}
+
 void BeastConnection::endStream()
 {
     enter(Phase::Leaving, _around._limits._leaving);
@@ -407,7 +422,7 @@ void BeastConnection::endStream()
         return _webSocket->async_close({websocket::close_code::policy_error, "what was sent was not taken"},
                                        [self = shared_from_this()](const Problem&) { self->close(); });
     _isSending = true;
-    asio::async_write(_socket, asio::buffer("0\r\n\r\n", 5),
+    asio::async_write(_socket, asio::buffer(lastChunk),
                       [self = shared_from_this()](const Problem&, std::size_t) { self->close(); });
 }
 } // namespace

@@ -28,6 +28,8 @@ public:
     virtual void start(const std::optional<std::string>& refusal) = 0;
     /// Ends what takes too long by now.
     virtual void expire(SteadyTime now) = 0;
+    /// The server ends: who gets a stream is told so, as far as that goes without waiting.
+    virtual void sayFarewell() = 0;
     /// Nothing is under way any more: it ends once nobody holds it.
     virtual void close() = 0;
 };

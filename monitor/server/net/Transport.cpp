@@ -188,7 +188,12 @@ void Transport::run()
 
 void Transport::stop()
 {
-    _state->_io.stop();
+    asio::post(_state->_io, [state = _state.get()] {
+        for (const Client& client : state->_clients)
+            if (const auto connection = client._connection.lock())
+                connection->sayFarewell();
+        state->_io.stop();
+    });
 }
 
 void Transport::post(std::function<void()> work)

@@ -28,7 +28,7 @@ public:
 
     /// Does all that comes until stop() is called.
     void run();
-    /// Ends run(), or does so at once when it begins. Any thread.
+    /// Ends run(), or does so at once when it begins, and the streams before. Any thread.
     void stop();
     /// Does on the thread of run() what it is given, unless run() has ended. Any thread.
     void post(std::function<void()> work);
