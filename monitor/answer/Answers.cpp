@@ -70,13 +70,6 @@ Answer answerOf(const Context& context, const Question& question)
     return row->_answer(context, question);
 }
 
-Answer refused(int status, const std::string& text)
-{
-    Answer answer = jsonAnswer({{"error", text}});
-    answer._status = status;
-    return answer;
-}
-
 } // namespace
 
 Answers::Answers(SceneView scene, const TapSet& taps, std::function<std::vector<ClientCounts>()> clients)
@@ -92,10 +85,17 @@ Answer Answers::ask(const Question& question) const
     try {
         return answerOf({_scene, _taps, _clients, _started}, question);
     } catch (const Refusal& refusal) {
-        return refused(refusal._status, refusal.what());
+        return errorAnswer(refusal._status, refusal.what());
     } catch (const Trovio::Exception& error) { // a pattern that is none
-        return refused(400, error.getMessage());
+        return errorAnswer(400, error.getMessage());
     }
+}
+
+Answer errorAnswer(int status, const std::string& text)
+{
+    Answer answer = jsonAnswer({{"error", text}});
+    answer._status = status;
+    return answer;
 }
 
 Answer jsonAnswer(const nlohmann::ordered_json& value)

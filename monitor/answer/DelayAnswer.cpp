@@ -73,12 +73,11 @@ void measure(HopAges& hops, double seconds, const Question& question)
 {
     using Steady = std::chrono::steady_clock;
     const auto start = Steady::now();
-    std::size_t polls = 0;
-    while (std::chrono::duration<double>(Steady::now() - start).count() < seconds) {
+    for (std::size_t polls = 0; std::chrono::duration<double>(Steady::now() - start).count() < seconds; ++polls) {
+        if (polls % 100 == 0 && question._isOver && question._isOver())
+            throw Refusal(503, "given up: the client waits no longer, or the program ends");
         std::this_thread::sleep_for(pollInterval);
         hops.poll();
-        if (++polls % 100 == 0 && question._isOver && question._isOver())
-            return;
     }
 }
 

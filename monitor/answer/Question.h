@@ -14,8 +14,8 @@ struct Question {
     std::string _body;
     std::string _accept;    // kinds of text that the client takes, as HTTP writes them; for /metrics
     bool _mayWrite = false; // else what changes something is refused with 403
-    /// Whether nobody waits for the answer any more. Who takes long asks this a few times a second, and then answers
-    /// anything. Any thread; may be empty.
+    /// Whether nobody waits for the answer any more: the client has gone, or at least says nothing more, or the server
+    /// ends. Who takes long asks this a few times a second, and then gives up. Any thread; may be empty.
     std::function<bool()> _isOver;
 };
 
@@ -24,4 +24,7 @@ struct Answer {
     std::string _type = "application/json";
     std::string _body;
 };
+
+/// {"error": …}
+Answer errorAnswer(int status, const std::string& text);
 } // namespace Monitor

@@ -61,11 +61,6 @@ std::vector<std::string> sourcesOf(const std::string& label, const SceneView& sc
 }
 } // namespace
 
-Answer errorAnswer(int status, const std::string& text)
-{
-    return {status, "application/json", Explain::jsonText(nlohmann::json{{"error", text}}) + "\n"};
-}
-
 Hub::Hub(SceneView scene, WhoMay whoMay, Network network)
     : _scene(std::move(scene)),
       _whoMay(std::move(whoMay)),
@@ -111,7 +106,9 @@ void Hub::answerLater(Question question, Take take)
 {
     noteClients();
     WorkThread& thread = question._path == "/delay" ? _delays : _work;
-    question._isOver = [&thread] { return thread.isOver(); };
+    question._isOver = [&thread, isGone = std::move(question._isOver)] {
+        return thread.isOver() || (isGone && isGone());
+    };
     // What take holds has to go on the server's thread.
     const auto work = [this, question = std::move(question), take]() mutable {
         _network._post(
@@ -126,6 +123,7 @@ void Hub::ask(const RequestHead& head, Door door, std::string body, std::shared_
     Question question = questionFrom(head, std::move(body), _whoMay.mayWrite(head, door));
     if (question._path == "/stream")
         return stream(question, exchange);
+    question._isOver = [gone = exchange->gone()] { return gone->load(std::memory_order_relaxed); };
     answerLater(std::move(question), [exchange](Answer made) { exchange->reply(std::move(made)); });
 }
 
@@ -147,7 +145,12 @@ void Hub::stream(const Question& question, const std::shared_ptr<Exchange>& exch
     const auto shows = form.empty() ? LineStream::Shows::Value : LineStream::Shows::Size;
     const auto work = [this, label, most, shows, held = exchange]() mutable {
         std::string problem;
-        auto labels = sourcesOf(label, _scene, problem);
+        std::vector<std::string> labels;
+        try {
+            labels = sourcesOf(label, _scene, problem);
+        } catch (const std::exception& failure) {
+            problem = Explain::textOf(failure);
+        }
         _network._post([this, labels, problem, most, shows, held = std::exchange(held, nullptr)] {
             auto made = lines(labels, most, shows);
             made ? held->replyWith(std::move(made))

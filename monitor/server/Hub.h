@@ -12,8 +12,6 @@
 
 namespace Monitor {
 
-class SlotMap;
-
 /// What the server does, without a network: judges, answers, and serves streams from the taps.
 /// Ownership: owns taps and answers; outlives the streams that it made.
 /// Threads:   the server's, but for what says otherwise.

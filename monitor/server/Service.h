@@ -4,6 +4,7 @@
 #include "monitor/server/net/RequestHead.h"
 #include "monitor/server/streams/Stream.h"
 
+#include <atomic>
 #include <memory>
 #include <optional>
 
@@ -16,7 +17,8 @@ public:
     virtual void reply(Answer answer) = 0;
     /// Answers with a body without an end, in lines of JSON.
     virtual void replyWith(std::unique_ptr<Stream> stream) = 0;
-    virtual bool isGone() const = 0;
+    /// Becomes true where the client goes before its answer. Any thread reads it.
+    virtual std::shared_ptr<const std::atomic<bool>> gone() const = 0;
 };
 
 /// Who answers what comes in. Threads: the server's.
@@ -34,7 +36,4 @@ public:
     /// Whether somebody watches a slot, so that ticks come at the rate of frames.
     virtual bool isWatching() const = 0;
 };
-
-/// {"error": …}
-Answer errorAnswer(int status, const std::string& text);
 } // namespace Monitor

@@ -108,6 +108,23 @@ TEST_F(ServerTest, ServesThreadsThatComeAndGoUnderTrafficAndEndsAtOnce)
         Trovio::Root::get().removeSlot(label);
 }
 
+TEST_F(ServerTest, AQuestionThatNobodyWaitsForStandsInNobodysWay)
+{
+    Trovio::OutSlot<double> wand("test");
+    Trovio::InSlot<double> reader("test");
+    Trovio::Root::get().addOutSlot("Wand/x", &wand);
+    Trovio::Root::get().addInSlot("Reader", &reader);
+    Trovio::Root::get().addRoute("Wand/x", "Reader");
+    {
+        const Server server({.socketFolder = _folder});
+        for (int i = 0; i < 3; ++i)
+            Client(server, "GET /delay?from=Wand/x&to=Reader&seconds=60"); // and goes
+        EXPECT_EQ(Client(server, "GET /delay?from=Wand/x&to=Reader&seconds=0.01").waitFor("\"hops\""), 1);
+    }
+    for (const char* const label : {"Reader", "Wand/x"})
+        Trovio::Root::get().removeSlot(label);
+}
+
 TEST_F(ServerTest, DoorsThatCannotBeOpenedAreNamedAndTheOthersServe)
 {
     const Server server({.listen = "192.0.2.1:8765", .socketFolder = _folder});

@@ -7,6 +7,7 @@
 #include <boost/beast/websocket.hpp>
 #include <cstdio>
 #include <limits>
+#include <sys/socket.h>
 #include <utility>
 
 namespace Monitor {
@@ -69,7 +70,7 @@ public:
 
     void reply(Answer answer) override;
     void replyWith(std::unique_ptr<Stream> stream) override;
-    bool isGone() const override { return _phase == Phase::Leaving || _phase == Phase::Gone; }
+    std::shared_ptr<const std::atomic<bool>> gone() const override { return _gone; }
 
 private:
     enum class Phase { Idle, Reading, Answering, Writing, Streaming, Leaving, Gone };
@@ -94,6 +95,7 @@ private:
     std::optional<Answer> judge();
     void readBody();
     void takeBody(const Problem& problem);
+    void watchForLeaving();
     void endRequest(Problem problem);
     void send(const Answer& answer, bool isLast);
     void endReply(const Problem& problem);
@@ -128,7 +130,8 @@ private:
     std::size_t _discarded = 0;
 
     Phase _phase = Phase::Idle;
-    bool _expired = false; // the request took too long
+    bool _expired = false;                    // the request took too long
+    std::shared_ptr<std::atomic<bool>> _gone; // before the answer to the request
     SteadyTime _deadline = SteadyTime::max();
 };
 
@@ -179,6 +182,8 @@ void BeastConnection::readRequest(const Problem& problem)
     if (problem)
         return close();
     enter(Phase::Reading, _around._limits._request);
+    _expired = false;
+    _gone = std::make_shared<std::atomic<bool>>(false);
     _head = {};
     _parser.emplace();
     _parser->header_limit(static_cast<std::uint32_t>(_around._limits._head));
@@ -237,7 +242,20 @@ void BeastConnection::takeBody(const Problem& problem)
     if (problem)
         return endRequest(problem);
     enter(Phase::Answering);
+    watchForLeaving();
     _around._service.ask(_head, _door, std::move(_parser->get().body()), shared_from_this());
+}
+
+// Once: a client that sends its next question before the answer is there, and then goes, is not noticed.
+void BeastConnection::watchForLeaving()
+{
+    _socket.async_wait(ClientSocket::wait_read, [self = shared_from_this(), gone = _gone](const Problem& problem) {
+        if (problem || self->_phase != Phase::Answering)
+            return;
+        char next = 0;
+        const auto count = recv(self->_socket.native_handle(), &next, 1, MSG_PEEK | MSG_DONTWAIT);
+        *gone = count == 0 || (count < 0 && errno == ECONNRESET);
+    });
 }
 
 void BeastConnection::reply(Answer answer)
