@@ -203,4 +203,11 @@ std::vector<TapCounts> TapSet::getCounts() const
     return counts;
 }
 
+TapCounts TapSet::getCounts(const std::string& label) const
+{
+    const Ostrel::LockGuard guard(_lock);
+    const auto known = _watched.find(label);
+    return known == _watched.end() ? TapCounts{label} : countsOf(*known->second);
+}
+
 } // namespace Monitor

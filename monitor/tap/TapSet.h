@@ -50,6 +50,8 @@ public:
 
     /// By label, of all that are looked at now.
     std::vector<TapCounts> getCounts() const OSTREL_EXCLUDES(_lock);
+    /// Of one; zeros where it is not looked at.
+    TapCounts getCounts(const std::string& label) const OSTREL_EXCLUDES(_lock);
 
 private:
     struct Watched {

@@ -244,6 +244,23 @@ TEST(Stream, BatchHoldsAllRecordsOfARound)
     EXPECT_EQ(batch["dropped"], 0);
 }
 
+TEST(Stream, WhatTheTapCouldNotKeepIsMissingForThoseWhoWereThere)
+{
+    ServerBench bench;
+    Source wand("Wand/x");
+    WebSocketClient first(bench, "ostrel.batch.v1"), second(bench, "ostrel.batch.v1");
+    const Json wish{{"op", "subscribe"}, {"labels", {"Wand/x"}}};
+    first.say(wish);
+    first.nextJson();
+    for (std::size_t i = 0; i < plenty; ++i)
+        wand.push(1);
+    second.say(wish);
+    second.nextJson();
+    bench.round();
+    EXPECT_GT(first.nextJson()["dropped"], 0);
+    EXPECT_EQ(second.nextJson()["dropped"], 0);
+}
+
 TEST(Stream, LinesEndAfterSoMany)
 {
     ServerBench bench;

@@ -15,6 +15,7 @@ bool Watches::add(const std::string& label, Stream& stream)
             _begun();
         return true;
     }
+    passOnLosses(known->second, _taps.getCounts(label)); // before it came
     known->second._streams.push_back(&stream);
     if (known->second._last)
         stream.take(label, *known->second._codec, *known->second._last);
@@ -39,16 +40,11 @@ void Watches::removeAll(Stream& stream)
         remove(label, stream);
 }
 
-void Watches::passOnLosses()
+void Watches::passOnLosses(Watched& watched, const TapCounts& counts)
 {
-    for (const TapCounts& counts : _taps.getCounts()) {
-        const auto known = _watched.find(counts._label);
-        if (known == _watched.end() || counts._refused == known->second._refused)
-            continue;
-        for (Stream* const stream : known->second._streams)
-            stream->queue().drop(counts._refused - known->second._refused);
-        known->second._refused = counts._refused;
-    }
+    for (Stream* const stream : watched._streams)
+        stream->queue().drop(counts._refused - watched._refused);
+    watched._refused = counts._refused;
 }
 
 void Watches::round()
@@ -62,7 +58,9 @@ void Watches::round()
         known->second._codec = &codec;
         known->second._last = std::move(record);
     });
-    passOnLosses();
+    for (const TapCounts& counts : _taps.getCounts())
+        if (const auto known = _watched.find(counts._label); known != _watched.end())
+            passOnLosses(known->second, counts);
     std::set<Stream*> streams;
     for (const auto& [label, watched] : _watched)
         streams.insert(watched._streams.begin(), watched._streams.end());

@@ -35,7 +35,7 @@ private:
         std::uint64_t _refused = 0;     // so far
     };
 
-    void passOnLosses();
+    static void passOnLosses(Watched& watched, const TapCounts& counts);
 
     TapSet& _taps;
     const std::function<void()> _begun;
