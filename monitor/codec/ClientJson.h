@@ -44,11 +44,10 @@ inline std::optional<std::uint32_t> numberIn(const nlohmann::json& value)
     return value.get<std::uint32_t>();
 }
 
-/// The list under that key; an empty one where there is none.
-inline const nlohmann::json& listAt(const nlohmann::json& object, const char* key)
+/// The list under that key; null where there is none.
+inline const nlohmann::json* listAt(const nlohmann::json& object, const char* key)
 {
-    static const nlohmann::json none = nlohmann::json::array();
     const auto found = object.find(key);
-    return found != object.end() && found->is_array() ? *found : none;
+    return found != object.end() && found->is_array() ? &*found : nullptr;
 }
 } // namespace Monitor

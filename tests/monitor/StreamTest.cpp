@@ -93,6 +93,12 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{"ChannelTaken", {{"op", "subscribe"}, {"subscriptions", {{{"id", 2}, {"channelId", 1}}}}}, "'Wand/x'"},
         Wrong{"NoChannel", {{"op", "subscribe"}, {"subscriptions", {{{"id", 2}, {"channelId", 9}}}}}, "channel 9"},
         Wrong{"NegativeNumber", {{"op", "subscribe"}, {"subscriptions", {{{"id", -1}, {"channelId", 1}}}}}, "32 bits"},
+        Wrong{"NoList", {{"op", "subscribe"}}, "'subscriptions'"},
+        Wrong{"OneOfTwo", {{"op", "unsubscribe"}, {"subscriptionIds", {"x", 99}}}, "'\"x\"' is no entry"},
+        Wrong{
+            "LongTopic",
+            {{"op", "advertise"}, {"channels", {{{"id", 1}, {"topic", std::string(1025, 'a')}, {"encoding", "json"}}}}},
+            "1024 bytes"},
         Wrong{"NoOp", {{"hello", 1}}, "''"},
         Wrong{"Encoding",
               {{"op", "advertise"}, {"channels", {{{"id", 1}, {"topic", "a"}, {"encoding", "ros1"}}}}},

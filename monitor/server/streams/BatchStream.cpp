@@ -17,10 +17,11 @@ void BatchStream::received(std::string_view message, bool isBinary)
 {
     const auto object = isBinary ? std::nullopt : readObject(message);
     const std::string op = object ? textAt(*object, "op").value_or("") : "";
-    if (op == "subscribe")
-        subscribe(listAt(*object, "labels"));
-    else if (op == "unsubscribe")
-        unsubscribe(listAt(*object, "labels"));
+    const nlohmann::json* const labels = object ? listAt(*object, "labels") : nullptr;
+    if (op == "subscribe" && labels)
+        subscribe(*labels);
+    else if (op == "unsubscribe" && labels)
+        unsubscribe(*labels);
     else
         say({{"op", "error"},
              {"message", "no message of " + std::string(Name) +

@@ -9,55 +9,51 @@ using Json = nlohmann::json;
 
 namespace {
 
+constexpr std::size_t maxFaults = 16; // that are told of one message
+
 std::optional<std::uint32_t> numberAt(const Json& object, const char* key)
 {
     const auto found = object.is_object() ? object.find(key) : object.end();
     return found == object.end() ? std::nullopt : numberIn(*found);
 }
 
-Message wrongEntry(const Json& entry, const char* allowed)
+std::optional<Subscription> readSubscription(const Json& entry)
 {
-    return Wrong{"'" + Explain::escaped(entry.dump(-1, ' ', true, Json::error_handler_t::replace)) +
-                 "' is no entry; allowed: " + allowed};
+    const auto number = numberAt(entry, "id"), channel = numberAt(entry, "channelId");
+    return number && channel ? std::optional(Subscription{*number, *channel}) : std::nullopt;
 }
 
-Message readSubscribe(const Json& list)
+std::optional<Publication> readPublication(const Json& entry)
 {
-    Subscribe message;
-    for (const Json& entry : list) {
-        const auto number = numberAt(entry, "id"), channel = numberAt(entry, "channelId");
-        if (!number || !channel)
-            return wrongEntry(entry, "{\"id\":…,\"channelId\":…} with whole numbers of 32 bits");
-        message._entries.push_back({*number, *channel});
-    }
-    return message;
+    const auto number = numberAt(entry, "id");
+    const auto topic = number ? textAt(entry, "topic") : std::nullopt;
+    const auto encoding = number ? textAt(entry, "encoding") : std::nullopt;
+    if (!topic || !encoding)
+        return std::nullopt;
+    return Publication{*number, *topic, *encoding, textAt(entry, "schemaName").value_or("")};
 }
 
-Message readAdvertise(const Json& list)
+std::string wrongEntry(const Json& entry, const std::string& allowed)
 {
-    Advertise message;
-    for (const Json& entry : list) {
-        const auto number = numberAt(entry, "id");
-        const auto topic = number ? textAt(entry, "topic") : std::nullopt;
-        const auto encoding = number ? textAt(entry, "encoding") : std::nullopt;
-        if (!topic || !encoding)
-            return wrongEntry(entry, "{\"id\":…,\"topic\":\"…\",\"encoding\":\"…\",\"schemaName\":\"…\"}");
-        message._entries.push_back({*number, *topic, *encoding, textAt(entry, "schemaName").value_or("")});
-    }
-    return message;
+    return "'" + Explain::escaped(entry.dump(-1, ' ', true, Json::error_handler_t::replace)) +
+           "' is no entry; allowed: " + allowed;
 }
 
-template <class Numbers>
-Message readNumbers(const Json& list)
+// What stands in the list under that key, as far as it can be read.
+template <class List>
+Message readList(const Json& object, const char* key, const std::string& allowed,
+                 std::optional<typename List::Entry> (*readEntry)(const Json&))
 {
-    Numbers message;
-    for (const Json& entry : list) {
-        const auto number = numberIn(entry);
-        if (!number)
-            return wrongEntry(entry, "a whole number of 32 bits");
-        message._numbers.push_back(*number);
-    }
-    return message;
+    const Json* const entries = listAt(object, key);
+    if (!entries)
+        return Wrong{"a message without a list called '" + std::string(key) + "'; each entry of it is " + allowed};
+    List list;
+    for (const Json& json : *entries)
+        if (const auto entry = readEntry(json))
+            list._entries.push_back(*entry);
+        else if (list._faults.size() < maxFaults)
+            list._faults.push_back(wrongEntry(json, allowed));
+    return list;
 }
 
 Message readBinary(std::string_view bytes)
@@ -81,14 +77,17 @@ Message read(std::string_view bytes, bool isBinary)
     if (!object)
         return Wrong{"a text that is no JSON object"};
     const std::string op = textAt(*object, "op").value_or("");
+    const std::string number = "a whole number of 32 bits";
     if (op == "subscribe")
-        return readSubscribe(listAt(*object, "subscriptions"));
+        return readList<Subscribe>(*object, "subscriptions", "{\"id\":…,\"channelId\":…} with whole numbers of 32 bits",
+                                   readSubscription);
     if (op == "unsubscribe")
-        return readNumbers<Unsubscribe>(listAt(*object, "subscriptionIds"));
+        return readList<Unsubscribe>(*object, "subscriptionIds", number, numberIn);
     if (op == "advertise")
-        return readAdvertise(listAt(*object, "channels"));
+        return readList<Advertise>(
+            *object, "channels", "{\"id\":…,\"topic\":\"…\",\"encoding\":\"…\",\"schemaName\":\"…\"}", readPublication);
     if (op == "unadvertise")
-        return readNumbers<Unadvertise>(listAt(*object, "channelIds"));
+        return readList<Unadvertise>(*object, "channelIds", number, numberIn);
     return Wrong{"the op " + Explain::inQuotes(op) +
                  " is not served here; allowed: subscribe, unsubscribe, and where writing is allowed advertise and "
                  "unadvertise"};

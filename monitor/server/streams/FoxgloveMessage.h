@@ -11,26 +11,24 @@ namespace Monitor {
 /// What a client of the Foxglove WebSocket protocol may say. Numbers are the client's own but for channels of the
 /// server.
 namespace Foxglove {
-struct Subscribe {
-    struct Entry {
-        std::uint32_t _number;
-        std::uint32_t _channel;
-    };
+template <class Item>
+struct List {
+    using Entry = Item;
     std::vector<Entry> _entries;
+    std::vector<std::string> _faults; // what is wrong with others, and what is allowed
 };
-struct Unsubscribe {
-    std::vector<std::uint32_t> _numbers;
+struct Subscription {
+    std::uint32_t _number;
+    std::uint32_t _channel;
 };
-struct Advertise {
-    struct Entry {
-        std::uint32_t _number;
-        std::string _topic, _encoding, _schemaName;
-    };
-    std::vector<Entry> _entries;
+struct Subscribe : List<Subscription> {};
+struct Unsubscribe : List<std::uint32_t> {};
+struct Publication {
+    std::uint32_t _number;
+    std::string _topic, _encoding, _schemaName;
 };
-struct Unadvertise {
-    std::vector<std::uint32_t> _numbers;
-};
+struct Advertise : List<Publication> {};
+struct Unadvertise : List<std::uint32_t> {};
 struct Publish {
     std::uint32_t _number;
     std::string_view _payload; // of the message that was read

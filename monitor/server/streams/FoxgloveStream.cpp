@@ -3,6 +3,7 @@
 #include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
 #include "monitor/codec/ClientJson.h"
+#include "trovio/Namespace.h"
 
 #include <algorithm>
 
@@ -115,7 +116,13 @@ void FoxgloveStream::slotsChanged()
 
 void FoxgloveStream::received(std::string_view message, bool isBinary)
 {
-    std::visit([this](const auto& read) { handle(read); }, Foxglove::read(message, isBinary));
+    const auto use = [this](const auto& read) {
+        if constexpr (requires { read._faults; })
+            for (const std::string& fault : read._faults)
+                status(Error, fault);
+        handle(read);
+    };
+    std::visit(use, Foxglove::read(message, isBinary));
 }
 
 void FoxgloveStream::handle(const Foxglove::Wrong& message)
@@ -123,7 +130,7 @@ void FoxgloveStream::handle(const Foxglove::Wrong& message)
     status(Error, message._text);
 }
 
-std::string FoxgloveStream::problemOf(const Foxglove::Subscribe::Entry& entry) const
+std::string FoxgloveStream::problemOf(const Foxglove::Subscription& entry) const
 {
     const std::string here =
         "subscription " + std::to_string(entry._number) + " to channel " + std::to_string(entry._channel);
@@ -181,7 +188,7 @@ void FoxgloveStream::end(std::uint32_t subscription)
 // Viewers also end what went with its channel.
 void FoxgloveStream::handle(const Foxglove::Unsubscribe& message)
 {
-    for (const std::uint32_t number : message._numbers)
+    for (const std::uint32_t number : message._entries)
         end(number);
 }
 
@@ -193,6 +200,8 @@ void FoxgloveStream::handle(const Foxglove::Advertise& message)
         if (!_mayWrite)
             status(Error, what + "this client may only read; use the Unix socket, or start with --monitor-write and "
                                  "take the address with the token that it prints");
+        else if (entry._topic.empty() || entry._topic.size() > Trovio::MaxLabelLength)
+            status(Error, what + "a label has 1 to " + std::to_string(Trovio::MaxLabelLength) + " bytes");
         else if (entry._encoding != "json" && entry._encoding != "cdr")
             status(Error, what + "the encoding " + inQuotes(entry._encoding) + " is unknown; allowed: cdr, json");
         else if (entry._encoding == "cdr" && !codec)
@@ -207,7 +216,7 @@ void FoxgloveStream::handle(const Foxglove::Advertise& message)
 
 void FoxgloveStream::handle(const Foxglove::Unadvertise& message)
 {
-    for (const std::uint32_t number : message._numbers)
+    for (const std::uint32_t number : message._entries)
         _publications.erase(number);
 }
 

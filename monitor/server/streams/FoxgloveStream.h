@@ -60,7 +60,7 @@ private:
     void hearWhyNone(const std::string& text) override { status(Warning, text); }
 
     void advertiseSome();
-    std::string problemOf(const Foxglove::Subscribe::Entry& entry) const;
+    std::string problemOf(const Foxglove::Subscription& entry) const;
     bool watch(const Subscription& subscription);
     void end(std::uint32_t subscription);
     void sendRecord(std::uint32_t subscription, const TapRecord& record);
