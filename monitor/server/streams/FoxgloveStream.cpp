@@ -249,11 +249,17 @@ void FoxgloveStream::publish(const Publication& publication, std::string_view pa
     });
 }
 
-void FoxgloveStream::take(const std::string& label, const SlotCodec&, const TapRecord& record)
+// A node may have been replaced by one whose slot is of another type: that is a channel of its own, soon.
+void FoxgloveStream::take(const std::string& label, const SlotCodec& codec, const TapRecord& record)
 {
     const auto found = _byLabel.find(label);
-    if (found != _byLabel.end())
+    if (found == _byLabel.end())
+        return;
+    const Channels::Channel* const channel = _around._channels.find(_subscriptions.at(found->second)._channel);
+    if (channel && channel->_codec == &codec)
         sendRecord(found->second, record);
+    else
+        queue().drop(1);
 }
 
 void FoxgloveStream::takePoses(const TapRecord& poses)
