@@ -6,6 +6,8 @@
 #include "trovio/Root.h"
 
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <span>
 
 namespace Monitor {
 namespace {
@@ -94,6 +96,34 @@ json readBody(const std::string& body)
     return std::move(*read);
 }
 
+/// What is to be written, and with which stamp, where the client says one.
+struct Record {
+    Bytes _message;
+    std::optional<Trovio::Time> _stamp{};
+};
+
+Record readJsonRecord(const std::string& body, const Target& place, const SlotCodec& codec)
+{
+    const json read = readBody(body);
+    Record record;
+    std::string problem;
+    if (!codec.fromJson(read["value"], record._message, problem))
+        throw Refusal(400, "\"value\" is no " + place._type + " for " + inQuotes(place._label) + ": " + problem);
+    if (const auto stamp = read.find("stamp"); stamp != read.end() && stamp->is_number())
+        record._stamp = Trovio::Time(stamp->get<double>());
+    return record;
+}
+
+Record readMessage(const Question& question, const Target& place, const SlotCodec& codec)
+{
+    if (question._codec != &codec)
+        throw Refusal(400, inQuotes(place._label) + " takes values of type " + place._type + ", so messages of " +
+                               std::string(codec.schemaName()) + ", and not of " +
+                               std::string(question._codec->schemaName()));
+    const auto bytes = std::as_bytes(std::span(question._body));
+    return {Bytes(bytes.begin(), bytes.end())};
+}
+
 } // namespace
 
 Answer answerPub(const Context& context, const Question& question, const std::string& label)
@@ -104,20 +134,16 @@ Answer answerPub(const Context& context, const Question& question, const std::st
                       "give its token");
     const Target place = target(context, label);
     const SlotCodec& codec = *SlotCodec::find(place._type);
-    const json body = readBody(question._body);
-    Bytes message;
-    std::string problem;
-    if (!codec.fromJson(body["value"], message, problem))
-        throw Refusal(400, "\"value\" is no " + place._type + " for " + inQuotes(place._label) + ": " + problem);
+    const Record record =
+        question._codec ? readMessage(question, place, codec) : readJsonRecord(question._body, place, codec);
     Pen pen(codec, place._label);
     if (!pen.isConnected())
         throw Refusal(404, inQuotes(place._label) + " is not seen in the root, so nothing can be written into it; show "
                                                     "it by external routes");
-    const auto stamp = body.find("stamp");
-    const bool isStamped = stamp != body.end() && stamp->is_number();
-    const Trovio::Time time = isStamped ? Trovio::Time(stamp->get<double>()) : Trovio::Time::getCurrentTime();
-    if (!pen.source().write(message, time, problem))
-        throw Refusal(400, problem);
+    const Trovio::Time time = record._stamp.value_or(Trovio::Time::getCurrentTime());
+    std::string problem;
+    if (!pen.source().write(record._message, time, problem))
+        throw Refusal(400, "the message for " + inQuotes(place._label) + ": " + problem);
     return jsonAnswer({{"label", place._label}, {"stamp", time.getSeconds()}});
 }
 

@@ -6,6 +6,8 @@
 
 namespace Monitor {
 
+class SlotCodec;
+
 /// What a client asks, after the server has judged who may: "GET /why?from=a&to=b".
 struct Question {
     std::string _method;
@@ -17,6 +19,7 @@ struct Question {
     /// Whether nobody waits for the answer any more: the client has gone, or at least says nothing more, or the server
     /// ends. Who takes long asks this a few times a second, and then gives up. Any thread; may be empty.
     std::function<bool()> _isOver;
+    const SlotCodec* _codec = nullptr; // whose message the body of a publication is; null for JSON
 };
 
 struct Answer {

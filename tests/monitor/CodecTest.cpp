@@ -1,4 +1,5 @@
 #include "host/show/Json.h"
+#include "monitor/codec/PlainJson.h"
 #include "monitor/codec/SlotCodec.h"
 #include "ostrel/FieldClass.h"
 #include "sensorManager/Conversions.h"
@@ -152,6 +153,21 @@ TEST(Codec, JsonBecomesTheMessageThatItCameFrom)
         const bool isExact = json.find("null") == std::string::npos && json.find("\uFFFD") == std::string::npos;
         EXPECT_EQ(back == encoded(value) || !isExact, true) << json;
     });
+}
+
+TEST(Codec, MessagesInJsonAreTheirValues)
+{
+    const struct {
+        const char *_message, *_value;
+    } rows[] = {{R"({"data":"text"})", R"("text")"},
+                {R"({"z":3,"x":1,"y":2})", "[1,2,3]"},
+                {R"({"a":4,"r":1,"g":2,"b":3})", "[1,2,3,4]"},
+                {R"({"values":[{"x":1,"y":2},{"y":4,"x":3}]})", "[[1,2],[3,4]]"},
+                {R"({"x":1,"unit":"m"})", R"({"unit":"m","x":1})"},
+                {"[1,null]", "[1,null]"},
+                {"{}", "{}"}};
+    for (const auto& row : rows)
+        EXPECT_EQ(plainJson(nlohmann::json::parse(row._message)), nlohmann::json::parse(row._value));
 }
 
 TEST(Codec, JsonThatIsNoValueIsRefusedWithItsPlace)

@@ -4,6 +4,8 @@
 #include "tests/monitor/WebSocketClient.h"
 #include "trovio/InSlot.h"
 
+#include <limits>
+
 namespace {
 
 using namespace Monitor;
@@ -189,23 +191,41 @@ TEST(Stream, PosesOfAllSlotsAreOneChannel)
 
 TEST(Stream, PublishedMessagesReachTheSlotAndOthersAreNamed)
 {
+    constexpr std::uint64_t burst = 100; // more than may wait
     ServerBench bench;
     Trovio::InSlot<double> lamp("test");
     Trovio::Root::get().addInSlot("Lamp", &lamp);
     WebSocketClient client(bench, foxglove);
     client.nextJson();
     client.nextJson();
-    const auto channel = [](int number, const char* topic) {
-        return Json{{"id", number}, {"topic", topic}, {"encoding", "cdr"}, {"schemaName", "std_msgs/msg/Float64"}};
+    const auto channel = [](int number, const char* topic, const char* encoding, const char* schema) {
+        return Json{{"id", number}, {"topic", topic}, {"encoding", encoding}, {"schemaName", schema}};
     };
-    client.say({{"op", "advertise"}, {"channels", {1, channel(5, "Lamp"), channel(6, "Nowhere")}}});
-    EXPECT_TRUE(client.nextJson()["message"].get<std::string>().starts_with("'1' is no entry")); // the others are taken
-    const Bytes value = encoded(0.75);
-    const std::string message(reinterpret_cast<const char*>(value.data()), value.size());
-    client.sendBinary(std::string("\1\5\0\0\0", 5) + message);
-    client.sendBinary(std::string("\1\6\0\0\0", 5) + message);
-    EXPECT_TRUE(client.nextJson()["message"].get<std::string>().starts_with("no slot has the label 'Nowhere'"));
-    EXPECT_EQ(lamp.pop().getValue(), 0.75); // they are answered in turn
+    constexpr const char *number = "std_msgs/msg/Float64", *point = "geometry_msgs/msg/Point";
+    client.say({{"op", "advertise"},
+                {"channels",
+                 {0, channel(1, "Lamp", "cdr", number), channel(2, "Lamp", "json", number),
+                  channel(3, "Nowhere", "cdr", number), channel(4, "Lamp", "cdr", point)}}});
+    const auto says = [&client] { return client.nextJson()["message"].get<std::string>(); };
+    EXPECT_TRUE(says().starts_with("'0' is no entry")); // the others are taken
+    const auto publish = [&client](char to, const std::string& message) {
+        client.sendBinary(std::string{'\1', to, '\0', '\0', '\0'} + message);
+    };
+    const auto cdr = [](double value) {
+        const Bytes bytes = encoded(value);
+        return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    };
+    // They are answered in turn: when the last one is, so are those before.
+    publish(1, cdr(std::numeric_limits<double>::infinity()));
+    publish(3, cdr(1));
+    EXPECT_TRUE(says().starts_with("no slot has the label 'Nowhere'"));
+    EXPECT_EQ(lamp.pop().getValue(), std::numeric_limits<double>::infinity());
+    for (std::uint64_t i = 0; i < burst; ++i)
+        publish(2, R"({"data":0.5})");
+    publish(4, cdr(1));
+    EXPECT_NE(says().find("messages of std_msgs/msg/Float64, and not of geometry_msgs/msg/Point"), std::string::npos);
+    EXPECT_EQ(lamp.pop().getValue(), 0.5);
+    EXPECT_EQ(lamp.getCounts().stored, 1 + burst);
     Trovio::Root::get().removeSlot("Lamp");
 }
 

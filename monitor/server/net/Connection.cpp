@@ -126,6 +126,8 @@ private:
     std::string _subprotocol;
     std::string _frame; // what stands before a line of JSON
     bool _isSending = false;
+    bool _isReading = false; // a message of a WebSocket
+    unsigned _holds = 0;     // on what it says
     std::array<char, 4096> _ignored{};
     std::size_t _discarded = 0;
 
@@ -311,6 +313,13 @@ void BeastConnection::useStream(std::unique_ptr<Stream> stream)
 {
     _stream = std::move(stream);
     _stream->queue().setWake([this] { sendNext(); });
+    _stream->setHoldOff([this]() -> std::function<void()> {
+        ++_holds;
+        return [self = shared_from_this()] {
+            --self->_holds;
+            self->readMessage();
+        };
+    });
 }
 
 void BeastConnection::acceptWebSocket()
@@ -340,6 +349,9 @@ void BeastConnection::beginSocket(const Problem& problem)
 
 void BeastConnection::readMessage()
 {
+    if (_isReading || _holds > 0 || (_phase != Phase::Streaming && _phase != Phase::Leaving))
+        return;
+    _isReading = true;
     _webSocket->async_read(_buffer, then(&BeastConnection::takeMessage));
 }
 
@@ -350,8 +362,8 @@ void BeastConnection::takeMessage(const Problem& problem)
     const auto bytes = _buffer.cdata();
     _stream->received({static_cast<const char*>(bytes.data()), bytes.size()}, _webSocket->got_binary());
     _buffer.consume(_buffer.size());
-    if (_phase == Phase::Streaming || _phase == Phase::Leaving)
-        readMessage();
+    _isReading = false;
+    readMessage();
 }
 
 void BeastConnection::replyWith(std::unique_ptr<Stream> stream)

@@ -3,6 +3,7 @@
 #include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
 #include "monitor/codec/ClientJson.h"
+#include "monitor/codec/PlainJson.h"
 #include "trovio/Namespace.h"
 
 #include <algorithm>
@@ -228,25 +229,33 @@ void FoxgloveStream::handle(const Foxglove::Publish& message)
     publish(found->second, message._payload);
 }
 
-// The way that /pub takes, so that there is one.
+// The way that /pub takes, so that there is one. The client's next message is read when this one is answered.
 void FoxgloveStream::publish(const Publication& publication, std::string_view payload)
 {
-    std::string value(payload), problem;
-    const auto bytes = std::as_bytes(std::span(payload));
-    if (publication._codec && !publication._codec->toJson(bytes, value, problem))
-        return status(Error, "publishing to " + inQuotes(publication._label) + ": " + problem);
     Question question;
     question._method = "POST";
     question._path = "/pub/" + publication._label;
-    question._body = "{\"value\":" + value + "}";
     question._mayWrite = true;
-    _around._ask(std::move(question), [self = std::weak_ptr(_self)](const Answer& answer) {
-        const auto there = self.lock();
-        if (!there || answer._status < 400)
-            return;
-        const auto object = readObject(answer._body);
-        (*there)->status(Error, object ? textAt(*object, "error").value_or(answer._body) : answer._body);
+    question._codec = publication._codec;
+    if (publication._codec)
+        question._body = payload;
+    else if (const auto value = readJson(payload))
+        question._body = nlohmann::json{{"value", plainJson(*value)}}.dump();
+    else
+        return status(Error, "publishing to " + inQuotes(publication._label) + ": no JSON of up to 16 levels");
+    _around._ask(std::move(question), [self = std::weak_ptr(_self), goOn = holdOff()](const Answer& answer) {
+        if (const auto there = self.lock())
+            (*there)->tellFailure(answer);
+        goOn();
     });
+}
+
+void FoxgloveStream::tellFailure(const Answer& answer)
+{
+    if (answer._status < 400)
+        return;
+    const auto object = readObject(answer._body);
+    status(Error, object ? textAt(*object, "error").value_or(answer._body) : answer._body);
 }
 
 // A node may have been replaced by one whose slot is of another type: that is a channel of its own, soon.

@@ -65,6 +65,7 @@ private:
     void end(std::uint32_t subscription);
     void sendRecord(std::uint32_t subscription, const TapRecord& record);
     void publish(const Publication& publication, std::string_view payload);
+    void tellFailure(const Answer& answer);
     void tellDropped();
     enum Level { Info = 0, Warning = 1, Error = 2 };
     void status(Level level, const std::string& text, const char* number = nullptr);

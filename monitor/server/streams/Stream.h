@@ -25,6 +25,8 @@ public:
 
     ClientQueue& queue() { return _queue; }
     const ClientQueue& queue() const { return _queue; }
+    /// Called where the client has to wait, see holdOff().
+    void setHoldOff(std::function<std::function<void()>()> holdOff) { _holdOff = std::move(holdOff); }
     /// Called when it goes.
     void whenGone(std::function<void()> gone) { _gone = std::move(gone); }
 
@@ -41,8 +43,17 @@ public:
     /// All that was put is sent.
     virtual void drained() {}
 
+protected:
+    /// What the client says further is not read before the function that this returns is called. It keeps the
+    /// connection alive, so whoever has it calls it, or lets it go, on the server's thread.
+    std::function<void()> holdOff()
+    {
+        return _holdOff ? _holdOff() : [] {};
+    }
+
 private:
     ClientQueue _queue;
+    std::function<std::function<void()>()> _holdOff;
     std::function<void()> _gone;
 };
 } // namespace Monitor
