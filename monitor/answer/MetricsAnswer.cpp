@@ -128,9 +128,16 @@ void addWatchers(const Context& context, MetricsText& text)
     }
 }
 
+/// Who says nothing takes everything.
+bool takesOpenMetrics(const std::string& accept)
+{
+    return accept.empty() || accept.find("application/openmetrics-text") != std::string::npos ||
+           accept.find("application/*") != std::string::npos || accept.find("*/*") != std::string::npos;
+}
+
 } // namespace
 
-Answer answerMetrics(const Context& context, const Question&)
+Answer answerMetrics(const Context& context, const Question& question)
 {
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
@@ -138,7 +145,8 @@ Answer answerMetrics(const Context& context, const Question&)
     const Nodes nodes = Trovio::Root::listNodes();
     const std::chrono::duration<double> copying = Clock::now() - start;
     const Slots slots = named(std::move(copied));
-    MetricsText text;
+    const bool isOpen = takesOpenMetrics(question._accept);
+    MetricsText text(isOpen ? MetricsText::Format::OpenMetrics : MetricsText::Format::Plain);
     text.family("ostrel_host", "info", "The program.");
     text.sample({{"version", MONITOR_VERSION}, {"name", context._scene._name}}, std::uint64_t(1));
     text.family("ostrel_start_seconds", "gauge", "When it began to answer, since 1970.");
@@ -150,7 +158,10 @@ Answer answerMetrics(const Context& context, const Question&)
     addWatchers(context, text);
     text.family("ostrel_tree_copy_seconds", "gauge", "How long the tree stood still for this text.");
     text.sample({}, copying.count());
-    return {200, "application/openmetrics-text; version=1.0.0; charset=utf-8", std::move(text).finish()};
+    return {200,
+            isOpen ? "application/openmetrics-text; version=1.0.0; charset=utf-8"
+                   : "text/plain; version=0.0.4; charset=utf-8",
+            std::move(text).finish()};
 }
 
 } // namespace Monitor

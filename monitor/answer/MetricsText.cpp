@@ -7,15 +7,15 @@
 
 namespace Monitor {
 
+// The older format has no families that are called otherwise than their samples, and neither infos nor sets of states.
 void MetricsText::family(std::string_view name, std::string_view type, std::string_view help)
 {
-    _name = name;
-    _text.append("# TYPE ").append(name).append(" ").append(type).append("\n# HELP ");
-    _text.append(name).append(" ").append(help).append("\n");
-    if (type == "counter")
-        _name += "_total";
-    else if (type == "info")
-        _name += "_info";
+    _name = std::string(name) + (type == "counter" ? "_total" : type == "info" ? "_info" : "");
+    const bool isPlain = _format == Format::Plain;
+    const std::string_view family = isPlain ? _name : name;
+    const std::string_view told = isPlain && type != "counter" ? "gauge" : type;
+    _text.append("# TYPE ").append(family).append(" ").append(told).append("\n# HELP ");
+    _text.append(family).append(" ").append(help).append("\n");
 }
 
 void MetricsText::sample(Labels labels, std::uint64_t value)
@@ -34,7 +34,7 @@ void MetricsText::sample(Labels labels, double value)
 
 std::string MetricsText::finish() &&
 {
-    return std::move(_text.append("# EOF\n"));
+    return std::move(_text.append(_format == Format::Plain ? "" : "# EOF\n"));
 }
 
 void MetricsText::begin(Labels labels)

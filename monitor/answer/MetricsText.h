@@ -9,10 +9,13 @@
 
 namespace Monitor {
 
-/// Text in the format OpenMetrics 1.0, family after family. Names and helps are ours, and are taken as they are; the
-/// values of labels may be anything.
+/// Text in the format OpenMetrics 1.0, or in the older one that every reader knows, family after family. Names and
+/// helps are ours, and are taken as they are; the values of labels may be anything.
 class MetricsText {
 public:
+    enum class Format { OpenMetrics, Plain };
+    explicit MetricsText(Format format) : _format(format) {}
+
     using Label = std::pair<std::string_view, std::string_view>; // name and value
     using Labels = std::initializer_list<Label>;
 
@@ -29,6 +32,7 @@ private:
     void begin(Labels labels);
     void putEscaped(std::string_view value);
 
+    const Format _format;
     std::string _text;
     std::string _name; // of samples
 };

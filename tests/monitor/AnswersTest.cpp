@@ -254,17 +254,26 @@ TEST_F(AnswersTest, MetricsAreReadByOthers)
     Root::get().getNamespace("Context")->addExternalRoute("Wand", "Context/Head"); // which is taken
     send(now());
     _taps.add("Context/Device/value");
-    const Answer answer = get("/metrics");
-    EXPECT_TRUE(answer._type.starts_with("application/openmetrics-text; version=1.0.0"));
-    const std::string lines = parsed(answer._body);
-    for (const char* sample :
-         {"ostrel_slot_records_total fate='written' slot='Context/Device/value' type='Float' 1",
-          "ostrel_slot_records_total fate='written' slot='a\\\\b \"c\"\\n\\\\xff' type='Float' 0",
-          "ostrel_slot_records_total fate='written' slot='Box/hidden' type='Float' 0",
-          "ostrel_slot_waiting slot='Context/Wand' 1", "ostrel_node_state node='Context/Filter'",
-          "ostrel_frames_total fate='left_out' 1", "ostrel_client_records_total client='1.2.3.4:5' fate='dropped' 1",
-          "ostrel_tap_records_total fate='drained' slot='Context/Device/value' 0"})
-        EXPECT_NE(lines.find(sample), std::string::npos) << sample << " in:\n" << lines;
+    const struct {
+        const char *_accepts, *_type;
+    } forms[] = {
+        {"application/openmetrics-text;version=1.0.0,text/plain;q=0.5", "application/openmetrics-text; version=1"},
+        {"text/plain", "text/plain; version=0.0.4"}};
+    for (const auto& form : forms) {
+        const Answer answer = _answers.ask({"GET", "/metrics", {}, {}, form._accepts, false, {}});
+        EXPECT_TRUE(answer._type.starts_with(form._type)) << answer._type;
+        const std::string lines = parsed(answer._body);
+        for (const char* sample :
+             {"ostrel_host_info name='a \"test\"",
+              "ostrel_slot_records_total fate='written' slot='Context/Device/value' type='Float' 1",
+              "ostrel_slot_records_total fate='written' slot='a\\\\b \"c\"\\n\\\\xff' type='Float' 0",
+              "ostrel_slot_records_total fate='written' slot='Box/hidden' type='Float' 0",
+              "ostrel_slot_waiting slot='Context/Wand' 1", "ostrel_node_state node='Context/Filter'",
+              "ostrel_frames_total fate='left_out' 1",
+              "ostrel_client_records_total client='1.2.3.4:5' fate='dropped' 1",
+              "ostrel_tap_records_total fate='drained' slot='Context/Device/value' 0"})
+            EXPECT_NE(lines.find(sample), std::string::npos) << sample << " in:\n" << lines;
+    }
     Root::get().removeNamespace("Box");
     Root::get().removeSlot("a\\b \"c\"\n\xFF");
 }

@@ -1,10 +1,12 @@
-"""Reads a file in the format OpenMetrics and prints its samples as Python reads them: name, labels by name, value."""
+"""Reads a file with metrics and prints its samples as Python reads them: name, labels by name, value."""
 import sys
 
-from prometheus_client.openmetrics.parser import text_string_to_metric_families
+from prometheus_client import parser
+from prometheus_client.openmetrics import parser as openmetrics
 
 with open(sys.argv[1], encoding="utf-8", newline="") as file:
-    for family in text_string_to_metric_families(file.read()):
-        for sample in family.samples:
-            labels = "".join(f" {name}={value!r}" for name, value in sorted(sample.labels.items()))
-            print(f"{sample.name}{labels} {sample.value:g}")
+    text = file.read()
+for family in (openmetrics if text.endswith("# EOF\n") else parser).text_string_to_metric_families(text):
+    for sample in family.samples:
+        labels = "".join(f" {name}={value!r}" for name, value in sorted(sample.labels.items()))
+        print(f"{sample.name}{labels} {sample.value:g}")
