@@ -30,7 +30,7 @@ public:
 
     /// Empty where it could not be made.
     std::string socketPath() const;
-    /// Of TCP, for people to open: "http://127.0.0.1:8765/", with a token where one is needed for anything.
+    /// Of TCP, where clients ask: "http://127.0.0.1:8765/", with a token where one is needed for anything.
     std::vector<std::string> addresses() const;
     /// Why a door is not open, a line each.
     std::vector<std::string> problems() const;

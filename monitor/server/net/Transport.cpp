@@ -31,14 +31,19 @@ struct Client {
     bool _isRefused;
 };
 
-// A peer that vanished without a word is noticed, and small messages go at once.
+// A peer that vanished without a word is noticed in two minutes, and small messages go at once.
 void prepare(int socket, Door door)
 {
     if (door == Door::Unix)
         return;
-    const int on = 1;
-    setsockopt(socket, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
-    setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    const auto set = [socket](int level, int option, int value) {
+        setsockopt(socket, level, option, &value, sizeof value);
+    };
+    set(SOL_SOCKET, SO_KEEPALIVE, 1);
+    set(IPPROTO_TCP, TCP_KEEPIDLE, 60); // seconds
+    set(IPPROTO_TCP, TCP_KEEPINTVL, 15);
+    set(IPPROTO_TCP, TCP_KEEPCNT, 4);
+    set(IPPROTO_TCP, TCP_NODELAY, 1);
 }
 
 int familyOf(int socket)

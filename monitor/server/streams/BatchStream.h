@@ -9,7 +9,7 @@ namespace Monitor {
 
 /// ostrel.batch.v1: all records of a round in one text, for a page that shows many slots. The client says
 /// {"op":"subscribe","labels":[…]} or "unsubscribe", and gets
-/// {"op":"subscribed","slots":[{"id":…,"label":…,"type":…}]}, then
+/// {"op":"subscribed","slots":[{"id":…,"label":…}]}, then
 /// {"op":"batch","records":[[id,time,stamp,value],…],"dropped":…}, where "dropped" are all that are missing so far.
 /// Threads: the server's.
 class BatchStream final : public RoundStream {
