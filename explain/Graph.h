@@ -1,6 +1,7 @@
 #pragma once
 
 #include "trovio/Inspection.h"
+#include <cstdint>
 #include <map>
 #include <string>
 #include <utility>
@@ -32,6 +33,7 @@ struct ScenePlaces {
     std::vector<Handler> _handlers;
     std::map<std::pair<std::string, std::string>, Sensor> _sensors; // by the path of the namespace and the label there
     std::vector<Link> _links;
+    std::vector<std::uint32_t> _checksums; // CRC-32 of the text of each file
 
     /// The handler whose namespace has that path; null if there is none.
     const Handler* handlerAt(const std::string& path) const;

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "host/Options.h"
+#include "scene/file/SceneFile.h"
 
 #include <string>
+#include <vector>
 
 namespace Host {
 
@@ -28,7 +30,7 @@ int watchVerb(const Options& options);
 /// Why records do not flow between two labels, or at all.
 int askWhy(const Options& options);
 
-/// The process ID of a host that runs this scene alone as its file is now; empty where none does. Says where the file
-/// has changed since it was read.
-std::string hostOfScene(const std::string& scene);
+/// The process ID of a host that runs these scenes, and no others, with the same text; empty where none does. Says
+/// where one runs them with another text.
+std::string hostOfScenes(const std::vector<Scenes::SceneFile>& scenes);
 } // namespace Host

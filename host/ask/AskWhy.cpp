@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <nlohmann/json.hpp>
-#include <sys/stat.h>
 
 namespace Host {
 
@@ -50,12 +49,6 @@ std::string textOf(const json& answer)
         text += lineOf(explanation);
     return answer.empty() ? "everything flows\n" : text;
 }
-
-// Seconds since 1970 of the last change of the file, its name included.
-double changeTime(const struct stat& file)
-{
-    return static_cast<double>(file.st_ctim.tv_sec) + static_cast<double>(file.st_ctim.tv_nsec) * 1e-9;
-}
 } // namespace
 
 int askWhy(const Options& options)
@@ -67,24 +60,25 @@ int askWhy(const Options& options)
     });
 }
 
-std::string hostOfScene(const std::string& scene)
+std::string hostOfScenes(const std::vector<Scenes::SceneFile>& scenes)
 {
-    std::error_code error;
-    const std::string path = std::filesystem::canonical(scene, error).string();
-    struct stat file = {};
-    if (error || stat(path.c_str(), &file) != 0)
-        return {};
+    json paths = json::array(), checksums = json::array();
+    for (const Scenes::SceneFile& scene : scenes) {
+        std::error_code none;
+        paths.push_back(std::filesystem::canonical(scene._path, none).string());
+        checksums.push_back(scene._checksum);
+    }
     for (const RunningHost& running : runningHosts()) {
         try {
             HostClient host(running._socket, running.name());
             const json about = askJson(host, {"/host"}, shortPatience);
-            if (about.at("scenes") != json::array({path}))
+            if (about.at("scenes") != paths)
                 continue;
-            if (about.at("started").get<double>() > changeTime(file))
+            if (about.at("checksums") == checksums)
                 return running._pid;
-            std::fprintf(stderr, "%s runs this scene, too, but as its file was before its last change\n",
-                         running.name().c_str());
-        } catch (const AskError&) { // one that says nothing is left alone
+            std::fprintf(stderr, "%s runs %s, too, but with another text\n", running.name().c_str(),
+                         scenes.size() == 1 ? "this scene" : "these scenes");
+        } catch (const std::exception&) { // one that says nothing, or something else, is left alone
         }
     }
     return {};

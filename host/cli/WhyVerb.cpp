@@ -168,9 +168,10 @@ int whyVerb(const Options& asked)
     auto files = readScenes(options);
     if (!files)
         return BadUsage;
-    options._host = hostOfScene(options._names.front());
+    options._host = hostOfScenes(*files);
     if (!options._host.empty()) {
-        std::fprintf(stderr, "asked host %s, which runs this scene\n", options._host.c_str());
+        std::fprintf(stderr, "asked host %s, which runs %s\n", options._host.c_str(),
+                     files->size() == 1 ? "this scene" : "these scenes");
         return askWhy(options);
     }
     return runWatched(std::move(*files), droppedAsText,

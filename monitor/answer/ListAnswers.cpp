@@ -66,13 +66,11 @@ std::string realPath(const std::string& path)
 Answer answerHost(const Context& context, const Question&)
 {
     Json scenes = Json::array();
-    for (const std::string& path : placesOf(context)._scenes)
+    const Explain::ScenePlaces places = placesOf(context);
+    for (const std::string& path : places._scenes)
         scenes.push_back(realPath(path));
-    Json object{{"pid", ::getpid()},
-                {"version", MONITOR_VERSION},
-                {"name", context._scene._name},
-                {"scenes", scenes},
-                {"started", context._started}};
+    Json object{{"pid", ::getpid()}, {"version", MONITOR_VERSION},     {"name", context._scene._name},
+                {"scenes", scenes},  {"checksums", places._checksums}, {"started", context._started}};
     if (context._scene._frames) {
         const FrameCounts frames = context._scene._frames();
         object.update({{"rate", frames._rate}, {"frames", frames._run}, {"leftOut", frames._leftOut}});

@@ -8,6 +8,7 @@ void addPlaces(const SceneFile& file, const std::vector<PlacedHandler>& handlers
 {
     const std::size_t scene = places._scenes.size();
     places._scenes.push_back(file._path);
+    places._checksums.push_back(file._checksum);
     for (const auto& [entry, path] : handlers) {
         places._handlers.push_back({scene, entry->_name._value, entry->_kind._value, path});
         if (!path.empty())

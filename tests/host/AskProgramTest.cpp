@@ -85,7 +85,7 @@ TEST_F(Ask, EveryVerbHasItsAnswer)
         {"$host why Wand Note", 3, "nothing flows"},
         {"$host why", 3, "'Context/Wand'"},
         {"$host why Nope Wave", 3, "no such label: no slot has the label 'Nope'\n"},
-        {"$host why $scene Generator/value Wave", 0, "which runs this scene\n"},
+        {"touch $scene && $host why $scene Generator/value Wave", 0, "which runs this scene\n"},
         {"$host graph", 0, "Generator"},
         {"$host graph --format dot", 0, "digraph"},
         {"$host watch --filter WAV | head -n 2", 0, "\nwave    SFFloat "},
@@ -125,9 +125,8 @@ TEST_F(Ask, SaysWhatIsWrong)
         {"$host echo Generator/value > /dev/full", 1, "standard output cannot be written to"},
     });
     const RunningScene another(_scene);
-    expectAll(
-        {{"$host list", 2, "2 hosts run; choose one with --host PID: "},
-         {"echo >> $scene; $host why $scene Generator/value Wave --patience 0.1", 0, "before its last change\n"}});
+    expectAll({{"$host list", 2, "2 hosts run; choose one with --host PID: "},
+               {"echo >> $scene; $host why $scene Generator/value Wave --patience 0.1", 0, "but with another text\n"}});
 }
 
 TEST_F(Ask, ThatNobodyReadsIsNoFailure)
