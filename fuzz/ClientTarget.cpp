@@ -25,7 +25,7 @@ public:
         Trovio::Root::get().addOutSlot("Wand/place", &_place);
         _taps = std::make_unique<TapSet>();
         _watches = std::make_unique<Watches>(*_taps, [] {});
-        _channels.refresh();
+        _channels.update(Channels::look());
         _poses = std::make_unique<PoseFeed>(*_watches);
         _poses->setSlots(_channels.poseLabels());
         _around.emplace(FoxgloveStream::Around{*_watches, _channels, *_poses,
@@ -33,7 +33,7 @@ public:
                                                    require(question._method == "POST", "clients only publish");
                                                    take({question._body.size() % 2 == 0 ? 200 : 400, {}, "{}"});
                                                },
-                                               "fuzz", "session"});
+                                               [] {}, "fuzz", "session"});
     }
 
     Watches& watches() { return *_watches; }
@@ -82,6 +82,7 @@ void runOnce(std::string_view input)
     FoxgloveStream viewer(inside->around(), true);
     BatchStream page(inside->watches());
     viewer.opened();
+    viewer.slotsSeen(true);
     page.opened();
     for (int i = 0; i < 20 && !input.empty(); ++i) {
         const std::string_view line = takeLine(input);

@@ -4,6 +4,7 @@
 #include "explain/text/Failure.h"
 #include "explain/text/JsonText.h"
 #include "monitor/answer/SlotMap.h"
+#include "monitor/server/Guarded.h"
 #include "monitor/server/streams/BatchStream.h"
 #include "monitor/server/streams/LineStream.h"
 #include "trovio/Root.h"
@@ -72,6 +73,7 @@ Hub::Hub(SceneView scene, WhoMay whoMay, Network network)
                 [this](Question question, const std::function<void(const Answer&)>& take) {
                     answerLater(std::move(question), take);
                 },
+                [this] { lookAtSlots(); },
                 _scene._name,
                 newToken()},
       _answers(_scene, _taps, [this] { return clientCounts(); })
@@ -175,12 +177,10 @@ std::unique_ptr<Stream> Hub::openSocket(const RequestHead& head, Door door, std:
 {
     subprotocol = chosenFrom(head._subprotocols);
     std::unique_ptr<Stream> made;
-    if (subprotocol == BatchStream::Name) {
+    if (subprotocol == BatchStream::Name)
         made = std::make_unique<BatchStream>(_watches);
-    } else {
-        lookAtSlots();
+    else
         made = std::make_unique<FoxgloveStream>(_foxglove, _whoMay.mayWrite(head, door));
-    }
     enter(*made, subprotocol);
     return made;
 }
@@ -191,22 +191,38 @@ void Hub::enter(Stream& stream, const std::string& kind)
     stream.whenGone([this, &stream] { _streams.erase(&stream); });
 }
 
-// Whoever serves channels hears of it, also of what somebody else's look has found.
+// Where the tree is large, that takes a while.
 void Hub::lookAtSlots()
 {
-    _lastLook = _network._now();
-    if (!_channels.refresh())
+    if (_isLooking)
         return;
-    _poses.setSlots(_channels.poseLabels());
+    _lastLook = _network._now();
+    _isLooking = _work.add([this] {
+        std::optional<Channels::Slots> slots;
+        guarded("looking at the slots", [&slots] { slots = Channels::look(); });
+        _network._post([this, slots = std::move(slots)]() mutable { useSlots(std::move(slots)); });
+    });
+}
+
+// Whoever serves channels hears of it, also of what somebody else's look has found.
+void Hub::useSlots(std::optional<Channels::Slots> slots)
+{
+    _isLooking = false;
+    if (!slots)
+        return;
+    const bool areOthers = _channels.update(std::move(*slots));
+    if (areOthers)
+        _poses.setSlots(_channels.poseLabels());
     for (const auto& [stream, name] : _streams)
-        stream->slotsChanged();
+        stream->slotsSeen(areOthers);
 }
 
 void Hub::tick()
 {
     if (!_watches.empty())
         _watches.round();
-    if (!_streams.empty() && _network._now() - _lastLook >= lookInterval)
+    const auto offersSlots = [](const auto& entry) { return entry.first->offersSlots(); };
+    if (_network._now() - _lastLook >= lookInterval && std::ranges::any_of(_streams, offersSlots))
         lookAtSlots();
 }
 

@@ -44,6 +44,7 @@ private:
     std::unique_ptr<Stream> lines(const std::vector<std::string>& labels, std::uint64_t most, LineStream::Shows shows);
     void enter(Stream& stream, const std::string& kind);
     void lookAtSlots();
+    void useSlots(std::optional<Channels::Slots> slots);
     void noteClients() OSTREL_EXCLUDES(_countsLock);
     std::vector<ClientCounts> clientCounts() const OSTREL_EXCLUDES(_countsLock);
 
@@ -58,7 +59,8 @@ private:
 
     std::map<Stream*, std::string> _streams; // with what to call the client
     std::uint64_t _clientsSoFar = 0;
-    std::chrono::steady_clock::time_point _lastLook;
+    std::chrono::steady_clock::time_point _lastLook; // at the slots
+    bool _isLooking = false;
 
     mutable Ostrel::Mutex _countsLock{Ostrel::LockRank::Leaf};
     std::vector<ClientCounts> _counts OSTREL_GUARDED_BY(_countsLock); // for answers, as of the last question

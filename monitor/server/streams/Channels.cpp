@@ -5,18 +5,16 @@
 #include "trovio/Root.h"
 
 namespace Monitor {
-namespace {
 
-std::map<std::string, const SlotCodec*> outSlots()
+Channels::Slots Channels::look()
 {
-    std::map<std::string, const SlotCodec*> found;
+    Slots found;
     for (const Trovio::SlotInfo& slot : Trovio::Root::listSlots())
         if (!slot._label.empty() && slot._direction == Trovio::Slot::Direction::Out)
             if (const SlotCodec* const codec = SlotCodec::find(slot._typeName))
                 found.emplace(slot._label, codec);
     return found;
 }
-} // namespace
 
 std::string_view Channels::Channel::schemaName() const
 {
@@ -28,9 +26,8 @@ const std::string& Channels::Channel::schemaText() const
     return _codec ? _codec->schemaText() : transformsMessage()._text;
 }
 
-bool Channels::refresh()
+bool Channels::update(Slots now)
 {
-    std::map<std::string, const SlotCodec*> now = outSlots();
     _poseLabels = Poses::labelsAmong(now);
     if (!_poseLabels.empty())
         now.emplace(PosesLabel, nullptr); // unless a slot is called so

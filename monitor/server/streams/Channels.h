@@ -21,8 +21,11 @@ public:
     };
     static constexpr const char* PosesLabel = "/tf";
 
-    /// Looks at the tree again. Whether anything is other than before.
-    bool refresh();
+    using Slots = std::map<std::string, const SlotCodec*>; // by label
+    /// The out-slots that the root sees now; the tree is locked while they are copied. Any thread.
+    static Slots look();
+    /// Whether anything is other than before.
+    bool update(Slots now);
 
     const std::map<std::uint32_t, Channel>& all() const { return _channels; }
     /// Labels of the slots that make poses.

@@ -63,7 +63,7 @@ void FoxgloveStream::opened()
     }
     info["sessionId"] = _around._session;
     say(info);
-    advertiseSome();
+    _around._lookAtSlots(); // those that are known may be of an hour ago
 }
 
 // The rest follows when the client has taken these: thousands of schemas are some megabytes.
@@ -82,20 +82,23 @@ void FoxgloveStream::advertiseSome()
         _offered[number] = channel._label;
         _advertised = number;
     }
+    _hasOffered = true;
     say({{"op", "advertise"}, {"channels", channels}});
 }
 
 void FoxgloveStream::drained()
 {
     const auto& all = _around._channels.all();
-    if (all.upper_bound(_advertised) != all.end())
+    if (_hasOffered && all.upper_bound(_advertised) != all.end())
         advertiseSome();
 }
 
-void FoxgloveStream::slotsChanged()
+void FoxgloveStream::slotsSeen(bool areOthers)
 {
-    if (!_isOpen)
+    if (!_isOpen || (_hasOffered && !areOthers))
         return;
+    if (!_hasOffered)
+        return advertiseSome();
     Json gone = Json::array();
     std::erase_if(_offered, [this, &gone](const auto& entry) {
         if (_around._channels.find(entry.first))

@@ -23,8 +23,9 @@ public:
         PoseFeed& _poses;
         /// Answers on the server's thread, later.
         std::function<void(Question, std::function<void(const Answer&)>)> _ask;
-        std::string _name;    // of the program
-        std::string _session; // another one for each run
+        std::function<void()> _lookAtSlots; // says what it has seen later
+        std::string _name;                  // of the program
+        std::string _session;               // another one for each run
     };
 
     FoxgloveStream(const Around& around, bool mayWrite) : _around(around), _mayWrite(mayWrite) {}
@@ -34,7 +35,8 @@ public:
     void received(std::string_view message, bool isBinary) override;
     void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) override;
     void endRound() override;
-    void slotsChanged() override;
+    bool offersSlots() const override { return true; }
+    void slotsSeen(bool areOthers) override;
     void drained() override;
 
 private:
@@ -73,7 +75,7 @@ private:
 
     const Around& _around;
     const bool _mayWrite;
-    bool _isOpen = false;
+    bool _isOpen = false, _hasOffered = false;
     std::uint32_t _advertised = 0;                              // the last channel that was offered
     std::map<std::uint32_t, std::string> _offered;              // labels by channel
     std::map<std::uint32_t, Subscription> _subscriptions;       // by the client's numbers

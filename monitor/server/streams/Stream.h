@@ -38,8 +38,10 @@ public:
     virtual void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) = 0;
     /// After the records of one round.
     virtual void endRound() = 0;
-    /// The slots of the tree may be others now; about once a second.
-    virtual void slotsChanged() {}
+    /// Whether it is to hear what slots there are.
+    virtual bool offersSlots() const { return false; }
+    /// Somebody has looked at the slots of the tree, as about once a second; whether they are others now.
+    virtual void slotsSeen(bool /*areOthers*/) {}
     /// All that was put is sent.
     virtual void drained() {}
 
