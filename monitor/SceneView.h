@@ -8,6 +8,8 @@
 
 namespace Monitor {
 
+class Recorder;
+
 /// Frames of the scene thread so far.
 struct FrameCounts {
     std::uint64_t _run = 0;
@@ -30,6 +32,7 @@ struct SceneView {
     std::function<std::string(const std::string& sensor)> _fieldJson;
     std::function<ChangeCounts(const std::string& sensor)> _changes; // by the same name
     std::function<FrameCounts()> _frames;
-    std::string _name; // of the program and its scenes, for people
+    std::string _name;             // of the program and its scenes, for people
+    Recorder* _recorder = nullptr; // what /recording starts and ends; outlives the server
 };
 } // namespace Monitor

@@ -31,7 +31,7 @@ const std::vector<Row>& table()
     return rows;
 }
 
-constexpr std::string_view pubPath = "/pub/";
+constexpr std::string_view pubPath = "/pub/", recordingPath = "/recording";
 
 void checkMethod(const Question& question, const std::string& allowed)
 {
@@ -56,12 +56,16 @@ Answer answerOf(const Context& context, const Question& question)
         checkQuery(question, {});
         return answerPub(context, question, question._path.substr(pubPath.size()));
     }
+    if (question._path == recordingPath) {
+        checkQuery(question, {});
+        return answerRecording(context, question);
+    }
     const auto row = std::ranges::find(table(), question._path, &Row::_path);
     if (row == table().end()) {
         Names paths;
         for (const Row& known : table())
             paths.push_back(known._path);
-        paths.push_back("/pub/LABEL");
+        paths.insert(paths.end(), {"/pub/LABEL", recordingPath});
         throw Refusal(404, "nothing is answered at " + Explain::inQuotes(question._path) + "; there are " +
                                Explain::listed(paths));
     }
@@ -96,6 +100,14 @@ Answer errorAnswer(int status, const std::string& text)
     Answer answer = jsonAnswer({{"error", text}});
     answer._status = status;
     return answer;
+}
+
+void requireWriting(const Question& question)
+{
+    if (!question._mayWrite)
+        throw Refusal(403,
+                      "writing is not allowed here; use the Unix socket, or start the host with --monitor-write and "
+                      "give its token");
 }
 
 Answer jsonAnswer(const nlohmann::ordered_json& value)

@@ -31,6 +31,9 @@ public:
     const int _status;
 };
 
+/// Throws where the client may only read.
+void requireWriting(const Question& question);
+
 Answer jsonAnswer(const nlohmann::ordered_json& value);
 
 /// Copies of what scene files say, of the whole tree, and both in one; the tree is locked while it is copied.
@@ -46,6 +49,8 @@ Answer answerGraph(const Context& context, const Question& question);
 Answer answerWhy(const Context& context, const Question& question);
 Answer answerDelay(const Context& context, const Question& question);
 Answer answerMetrics(const Context& context, const Question& question);
+/// Of any method.
+Answer answerRecording(const Context& context, const Question& question);
 /// The label is what stands behind "/pub/".
 Answer answerPub(const Context& context, const Question& question, const std::string& label);
 

@@ -1,3 +1,4 @@
+#include "monitor/Recorder.h"
 #include "monitor/answer/Context.h"
 #include "monitor/answer/MetricsText.h"
 #include "trovio/Root.h"
@@ -112,6 +113,22 @@ void addFrames(const SceneView& scene, MetricsText& text)
     text.sample({}, frames._rate);
 }
 
+void addRecording(const SceneView& scene, MetricsText& text)
+{
+    if (!scene._recorder)
+        return;
+    const RecorderStatus status = scene._recorder->status();
+    text.family("ostrel_recording", "gauge", "Whether something is being recorded.");
+    text.sample({}, std::uint64_t(status._isRecording));
+    if (status._path.empty())
+        return;
+    text.family("ostrel_recording_records", "counter", "Records of the recording that is made, or was made last.");
+    text.sample({{"fate", "taken"}}, status._records);
+    text.sample({{"fate", "not_kept"}}, status._notKept);
+    text.family("ostrel_recording_bytes", "gauge", "Its size.");
+    text.sample({}, status._size);
+}
+
 void addWatchers(const Context& context, MetricsText& text)
 {
     text.family("ostrel_tap_records", "counter", "Records of slots that are looked at now.");
@@ -155,6 +172,7 @@ Answer answerMetrics(const Context& context, const Question& question)
     addAges(slots, text);
     addNodes(nodes, text);
     addFrames(context._scene, text);
+    addRecording(context._scene, text);
     addWatchers(context, text);
     text.family("ostrel_tree_copy_seconds", "gauge", "How long the tree stood still for this text.");
     text.sample({}, copying.count());

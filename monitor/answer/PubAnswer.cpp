@@ -128,10 +128,7 @@ Record readMessage(const Question& question, const Target& place, const SlotCode
 
 Answer answerPub(const Context& context, const Question& question, const std::string& label)
 {
-    if (!question._mayWrite)
-        throw Refusal(403,
-                      "writing is not allowed here; use the Unix socket, or start the host with --monitor-write and "
-                      "give its token");
+    requireWriting(question);
     const Target place = target(context, label);
     const SlotCodec& codec = *SlotCodec::find(place._type);
     const Record record =

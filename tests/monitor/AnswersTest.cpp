@@ -1,4 +1,5 @@
 #include "monitor/answer/Answers.h"
+#include "monitor/Recorder.h"
 #include "monitor/tap/HopAges.h"
 #include "tests/monitor/WatchedScene.h"
 
@@ -45,13 +46,15 @@ protected:
     static double now() { return Time::getCurrentTime().getSeconds(); }
 
     TapSet _taps;
+    Recorder _recorder;
     Answers _answers{{WatchedScene::places,
                       [](const std::string& name) { return "\"" + name + "'s\""; },
                       {},
                       [] {
                           return FrameCounts{7, 1, 60};
                       },
-                      "a \"test\"\\"},
+                      "a \"test\"\\",
+                      &_recorder},
                      _taps,
                      [] {
                          return std::vector<ClientCounts>{{"1.2.3.4:5", 3, 1}};
@@ -69,6 +72,12 @@ TEST_F(AnswersTest, WhatCannotBeAnsweredIsRefusedWithACure)
         bool _mayWrite = false;
     } rows[] = {
         {404, "nothing is answered at '/slot'; there are /host, /slots, ", "GET", "/slot"},
+        {403, "writing is not allowed here", "DELETE", "/recording"},
+        {405, "takes GET, POST and DELETE, not 'PUT'", "PUT", "/recording", {}, "", true},
+        {409, "nothing is being recorded", "DELETE", "/recording", {}, "", true},
+        {400, "no JSON object with \"file\"", "POST", "/recording", {}, "[]", true},
+        {400, "whole paths, from '/' to '.mcap'", "POST", "/recording", {}, R"({"file":"a.mcap"})", true},
+        {400, "'slot' is unknown", "POST", "/recording", {}, R"({"file":"/a.mcap","slot":"*"})", true},
         {405, "'/slots' takes GET, not 'POST'", "POST", "/slots"},
         {405, "takes POST", "GET", "/pub/Wand"},
         {400, "'/host' knows nothing called 'x'; it takes no names", "GET", "/host", {{"x", "1"}}},
