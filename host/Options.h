@@ -8,7 +8,7 @@
 
 namespace Host {
 
-enum class Format { Automatic, Table, Lines, Json, Text, Csv, Dot };
+enum class Format { Automatic, Table, Lines, Json, Text, Csv, Dot, JsonLines, Mcap };
 
 /// What the caller asked for; each verb reads what concerns it.
 struct Options {
@@ -36,6 +36,10 @@ struct Options {
     double _limit = 0.05;              // of calibrate: how far off a point may be, in the scene's unit
     double _still = 0.01;              // of calibrate: how far values may stray within a second, in theirs
     bool _keepScale = false;           // of calibrate
+    std::string _slots = "*";          // labels that are recorded or exported
+    enum class Action { Info, Check, Finish, Export } _action = Action::Info; // of recording
+    std::string _output; // file of an export; empty for standard output
+    bool _zstd = false;  // the chunks of one are compressed
     bool _strict = false;
     bool _quiet = false;
     bool _verbose = false;

@@ -7,6 +7,8 @@
 #include "host/show/SensorFilter.h"
 #include "scene/file/SceneFile.h"
 
+#include "trovio/routing/Pattern.h"
+
 #include <CLI/App.hpp>
 #include <algorithm>
 
@@ -37,6 +39,17 @@ CLI::Validator filterText()
             if (!text.empty() && text.size() <= SensorFilter::MaxLength)
                 return {};
             return inQuotes(text) + " is not a text of 1 to " + std::to_string(SensorFilter::MaxLength) + " bytes";
+        },
+        std::string());
+}
+
+CLI::Validator labelPattern()
+{
+    return CLI::Validator(
+        [](std::string& text) -> std::string {
+            if (!text.empty() && text.size() <= Trovio::MaxLabelLength)
+                return {};
+            return inQuotes(text) + " is not a pattern of 1 to " + std::to_string(Trovio::MaxLabelLength) + " bytes";
         },
         std::string());
 }
@@ -81,6 +94,11 @@ void addFilter(CLI::App& app, Options& options)
         ->check(filterText());
 }
 
+CLI::Option& addSlots(CLI::App& app, const char* help, Options& options)
+{
+    return *app.add_option("--slots", options._slots, help)->type_name("PATTERN")->check(labelPattern());
+}
+
 void addHost(CLI::App& app, Options& options)
 {
     app.add_option("--host", options._host, "the host to ask, by its process ID or its socket, where several run")
@@ -105,6 +123,26 @@ void addDistance(CLI::App& app, const char* option, const char* help, double& di
 void addScenes(CLI::App& app, Options& options)
 {
     app.add_option("SCENE", options._names, "scene files, one context each")->required();
+}
+
+// A part of the verb that has parts.
+CLI::App& addAction(CLI::App& app, const char* name, const char* help, Options::Action action, Options& options)
+{
+    CLI::App& part = *app.add_subcommand(name, help);
+    const auto setFile = [action, &options](const std::string& file) {
+        options._action = action;
+        options._names = {file};
+    };
+    part.add_option_function<std::string>("FILE", setFile, "a recording")->required();
+    return part;
+}
+
+void checkExport(const Options& options)
+{
+    if (options._format == Format::Mcap && options._output.empty())
+        throw CLI::ValidationError("--format", "mcap needs --output FILE");
+    if (options._format != Format::Mcap && options._zstd)
+        throw CLI::ValidationError("--zstd", "only --format mcap is compressed");
 }
 } // namespace
 
@@ -201,6 +239,23 @@ void placeAndSeconds(CLI::App& app, Options& options)
                    "[ADDRESS:]PORT to listen on; a port alone means this machine only, 0.0.0.0:PORT any")
         ->required();
     addSeconds(app, "--seconds", "end after this many seconds", options._seconds);
+}
+
+void recording(CLI::App& app, Options& options)
+{
+    using Action = Options::Action;
+    app.require_subcommand(1);
+    CLI::App& info = addAction(app, "info", "say what is in it", Action::Info, options);
+    addFormat(info, "--format", "text or json", options._format, {{"text", Format::Text}, {"json", Format::Json}});
+    addAction(app, "check", "say whether it is whole, was cut off or is damaged", Action::Check, options);
+    addAction(app, "finish", "give one that was cut off its end", Action::Finish, options);
+    CLI::App& out = addAction(app, "export", "write what is in it in another form", Action::Export, options);
+    addFormat(out, "--format", "jsonl, csv or mcap; jsonl if not given", options._format,
+              {{"jsonl", Format::JsonLines}, {"csv", Format::Csv}, {"mcap", Format::Mcap}});
+    out.add_option("--output", options._output, "file that is made; standard output if not given")->type_name("FILE");
+    out.add_flag("--zstd", options._zstd, "compress the chunks of mcap");
+    addSlots(out, "only slots whose label fits; '*' stands for any text", options);
+    out.final_callback([&options] { checkExport(options); });
 }
 
 void listing(CLI::App& app, Options& options)

@@ -21,6 +21,7 @@ void scenesAndGraph(CLI::App& app, Options& options);
 void whyAndWhere(CLI::App& app, Options& options);
 void sceneLabelAndPoints(CLI::App& app, Options& options);
 void placeAndSeconds(CLI::App& app, Options& options);
+void recording(CLI::App& app, Options& options);
 
 // Of verbs that ask a running host.
 void listing(CLI::App& app, Options& options);

@@ -22,6 +22,8 @@ int calibrateVerb(const Options& options);
 int nodesVerb(const Options& options);
 /// Lists the field types and how their values are written.
 int typesVerb(const Options& options);
+/// Says what is in a recording and whether it is whole, mends its end, or exports it.
+int recordingVerb(const Options& options);
 int versionVerb(const Options& options);
 
 /// Makes every handler and node of the scenes without starting any, and says which cannot be made, and why: Done if all

@@ -47,5 +47,6 @@ int main(int argc, char** argv)
           Host::oscListenVerb},
          {"nodes", "list the node types and their settings", Takes::namesAndFormat, Host::nodesVerb},
          {"types", "list the field types and how their values are written", Takes::names, Host::typesVerb},
+         {"recording", "look into recordings, mend and export them", Takes::recording, Host::recordingVerb},
          {"version", "print the version", Takes::nothing, Host::versionVerb}});
 }

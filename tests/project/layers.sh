@@ -64,6 +64,7 @@ declare -A allowed=(
     [host/ask]="$product explain scene monitor host/. host/output host/show host/run"
     [host/calibrate]="$product explain scene host/. host/show"
     [host/listen]="$product nodes/shared nodes/osc explain host/. host/ask host/run host/show"
+    [host/recording]="$product explain scene monitor host/. host/output host/show"
     [host/cli]="$product explain scene monitor host"
     [examples]="$product explain scene monitor"
     [benchmarks]="$product nodes explain scene monitor host"
