@@ -36,7 +36,10 @@ struct Options {
     double _limit = 0.05;              // of calibrate: how far off a point may be, in the scene's unit
     double _still = 0.01;              // of calibrate: how far values may stray within a second, in theirs
     bool _keepScale = false;           // of calibrate
+    std::string _record;               // file that is recorded to; empty for none
+    bool _stops = false;               // what is being recorded
     std::string _slots = "*";          // labels that are recorded or exported
+    double _memory = 256;              // MB of records that may wait to be written
     enum class Action { Info, Check, Finish, Export } _action = Action::Info; // of recording
     std::string _output; // file of an export; empty for standard output
     bool _zstd = false;  // the chunks of one are compressed

@@ -8,8 +8,8 @@
 
 namespace Host {
 
-/// Verbs that ask a host which runs already, and change nothing in it but for pub. Each blocks until it has its answer,
-/// or for ever where the answer goes on; a signal ends it as it ends any program.
+/// Verbs that ask a host which runs already, and change nothing in it but for pub and record. Each blocks until it has
+/// its answer, or for ever where the answer goes on; a signal ends it as it ends any program.
 
 /// What there is: slots, sensors, nodes.
 int listVerb(const Options& options);
@@ -23,6 +23,8 @@ int bwVerb(const Options& options);
 int delayVerb(const Options& options);
 /// Gives a slot a value, or the values that echo has written.
 int pubVerb(const Options& options);
+/// Makes the host record, until a signal, or says how that goes.
+int recordVerb(const Options& options);
 /// The graph of what runs.
 int graphVerb(const Options& options);
 /// The live table.

@@ -99,6 +99,16 @@ CLI::Option& addSlots(CLI::App& app, const char* help, Options& options)
     return *app.add_option("--slots", options._slots, help)->type_name("PATTERN")->check(labelPattern());
 }
 
+// Options that say nothing without the file.
+void addRecorder(CLI::App& app, CLI::Option& file, Options& options)
+{
+    addSlots(app, "record only out-slots whose label fits; '*' stands for any text", options).needs(&file);
+    app.add_option("--memory", options._memory, "MB of records that may wait to be written; 256 if not given")
+        ->type_name("MB")
+        ->check(between(0, 65'536, "a number of MB above 0 and up to 65536"))
+        ->needs(&file);
+}
+
 void addHost(CLI::App& app, Options& options)
 {
     app.add_option("--host", options._host, "the host to ask, by its process ID or its socket, where several run")
@@ -171,7 +181,19 @@ void scenesAndRunOptions(CLI::App& app, Options& options)
     app.add_option("--rate", options._rate, "frames per second, instead of the scene's")
         ->type_name("HZ")
         ->check(between(0, maxRate, "a rate above 0 and up to 10000 frames per second"));
-    addShowing(app, options);
+    addFormat(app, "--format", "how values are shown: table, lines or json", options._format,
+              {{"table", Format::Table}, {"lines", Format::Lines}, {"json", Format::Json}});
+    addFilter(app, options);
+    // A flag, for else a bare one would take the scene behind it for its value.
+    app.add_flag("--monitor{localhost}", options._listen,
+                 "answer on TCP, too, for reading: --monitor=ADDRESS:PORT; loopback and 8765 if not given")
+        ->check(listenAddress());
+    app.add_flag("--monitor-write", options._monitorMayWrite,
+                 "let who has the token of the printed address change things on TCP");
+    CLI::Option& file =
+        *app.add_option("--record", options._record, "record what slots push into this file, which must not exist yet");
+    file.type_name("FILE");
+    addRecorder(app, file, options);
     app.add_flag("--strict", options._strict, "refuse scenes of which a handler or a node cannot be made");
     addScenes(app, options);
 }
@@ -307,6 +329,17 @@ void labelAndValue(CLI::App& app, Options& options)
         ->check(between(0, 1e5, "a rate above 0 and up to 100000 records per second"));
     addCount(app, "end after so many records", options);
     app.add_flag("--now", options._stampNow, "stamp what standard input has with the time at which it is published");
+}
+
+void recordFile(CLI::App& app, Options& options)
+{
+    CLI::Option& file = *app.add_option("FILE", options._record,
+                                        "a name that ends in .mcap and that no file has yet; without it the verb says "
+                                        "how a recording goes");
+    addHost(app, options);
+    addRecorder(app, file, options);
+    addSeconds(app, "--seconds", "end after this many seconds", options._seconds);
+    app.add_flag("--stop", options._stops, "end what is being recorded")->excludes(&file);
 }
 
 void graphForm(CLI::App& app, Options& options)

@@ -29,6 +29,7 @@ void labelAndFormat(CLI::App& app, Options& options);
 void label(CLI::App& app, Options& options);
 void twoLabels(CLI::App& app, Options& options);
 void labelAndValue(CLI::App& app, Options& options);
+void recordFile(CLI::App& app, Options& options);
 void graphForm(CLI::App& app, Options& options);
 void tableOptions(CLI::App& app, Options& options);
 } // namespace Arguments

@@ -8,6 +8,7 @@
 #include "host/report/Report.h"
 #include "host/run/ClockStepDetector.h"
 #include "host/run/RunMonitor.h"
+#include "host/run/RunRecorder.h"
 #include "host/run/StoppableClock.h"
 #include "host/run/WatchedRun.h"
 #include "host/show/Json.h"
@@ -65,6 +66,28 @@ MonitorSettings monitorOf(const std::vector<SceneFile>& files, const Options& op
     return {listen, options._monitorMayWrite, rateOf(files, options)};
 }
 
+bool drawsTable(const Options& options)
+{
+    return !options._quiet &&
+           (options._format == Format::Table || (options._format == Format::Automatic && hasCursor(STDOUT_FILENO)));
+}
+
+std::unique_ptr<View> makeView(const Options& options, const Session& session, RunLog& log, RunOutput& output,
+                               double start)
+{
+    const bool inPlace = hasCursor(STDOUT_FILENO);
+    if (options._quiet)
+        return std::make_unique<View>();
+    if (options._format == Format::Json)
+        return makeJsonView(output.values());
+    if (drawsTable(options))
+        return makeTableView(output.values(),
+                             {inPlace, inPlace && isatty(STDERR_FILENO) ? &log : nullptr,
+                              inPlace ? std::make_unique<Keyboard>() : nullptr, [&output] { return output.isTaken(); }},
+                             watchedSensors(session.watches()), SensorFilter(options._filter));
+    return makeLinesView(output.values(), start);
+}
+
 void tellOfStep(double step, const Session& session, View& view)
 {
     for (SensorWatch* watch : session.watches())
@@ -74,7 +97,7 @@ void tellOfStep(double step, const Session& session, View& view)
 
 // Runs frames until the end of the run, which also comes when nobody can read the values any more.
 void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view, const SensorFilter& filter,
-               const RunOutput& output, RunMonitor& monitor)
+               const RunOutput& output, RunMonitor& monitor, RunRecorder& recorder)
 {
     ClockStepDetector steps;
     for (SensorWatch* watch : session.watches())
@@ -85,7 +108,8 @@ void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view,
             tellOfStep(step, session, view);
         session.frame(now);
         view.frame(now);
-        monitor.endFrame(loop.frames(), loop.skipped(), now);
+        monitor.endFrame(loop, now);
+        recorder.endFrame(loop.frames(), now);
         osg::logHeldBack();
         return output.canWrite();
     });
@@ -124,17 +148,18 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const Watche
         return Done;
     }
     reportStart(session, messageWidth(), sayInRun);
+    RunRecorder recorder(options, !drawsTable(options), session, sayInRun);
     {
-        RunMonitor monitor(session, settings, sayInRun); // ends before the nodes do
-        runFrames(session, loop, clock, *makeRunView(options, session, log, output, clock.now()),
-                  SensorFilter(options._filter), output, monitor);
+        RunMonitor monitor(session, settings, recorder.recorder(), sayInRun); // ends before the nodes do
+        runFrames(session, loop, clock, *makeView(options, session, log, output, clock.now()),
+                  SensorFilter(options._filter), output, monitor, recorder);
     }
     around._watch.begin();
     const RunTotals totals{session.stopNodes(), clock.now(), loop.frames(), loop.skipped()};
     reportEnd(session, totals, messageWidth(), sayInRun);
     if (options._format == Format::Json)
         output.putLast(countsLine(session, totals));
-    return Done;
+    return recorder.finish() ? Done : Failed; // no node pushes any more, so all that was pushed is in the file
 }
 } // namespace
 
@@ -155,6 +180,8 @@ int runVerb(const Options& options)
         return BadUsage;
     if (!anyPasses(*files, SensorFilter(options._filter)))
         return NothingFound;
+    if (const std::string refusal = RunRecorder::refusal(options); !refusal.empty())
+        return say(refusal), BadUsage;
     const int verdict = options._strict ? withMemoryFor(*files, [&] { return partsVerdict(*files); }) : Done;
     if (verdict != Done) {
         say(verdict == NoAnswer ? endedEarly : "nothing was run, as --strict asks");

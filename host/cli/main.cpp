@@ -39,6 +39,7 @@ int main(int argc, char** argv)
          {"bw", "show how many bytes a second they have", Takes::label, Host::bwVerb},
          {"delay", "show how old records are in a running host, hop by hop", Takes::twoLabels, Host::delayVerb},
          {"pub", "give a slot of a running host values", Takes::labelAndValue, Host::pubVerb},
+         {"record", "make a running host record what slots push", Takes::recordFile, Host::recordVerb},
          {"graph", "print the graph of a running host", Takes::graphForm, Host::graphVerb},
          {"watch", "show the live table of a running host", Takes::tableOptions, Host::watchVerb},
          {"calibrate", "find how a device's room lies in yours, from points that you take the device to",

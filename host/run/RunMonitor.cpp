@@ -15,12 +15,15 @@ std::string nameOf(const Explain::ScenePlaces& places)
 }
 } // namespace
 
-RunMonitor::RunMonitor(const Scenes::Session& session, const MonitorSettings& settings, const Scenes::Say& say)
+RunMonitor::RunMonitor(const Scenes::Session& session, const MonitorSettings& settings, Monitor::Recorder& recorder,
+                       const Scenes::Say& say)
     : _values(session.watches())
 {
     const auto failure = Explain::failureOf([&] {
+        Monitor::SceneView scene = view(session, settings._rate);
+        scene._recorder = &recorder;
         _server = std::make_unique<Monitor::Server>(
-            Monitor::ServerOptions{settings._listen, settings._write, view(session, settings._rate), {}});
+            Monitor::ServerOptions{settings._listen, settings._write, std::move(scene), {}});
     });
     if (failure)
         say("nobody can ask this run: " + *failure);

@@ -16,12 +16,13 @@ struct MonitorSettings {
 };
 
 /// Answers who asks about a run, from its first frame to its last.
-/// Ownership: refers to the session, which must live as long.
+/// Ownership: refers to session and recorder, which must live as long.
 /// Threads:   the scene thread.
 class RunMonitor {
 public:
     /// Where nobody can ask, it says so, and the run goes on.
-    RunMonitor(const Scenes::Session& session, const MonitorSettings& settings, const Scenes::Say& say);
+    RunMonitor(const Scenes::Session& session, const MonitorSettings& settings, Monitor::Recorder& recorder,
+               const Scenes::Say& say);
     ~RunMonitor() { _values.end(); }
     RunMonitor(const RunMonitor&) = delete;
     RunMonitor& operator=(const RunMonitor&) = delete;
