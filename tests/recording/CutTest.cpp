@@ -80,10 +80,10 @@ TEST(RecordingCut, PowerCutsLoseNothingThatWasConfirmed)
 // Also the operations that put the old end back and end the file.
 TEST(RecordingCut, FailureOfAnyOperationEndsTheRecordingAndLeavesAFileThatOpens)
 {
-    const std::size_t operations = Written(90)._log.size();
-    ASSERT_GE(operations, 180U);
+    const std::size_t operations = Written(100)._log.size();
+    ASSERT_GE(operations, 200U);
     for (std::size_t failing = 0; failing < operations; ++failing) {
-        const Written written(90, failing);
+        const Written written(100, failing);
         const Found found = read(Disk::after(written._log, written._log.size()));
         EXPECT_TRUE(written._problem) << failing;
         EXPECT_EQ(found._messages, written._confirmed.back()) << failing;

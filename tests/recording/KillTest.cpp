@@ -86,6 +86,15 @@ struct Kills {
 };
 class RecordingKill : public testing::TestWithParam<Kills> {};
 
+// For who wants to open the files with other programs: named by what is in them.
+void keepFile(const std::string& path, unsigned seed, const Found& found)
+{
+    if (const char* const folder = std::getenv("OSTREL_KEPT_FILES"))
+        std::filesystem::copy(path, std::string(folder) + "/" + std::to_string(seed) + "." +
+                                        std::to_string(found._messages) +
+                                        (found._state._indexed ? ".indexed" : ".torn"));
+}
+
 TEST_P(RecordingKill, LosesNothingThatWasConfirmedAndCanBeFinished)
 {
     const RecordingFolder folder;
@@ -100,6 +109,7 @@ TEST_P(RecordingKill, LosesNothingThatWasConfirmedAndCanBeFinished)
         ASSERT_GE(found._messages, killed.confirmed());
         ASSERT_LE(found._messages, killed.confirmed() + GetParam()._count);
         torn += found._state._indexed ? 0 : 1;
+        keepFile(path, seed, found);
 
         finishFile(path, [](std::uint64_t, std::uint64_t) { return true; });
         const Found finished = read(*InputFile::open(path));

@@ -4,6 +4,7 @@
 #include "monitor/codec/Poses.h"
 #include "monitor/codec/SlotCodec.h"
 #include "tests/monitor/AllValues.h"
+#include "tests/web/HexDigits.h"
 
 #include <iostream>
 #include <nlohmann/json.hpp>
@@ -11,15 +12,6 @@
 using namespace Monitor;
 
 namespace {
-
-std::string hexOf(std::span<const std::byte> bytes)
-{
-    std::string digits;
-    for (const std::byte byte : bytes)
-        for (const unsigned shift : {4U, 0U})
-            digits += "0123456789abcdef"[std::to_integer<unsigned>(byte) >> shift & 15U];
-    return digits;
-}
 
 void print(std::string_view type, std::string_view schemaName, const std::string& schema, const Bytes& message,
            const std::string& json)
