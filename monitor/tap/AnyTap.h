@@ -5,7 +5,6 @@
 #include "trovio/Time.h"
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -16,6 +15,15 @@ struct TapRecord {
     std::int64_t _arrival = 0; // nanoseconds of the wall clock, when it was pushed
     Trovio::Time _stamp;
     Bytes _cdr; // the value as a message
+};
+
+/// Where a tap writes the records that it kept, each over one of before, whose memory is used again.
+class TapSink {
+public:
+    virtual ~TapSink() = default;
+    /// What the next record is written over; the same again until it is kept.
+    virtual TapRecord& place() = 0;
+    virtual void keep() = 0;
 };
 
 /// How much a tap keeps between two drains.
@@ -34,10 +42,10 @@ public:
     virtual ~AnyTap() = default;
 
     virtual Trovio::BasicInSlot& slot() = 0;
-    /// Hands out what the ring holds, oldest first. A record that there is no memory for, or for which `use` throws,
-    /// counts as refused. wallAtZero: what the wall clock says, in nanoseconds, when the steady clock says 0. One
-    /// thread at a time, not a pushing one.
-    virtual void drain(std::int64_t wallAtZero, const std::function<void(TapRecord&&)>& use) = 0;
+    /// Writes what the ring holds into `sink`, oldest first. A record that there is no memory for, or that the sink does
+    /// not take, counts as refused. wallAtZero: what the wall clock says, in nanoseconds, when the steady clock says 0.
+    /// One thread at a time, not a pushing one.
+    virtual void drain(std::int64_t wallAtZero, TapSink& sink) = 0;
     /// Records that were pushed into it: those that drain() handed out or will, and those that it refused.
     virtual std::uint64_t seen() const = 0;
     /// Records that found the ring full, or no memory.

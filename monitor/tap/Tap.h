@@ -32,7 +32,7 @@ public:
 
     Trovio::BasicInSlot& slot() override { return *this; }
     void push(const Trovio::Data<T>& record) override OSTREL_EXCLUDES(this->_dataLock);
-    void drain(std::int64_t wallAtZero, const std::function<void(TapRecord&&)>& use) override;
+    void drain(std::int64_t wallAtZero, TapSink& sink) override;
     std::uint64_t seen() const override { return read(_seen); }
     std::uint64_t refused() const override { return read(_refused); }
 
@@ -100,7 +100,7 @@ void Tap<T>::push(const Trovio::Data<T>& record)
 }
 
 template <class T>
-void Tap<T>::drain(std::int64_t wallAtZero, const std::function<void(TapRecord&&)>& use)
+void Tap<T>::drain(std::int64_t wallAtZero, TapSink& sink)
 {
     this->lock();
     const std::size_t count = _waiting;
@@ -114,9 +114,11 @@ void Tap<T>::drain(std::int64_t wallAtZero, const std::function<void(TapRecord&&
         ++drained._entries;
         drained._text += textOf(record.getValue());
         try {
-            TapRecord out{entry._arrival + wallAtZero, record.getTimeStamp(), {}};
+            TapRecord& out = sink.place();
+            out._arrival = entry._arrival + wallAtZero;
+            out._stamp = record.getTimeStamp();
             encode(record, out._cdr);
-            use(std::move(out));
+            sink.keep();
         } catch (const std::exception&) { // no memory, or 4 GiB of text
             ++drained._lost;
         }

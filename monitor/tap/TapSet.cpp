@@ -159,27 +159,75 @@ void TapSet::renewTypes(std::int64_t now)
     }
 }
 
-std::vector<TapSet::Arrived> TapSet::collect()
+TapRecord& TapSet::Round::place()
+{
+    if (_count == _arrived.size())
+        _arrived.emplace_back();
+    return _arrived[_count]._record;
+}
+
+void TapSet::Round::sort()
+{
+    _order.clear();
+    for (std::size_t i = 0; i < _count; ++i)
+        _order.push_back(&_arrived[i]);
+    std::ranges::sort(_order, [](const Arrived* one, const Arrived* other) {
+        return std::pair(one->_record._arrival, one) < std::pair(other->_record._arrival, other);
+    });
+}
+
+/// Keeps memory for a round that is about as large, of records that are small.
+void TapSet::Round::forget()
+{
+    constexpr std::size_t someRecords = 1'024, someBytes = 1'024;
+    _watched.clear();
+    _arrived.resize(std::min(_arrived.size(), 2 * _count + someRecords));
+    for (Arrived& arrived : _arrived)
+        if (arrived._record._cdr.capacity() > someBytes)
+            arrived._record._cdr = {};
+    _count = 0;
+}
+
+/// What one tap adds to a round.
+class TapSet::RoundSink final : public TapSink {
+public:
+    RoundSink(Round& round, Watched& watched) : _round(round), _watched(watched) {}
+    TapRecord& place() override { return _round.place(); }
+    void keep() override
+    {
+        _round.keep(_watched);
+        ++_watched._drained;
+    }
+
+private:
+    Round& _round;
+    Watched& _watched;
+};
+
+TapSet::Round TapSet::collect()
 {
     const Ostrel::LockGuard guard(_lock);
     const WallAtZero wall = wallAtZero();
     _arrivalBound = wall._bound;
-    std::vector<Arrived> arrived;
-    for (const auto& [label, watched] : _watched)
-        watched->_tap->drain(wall._time, [&arrived, &watched = watched](TapRecord&& record) {
-            arrived.push_back({watched, std::move(record)});
-            ++watched->_drained;
-        });
+    Round round = std::exchange(_spare, {});
+    for (const auto& [label, watched] : _watched) {
+        round._watched.push_back(watched);
+        RoundSink sink(round, *watched);
+        watched->_tap->drain(wall._time, sink);
+    }
     renewTypes(nanoseconds<std::chrono::steady_clock>());
-    return arrived;
+    return round;
 }
 
 void TapSet::drain(const Use& use)
 {
-    std::vector<Arrived> arrived = collect();
-    std::ranges::stable_sort(arrived, {}, [](const Arrived& record) { return record._record._arrival; });
-    for (Arrived& record : arrived)
-        use(record._watched->_label, record._watched->_codec, std::move(record._record));
+    Round round = collect();
+    round.sort();
+    for (Arrived* const arrived : round._order)
+        use(arrived->_watched->_label, arrived->_watched->_codec, std::move(arrived->_record));
+    round.forget();
+    const Ostrel::LockGuard guard(_lock);
+    _spare = std::move(round);
 }
 
 double TapSet::arrivalBound() const

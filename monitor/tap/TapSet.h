@@ -4,6 +4,7 @@
 #include "monitor/codec/SlotCodec.h"
 #include "monitor/tap/AnyTap.h"
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -63,9 +64,22 @@ private:
         std::uint64_t _drained = 0; // by this tap
     };
     struct Arrived {
-        std::shared_ptr<const Watched> _watched; // its tap may have been removed meanwhile
+        const Watched* _watched = nullptr;
         TapRecord _record;
     };
+    /// What one drain found. Its memory goes on to the next.
+    struct Round {
+        std::vector<std::shared_ptr<const Watched>> _watched; // which may be removed meanwhile
+        std::vector<Arrived> _arrived;                        // the first _count; the others are of earlier rounds
+        std::size_t _count = 0;
+        std::vector<Arrived*> _order;
+
+        TapRecord& place();
+        void keep(const Watched& watched) { _arrived[_count++]._watched = &watched; }
+        void sort();
+        void forget();
+    };
+    class RoundSink;
 
     /// Null if there is no such out-slot.
     std::shared_ptr<Watched> makeWatched(const std::string& label, const TapCounts& before) const
@@ -74,7 +88,7 @@ private:
     void wire(Watched& watched) const;
     void unwire(const std::string& label) const;
     void renewTypes(std::int64_t now) OSTREL_REQUIRES(_lock);
-    std::vector<Arrived> collect() OSTREL_EXCLUDES(_lock);
+    Round collect() OSTREL_EXCLUDES(_lock);
 
     const TapSize _size;
     std::string _space; // label of the namespace
@@ -84,6 +98,7 @@ private:
     std::map<std::string, std::shared_ptr<Watched>> _watched OSTREL_GUARDED_BY(_lock);
     std::int64_t _nextRenewal OSTREL_GUARDED_BY(_lock) = 0;  // nanoseconds of the steady clock
     std::int64_t _arrivalBound OSTREL_GUARDED_BY(_lock) = 0; // nanoseconds
+    Round _spare OSTREL_GUARDED_BY(_lock);
 };
 
 } // namespace Monitor
