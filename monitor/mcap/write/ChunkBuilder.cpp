@@ -48,6 +48,12 @@ ChunkMessages byChannel(const std::vector<std::pair<std::uint16_t, IndexEntry>>&
 
 ChunkBuilder::ChunkBuilder() : _bytes(headRoom) {}
 
+void ChunkBuilder::reserve(std::size_t bytes, std::size_t messages)
+{
+    _bytes.reserve(bytes);
+    _index.reserve(messages);
+}
+
 void ChunkBuilder::add(const Schema& schema)
 {
     RecordBytes(_bytes).schema(schema);

@@ -11,12 +11,15 @@ class ChunkBuilder {
 public:
     ChunkBuilder();
 
+    /// Takes memory for so much at once.
+    void reserve(std::size_t bytes, std::size_t messages);
+
     void add(const Schema& schema);
     void add(const Channel& channel);
     void add(const Message& message);
 
     std::size_t size() const { return _bytes.size(); }
-    std::uint64_t messages() const { return _index.size(); }
+    std::size_t messages() const { return _index.size(); }
     /// A chunk without messages has no time, so readers would let the file begin in 1970: it is not to be written.
     bool empty() const { return _index.empty(); }
 

@@ -71,6 +71,7 @@ void Recording::flush()
         return;
     const std::size_t size = _chunk.size();
     ChunkBuilder full;
+    full.reserve(std::min(size, _limits._chunk), _chunk.messages()); // for the next one, which will be about as large
     std::swap(full, _chunk);
     hand({[chunk = std::move(full)](GrowingFile& file) mutable { return file.add(std::move(chunk)); }, size});
 }
