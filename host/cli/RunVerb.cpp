@@ -66,28 +66,6 @@ MonitorSettings monitorOf(const std::vector<SceneFile>& files, const Options& op
     return {listen, options._monitorMayWrite, rateOf(files, options)};
 }
 
-bool drawsTable(const Options& options)
-{
-    return !options._quiet &&
-           (options._format == Format::Table || (options._format == Format::Automatic && hasCursor(STDOUT_FILENO)));
-}
-
-std::unique_ptr<View> makeView(const Options& options, const Session& session, RunLog& log, RunOutput& output,
-                               double start)
-{
-    const bool inPlace = hasCursor(STDOUT_FILENO);
-    if (options._quiet)
-        return std::make_unique<View>();
-    if (options._format == Format::Json)
-        return makeJsonView(output.values());
-    if (drawsTable(options))
-        return makeTableView(output.values(),
-                             {inPlace, inPlace && isatty(STDERR_FILENO) ? &log : nullptr,
-                              inPlace ? std::make_unique<Keyboard>() : nullptr, [&output] { return output.isTaken(); }},
-                             watchedSensors(session.watches()), SensorFilter(options._filter));
-    return makeLinesView(output.values(), start);
-}
-
 void tellOfStep(double step, const Session& session, View& view)
 {
     for (SensorWatch* watch : session.watches())
@@ -108,7 +86,7 @@ void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view,
             tellOfStep(step, session, view);
         session.frame(now);
         view.frame(now);
-        monitor.endFrame(loop, now);
+        monitor.endFrame(loop.frames(), loop.skipped(), now);
         recorder.endFrame(loop.frames(), now);
         osg::logHeldBack();
         return output.canWrite();
@@ -151,7 +129,7 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const Watche
     RunRecorder recorder(options, !drawsTable(options), session, sayInRun);
     {
         RunMonitor monitor(session, settings, recorder.recorder(), sayInRun); // ends before the nodes do
-        runFrames(session, loop, clock, *makeView(options, session, log, output, clock.now()),
+        runFrames(session, loop, clock, *makeRunView(options, session, log, output, clock.now()),
                   SensorFilter(options._filter), output, monitor, recorder);
     }
     around._watch.begin();

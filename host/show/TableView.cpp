@@ -57,7 +57,7 @@ public:
     void refresh() override { _lastDraw = 0; }
     void press(const KeyPress& press) override { _control.press(press); }
     bool isTyping() const override { return _control.isEditing(); }
-    void terminalIsBack() override { _drawn.clear(); } // others have written below it
+    void terminalIsBack() override { _drawn = {}; } // others have written below it
 
 private:
     struct Counted {
@@ -129,7 +129,7 @@ bool TableView::readKeys()
         return false;
     const std::vector<KeyPress> presses = _keys.read(_screen._keyboard->read());
     if (_screen._keyboard->isBack())
-        _drawn = {}; // others have written below it meanwhile
+        terminalIsBack();
     for (const KeyPress& press : presses)
         _control.press(press);
     return !presses.empty();
@@ -210,6 +210,14 @@ std::string TableView::table(const TerminalSize& size, double now)
         text += _drawn.add(line);
     }
     return text;
+}
+
+std::string TableView::statusLine() const
+{
+    std::string line = _screen._status ? _screen._status() : "";
+    if (_control.hasStatus(_selected.size()))
+        line += (line.empty() ? "" : "  ") + _control.status(_selected.size(), _screen._keyboard != nullptr);
+    return line;
 }
 
 void TableView::draw(double now)
