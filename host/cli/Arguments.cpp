@@ -130,6 +130,47 @@ void addDistance(CLI::App& app, const char* option, const char* help, double& di
     app.add_option(option, distance, help)->type_name("D")->check(between(0, 1e9, "a distance above 0"));
 }
 
+// How a run, or a replay, is shown, and to whom.
+void addShowing(CLI::App& app, Options& options)
+{
+    addFormat(app, "--format", "how values are shown: table, lines or json", options._format,
+              {{"table", Format::Table}, {"lines", Format::Lines}, {"json", Format::Json}});
+    addFilter(app, options);
+    // A flag, for else a bare one would take the scene behind it for its value.
+    app.add_flag("--monitor{localhost}", options._listen,
+                 "answer on TCP, too, for reading: --monitor=ADDRESS:PORT; loopback and 8765 if not given")
+        ->check(listenAddress());
+    app.add_flag("--monitor-write", options._monitorMayWrite,
+                 "let who has the token of the printed address change things on TCP");
+    app.add_flag("--quiet", options._quiet, "show no values, only messages");
+    app.add_flag("--verbose", options._verbose, "show the library's informational lines");
+}
+
+void addSpeed(CLI::App& app, Options& options)
+{
+    const auto read = [&options](const std::string& text) {
+        double speed = std::numeric_limits<double>::infinity();
+        const bool isNumber = text != "max" && CLI::detail::lexical_cast(text, speed);
+        if (text != "max" && !(isNumber && speed >= 0.001 && speed <= 1000))
+            throw CLI::ValidationError("--speed", inQuotes(text) + " is neither a number from 0.001 to 1000 nor max");
+        options._speed = speed;
+    };
+    app.add_option_function<std::string>("--speed", read,
+                                         "so many times as fast as recorded, or max: as fast as possible")
+        ->type_name("X|max");
+}
+
+void addPosition(CLI::App& app, const char* option, const char* help, double& seconds)
+{
+    const auto isPosition = [](std::string& text) -> std::string {
+        double number = 0;
+        if (CLI::detail::lexical_cast(text, number) && number >= 0 && number <= 1e9)
+            return {};
+        return inQuotes(text) + " is not a number of seconds from 0 on";
+    };
+    app.add_option(option, seconds, help)->type_name("S")->check(CLI::Validator(isPosition, std::string()));
+}
+
 void addScenes(CLI::App& app, Options& options)
 {
     app.add_option("SCENE", options._names, "scene files, one context each")->required();
@@ -181,15 +222,7 @@ void scenesAndRunOptions(CLI::App& app, Options& options)
     app.add_option("--rate", options._rate, "frames per second, instead of the scene's")
         ->type_name("HZ")
         ->check(between(0, maxRate, "a rate above 0 and up to 10000 frames per second"));
-    addFormat(app, "--format", "how values are shown: table, lines or json", options._format,
-              {{"table", Format::Table}, {"lines", Format::Lines}, {"json", Format::Json}});
-    addFilter(app, options);
-    // A flag, for else a bare one would take the scene behind it for its value.
-    app.add_flag("--monitor{localhost}", options._listen,
-                 "answer on TCP, too, for reading: --monitor=ADDRESS:PORT; loopback and 8765 if not given")
-        ->check(listenAddress());
-    app.add_flag("--monitor-write", options._monitorMayWrite,
-                 "let who has the token of the printed address change things on TCP");
+    addShowing(app, options);
     CLI::Option& file =
         *app.add_option("--record", options._record, "record what slots push into this file, which must not exist yet");
     file.type_name("FILE");
