@@ -174,7 +174,7 @@ Answer answerMetrics(const Context& context, const Question& question)
     addFrames(context._scene, text);
     addRecording(context._scene, text);
     addWatchers(context, text);
-    text.family("ostrel_tree_copy_seconds", "gauge", "How long the tree stood still for this text.");
+    text.family("ostrel_tree_copy_seconds", "gauge", "How long the counts of slots and nodes took to copy.");
     text.sample({}, copying.count());
     return {200,
             isOpen ? "application/openmetrics-text; version=1.0.0; charset=utf-8"

@@ -33,13 +33,16 @@ public:
 
     /// All slots of the tree but those of tools, each with its activity, but without a look at connections: _active is
     /// false. A slot has the labels under which the root sees it, here once for each; an empty one where it does not.
-    /// In no order, but for slots that share a label. Locks the tree for a fraction of the time of
-    /// Namespace::inspect().
+    /// In no order, but for slots that share a label. The tree is locked for some hundred slots at a time, so that who
+    /// waits for it waits a fraction of the time of Namespace::inspect(); what comes or goes meanwhile may be missing.
     static std::vector<SlotInfo> listSlots();
-    /// All nodes of the tree but those of tools, by the labels down to them, without remarks; as listSlots().
+    /// All nodes of the tree but those of tools, by the labels down to them, without remarks.
     static std::map<std::string, NodeInfo> listNodes();
 
     Root() = delete;
+
+private:
+    static std::vector<std::string> listLabels();
 };
 
 } // namespace Trovio

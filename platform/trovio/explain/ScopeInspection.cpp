@@ -149,18 +149,12 @@ NodeInfo inspectNode(const Node& node, bool isRelaying)
     return {node.getTypeName(), node.getState(), node.getCounters(), {}, isRelaying};
 }
 
-std::vector<SlotInfo> inspectSeen(const Scope& scope)
+void addSeen(const Scope& scope, const std::string& label, std::vector<SlotInfo>& slots)
 {
-    std::vector<SlotInfo> slots;
-    for (const auto& [label, same] : scope.getViews()) {
-        if (isForTools(label))
-            continue;
-        for (const SlotView* view : same) {
-            slots.push_back(describeSlot(*view));
-            addCounts(view->home(), slots.back());
-        }
+    for (const SlotView* view : scope.getViews().under(label)) {
+        slots.push_back(describeSlot(*view));
+        addCounts(view->home(), slots.back());
     }
-    return slots;
 }
 
 void addUnseen(const Scope& scope, const std::string& path, const Scope& top, std::vector<SlotInfo>& slots)

@@ -14,9 +14,9 @@ std::vector<SlotInfo> inspectSlots(const Scope& scope, const std::string& label)
 /// Without what it knows of its slots.
 NodeInfo inspectNode(const Node& node, bool isRelaying);
 
-/// The slots that it sees, each under each of its labels, with what passed them, but without looking at connections.
-/// Under the tree lock.
-std::vector<SlotInfo> inspectSeen(const Scope& scope);
+/// Adds the slots that it sees under the label, with what passed them, but without looking at connections. Under the
+/// tree lock.
+void addSeen(const Scope& scope, const std::string& label, std::vector<SlotInfo>& slots);
 
 /// Adds the same of those that stand in the scope with that path and that `top` does not see. Under the tree lock.
 void addUnseen(const Scope& scope, const std::string& path, const Scope& top, std::vector<SlotInfo>& slots);

@@ -5,6 +5,7 @@
 #include "trovio/NodeType.h"
 #include "trovio/explain/ScopeInspection.h"
 #include "trovio/tree/ForEachBelow.h"
+#include <algorithm>
 
 namespace Trovio {
 
@@ -28,11 +29,31 @@ void Root::shutdown()
 
 std::vector<SlotInfo> Root::listSlots()
 {
-    const Ostrel::LockGuard guard(Namespace::_treeLock);
-    const Scope& top = *the_._scope;
-    std::vector<SlotInfo> slots = inspectSeen(top);
-    the_.forEachBelow({}, [&](const std::string& path, const Scope& scope) { addUnseen(scope, path, top, slots); });
+    constexpr std::size_t atOnce = 256;
+    std::vector<SlotInfo> slots;
+    {
+        const Ostrel::LockGuard guard(Namespace::_treeLock);
+        const Scope& top = *the_._scope;
+        the_.forEachBelow({}, [&](const std::string& path, const Scope& scope) { addUnseen(scope, path, top, slots); });
+    }
+    const std::vector<std::string> labels = listLabels();
+    slots.reserve(slots.size() + labels.size());
+    for (std::size_t begin = 0; begin < labels.size(); begin += atOnce) {
+        const Ostrel::LockGuard guard(Namespace::_treeLock);
+        for (std::size_t i = begin; i < std::min(begin + atOnce, labels.size()); ++i)
+            addSeen(*the_._scope, labels[i], slots);
+    }
     return slots;
+}
+
+std::vector<std::string> Root::listLabels()
+{
+    const Ostrel::LockGuard guard(Namespace::_treeLock);
+    std::vector<std::string> labels;
+    for (const auto& [label, same] : the_._scope->getViews())
+        if (!isForTools(label))
+            labels.push_back(label);
+    return labels;
 }
 
 std::map<std::string, NodeInfo> Root::listNodes()
