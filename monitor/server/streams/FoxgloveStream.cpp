@@ -86,8 +86,11 @@ void FoxgloveStream::advertiseSome()
     say({{"op", "advertise"}, {"channels", channels}});
 }
 
+// What it lost last is told also to a client that watches nothing any more.
 void FoxgloveStream::drained()
 {
+    if (queue().dropped() != _told)
+        tellDropped();
     const auto& all = _around._channels.all();
     if (_hasOffered && all.upper_bound(_advertised) != all.end())
         advertiseSome();
