@@ -37,6 +37,9 @@ std::string refusal(const Options& options)
     if (options._asTest && (options._loops || needsKeys || options._send))
         return "--as-test has an end, waits for nobody and sends nothing: leave out --loop, --paused, --step and "
                "--send";
+    const bool isShown = options._quiet || (options._format != Format::Automatic && options._format != Format::Json);
+    if (options._asTest && (isShown || !options._listen.empty() || options._monitorMayWrite))
+        return "--as-test writes JSON and answers nobody: leave out --format, --quiet, --monitor and --monitor-write";
     if (needsKeys && isatty(STDIN_FILENO) == 0)
         return "--paused and --step wait for keys, but standard input is no terminal";
     if (!(options._fromPosition < options._toPosition))

@@ -163,6 +163,7 @@ TEST_F(ReplayProgram, RefusesWhatDoesNotGoTogetherAndWhatIsNoRecording)
 {
     EXPECT_EQ(replay({"--golden", "x"})._code, 2);
     EXPECT_EQ(replay({"--as-test", "--loop"})._code, 2);
+    EXPECT_EQ(replay({"--as-test", "--quiet"})._code, 2);
     EXPECT_EQ(replay({"--speed", "fast"})._code, 2);
     EXPECT_EQ(replay({"--from", "9"})._code, 1);
     EXPECT_TRUE(says(replay({"--as-test", "--golden", file("none")})._err, "--write-golden makes it"));
