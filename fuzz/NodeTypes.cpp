@@ -13,6 +13,7 @@
 #include "nodes/generator/Generator.h"
 #include "nodes/guard/Guard.h"
 #include "nodes/osc/OscNode.h"
+#include "nodes/serial/SerialNode.h"
 #ifdef FUZZ_CONTROLLER
 #include "nodes/controller/ControllerNode.h"
 #endif
@@ -26,10 +27,10 @@ const std::vector<const Trovio::NodeTypeEntry*>& nodeTypes()
 {
     using namespace Trovio::Nodes;
     static const std::vector<const Trovio::NodeTypeEntry*> types{
-        &OscNode::getEntry(),        &Generator::getEntry(), &Guard::getEntry(),   &Align::getEntry(),
-        &Axes::getEntry(),           &Clamp::getEntry(),     &Convert::getEntry(), &DeadZone::getEntry(),
-        &Join::getEntry(),           &OnChange::getEntry(),  &OneEuro::getEntry(), &Scale::getEntry(),
-        &Split::getEntry(),
+        &OscNode::getEntry(),        &Generator::getEntry(),  &Guard::getEntry(),   &Align::getEntry(),
+        &Axes::getEntry(),           &Clamp::getEntry(),      &Convert::getEntry(), &DeadZone::getEntry(),
+        &Join::getEntry(),           &OnChange::getEntry(),   &OneEuro::getEntry(), &Scale::getEntry(),
+        &Split::getEntry(),          &SerialNode::getEntry(),
 #ifdef FUZZ_CONTROLLER
         &ControllerNode::getEntry(),
 #endif

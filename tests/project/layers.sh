@@ -29,6 +29,7 @@ declare -A allowed=(
     [sensorManager]="$platform trovio"
     [nodes/shared]="$product"
     [nodes/relay]="$product nodes/shared"
+    [nodes/text]="$product nodes/shared"
     [nodes/dds/wire]="$product nodes/shared nodes/relay"
     [nodes/dds/net]="$product nodes/shared"
     [nodes/dds/clocks]="$product nodes/shared nodes/dds/net nodes/dds/wire"
@@ -72,7 +73,7 @@ declare -A allowed=(
     [tests]="$product nodes explain scene monitor host examples benchmarks fuzz"
 )
 # Any other folder of nodes/ is a family: it has its own rooms, and what all families share.
-family="$product nodes/shared nodes/relay"
+family="$product nodes/shared nodes/relay nodes/text"
 includes=$(mktemp)
 trap 'rm -f "$includes"' EXIT
 body=""
