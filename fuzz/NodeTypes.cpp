@@ -20,6 +20,9 @@
 #ifdef FUZZ_DDS
 #include "nodes/dds/DdsNode.h"
 #endif
+#ifdef FUZZ_MQTT
+#include "nodes/mqtt/MqttNode.h"
+#endif
 
 namespace Fuzz {
 
@@ -36,6 +39,9 @@ const std::vector<const Trovio::NodeTypeEntry*>& nodeTypes()
 #endif
 #ifdef FUZZ_DDS
         &DdsNode::getEntry(),
+#endif
+#ifdef FUZZ_MQTT
+        &MqttNode::getEntry(),
 #endif
     };
     return types;
