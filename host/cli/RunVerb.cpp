@@ -128,7 +128,7 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const Watche
     reportStart(session, messageWidth(), sayInRun);
     RunRecorder recorder(options, !drawsTable(options), session, sayInRun);
     {
-        RunMonitor monitor(session, settings, recorder.recorder(), sayInRun); // ends before the nodes do
+        RunMonitor monitor(session, settings, sayInRun, &recorder.recorder()); // ends before the nodes do
         runFrames(session, loop, clock, *makeRunView(options, session, log, output, clock.now()),
                   SensorFilter(options._filter), output, monitor, recorder);
     }

@@ -15,13 +15,13 @@ std::string nameOf(const Explain::ScenePlaces& places)
 }
 } // namespace
 
-RunMonitor::RunMonitor(const Scenes::Session& session, const MonitorSettings& settings, Monitor::Recorder& recorder,
-                       const Scenes::Say& say)
+RunMonitor::RunMonitor(const Scenes::Session& session, const MonitorSettings& settings, const Scenes::Say& say,
+                       Monitor::Recorder* recorder)
     : _values(session.watches())
 {
     const auto failure = Explain::failureOf([&] {
         Monitor::SceneView scene = view(session, settings._rate);
-        scene._recorder = &recorder;
+        scene._recorder = recorder;
         _server = std::make_unique<Monitor::Server>(
             Monitor::ServerOptions{settings._listen, settings._write, std::move(scene), {}});
     });

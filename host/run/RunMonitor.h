@@ -20,9 +20,9 @@ struct MonitorSettings {
 /// Threads:   the scene thread.
 class RunMonitor {
 public:
-    /// Where nobody can ask, it says so, and the run goes on.
-    RunMonitor(const Scenes::Session& session, const MonitorSettings& settings, Monitor::Recorder& recorder,
-               const Scenes::Say& say);
+    /// Where nobody can ask, it says so, and the run goes on. Without a recorder nobody can have the run recorded.
+    RunMonitor(const Scenes::Session& session, const MonitorSettings& settings, const Scenes::Say& say,
+               Monitor::Recorder* recorder = nullptr);
     ~RunMonitor() { _values.end(); }
     RunMonitor(const RunMonitor&) = delete;
     RunMonitor& operator=(const RunMonitor&) = delete;
