@@ -163,6 +163,7 @@ TapRecord& TapSet::Round::place()
 {
     if (_count == _arrived.size())
         _arrived.emplace_back();
+    _order.reserve(_arrived.capacity()); // so that sorting needs no memory any more
     return _arrived[_count]._record;
 }
 
@@ -184,7 +185,7 @@ void TapSet::Round::forget()
     _arrived.resize(std::min(_arrived.size(), 2 * _count + someRecords));
     for (Arrived& arrived : _arrived)
         if (arrived._record._cdr.capacity() > someBytes)
-            arrived._record._cdr = {};
+            Bytes().swap(arrived._record._cdr);
     _count = 0;
 }
 
@@ -210,6 +211,7 @@ TapSet::Round TapSet::collect()
     const WallAtZero wall = wallAtZero();
     _arrivalBound = wall._bound;
     Round round = std::exchange(_spare, {});
+    round._watched.reserve(_watched.size()); // else nothing is lost: the taps keep what they hold
     for (const auto& [label, watched] : _watched) {
         round._watched.push_back(watched);
         RoundSink sink(round, *watched);
