@@ -33,8 +33,10 @@ std::vector<Samples> samplesOfAllTypes()
     Trovio::forEachSlotType([&all]<class T>(Trovio::TypeTag<T>) {
         const SlotCodec* const codec = SlotCodec::find(Trovio::TypeName<T>::getName());
         Samples& samples = all.emplace_back(Samples{codec, codec->makeSource(Trovio::TypeName<T>::getName()), {}});
-        for (const T& value : allValues<T>())
-            encode(Trovio::Data<T>(value, stampOf(samples._messages.size())), samples._messages.emplace_back());
+        for (const T& value : allValues<T>()) {
+            const Trovio::Data<T> record(value, stampOf(samples._messages.size()));
+            encode(record, samples._messages.emplace_back());
+        }
     });
     return all;
 }
