@@ -41,11 +41,11 @@ struct Options {
     std::string _slots = "*";          // labels that are recorded or exported
     double _memory = 256;              // MB of records that may wait to be written
     enum class Action { Info, Check, Finish, Export } _action = Action::Info; // of recording
-    std::string _output; // file of an export; empty for standard output
-    bool _zstd = false;  // the chunks of one are compressed
-    std::string _file;                 // recording of replay
-    std::optional<double> _speed;      // of it; infinite is as fast as possible
-    double _fromPosition = 0;          // seconds from its start, as the next
+    std::string _output;          // file of an export; empty for standard output
+    bool _zstd = false;           // the chunks of one are compressed
+    std::string _file;            // recording of replay
+    std::optional<double> _speed; // of it; infinite is as fast as possible
+    double _fromPosition = 0;     // seconds from its start, as the next
     double _toPosition = std::numeric_limits<double>::infinity();
     bool _loops = false, _startsPaused = false, _stepsFrames = false;
     bool _send = false;   // nodes that only send are made
