@@ -75,6 +75,8 @@ void RecordBytes::metadata(const Metadata& metadata)
 
 std::uint32_t checksum(ByteView bytes, std::uint32_t before)
 {
+    if (bytes.empty()) // they may stand nowhere, and without an address zlib begins anew
+        return before;
     return static_cast<std::uint32_t>(crc32_z(before, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size()));
 }
 
