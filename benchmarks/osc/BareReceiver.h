@@ -43,8 +43,7 @@ public:
     /// True when the value is the newest that was taken.
     bool sees(float value)
     {
-        if (!_slot.empty())
-            _last = _slot.pop()._value[0];
+        _slot.poll([this](const Record& record) { _last = record._value[0]; });
         return _last == value;
     }
 
