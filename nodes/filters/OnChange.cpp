@@ -113,9 +113,10 @@ public:
 private:
     void send()
     {
+        const double now = _clock.now(); // of the sending: whoever gets it may take time
         _out.push(_newest);
         _sent = _newest.getValue();
-        _lastSent = _clock.now();
+        _lastSent = now;
     }
 
     const double _tolerance;
