@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <span>
 
 namespace Host {
 
@@ -18,15 +19,17 @@ using namespace Explain;
 
 namespace {
 
-// CLI11 would only say that a verb is missing.
-bool knownVerb(const char* argument, const std::vector<Verb>& verbs)
+// CLI11 would only say that a verb is missing. Also the verb behind 'recording', which has verbs of its own.
+bool knowsVerbs(const CLI::App& app, std::span<char* const> arguments)
 {
     std::vector<std::string_view> names;
-    names.reserve(verbs.size());
-    for (const Verb& verb : verbs)
-        names.push_back(verb._name);
-    if (argument[0] == '-' || std::ranges::find(names, argument) != names.end())
+    for (const CLI::App* const verb : app.get_subcommands({}))
+        names.push_back(verb->get_name());
+    if (names.empty() || arguments.empty() || arguments[0][0] == '-')
         return true;
+    const std::string_view argument = arguments[0];
+    if (std::ranges::find(names, argument) != names.end())
+        return knowsVerbs(*app.get_subcommand(std::string(argument)), arguments.subspan(1));
     std::fprintf(stderr, "unknown verb %s; allowed: %s%s\n", inQuotes(argument).c_str(), listed(names).c_str(),
                  nearestHint(argument, names).c_str());
     return false;
@@ -56,14 +59,14 @@ int codeWithOutput(int code)
 
 int runCommandLine(int argc, char** argv, const std::vector<Verb>& verbs)
 {
-    if (argc > 1 && !knownVerb(argv[1], verbs))
-        return BadUsage;
     Options options;
     CLI::App app("Runs scenes whose sensors are fed by devices, networks and other processes.", "ostrel-host");
     app.require_subcommand(1);
     app.set_version_flag("--version", "ostrel-host " HOST_VERSION, "print the version");
     for (const Verb& verb : verbs)
         verb._takes(*app.add_subcommand(verb._name, verb._help), options);
+    if (argc > 1 && !knowsVerbs(app, {argv + 1, argv + argc}))
+        return BadUsage;
     if (argc < 2) {
         std::fputs(app.help().c_str(), stderr);
         return BadUsage;

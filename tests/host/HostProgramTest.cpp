@@ -309,6 +309,7 @@ TEST(HostProgram, SaysWithItsExitCodeHowItWent)
         {{"--seconds"}, 2, "subcommand is required"},
         {{"nodes", "Generator", "--format", "json"}, 0, "\"default\":\"sine\""},
         {{"rum"}, 2, "nearest: 'run'"},
+        {{"recording", "chekc", "a.mcap"}, 2, "nearest: 'check'"},
         {{"run", "s.toml", "--rate", "nan"}, 2, "'nan' is not a rate"},
         {{"run", "s.toml", "--format", "jsn"}, 2, "nearest: 'json'"},
         {{"run", bad.path()}, 2, ":2:1: unknown key 'nam' in [[sensor]]"},
