@@ -75,7 +75,7 @@ void LineDispatcher::takeLabelled(std::string_view line, const Time& stamp)
 void LineDispatcher::takeNumbers(std::string_view line, const Time& stamp)
 {
     _numbers.clear();
-    if (!readTextNumbers(line, _numbers) || (_width != 0 && _numbers.size() != _width)) {
+    if (!readTextNumbers(line, _numbers) || _numbers.empty() || (_width != 0 && _numbers.size() != _width)) {
         complain("'" + shortenText(line) + "' instead of " + (_width == 0 ? "" : std::to_string(_width) + " ") +
                  "numbers");
         return;

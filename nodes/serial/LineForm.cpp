@@ -43,7 +43,8 @@ std::optional<std::string> formatLine(std::string_view label, const TextRecord& 
     for (const TextNumber& number : record._numbers)
         line += (line.empty() ? "" : " ") + formatTextNumber(number);
     const bool isOneLine = line.find_first_of(std::string_view("\r\n\0", 3)) == line.npos;
-    return record._isFinite && isOneLine && line.size() <= LineReader::MaxLine ? std::optional(line) : std::nullopt;
+    const bool isRead = !line.empty() && line.size() <= LineReader::MaxLine;
+    return record._isFinite && isOneLine && isRead ? std::optional(line) : std::nullopt;
 }
 
 } // namespace Trovio::Nodes

@@ -24,7 +24,8 @@ LabelledLine splitLabel(std::string_view line);
 /// What may be a label in the settings: it can be told from what follows it.
 bool isLineLabel(std::string_view text);
 
-/// The line for a record, without its end; nothing for a record that no line can carry, a text with a line end in it.
+/// The line for a record, without its end; nothing for a record that no line can carry: a text with a line end
+/// in it, or an empty array without a label.
 std::optional<std::string> formatLine(std::string_view label, const TextRecord& record, LineForm form);
 
 } // namespace Trovio::Nodes

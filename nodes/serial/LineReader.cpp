@@ -33,7 +33,7 @@ void LineReader::end(const Visit& visit)
         return;
     if (isTooLong)
         visit(std::nullopt);
-    else if (!_line.empty())
+    else if (_line.find_first_not_of(" \t") != _line.npos)
         visit(_line);
 }
 

@@ -8,7 +8,8 @@
 
 namespace Trovio::Nodes {
 
-/// Puts lines together from bytes as they come. A line ends with LF, CR or both; empty ones are passed over.
+/// Puts lines together from bytes as they come. A line ends with LF, CR or both; empty and blank ones are
+/// passed over.
 /// Threads: one at a time.
 class LineReader {
 public:
