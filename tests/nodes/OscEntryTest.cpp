@@ -67,6 +67,7 @@ TEST_F(OscEntries, AStarMakesSlotsForAddressesThatCome)
 
     _node->stop();
     _node->standAgain();
+    EXPECT_EQ(left.next().getValue(), first) << "connected anew, so the last one again";
     send(mixedMessage("/wand/left", "fffF", 4., 5., 6.));
     EXPECT_EQ(left.next().getValue(), second) << "under the same label";
 }
