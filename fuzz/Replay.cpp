@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
 
 namespace {
 
-constexpr std::size_t maxInputs = 200; // of one target: a corpus is kept small by fuzz/keep
+constexpr std::size_t maxInputs = 256; // of one target: a corpus is kept small by fuzz/keep
 
 std::vector<std::filesystem::path> filesOf(const char* folder)
 {
