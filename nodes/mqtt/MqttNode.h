@@ -3,8 +3,8 @@
 #include "nodes/mqtt/MqttDispatcher.h"
 #include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/NameLookup.h"
-#include "nodes/shared/ReadyWatch.h"
 #include "nodes/shared/WorkerNode.h"
+#include "nodes/text/ReadyWatch.h"
 
 namespace Trovio::Nodes {
 

@@ -5,8 +5,8 @@
 #include "nodes/serial/SerialSettings.h"
 #include "nodes/serial/StablePaths.h"
 #include "nodes/shared/MemoryShortage.h"
-#include "nodes/shared/ReadyWatch.h"
 #include "nodes/shared/WorkerNode.h"
+#include "nodes/text/ReadyWatch.h"
 
 namespace Trovio::Nodes {
 

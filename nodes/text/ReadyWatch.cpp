@@ -1,4 +1,4 @@
-#include "nodes/shared/ReadyWatch.h"
+#include "nodes/text/ReadyWatch.h"
 
 #include <cerrno>
 #include <sys/epoll.h>
