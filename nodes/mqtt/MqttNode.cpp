@@ -69,7 +69,7 @@ void MqttNode::start()
 {
     _step = Step::Away;
     _due = 0.0;
-    setFact("has not connected to the broker at " + _broker);
+    _fact.set("has not connected to the broker at " + _broker);
     WorkerNode::start();
 }
 
@@ -174,7 +174,7 @@ void MqttNode::accepted()
 {
     _step = Step::Connected;
     _refused.clear();
-    setFact("connected to the broker at " + _broker);
+    _fact.set("connected to the broker at " + _broker);
     setRunning("connected to the broker at " + _broker);
     const auto topics = _dispatcher->getTopics();
     std::string problem = topics.empty() ? std::string() : _client->subscribe(topics, _settings._quality);
@@ -192,7 +192,7 @@ void MqttNode::lose(const std::string& problem)
     _client.reset();
     _step = Step::Away;
     _due = _clock.now() + retryPeriod;
-    setFact(problem);
+    _fact.set(problem);
     setDegraded(problem);
 }
 
@@ -241,20 +241,9 @@ void MqttNode::subscriptionRefused(const std::string& topic, const std::string& 
     });
 }
 
-void MqttNode::setFact(const std::string& fact)
-{
-    const Ostrel::LockGuard guard(_factsLock);
-    _fact = fact;
-}
-
 std::vector<RemarkInfo> MqttNode::getRemarks() const
 {
-    std::string fact;
-    {
-        const Ostrel::LockGuard guard(_factsLock);
-        fact = _fact;
-    }
-    return _dispatcher ? _dispatcher->getRemarks(fact) : std::vector<RemarkInfo>();
+    return _dispatcher ? _dispatcher->getRemarks(_fact.get()) : std::vector<RemarkInfo>();
 }
 
 } // namespace Trovio::Nodes

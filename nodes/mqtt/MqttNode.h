@@ -4,6 +4,7 @@
 #include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/NameLookup.h"
 #include "nodes/shared/WorkerNode.h"
+#include "nodes/text/Fact.h"
 #include "nodes/text/ReadyWatch.h"
 
 namespace Trovio::Nodes {
@@ -26,7 +27,7 @@ public:
     static const NodeTypeEntry& getEntry();
 
     /// For each out-slot that nothing reached, or not all: what came instead.
-    std::vector<RemarkInfo> getRemarks() const override OSTREL_EXCLUDES(_factsLock);
+    std::vector<RemarkInfo> getRemarks() const override;
 
 private:
     struct Sender {
@@ -49,7 +50,6 @@ private:
     void send();
     bool sendOne(const Sender& sender);
     bool maySend() const;
-    void setFact(const std::string& fact) OSTREL_EXCLUDES(_factsLock);
 
     void messageArrived(std::string_view topic, std::string_view payload, bool isRetained) noexcept override;
     void messageSent() noexcept override { _outCounters._messages.add(); }
@@ -75,8 +75,7 @@ private:
     std::string _refused; // subscriptions
     TextRecord _record;
 
-    mutable Ostrel::Mutex _factsLock{Ostrel::LockRank::Leaf};
-    std::string _fact OSTREL_GUARDED_BY(_factsLock); // of the broker
+    Fact _fact; // of the broker
 };
 
 } // namespace Trovio::Nodes

@@ -59,7 +59,7 @@ void SerialNode::configure(const Settings& settings)
 void SerialNode::start()
 {
     _nextTry = 0.0;
-    setFact("'" + _settings._path + "' is not open");
+    _fact.set("'" + _settings._path + "' is not open");
     WorkerNode::start();
 }
 
@@ -109,7 +109,7 @@ void SerialNode::open()
     const std::string stable = _stablePaths.find(_settings._path);
     const std::string use = "'" + _settings._path + "' at " + std::to_string(_settings._format._baud) + " baud" +
                             (stable.empty() ? "" : "; its path that stays the same is " + stable);
-    setFact("has " + use);
+    _fact.set("has " + use);
     setRunning("uses " + use);
 }
 
@@ -184,24 +184,13 @@ bool SerialNode::flush()
 
 void SerialNode::setProblem(const std::string& problem)
 {
-    setFact(problem);
+    _fact.set(problem);
     setDegraded(problem);
-}
-
-void SerialNode::setFact(const std::string& fact)
-{
-    const Ostrel::LockGuard guard(_factsLock);
-    _fact = fact;
 }
 
 std::vector<RemarkInfo> SerialNode::getRemarks() const
 {
-    std::string fact;
-    {
-        const Ostrel::LockGuard guard(_factsLock);
-        fact = _fact;
-    }
-    return _dispatcher ? _dispatcher->getRemarks(fact) : std::vector<RemarkInfo>();
+    return _dispatcher ? _dispatcher->getRemarks(_fact.get()) : std::vector<RemarkInfo>();
 }
 
 } // namespace Trovio::Nodes

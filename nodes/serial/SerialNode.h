@@ -6,6 +6,7 @@
 #include "nodes/serial/StablePaths.h"
 #include "nodes/shared/MemoryShortage.h"
 #include "nodes/shared/WorkerNode.h"
+#include "nodes/text/Fact.h"
 #include "nodes/text/ReadyWatch.h"
 
 namespace Trovio::Nodes {
@@ -28,7 +29,7 @@ public:
     static const NodeTypeEntry& getEntry();
 
     /// For each out-slot that nothing reached, or not all: what came instead.
-    std::vector<RemarkInfo> getRemarks() const override OSTREL_EXCLUDES(_factsLock);
+    std::vector<RemarkInfo> getRemarks() const override;
 
 private:
     void configure(const Settings& settings) override;
@@ -45,8 +46,7 @@ private:
     bool sendOne(TextSender& sender);
     /// Writes what is left of a line. True if nothing is left, and the device is there.
     bool flush();
-    void setProblem(const std::string& problem) OSTREL_EXCLUDES(_factsLock);
-    void setFact(const std::string& fact) OSTREL_EXCLUDES(_factsLock);
+    void setProblem(const std::string& problem);
 
     const StablePaths _stablePaths;
     LineCounters _inCounters;
@@ -67,8 +67,7 @@ private:
     std::string _unwritten; // rest of the line that is being written
     double _nextTry = 0.0;
 
-    mutable Ostrel::Mutex _factsLock{Ostrel::LockRank::Leaf};
-    std::string _fact OSTREL_GUARDED_BY(_factsLock); // of the device
+    Fact _fact; // of the device
 };
 
 } // namespace Trovio::Nodes
