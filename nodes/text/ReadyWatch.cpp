@@ -14,9 +14,6 @@ ReadyWatch::ReadyWatch() : _set(::epoll_create1(EPOLL_CLOEXEC))
 
 void ReadyWatch::watch(int descriptor, bool forWriting)
 {
-    if (_watched != descriptor)
-        ::epoll_ctl(_set.get(), EPOLL_CTL_DEL, _watched, nullptr);
-    _watched = descriptor;
     epoll_event event{};
     event.events = EPOLLIN | (forWriting ? EPOLLOUT : 0U);
     // A number may come again after its descriptor was closed, and is not in the set then.

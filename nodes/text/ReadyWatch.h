@@ -11,14 +11,14 @@ public:
     /// Throws std::system_error where the system has no descriptor left.
     ReadyWatch();
 
-    /// From now on, and instead of what was watched before. A descriptor that is closed is no longer watched.
+    /// From now on, and instead of what was watched before, which must be closed by then: it left the set with that,
+    /// and its number may be another thread's by now.
     void watch(int descriptor, bool forWriting);
 
     int getDescriptor() const { return _set.get(); }
 
 private:
     FileDescriptor _set;
-    int _watched = -1;
 };
 
 } // namespace Trovio::Nodes
