@@ -1,0 +1,117 @@
+// All that is known of what is chosen.
+
+import { agesOf } from "./ages.js";
+import { make, setText } from "./dom.js";
+import { nodeOf, questionsFor } from "./routes.js";
+import { countName, ageText, rateText, valueText } from "./text.js";
+import { explain, explainAll, explainLonely } from "./why.js";
+
+export const everything = "*"; // chosen to see all that does not flow; no slot is called so
+const askPeriod = 3_000; // milliseconds
+const drawPeriod = 200;
+const pause = 150; // for somebody who runs through the table
+const notCounts = new Set(["label", "short", "direction", "type", "schema", "active", "lastStamp", "sensor"]);
+
+const list = (entries) =>
+  make("dl", {}, ...entries.flatMap(([name, value]) => [make("dt", {}, name), make("dd", {}, value)]));
+
+export class Details {
+  #label = "";
+  #row = undefined;
+  #lastDraw = 0;
+  #asked = 0; // the newest round of questions
+  #timer = 0;
+
+  constructor(model, address, element) {
+    this.model = model;
+    this.address = address;
+    this.element = element;
+    this.now = make("div");
+    this.why = make("div", { "aria-live": "polite" });
+    this.ages = make("div");
+    this.counts = make("div");
+    this.node = make("div");
+  }
+
+  /** The choice, or what is known of it, is another one. */
+  update() {
+    const { chosen } = this.address.state;
+    const row = this.model.byLabel.get(chosen);
+    if (chosen === this.#label && row === this.#row) return;
+    this.#label = chosen;
+    this.#row = row;
+    this.element.hidden = chosen === "";
+    for (const part of [this.now, this.why, this.ages, this.counts, this.node]) part.replaceChildren();
+    this.element.replaceChildren(this.#head(chosen), this.why, this.now, this.ages, this.counts, this.node);
+    clearTimeout(this.#timer);
+    if (chosen !== "") this.#timer = setTimeout(() => this.#explain(), pause);
+    this.#lastDraw = 0;
+  }
+
+  #head(chosen) {
+    const row = this.model.byLabel.get(chosen);
+    const close = make("button", { class: "close", title: "close (Esc)", "aria-label": "close", onclick: () => this.address.change({ chosen: "" }) }, "✕");
+    const title = chosen === everything ? "What does not flow" : row?.title ?? chosen;
+    const plot = make("button", { onclick: () => this.address.togglePlot(chosen) }, "Plot (p)");
+    return make("header", {}, close, make("h2", {}, title), ...(row ? [plot] : []));
+  }
+
+  async #explain() {
+    const number = (this.#asked += 1);
+    const label = this.#label;
+    const questions = questionsFor(label, this.model.pairs, this.model.relays);
+    const answers = await this.#answers(label, questions).catch((error) =>
+      error instanceof TypeError ? [] : [make("p", { class: "hint" }, error.message)]); // gone; the page says so elsewhere
+    if (number !== this.#asked || label !== this.#label) return;
+    if (answers.length > 0) this.why.replaceChildren(...answers);
+    if (this.ages.childElementCount === 0 && questions.length > 0) this.ages.append(agesOf(questions[0]));
+    this.#timer = setTimeout(() => this.#explain(), askPeriod);
+  }
+
+  #answers(label, questions) {
+    if (label === everything) return explainAll((one) => this.address.change({ chosen: one }));
+    return questions.length > 0 ? explain(questions) : explainLonely(label);
+  }
+
+  draw(time) {
+    if (this.#label === "" || this.#label === everything || time - this.#lastDraw < drawPeriod) return;
+    this.#lastDraw = time;
+    const row = this.model.byLabel.get(this.#label);
+    if (row) this.#drawRow(row);
+    const node = this.model.nodes.get(nodeOf(`${this.#label}/`, this.model.nodes));
+    this.#fill(this.node, node ? this.#nodeEntries(node) : []);
+  }
+
+  #drawRow(row) {
+    const now = this.model.clock.now();
+    const value = row.shownValue;
+    this.#fill(this.now, [
+      ["label", row.label],
+      ["type", `${row.type}, ${row.isOut ? "out-slot" : row.sensor ? `in-slot of sensor ${row.sensor}` : "in-slot"}`],
+      ["value", row.refusal || (value === undefined ? "none yet" : valueText(value))],
+      ["age", row.lastMoved === undefined ? "never" : ageText(now - row.lastMoved)],
+      ["records", rateText(row.shownRate)],
+      ...(row.sources.length > 0 ? [["from", row.sources.map(({ label }) => label).join(", ")]] : []),
+    ]);
+    const counts = Object.entries(row.slot).filter(([name, count]) => !notCounts.has(name) && typeof count === "number");
+    this.#fill(this.counts, counts.map(([name, count]) => [countName(name), String(count)]));
+  }
+
+  #nodeEntries({ node, type, state, reason, settings, remarks, counts }) {
+    return [
+      ["node", `${node} (${type})`],
+      ["state", reason ? `${state}: ${reason}` : state],
+      ...(settings ? [["settings", typeof settings === "string" ? settings : JSON.stringify(settings)]] : []),
+      ...Object.entries(remarks ?? {}),
+      ...Object.entries(counts ?? {}).map(([name, count]) => [name, String(count)]),
+    ];
+  }
+
+  // Texts change, but the lines mostly stay, so that somebody can mark and copy them.
+  #fill(place, entries) {
+    const terms = place.querySelectorAll("dt");
+    const isSame = terms.length === entries.length && entries.every(([name], i) => terms[i].textContent === name);
+    if (!isSame) place.replaceChildren(...(entries.length > 0 ? [list(entries)] : []));
+    else place.querySelectorAll("dd").forEach((value, i) => setText(value, entries[i][1]));
+  }
+}

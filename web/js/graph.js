@@ -1,0 +1,137 @@
+// The graph: the text of the host as a picture, with what flows on its arrows.
+
+import { make, makeSvg, setText } from "./dom.js";
+import { askText } from "./host.js";
+import { readLayout } from "./layout.js";
+import { PanZoom } from "./panzoom.js";
+import { whyMissing } from "./parts.js";
+import { isFound } from "./row.js";
+import { rateText } from "./text.js";
+
+const drawPeriod = 250; // milliseconds
+const askPeriod = 2_000;
+
+export class Graph {
+  #worker = null;
+  #number = 0; // of the newest question to the worker
+  #dot = "";
+  #picture = { boxes: [], arrows: [], frames: [] };
+  #labels = new Map(); // by the ids of boxes that a route leads to
+  #lastDraw = 0;
+  #lastAsked = -Infinity;
+
+  constructor(model, address) {
+    this.model = model;
+    this.address = address;
+    this.svg = makeSvg("svg", { class: "graph", role: "group", "aria-label": "Graph of slots and routes" });
+    this.note = make("p", { class: "hint" }, "Laying the graph out …");
+    this.element = make("div", { class: "graph-view" }, this.note, this.svg);
+    this.panZoom = new PanZoom(this.svg);
+  }
+
+  update() {
+    this.#lastDraw = 0;
+  }
+
+  draw(time) {
+    if (time - this.#lastAsked > askPeriod && this.model.goneSince === undefined) {
+      this.#lastAsked = time;
+      this.#ask();
+    }
+    if (time - this.#lastDraw < drawPeriod) return;
+    this.#lastDraw = time;
+    for (const shape of [...this.#picture.arrows, ...this.#picture.boxes, ...this.#picture.frames]) shape.draw?.();
+  }
+
+  async #ask() {
+    try {
+      const dot = await askText("/graph", { form: "dot" });
+      if (dot === this.#dot) return;
+      this.#dot = dot;
+      await this.model.readRoutes();
+      this.#workerFor().postMessage({ number: (this.#number += 1), dot });
+    } catch (error) {
+      if (!(error instanceof TypeError)) this.#say(error.message);
+    }
+  }
+
+  #workerFor() {
+    if (this.#worker) return this.#worker;
+    this.#worker = new Worker("/js/layout-worker.js", { type: "module" });
+    this.#worker.onerror = async () => this.#say((await whyMissing("/parts/viz.js")) ?? "The graph cannot be laid out.");
+    this.#worker.onmessage = ({ data: { number, layout, problem } }) => {
+      if (number !== this.#number) return;
+      if (problem) this.#say(`The graph cannot be laid out: ${problem}`);
+      else this.#show(readLayout(layout));
+    };
+    return this.#worker;
+  }
+
+  #say(text) {
+    this.note.hidden = false;
+    setText(this.note, text);
+  }
+
+  #show(picture) {
+    this.note.hidden = picture.boxes.length > 0;
+    if (picture.boxes.length === 0) this.#say("There is nothing to draw: the host has no slots.");
+    this.#picture = picture;
+    this.#labels = new Map(this.model.pairs.flatMap(({ from, to, tail, head }) => [[tail, from], [head, to]]));
+    this.svg.replaceChildren(
+      ...picture.frames.map((frame) => this.#frame(frame)),
+      ...picture.boxes.map((box) => this.#box(box)),
+      ...picture.arrows.map((arrow) => this.#arrow(arrow)),
+    );
+    this.panZoom.fit(picture.width, picture.height);
+    this.#lastDraw = 0;
+  }
+
+  // Something that can be chosen, by mouse and keyboard.
+  #shape(kind, label, says, ...children) {
+    const choose = () => this.address.change({ chosen: label });
+    return makeSvg("g", { class: kind, role: "button", tabindex: "0", "aria-label": says, "data-label": label, onclick: choose,
+      onkeydown: ({ key }) => key === "Enter" && choose() }, ...children);
+  }
+
+  #frame(frame) {
+    const { name, label, x, y, width, height } = frame;
+    const shape = this.#shape("frame", name, label, makeSvg("rect", { x, y, width, height, rx: 4 }),
+      makeSvg("text", { x: x + width / 2, y: y + 16 }, label));
+    frame.draw = () => shape.classList.toggle("degraded", (this.model.nodes.get(name)?.state ?? "running") !== "running");
+    return shape;
+  }
+
+  #box(box) {
+    const { id, name, label, x, y, width, height, isMissing, isSensor } = box;
+    const slot = this.#labels.get(id) ?? name;
+    const shape = this.#shape("box", slot, label, makeSvg("rect", { x, y, width, height, rx: 6 }),
+      makeSvg("text", { x: x + width / 2, y: y + height / 2 + 5 }, label));
+    shape.classList.toggle("missing", isMissing);
+    shape.classList.toggle("sensor", isSensor);
+    box.draw = () => {
+      const row = this.model.byLabel.get(slot);
+      const { search, chosen } = this.address.state;
+      shape.classList.toggle("unfound", search !== "" && !(row && isFound(row, search)));
+      shape.classList.toggle("chosen", row !== undefined && row.label === chosen);
+    };
+    return shape;
+  }
+
+  // An arrow is red where its route does not connect, and where nothing has come for a while.
+  #arrow(arrow) {
+    const { tail, head, path, tip, at, isBroken, isDotted, why } = arrow;
+    const [from, to] = [tail, head].map((id) => this.#labels.get(id) ?? id);
+    const rate = makeSvg("text", { x: at[0], y: at[1] + 4 });
+    const shape = this.#shape("arrow", to, `${from} to ${to}`, makeSvg("title", {}, why || `${from} → ${to}`),
+      makeSvg("path", { class: "wide", d: path }), makeSvg("path", { d: path }), makeSvg("path", { class: "tip", d: tip }), rate);
+    shape.dataset.from = from;
+    shape.classList.toggle("dotted", isDotted);
+    arrow.draw = () => {
+      const row = this.model.byLabel.get(from);
+      const isInside = isDotted || !row?.isOut; // a node, or a link between fields
+      shape.dataset.kind = isBroken ? "broken" : isInside ? "inside" : row.isStill(this.model.clock.now()) ? "still" : "flows";
+      setText(rate, isInside || isBroken ? "" : rateText(row.rate));
+    };
+    return shape;
+  }
+}

@@ -1,0 +1,26 @@
+// Lays the graph of the host out, beside the page, for a large one takes a while. Gets {number, dot}, answers {number, layout}
+// or {number, problem}.
+
+import { instance } from "/parts/viz.js";
+
+const maxLabel = 60; // characters; a label without end would make the picture as wide
+const roomForRate = "00000/s";
+
+const viz = instance();
+
+function cutLabels(dot) {
+  return dot.replace(/(\blabel=")((?:[^"\\]|\\.)*)"/g, (_, head, label) => {
+    const characters = label.match(/\\.|./gsu) ?? [];
+    return `${head}${characters.length > maxLabel ? `${characters.slice(0, maxLabel).join("")}…` : label}"`;
+  });
+}
+
+onmessage = async ({ data: { number, dot } }) => {
+  try {
+    const made = (await viz).render(cutLabels(dot), { format: "json", edgeAttributes: { label: roomForRate } });
+    if (made.status !== "success") throw new Error(made.errors.map(({ message }) => message).join("; "));
+    postMessage({ number, layout: JSON.parse(made.output) });
+  } catch (error) {
+    postMessage({ number, problem: error.message });
+  }
+};

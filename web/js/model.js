@@ -1,0 +1,155 @@
+// What is known of the host: its slots, sensors and nodes, and the records that come.
+
+import { HostClock } from "./clock.js";
+import { ask } from "./host.js";
+import { relaysIn } from "./routes.js";
+import { Row } from "./row.js";
+import { Stream } from "./stream.js";
+
+const refreshPeriod = 2_000; // milliseconds
+const keyOf = ({ direction, label }) => `${direction} ${label}`;
+
+/**
+ * Events: "structure" when slots, sensors or routes are others than before, "counts" after each look at the host, "connection" when it
+ * has gone or come back. For each record of a slot that is plotted, onPlotted(row, time, value) is called, and onGap(row) where
+ * records are missing: of that row, or of all without one.
+ */
+export class Model extends EventTarget {
+  rows = []; // those of sensors first
+  byLabel = new Map();
+  nodes = new Map(); // by the path
+  pairs = []; // of slots that a route joins, or should: {from, to, tail, head, reason}
+  relays = new Set(); // paths of nodes that pass on what they get
+  host = {};
+  clock = new HostClock();
+  problem = ""; // what was wrong with the last look
+  goneSince = undefined; // milliseconds since 1970; undefined while the host is there
+  taken = 0; // records in all
+  dropped = 0; // records that the server says are missing
+  onPlotted = () => {};
+  onGap = () => {};
+  #known = new Map(); // rows by direction and label
+  #outs = new Map(); // by label
+  #asked = []; // labels of slots that somebody looks at
+  #structure = "";
+  #stream;
+
+  constructor() {
+    super();
+    this.#stream = new Stream({
+      onRecord: (label, time, stamp, value) => this.#take(this.#outs.get(label), time, stamp, value),
+      onBatch: (time) => this.clock.note(time),
+      onDropped: (count) => (this.dropped += count),
+      onGap: (label) => this.onGap(this.#outs.get(label)),
+      onRefused: (label, why) => {
+        if (this.#outs.has(label)) this.#outs.get(label).refusal = why;
+      },
+      onOpen: () => this.#open(),
+      onGone: () => this.#close(),
+    });
+    this.#refreshAlways();
+  }
+
+  /** Counts rates anew; to be called once a second. */
+  measure(seconds) {
+    const now = this.clock.now();
+    for (const row of this.#outs.values()) row.measure(seconds, now);
+  }
+
+  /** Somebody looks at these slots, so sequences among them, or among what feeds them, are wanted, too. */
+  lookAt(labels) {
+    this.#asked = labels;
+    this.#watch();
+  }
+
+  /** The routes may be others. */
+  async readRoutes() {
+    const [flow, graph] = await Promise.all([ask("/flow"), ask("/graph", { form: "json" })]);
+    this.pairs = flow.edges;
+    this.relays = relaysIn(graph);
+    for (const row of this.rows) row.sources = [];
+    for (const { from, to, reason } of this.pairs) {
+      const source = this.#outs.get(from);
+      const target = this.#known.get(keyOf({ direction: "in", label: to }));
+      if (!reason && source && target && !target.sources.includes(source)) target.sources.push(source);
+    }
+    this.#watch();
+    this.dispatchEvent(new Event("structure"));
+  }
+
+  #watch() {
+    const rows = this.#asked.flatMap((label) => this.byLabel.get(label) ?? []);
+    const asked = new Set(rows.flatMap((row) => [row, ...row.sources]));
+    const shown = [...this.#outs.values()].filter((row) => !row.isSequence || asked.has(row));
+    this.#stream.watch(shown.map(({ label }) => label));
+    this.#stream.retry(shown.filter(({ refusal }) => refusal).map(({ label }) => label));
+  }
+
+  #take(row, time, stamp, value) {
+    this.taken += 1;
+    if (!row) return;
+    row.take(time, stamp, value);
+    if (row.isPlotted) this.onPlotted(row, time, value);
+  }
+
+  #open() {
+    for (const row of this.rows) row.begin();
+    this.clock.begin();
+    this.goneSince = undefined;
+    this.dispatchEvent(new Event("connection"));
+    this.#refresh();
+  }
+
+  #close() {
+    this.onGap();
+    this.goneSince ??= Date.now();
+    this.dispatchEvent(new Event("connection"));
+  }
+
+  async #refreshAlways() {
+    for (;;) {
+      await new Promise((resolve) => setTimeout(resolve, refreshPeriod));
+      if (!document.hidden && this.goneSince === undefined) await this.#refresh();
+    }
+  }
+
+  async #refresh() {
+    try {
+      const [host, slots, nodes] = await Promise.all([ask("/host"), ask("/slots"), ask("/nodes")]);
+      this.host = host;
+      this.nodes = new Map(nodes.map((node) => [node.node, node]));
+      const structure = JSON.stringify([host.started, slots.map(({ label, type, direction, active, sensor }) => [label, type, direction, active, sensor])]);
+      this.#setSlots(slots);
+      if (structure !== this.#structure) await this.readRoutes();
+      this.#structure = structure;
+      if (this.rows.some((row) => row.sensor && row.sources.length === 0)) await this.#poll();
+      this.problem = "";
+    } catch (error) {
+      this.problem = error instanceof TypeError ? "" : error.message; // the stream tells of a host that has gone
+    }
+    this.dispatchEvent(new Event("counts"));
+  }
+
+  /** What no out-slot tells: the fields of sensors that no route leads to. */
+  async #poll() {
+    for (const sensor of await ask("/sensors")) {
+      const row = this.#known.get(keyOf({ direction: "in", label: sensor.label }));
+      if (row) row.polled = sensor.value;
+    }
+  }
+
+  #setSlots(slots) {
+    const known = new Map();
+    for (const slot of slots) {
+      const before = this.#known.get(keyOf(slot));
+      const row = before?.type === slot.type ? before : new Row(slot);
+      row.update(slot);
+      known.set(keyOf(slot), row);
+    }
+    this.#known = known;
+    const rows = [...known.values()];
+    this.rows = [...rows.filter(({ sensor }) => sensor), ...rows.filter(({ sensor }) => !sensor)];
+    this.#outs = new Map(rows.filter(({ isOut }) => isOut).map((row) => [row.label, row]));
+    this.byLabel = new Map(rows.map((row) => [row.label, row]));
+  }
+}
