@@ -2,6 +2,7 @@
 
 import { agesOf } from "./ages.js";
 import { make, setText } from "./dom.js";
+import { Plot, plotLibrary } from "./plot.js";
 import { nodeOf, questionsFor } from "./routes.js";
 import { countName, ageText, rateText, valueText } from "./text.js";
 import { explain, explainAll, explainLonely } from "./why.js";
@@ -9,6 +10,7 @@ import { explain, explainAll, explainLonely } from "./why.js";
 export const everything = "*"; // chosen to see all that does not flow; no slot is called so
 const askPeriod = 3_000; // milliseconds
 const drawPeriod = 200;
+const plotHeight = 150; // points of the screen
 const pause = 150; // for somebody who runs through the table
 const notCounts = new Set(["label", "short", "direction", "type", "schema", "active", "lastStamp", "sensor"]);
 
@@ -18,16 +20,19 @@ const list = (entries) =>
 export class Details {
   #label = "";
   #row = undefined;
+  #plotted = null;
   #lastDraw = 0;
   #asked = 0; // the newest round of questions
   #timer = 0;
 
-  constructor(model, address, element) {
+  constructor(model, address, data, element) {
+    this.data = data;
     this.model = model;
     this.address = address;
     this.element = element;
     this.now = make("div");
     this.why = make("div", { "aria-live": "polite" });
+    this.plot = make("div");
     this.ages = make("div");
     this.counts = make("div");
     this.node = make("div");
@@ -41,11 +46,22 @@ export class Details {
     this.#label = chosen;
     this.#row = row;
     this.element.hidden = chosen === "";
-    for (const part of [this.now, this.why, this.ages, this.counts, this.node]) part.replaceChildren();
-    this.element.replaceChildren(this.#head(chosen), this.why, this.now, this.ages, this.counts, this.node);
+    for (const part of [this.why, this.now, this.plot, this.ages, this.counts, this.node]) part.replaceChildren();
+    this.element.replaceChildren(this.#head(chosen), this.why, this.now, this.plot, this.ages, this.counts, this.node);
     clearTimeout(this.#timer);
     if (chosen !== "") this.#timer = setTimeout(() => this.#explain(), pause);
     this.#lastDraw = 0;
+    this.#plotted?.destroy();
+    this.#plotted = null;
+    if (row) this.#prepare(row);
+  }
+
+  // Without what draws plots, the other details are there; the view of plots tells what to do.
+  async #prepare(row) {
+    const uPlot = await plotLibrary().catch(() => undefined);
+    if (!uPlot || row !== this.#row || this.#plotted) return;
+    this.#plotted = new Plot(uPlot, row.type, plotHeight);
+    this.plot.append(this.#plotted.element);
   }
 
   #head(chosen) {
@@ -57,14 +73,16 @@ export class Details {
   }
 
   async #explain() {
+    const { pairs, relays } = this.model;
     const number = (this.#asked += 1);
     const label = this.#label;
-    const questions = questionsFor(label, this.model.pairs, this.model.relays);
+    const questions = questionsFor(label, pairs, relays);
     const answers = await this.#answers(label, questions).catch((error) =>
       error instanceof TypeError ? [] : [make("p", { class: "hint" }, error.message)]); // gone; the page says so elsewhere
     if (number !== this.#asked || label !== this.#label) return;
     if (answers.length > 0) this.why.replaceChildren(...answers);
-    if (this.ages.childElementCount === 0 && questions.length > 0) this.ages.append(agesOf(questions[0]));
+    const whole = questions.find(({ isBroken }) => !isBroken);
+    if (this.ages.childElementCount === 0 && whole) this.ages.append(agesOf(whole));
     this.#timer = setTimeout(() => this.#explain(), askPeriod);
   }
 
@@ -78,8 +96,16 @@ export class Details {
     this.#lastDraw = time;
     const row = this.model.byLabel.get(this.#label);
     if (row) this.#drawRow(row);
-    const node = this.model.nodes.get(nodeOf(`${this.#label}/`, this.model.nodes));
+    this.#plotted?.draw(this.data.ringOf(this.#label), this.model.clock.now());
+    const node = this.#owner();
     this.#fill(this.node, node ? this.#nodeEntries(node) : []);
+  }
+
+  // That is chosen, whose slot is, or that feeds the one that is.
+  #owner() {
+    const { nodes, pairs, relays } = this.model;
+    const own = nodeOf(`${this.#label}/`, nodes);
+    return nodes.get(own || nodeOf(questionsFor(this.#label, pairs, relays)[0]?.from ?? "", nodes));
   }
 
   #drawRow(row) {

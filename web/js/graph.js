@@ -121,7 +121,7 @@ export class Graph {
   #arrow(arrow) {
     const { tail, head, path, tip, at, isBroken, isDotted, why } = arrow;
     const [from, to] = [tail, head].map((id) => this.#labels.get(id) ?? id);
-    const rate = makeSvg("text", { x: at[0], y: at[1] + 4 });
+    const rate = makeSvg("text", { x: at[0], y: at[1] + 2 });
     const shape = this.#shape("arrow", to, `${from} to ${to}`, makeSvg("title", {}, why || `${from} → ${to}`),
       makeSvg("path", { class: "wide", d: path }), makeSvg("path", { d: path }), makeSvg("path", { class: "tip", d: tip }), rate);
     shape.dataset.from = from;

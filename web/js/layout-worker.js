@@ -8,8 +8,9 @@ const roomForRate = "00000/s";
 
 const viz = instance();
 
-function cutLabels(dot) {
-  return dot.replace(/(\blabel=")((?:[^"\\]|\\.)*)"/g, (_, head, label) => {
+// The widths of sans-serif letters are not known there; those of Helvetica are.
+function prepared(dot) {
+  return dot.replaceAll('fontname="sans-serif"', 'fontname="Helvetica"').replace(/(\blabel=")((?:[^"\\]|\\.)*)"/g, (_, head, label) => {
     const characters = label.match(/\\.|./gsu) ?? [];
     return `${head}${characters.length > maxLabel ? `${characters.slice(0, maxLabel).join("")}…` : label}"`;
   });
@@ -17,7 +18,7 @@ function cutLabels(dot) {
 
 onmessage = async ({ data: { number, dot } }) => {
   try {
-    const made = (await viz).render(cutLabels(dot), { format: "json", edgeAttributes: { label: roomForRate } });
+    const made = (await viz).render(prepared(dot), { format: "json", edgeAttributes: { label: roomForRate } });
     if (made.status !== "success") throw new Error(made.errors.map(({ message }) => message).join("; "));
     postMessage({ number, layout: JSON.parse(made.output) });
   } catch (error) {

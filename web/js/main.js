@@ -24,7 +24,7 @@ const views = {
   plots: new Plots(model, address, data),
   poses: new Poses(model, address),
 };
-const details = new Details(model, address, at("details"));
+const details = new Details(model, address, data, at("details"));
 const status = new Status(model, { title: at("title"), status: at("status"), notice: at("notice") });
 new Keys(address, search, at("help"));
 
@@ -42,8 +42,9 @@ function update() {
   if (search.value !== words) search.value = words;
   for (const tab of tabs) tab.setAttribute("aria-current", tab.dataset.view === view ? "page" : "false");
   setText(tabs[viewNames.indexOf("plots")], plots.length > 0 ? `plots ${plots.length}` : "plots");
-  data.setLabels(plots);
-  model.lookAt([...plots, chosen]);
+  const seen = [...new Set([...plots, chosen])];
+  data.setLabels(seen);
+  model.lookAt(seen);
   if (shown !== view) {
     at("view").replaceChildren(views[view].element);
     views[view].show?.();

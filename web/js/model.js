@@ -7,11 +7,12 @@ import { Row } from "./row.js";
 import { Stream } from "./stream.js";
 
 const refreshPeriod = 2_000; // milliseconds
+const problemOf = (error) => (error instanceof TypeError ? "" : error.message); // of a host that has gone the stream tells
 const keyOf = ({ direction, label }) => `${direction} ${label}`;
 
 /**
  * Events: "structure" when slots, sensors or routes are others than before, "counts" after each look at the host, "connection" when it
- * has gone or come back. For each record of a slot that is plotted, onPlotted(row, time, value) is called, and onGap(row) where
+ * has gone or come back. For each record of a slot that is plotted, onPlotted(row) is called, and onGap(row) where
  * records are missing: of that row, or of all without one.
  */
 export class Model extends EventTarget {
@@ -32,6 +33,7 @@ export class Model extends EventTarget {
   #outs = new Map(); // by label
   #asked = []; // labels of slots that somebody looks at
   #structure = "";
+  #refreshing = undefined;
   #stream;
 
   constructor() {
@@ -52,8 +54,7 @@ export class Model extends EventTarget {
 
   /** Counts rates anew; to be called once a second. */
   measure(seconds) {
-    const now = this.clock.now();
-    for (const row of this.#outs.values()) row.measure(seconds, now);
+    for (const row of this.#outs.values()) row.measure(seconds);
   }
 
   /** Somebody looks at these slots, so sequences among them, or among what feeds them, are wanted, too. */
@@ -80,7 +81,8 @@ export class Model extends EventTarget {
   #watch() {
     const rows = this.#asked.flatMap((label) => this.byLabel.get(label) ?? []);
     const asked = new Set(rows.flatMap((row) => [row, ...row.sources]));
-    const shown = [...this.#outs.values()].filter((row) => !row.isSequence || asked.has(row));
+    for (const row of this.#outs.values()) row.isWatched = !row.isSequence || asked.has(row);
+    const shown = [...this.#outs.values()].filter(({ isWatched }) => isWatched);
     this.#stream.watch(shown.map(({ label }) => label));
     this.#stream.retry(shown.filter(({ refusal }) => refusal).map(({ label }) => label));
   }
@@ -89,7 +91,7 @@ export class Model extends EventTarget {
     this.taken += 1;
     if (!row) return;
     row.take(time, stamp, value);
-    if (row.isPlotted) this.onPlotted(row, time, value);
+    if (row.isPlotted) this.onPlotted(row);
   }
 
   #open() {
@@ -104,28 +106,41 @@ export class Model extends EventTarget {
     this.onGap();
     this.goneSince ??= Date.now();
     this.dispatchEvent(new Event("connection"));
+    this.#askWhy();
+  }
+
+  // Browsers do not say why a stream is refused; a question is answered with the cause.
+  async #askWhy() {
+    this.problem = await ask("/host").then(() => "", problemOf);
+    this.dispatchEvent(new Event("connection"));
   }
 
   async #refreshAlways() {
     for (;;) {
-      await new Promise((resolve) => setTimeout(resolve, refreshPeriod));
       if (!document.hidden && this.goneSince === undefined) await this.#refresh();
+      await new Promise((resolve) => setTimeout(resolve, refreshPeriod));
     }
   }
 
-  async #refresh() {
+  #refresh() {
+    return (this.#refreshing ??= this.#look().finally(() => (this.#refreshing = undefined)));
+  }
+
+  // Names first, so that they are shown and asked for at once.
+  async #look() {
     try {
-      const [host, slots, nodes] = await Promise.all([ask("/host"), ask("/slots"), ask("/nodes")]);
+      const [host, slots] = await Promise.all([ask("/host"), ask("/slots")]);
       this.host = host;
-      this.nodes = new Map(nodes.map((node) => [node.node, node]));
       const structure = JSON.stringify([host.started, slots.map(({ label, type, direction, active, sensor }) => [label, type, direction, active, sensor])]);
       this.#setSlots(slots);
+      if (structure !== this.#structure) this.#watch();
+      this.nodes = new Map((await ask("/nodes")).map((node) => [node.node, node]));
       if (structure !== this.#structure) await this.readRoutes();
       this.#structure = structure;
       if (this.rows.some((row) => row.sensor && row.sources.length === 0)) await this.#poll();
       this.problem = "";
     } catch (error) {
-      this.problem = error instanceof TypeError ? "" : error.message; // the stream tells of a host that has gone
+      this.problem = problemOf(error);
     }
     this.dispatchEvent(new Event("counts"));
   }
@@ -143,7 +158,7 @@ export class Model extends EventTarget {
     for (const slot of slots) {
       const before = this.#known.get(keyOf(slot));
       const row = before?.type === slot.type ? before : new Row(slot);
-      row.update(slot);
+      row.update(slot, this.clock.now());
       known.set(keyOf(slot), row);
     }
     this.#known = known;

@@ -10,7 +10,7 @@ export class PlotData {
 
   constructor(model) {
     this.model = model;
-    model.onPlotted = (row, time, value) => this.#take(row, time, value);
+    model.onPlotted = (row) => this.#take(row);
     model.onGap = (row) => {
       const labels = row ? this.#plots.get(row) ?? [] : [...this.#rings.keys()];
       for (const label of labels) this.#rings.get(label)?.breakLine();
@@ -36,14 +36,14 @@ export class PlotData {
     return this.#rings.get(label);
   }
 
-  #take(row, time, value) {
-    const numbers = numbersOf(value, this.#numbers);
+  #take(row) {
+    const numbers = numbersOf(row.value, this.#numbers);
     if (numbers.length === 0) return;
     for (const label of this.#plots.get(row) ?? []) {
       const known = this.#rings.get(label);
       const ring = known?.components === numbers.length ? known : new Ring(numbers.length);
       if (ring !== known) this.#rings.set(label, ring);
-      ring.add(time, numbers);
+      ring.add(row.moved, numbers);
     }
   }
 }

@@ -19,7 +19,7 @@ export function nodeOf(label, nodes) {
 }
 
 /**
- * The questions {from, to} that explain a slot, from pairs {from, to, reason}, with a reason where they are not connected. For an in-slot
+ * The questions {from, to, isBroken} that explain a slot, from pairs {from, to, reason}, with a reason where they are not connected. For an in-slot
  * they are the ways on which records come to it, through nodes that pass them on, each from where it begins, or where it is
  * broken; for an out-slot the pairs that it begins.
  */
@@ -32,11 +32,11 @@ export function questionsFor(label, pairs, relays) {
     for (const pair of pairs.filter((one) => one.to === to)) {
       const relay = nodeOf(pair.from, relays);
       const before = pairs.filter((one) => relay && nodeOf(one.to, relays) === relay);
-      if (pair.reason) found.push({ from: pair.from, to });
+      if (pair.reason) found.push({ from: pair.from, to, isBroken: true });
       else if (before.length === 0) found.push({ from: pair.from, to: label });
       else new Set(before.map((one) => one.to)).forEach(walkUp);
     }
   };
   walkUp(label);
-  return found.length > 0 ? found : pairs.filter(({ from }) => from === label).map(({ from, to }) => ({ from, to }));
+  return found.length > 0 ? found : pairs.filter(({ from }) => from === label).map(({ from, to, reason }) => ({ from, to, isBroken: reason !== "" }));
 }

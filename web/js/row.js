@@ -11,20 +11,21 @@ export class Row {
   count = 0; // records that this page has taken
   rate = 0; // records a second
   refusal = ""; // why the host does not show its records
+  isWatched = false; // its records come
   isPlotted = false;
   #isFirst = true;
   #counted = 0;
-  #written = undefined;
+  #written = { count: Infinity, time: Infinity }; // as the host said it last
 
   constructor(slot) {
     this.label = slot.label;
     this.type = slot.type;
     this.isOut = slot.direction === "out";
-    this.update(slot);
   }
 
   /** Takes the counts that the host tells now. */
-  update(slot) {
+  update(slot, now) {
+    if (this.isOut && !this.isWatched) this.#measureWritten(slot.written, now);
     this.slot = slot;
     this.sensor = slot.sensor ?? "";
     this.title = this.sensor || slot.short || slot.label;
@@ -50,14 +51,18 @@ export class Row {
     this.count += 1;
   }
 
-  /** Counts once a second what came; where no records are shown, what the host says was written. */
-  measure(seconds, now) {
-    const isWatched = this.count > 0;
-    const count = isWatched ? this.count : this.slot.written ?? 0;
-    if (!isWatched && this.#written !== undefined && count > this.#written) this.moved = now;
-    if (!isWatched) this.#written = count;
-    this.rate = Math.max(count - this.#counted, 0) / seconds;
-    this.#counted = count;
+  /** Counts once a second what came. */
+  measure(seconds) {
+    if (this.isWatched) this.rate = (this.count - this.#counted) / seconds;
+    this.#counted = this.count;
+  }
+
+  /** Where no records are shown, the host says how many were written: by then, in seconds of its clock. */
+  #measureWritten(written, now) {
+    const { count, time } = this.#written;
+    if (written > count) this.moved = now;
+    if (now > time) this.rate = Math.max(written - count, 0) / (now - time);
+    this.#written = { count: written, time: now };
   }
 
   /** Of what feeds it, the one that moved last; undefined where nothing does. */

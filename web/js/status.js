@@ -6,6 +6,13 @@ const slowAfter = 0.5; // seconds
 
 const number = new Intl.NumberFormat("en");
 
+function noticeOf(goneSince, problem) {
+  if (problem) return `The host says: ${problem}`;
+  if (goneSince === undefined) return "";
+  const since = new Date(goneSince).toLocaleTimeString();
+  return `The host has not answered since ${since}. What is shown is from before; it is tried again all the time.`;
+}
+
 export class Status {
   #taken = 0;
   #slow = 0; // how many seconds it has been so
@@ -44,10 +51,8 @@ export class Status {
     setText(this.state, goneSince === undefined ? (host.pid ? "connected" : "connecting …") : "gone");
     this.state.classList.toggle("bad", goneSince !== undefined);
     document.body.classList.toggle("gone", goneSince !== undefined);
-    const since = goneSince && new Date(goneSince).toLocaleTimeString();
-    const notice = goneSince === undefined ? problem && `The host says: ${problem}` :
-      `The host has not answered since ${since}. What is shown is from before; it is tried again all the time.`;
-    this.places.notice.hidden = !notice;
-    setText(this.places.notice, notice || "");
+    const notice = noticeOf(goneSince, problem);
+    this.places.notice.hidden = notice === "";
+    setText(this.places.notice, notice);
   }
 }
