@@ -26,7 +26,8 @@ int known(const Explanation& explanation, const std::string& from)
         return explanation._verdict == Verdict::NoRoute ? 4 : 5;
     const std::string* missing = explanation.findText("label");
     const bool hasHint = explanation._verdict != Verdict::NoSuchLabel || explanation.findText("nearest");
-    return (missing && *missing != from ? 2 : 0) + (hasHint ? 1 : 0);
+    const bool isOneThere = missing && (*missing != from || !explanation.findText("other end"));
+    return (isOneThere ? 2 : 0) + (hasHint ? 1 : 0);
 }
 
 // The node whose slot has the label: its label stands before the slot's.

@@ -162,6 +162,8 @@ TEST_F(AnswersTest, TellsEverythingThatDoesNotFlowTheWorstFirst)
     };
     Root::get().getNamespace("Context")->addRoute("Device/valve", "Head");
     EXPECT_EQ(verdicts(), (std::vector<std::string>{"no such label", "never written", "never written"}));
+    const json details = read("/why", {{"from", "Context/Device/valve"}, {"to", "Context/Head"}}).at("details");
+    EXPECT_FALSE(details.contains("other end")) << "it is there: " << details;
     Root::get().getNamespace("Context")->removeRoute("Device/valve", "Head");
     send(now());
     EXPECT_EQ(read("/why", {{"from", "Device/value"}, {"to", "stick"}}).at("verdict"), "unread");
