@@ -32,6 +32,7 @@ struct ScenePlaces {
     std::vector<std::string> _scenes; // paths of the files
     std::vector<Handler> _handlers;
     std::map<std::pair<std::string, std::string>, Sensor> _sensors; // by the path of the namespace and the label there
+    std::map<std::string, std::string> _settings;                   // of nodes, by their paths, as the files give them
     std::vector<Link> _links;
     std::vector<std::uint32_t> _checksums; // CRC-32 of the text of each file
 

@@ -105,9 +105,14 @@ Answer answerSensors(const Context& context, const Question&)
     return jsonAnswer(sensors);
 }
 
-Answer answerNodes(const Context&, const Question&)
+Answer answerNodes(const Context& context, const Question&)
 {
-    return jsonAnswer(Explain::nodesJson(Trovio::Root::get().inspect()));
+    const Explain::ScenePlaces places = placesOf(context);
+    Json nodes = Explain::nodesJson(Trovio::Root::get().inspect());
+    for (Json& node : nodes)
+        if (const auto known = places._settings.find(node.at("node")); known != places._settings.end())
+            node["settings"] = known->second;
+    return jsonAnswer(nodes);
 }
 
 Answer answerTypes(const Context&, const Question&)

@@ -1,5 +1,7 @@
 #include "scene/run/Places.h"
 
+#include "explain/TreeWalk.h"
+#include "scene/run/NodeLabels.h"
 #include "scene/run/Session.h"
 
 namespace Scenes {
@@ -11,10 +13,13 @@ void addPlaces(const SceneFile& file, const std::vector<PlacedHandler>& handlers
     places._checksums.push_back(file._checksum);
     for (const auto& [entry, path] : handlers) {
         places._handlers.push_back({scene, entry->_name._value, entry->_kind._value, path});
-        if (!path.empty())
-            for (const SensorEntry& sensor : file._sensors)
-                if (!sensor._label._value.empty())
-                    places._sensors[{path, sensor._label._value}] = {scene, sensor._name._value};
+        if (path.empty())
+            continue;
+        for (const SensorEntry& sensor : file._sensors)
+            if (!sensor._label._value.empty())
+                places._sensors[{path, sensor._label._value}] = {scene, sensor._name._value};
+        for (const LabelledNode& node : labelledNodes(*entry))
+            places._settings[Explain::pathBelow(path, node._label)] = node._entry->_second._value;
     }
     for (const LocatedPair& link : file._links)
         places._links.push_back({scene, link._first._value, link._second._value});
