@@ -17,6 +17,7 @@ export class Graph {
   #dot = "";
   #picture = { boxes: [], arrows: [], frames: [] };
   #labels = new Map(); // by the ids of boxes that a route leads to
+  #search = "";
   #lastDraw = 0;
   #lastAsked = -Infinity;
 
@@ -31,6 +32,19 @@ export class Graph {
 
   update() {
     this.#lastDraw = 0;
+    const { search } = this.address.state;
+    if (search !== this.#search) this.#showFound(search);
+    this.#search = search;
+  }
+
+  // All that was found, or what is chosen where nothing is searched for.
+  #showFound(search) {
+    const isMeant = (row) => row && (search === "" ? row.label === this.address.state.chosen : isFound(row, search));
+    const boxes = this.#picture.boxes.filter(({ slot }) => isMeant(this.model.byLabel.get(slot)));
+    if (boxes.length === 0) return;
+    const [left, top] = [Math.min(...boxes.map(({ x }) => x)), Math.min(...boxes.map(({ y }) => y))];
+    const [right, bottom] = [Math.max(...boxes.map(({ x, width }) => x + width)), Math.max(...boxes.map(({ y, height }) => y + height))];
+    this.panZoom.showPart({ x: left, y: top, width: right - left, height: bottom - top });
   }
 
   draw(time) {
@@ -82,7 +96,8 @@ export class Graph {
       ...picture.boxes.map((box) => this.#box(box)),
       ...picture.arrows.map((arrow) => this.#arrow(arrow)),
     );
-    this.panZoom.fit(picture.width, picture.height);
+    const isReadable = this.panZoom.fit(picture.width, picture.height);
+    if (!isReadable) this.#showFound(this.address.state.search);
     this.#lastDraw = 0;
   }
 
@@ -103,7 +118,7 @@ export class Graph {
 
   #box(box) {
     const { id, name, label, x, y, width, height, isMissing, isSensor } = box;
-    const slot = this.#labels.get(id) ?? name;
+    const slot = (box.slot = this.#labels.get(id) ?? name);
     const shape = this.#shape("box", slot, label, makeSvg("rect", { x, y, width, height, rx: 6 }),
       makeSvg("text", { x: x + width / 2, y: y + height / 2 + 5 }, label));
     shape.classList.toggle("missing", isMissing);

@@ -1,6 +1,8 @@
 // Moving and enlarging a picture, by mouse, finger and wheel.
 
 const maxZoom = 20;
+const margin = 10; // points
+const smallest = 2.5; // points of the picture for one of the screen, that can still be read
 
 /** Shows a part of an SVG by its viewBox. */
 export class PanZoom {
@@ -21,14 +23,26 @@ export class PanZoom {
     for (const name of ["pointerup", "pointerleave", "pointercancel"]) svg.addEventListener(name, () => (this.#last = null));
   }
 
-  /** The picture is another one: all of it is shown, small ones not larger than they are. */
+  /** The picture is another one: all of it is shown, or its beginning where nobody could read it all: then false. */
   fit(width, height) {
-    const { clientWidth, clientHeight } = this.svg;
-    const grown = Math.max(1, Math.min(clientWidth / width, clientHeight / height));
-    const margin = 10;
-    const [w, h] = [width * grown + 2 * margin, height * grown + 2 * margin];
-    this.#whole = [(width - w) / 2, (height - h) / 2, w, h];
+    this.#whole = this.#around({ x: 0, y: 0, width, height });
     this.#show(this.#whole);
+    if (this.#scale <= smallest) return true;
+    this.showPart({ x: 0, y: 0, width: Math.min(width, smallest * this.svg.clientWidth), height: 0 });
+    return false;
+  }
+
+  /** Shows a part of the picture, as large as may be, but not larger than it is. */
+  showPart(part) {
+    this.#show(this.#around(part));
+  }
+
+  // In the form of the screen, with a margin; what has no height begins at the top.
+  #around({ x, y, width, height }) {
+    const [wide, high] = [this.svg.clientWidth - 2 * margin, this.svg.clientHeight - 2 * margin];
+    const scale = Math.max(1, width / wide, height / high);
+    const [w, h] = [(wide + 2 * margin) * scale, (high + 2 * margin) * scale];
+    return [x + (width - w) / 2, height === 0 ? y - margin : y + (height - h) / 2, w, h];
   }
 
   #show(part) {

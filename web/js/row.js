@@ -83,8 +83,9 @@ export class Row {
   get lastMoved() {
     return this.newest?.moved;
   }
+  /** A page that lags behind still counts. */
   isStill(now) {
-    return !(now - this.lastMoved <= stillAfter);
+    return this.shownRate === 0 && !(now - this.lastMoved <= stillAfter);
   }
 }
 
