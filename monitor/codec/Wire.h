@@ -32,8 +32,11 @@ struct Wire<T> {
 
     static void put(CdrWriter& out, const T& value, const Trovio::Time&)
     {
-        for (std::size_t i = 0; i < Components::Count; ++i)
-            out.put(static_cast<Component>(Components::get(value, i)));
+        if constexpr (isCopied)
+            out.putRun<Component>(&value, Components::Count);
+        else
+            for (std::size_t i = 0; i < Components::Count; ++i)
+                out.put(static_cast<Component>(Components::get(value, i)));
     }
 
     static void get(CdrReader& in, T& value)

@@ -5,6 +5,7 @@
 #include "explain/text/Failure.h"
 #include "monitor/mcap/format/FileTime.h"
 
+#include <algorithm>
 #include <chrono>
 #include <stdexcept>
 
@@ -78,11 +79,13 @@ void RecorderWork::run()
     }
 }
 
+// A round that takes long is followed by the next one at once: large records fill their slots meanwhile.
 bool RecorderWork::waitForNextRound()
 {
+    _nextRound = std::max(_nextRound + roundTime, std::chrono::steady_clock::now());
     const Ostrel::LockGuard guard(_lock);
     if (!_ending)
-        _changed.wait_for(_lock, roundTime);
+        _changed.wait_until(_lock, _nextRound);
     return !_ending;
 }
 

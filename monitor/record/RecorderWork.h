@@ -3,6 +3,8 @@
 #include "monitor/record/OwnChannels.h"
 #include "monitor/record/SlotRecords.h"
 
+#include <chrono>
+
 namespace Monitor {
 
 /// One recording, and the thread that makes it: empties the taps into the file, looks for slots that came, and notes
@@ -43,6 +45,7 @@ private:
     SlotRecords _slots;
 
     // The thread's.
+    std::chrono::steady_clock::time_point _nextRound;
     double _nextFlush = 0;  // seconds of the steady clock
     bool _hasEnded = false; // by a problem
     bool _saidRoom = false;

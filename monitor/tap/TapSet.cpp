@@ -172,20 +172,23 @@ void TapSet::Round::sort()
     _order.clear();
     for (std::size_t i = 0; i < _count; ++i)
         _order.push_back(&_arrived[i]);
-    std::ranges::sort(_order, [](const Arrived* one, const Arrived* other) {
+    const auto comesBefore = [](const Arrived* one, const Arrived* other) {
         return std::pair(one->_record._arrival, one) < std::pair(other->_record._arrival, other);
-    });
+    };
+    if (!std::ranges::is_sorted(_order, comesBefore)) // what one tap held is in order
+        std::ranges::sort(_order, comesBefore);
 }
 
-/// Keeps memory for a round that is about as large, of records that are small.
+/// Keeps memory for a round that is about as large: taking new memory for large records costs as much as copying them.
+/// What this round did not need of it is given back.
 void TapSet::Round::forget()
 {
     constexpr std::size_t someRecords = 1'024, someBytes = 1'024;
     _watched.clear();
     _arrived.resize(std::min(_arrived.size(), 2 * _count + someRecords));
-    for (Arrived& arrived : _arrived)
-        if (arrived._record._cdr.capacity() > someBytes)
-            Bytes().swap(arrived._record._cdr);
+    for (std::size_t i = _count; i < _arrived.size(); ++i)
+        if (Bytes& cdr = _arrived[i]._record._cdr; cdr.capacity() > someBytes)
+            Bytes().swap(cdr);
     _count = 0;
 }
 

@@ -148,6 +148,7 @@ TEST_F(TapSetTest, ARecordThatThereIsNoMemoryForIsRefusedAlone)
     pushThree();
     ASSERT_EQ(drain(taps), 3U);
     for (std::uint64_t nth = 1; nth <= 3; ++nth) {
+        ASSERT_EQ(drain(taps), 0U) << "and gives back what it did not need";
         pushThree();
         std::size_t count = 0;
         {

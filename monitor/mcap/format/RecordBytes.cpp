@@ -1,5 +1,8 @@
 #include "monitor/mcap/format/RecordBytes.h"
 
+#ifdef OSTREL_HAS_LIBDEFLATE
+#include <libdeflate.h>
+#endif
 #include <zlib.h>
 
 namespace Monitor::Mcap {
@@ -75,9 +78,13 @@ void RecordBytes::metadata(const Metadata& metadata)
 
 std::uint32_t checksum(ByteView bytes, std::uint32_t before)
 {
-    if (bytes.empty()) // they may stand nowhere, and without an address zlib begins anew
+    if (bytes.empty()) // they may stand nowhere, and without an address the libraries begin anew
         return before;
+#ifdef OSTREL_HAS_LIBDEFLATE // by instructions made for it, where the processor has them
+    return libdeflate_crc32(before, bytes.data(), bytes.size());
+#else
     return static_cast<std::uint32_t>(crc32_z(before, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size()));
+#endif
 }
 
 std::uint32_t joinedChecksum(std::uint32_t first, std::uint32_t second, std::uint64_t length)

@@ -60,7 +60,7 @@ private:
     std::size_t _content = 0; // where that of the open record begins
 };
 
-/// zlib's CRC-32, which the format prescribes.
+/// The CRC-32 of zlib, which the format prescribes.
 std::uint32_t checksum(ByteView bytes, std::uint32_t before = 0);
 
 /// The checksum of bytes with `first` followed by `length` bytes with `second`.

@@ -40,8 +40,12 @@ Bytes headOf(const ChunkIndex& index, std::uint32_t recordsChecksum)
 ChunkMessages byChannel(const std::vector<std::pair<std::uint16_t, IndexEntry>>& entries)
 {
     ChunkMessages messages;
-    for (const auto& [channel, entry] : entries)
-        messages[channel].push_back(entry);
+    auto last = messages.end();
+    for (const auto& [channel, entry] : entries) {
+        if (last == messages.end() || last->first != channel)
+            last = messages.try_emplace(channel).first;
+        last->second.push_back(entry);
+    }
     return messages;
 }
 } // namespace

@@ -71,7 +71,8 @@ void Recording::flush()
         return;
     const std::size_t size = _chunk.size();
     ChunkBuilder full;
-    full.reserve(std::min(size, _limits._chunk), _chunk.messages()); // for the next one, which will be about as large
+    // For the next one, which will be about as large: with what went beyond the limit, else it moves in memory.
+    full.reserve(std::min(size, 2 * _limits._chunk), _chunk.messages());
     std::swap(full, _chunk);
     hand({[chunk = std::move(full)](GrowingFile& file) mutable { return file.add(std::move(chunk)); }, size});
 }
