@@ -4,11 +4,11 @@
 #include "monitor/mcap/format/RecordBytes.h"
 #include "monitor/mcap/format/RecordParts.h"
 
+#include <set>
+
 namespace Monitor::Mcap {
 
 namespace {
-
-constexpr std::uint64_t mostEnd = 268'435'456; // bytes of a summary that are read
 
 using Chunks = std::map<std::uint64_t, std::uint64_t>;
 
@@ -18,22 +18,65 @@ bool mayStandInSummary(Op op)
            op != Op::Attachment && op != Op::Metadata && op != Op::DataEnd;
 }
 
-// Whether the summary is made of whole records, and names exactly these chunks.
-bool names(ByteView summary, const Chunks& chunks)
-{
-    Chunks named;
-    while (!summary.empty()) {
-        const auto record = takeRecord(summary);
-        if (!record || !mayStandInSummary(record->_op))
-            return false;
-        if (record->_op != Op::ChunkIndex)
-            continue;
-        const auto index = parseChunkIndex(record->_content);
-        if (!index || !named.emplace(index->_offset, index->_length).second)
-            return false;
+/// Goes through a summary record by record: that of hours with a thousand slots is larger than what should be in
+/// memory at once.
+class SummaryWalk {
+public:
+    SummaryWalk(InputFile& file, std::uint64_t from, std::uint64_t end, const Chunks& chunks)
+        : _file(file), _end(end), _chunks(chunks), _at(from)
+    {
     }
-    return named == chunks;
-}
+
+    /// Whether it is made of whole records, such as stand in a summary.
+    bool isWhole()
+    {
+        while (_at != _end)
+            if (!next())
+                return false;
+        return true;
+    }
+
+    // Once it was found whole.
+    bool namesWhatIsThere() const { return !_namesOthers && _named.size() == _chunks.size(); }
+    std::uint32_t sum() const { return _sum; }
+
+private:
+    bool next()
+    {
+        std::array<std::byte, frameSize> frame;
+        if (_end - _at < frame.size() || !_file.read(_at, frame))
+            return false;
+        ByteCursor cursor(frame);
+        const auto op = cursor.number<Op>();
+        const auto length = cursor.number<std::uint64_t>();
+        if (!mayStandInSummary(op) || length > mostRecord || length > _end - _at - frame.size())
+            return false;
+        _content.resize(static_cast<std::size_t>(length));
+        if (!_file.read(_at + frame.size(), _content))
+            return false;
+        _sum = checksum(_content, checksum(frame, _sum));
+        _at += frame.size() + length;
+        if (op == Op::ChunkIndex)
+            note(parseChunkIndex(_content));
+        return true;
+    }
+
+    void note(const std::optional<ChunkIndex>& index)
+    {
+        const auto chunk = index ? _chunks.find(index->_offset) : _chunks.end();
+        const bool isThere = chunk != _chunks.end() && chunk->second == index->_length;
+        _namesOthers = _namesOthers || !isThere || !_named.insert(chunk->first).second;
+    }
+
+    InputFile& _file;
+    const std::uint64_t _end;
+    const Chunks& _chunks;
+    std::uint64_t _at;
+    Bytes _content;
+    std::uint32_t _sum = 0;
+    std::set<std::uint64_t> _named;
+    bool _namesOthers = false; // chunks that are not there, or one twice
+};
 } // namespace
 
 std::optional<std::uint64_t> dataEndByFooter(InputFile& file)
@@ -51,28 +94,28 @@ std::optional<std::uint64_t> dataEndByFooter(InputFile& file)
 
 FileEnd readFileEnd(InputFile& file, std::uint64_t from, const Chunks& chunks)
 {
-    const std::uint64_t length = file.size() - from;
-    if (length < footerSize + magic.size() || length > mostEnd)
+    std::array<std::byte, footerSize + magic.size()> bytes;
+    if (file.size() - from < bytes.size())
         return {"there is no footer"};
-    Bytes bytes(static_cast<std::size_t>(length));
-    if (!file.read(from, bytes))
+    const std::uint64_t summaryEnd = file.size() - bytes.size();
+    if (!file.read(summaryEnd, bytes))
         return {"it cannot be read"};
     const bool hasMagic = asText(ByteView(bytes).last(magic.size())) == magic;
-    const std::size_t summarySize = bytes.size() - footerSize - magic.size();
-    ByteCursor footer(ByteView(bytes).subspan(summarySize));
+    ByteCursor footer(bytes);
     const auto op = footer.number<Op>();
     const auto size = footer.number<std::uint64_t>();
     const auto start = footer.number<std::uint64_t>();
     footer.number<std::uint64_t>();
     const auto sum = footer.number<std::uint32_t>();
-    if (op != Op::Footer || size != footerSize - frameSize || asText(footer.rest()) != magic)
+    if (op != Op::Footer || size != footerSize - frameSize || !hasMagic)
         return {"footer and magic are not where they belong", false, hasMagic};
     if (start == 0)
-        return {summarySize == 0 ? "" : "its footer names no summary", false, hasMagic};
-    const ByteView whole(bytes);
-    if (start != from || (sum != 0 && checksum(whole.first(summarySize + footerSize - 4)) != sum))
+        return {summaryEnd == from ? "" : "its footer names no summary", false, hasMagic};
+    SummaryWalk summary(file, from, summaryEnd, chunks);
+    const ByteView covered = ByteView(bytes).first(footerSize - sizeof sum);
+    if (start != from || !summary.isWhole() || (sum != 0 && checksum(covered, summary.sum()) != sum))
         return {"its summary is torn", false, hasMagic};
-    if (!names(whole.first(summarySize), chunks))
+    if (!summary.namesWhatIsThere())
         return {"its summary does not name what is there", false, hasMagic};
     return {"", true, hasMagic};
 }
