@@ -3,6 +3,7 @@
 #include "host/cli/Verbs.h"
 #include "host/recording/Contents.h"
 #include "host/recording/Export.h"
+#include "host/recording/Progress.h"
 #include "monitor/mcap/Finish.h"
 
 #include <cstdio>

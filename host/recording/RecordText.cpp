@@ -2,8 +2,8 @@
 
 #include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
-#include "host/recording/Contents.h"
 #include "monitor/codec/SlotCodec.h"
+#include "monitor/replay/RecordedFile.h"
 
 #include <cinttypes>
 #include <cstdio>
@@ -78,7 +78,7 @@ void RecordText::add(const Channel& channel)
     if (channel._encoding != "cdr")
         return;
     const std::string& schema = _schemas[channel._schema];
-    topic._codec = codecFor(schema);
+    topic._codec = Monitor::codecOfSchema(schema);
     topic._type = topic._codec ? topic._codec->slotType() : schema;
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 using namespace Mcap;
 
-[[noreturn]] void refuse(const ChunkIndex& chunk, const std::string& what)
+[[noreturn]] void refuse(const RecordedChunk& chunk, const std::string& what)
 {
     throw std::runtime_error("the chunk at byte " + std::to_string(chunk._offset) + " " + what);
 }
@@ -26,7 +26,7 @@ struct TimedMessages::OpenChunk {
     std::uint64_t bytes() const { return _record.size() + _unpacked.size(); }
 };
 
-TimedMessages::TimedMessages(InputFile& file, std::vector<ChunkIndex> chunks, std::set<std::uint16_t> channels)
+TimedMessages::TimedMessages(InputFile& file, std::vector<RecordedChunk> chunks, std::set<std::uint16_t> channels)
     : _file(file), _chunks(std::move(chunks)), _channels(std::move(channels))
 {
 }
@@ -57,7 +57,7 @@ std::optional<Message> TimedMessages::next()
     return earliest->_messages[earliest->_next++];
 }
 
-void TimedMessages::open(const ChunkIndex& chunk)
+void TimedMessages::open(const RecordedChunk& chunk)
 {
     auto opened = std::make_unique<OpenChunk>();
     if (chunk._length > mostRecord - std::min(_held, mostRecord))

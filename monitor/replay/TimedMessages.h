@@ -15,7 +15,7 @@ namespace Monitor {
 class TimedMessages {
 public:
     /// Only of these channels.
-    TimedMessages(Mcap::InputFile& file, std::vector<Mcap::ChunkIndex> chunks, std::set<std::uint16_t> channels);
+    TimedMessages(Mcap::InputFile& file, std::vector<RecordedChunk> chunks, std::set<std::uint16_t> channels);
     ~TimedMessages();
     TimedMessages(const TimedMessages&) = delete;
     TimedMessages& operator=(const TimedMessages&) = delete;
@@ -27,10 +27,10 @@ public:
 private:
     struct OpenChunk;
     OpenChunk* first() const;
-    void open(const Mcap::ChunkIndex& chunk);
+    void open(const RecordedChunk& chunk);
 
     Mcap::InputFile& _file;
-    const std::vector<Mcap::ChunkIndex> _chunks;
+    const std::vector<RecordedChunk> _chunks;
     const std::set<std::uint16_t> _channels;
     std::size_t _opened = 0; // of _chunks
     std::vector<std::unique_ptr<OpenChunk>> _open;
