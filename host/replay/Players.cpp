@@ -24,9 +24,19 @@ std::set<int> threadsNow()
 
 const Monitor::SlotCodec* codecOf(const RecordedChannel& channel)
 {
-    const auto all = Monitor::SlotCodec::all();
-    const auto found = std::ranges::find(all, channel._schema, &Monitor::SlotCodec::schemaName);
-    return found == all.end() || channel._encoding != "cdr" ? nullptr : *found;
+    return channel._encoding == "cdr" ? Monitor::codecOfSchema(channel._schema) : nullptr;
+}
+
+// Types that are refused where they were not recorded, before they have opened anything: they run on threads that
+// nothing can hold back.
+bool isUnsteady(std::string_view type)
+{
+    return type == "Controller" || type == "DDS";
+}
+
+bool opensPorts(std::string_view type)
+{
+    return isUnsteady(type) || type == "MQTT" || type == "OSC" || type == "Serial";
 }
 
 bool hasInSlots(const Trovio::NamespaceInfo& node)
@@ -48,8 +58,8 @@ void addSlots(Player& player, const Trovio::NamespaceInfo& node)
 }
 } // namespace
 
-Players::Players(const Monitor::RecordedFile& recorded, const Trovio::Stepper& stepper, bool maySend)
-    : _recorded(recorded), _stepper(stepper), _maySend(maySend), _threads(threadsNow()), _joined(stepper.countJoined())
+Players::Players(const Monitor::RecordedFile& recorded, const Trovio::Stepper& stepper, Reach reach)
+    : _recorded(recorded), _stepper(stepper), _reach(reach), _threads(threadsNow()), _joined(stepper.countJoined())
 {
 }
 
@@ -64,18 +74,30 @@ std::unique_ptr<Trovio::Node> Players::choose(const std::string& path, const std
         std::ranges::any_of(_recorded._channels, [prefix = path + "/"](const RecordedChannel& channel) {
             return channel._topic.starts_with(prefix) && codecOf(channel);
         });
-    if (isFilter || (!isRecorded && (_maySend || !hasInSlots(node)))) {
+    const std::string reason = isFilter || isRecorded ? "" : whyLeftOut(type, node);
+    if (isFilter || (!isRecorded && reason.empty())) {
         _paths.insert(path);
         return made;
     }
-    if (!isRecorded)
-        _notes.push_back("node " + _newest + " takes values and is left out" +
-                         (_maySend ? "" : ", so that a replay drives no machine by accident"));
+    if (isUnsteady(type) && !isRecorded && !hasInSlots(node))
+        _unsteady.push_back(_newest);
+    else if (!isRecorded)
+        _notes.push_back("node " + _newest + " " + reason);
     auto player = std::make_unique<Player>(isRecorded ? "plays what was recorded of " + type
                                                       : "does nothing in place of " + type);
     addRecorded(*player, path); // first: the types of what was recorded count
     addSlots(*player, node);
     return player;
+}
+
+/// Empty where it is made: it was not recorded and is no filter.
+std::string Players::whyLeftOut(const std::string& type, const Trovio::NamespaceInfo& node) const
+{
+    if (_reach != Reach::Sends && hasInSlots(node))
+        return "takes values and is left out, so that a replay drives no machine by accident";
+    if (_reach == Reach::Nowhere && opensPorts(type))
+        return "was not recorded and is left out: in a test nothing comes from outside";
+    return {};
 }
 
 void Players::addRecorded(Player& player, const std::string& path)

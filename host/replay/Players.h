@@ -8,14 +8,21 @@
 
 namespace Host {
 
+/// How far a replay reaches out of the machine.
+enum class Reach {
+    Nowhere, // a test: nothing comes from outside, nothing is opened
+    Hears,   // nodes that were not recorded receive
+    Sends,   // and send
+};
+
 /// What stands for the nodes of a scene in a replay. A filter is itself. A node that was recorded becomes a player. One
-/// that takes values, such as one that drives a machine, becomes a player that does nothing, unless it may send. All
-/// others are themselves.
+/// that takes values, such as one that drives a machine, becomes a player that does nothing, unless it may send; in a
+/// test one whose values would come from outside, too. All others are themselves.
 /// Ownership: the tree owns the players; refers to the recording and the stepper.
 /// Threads:   the scene thread.
 class Players {
 public:
-    Players(const Monitor::RecordedFile& recorded, const Trovio::Stepper& stepper, bool maySend);
+    Players(const Monitor::RecordedFile& recorded, const Trovio::Stepper& stepper, Reach reach);
 
     /// For Session::build().
     std::unique_ptr<Trovio::Node> choose(const std::string& path, const std::string& type,
@@ -34,13 +41,14 @@ public:
     const std::vector<std::string>& notes() const { return _notes; }
 
 private:
+    std::string whyLeftOut(const std::string& type, const Trovio::NamespaceInfo& node) const;
     void addRecorded(Player& player, const std::string& path);
     void lookForThreads();
     void noteUnclaimed();
 
     const Monitor::RecordedFile& _recorded;
     const Trovio::Stepper& _stepper;
-    const bool _maySend;
+    const Reach _reach;
     std::map<std::uint16_t, Monitor::AnySource*> _sources; // by channel
     std::set<std::string> _paths;                          // of nodes that are themselves or stand for a recorded one
     std::string _newest;                                   // the node that has started since threads were looked for

@@ -36,6 +36,11 @@ double rateOf(const std::vector<SceneFile>& files)
     return rate;
 }
 
+Reach reachOf(const Options& options)
+{
+    return options._asTest ? Reach::Nowhere : options._send ? Reach::Sends : Reach::Hears;
+}
+
 /// What both kinds of replay have: the scenes on virtual time, with players.
 class StagedReplay {
 public:
@@ -45,7 +50,7 @@ public:
           _around(around),
           _clock(around._stop),
           _stepper(Replay::startOf(recording._recorded), descriptors),
-          _players(recording._recorded, _stepper, options._send),
+          _players(recording._recorded, _stepper, reachOf(options)),
           _pace(_clock, speed),
           _range{options._fromPosition, options._toPosition, options._loops}
     {

@@ -219,6 +219,20 @@ TEST_F(ReplayProgram, MovesNoMachineUnlessItIsToldTo)
     EXPECT_TRUE(machine.wasMoved());
 }
 
+TEST_F(ReplayProgram, OpensNothingInATest)
+{
+    const Machine taken;
+    const std::string scene = write("ears.toml", replaced(wandScene, "[\"Generator\"",
+                                                          "[\"OSC\", \"label=Ear listen=127.0.0.1:" + taken._port +
+                                                              " in='/ear Float'\"], [\"Generator\""));
+    const std::string isTaken = "the port is taken by another program";
+    EXPECT_TRUE(says(replay({scene, "--speed", "max", "--quiet"})._err, isTaken));
+    const Outcome test = replay({scene, "--as-test"});
+    EXPECT_EQ(test._code, 0);
+    EXPECT_TRUE(says(test._err, "node 'Context/Ear' (OSC) was not recorded and is left out"));
+    EXPECT_EQ(test._err.find(isTaken), std::string::npos) << test._err;
+}
+
 TEST_F(ReplayProgram, ObeysItsKeys)
 {
     const winsize size{24, 100, 0, 0};
