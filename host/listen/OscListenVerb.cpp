@@ -114,8 +114,8 @@ private:
         for (const OscRow& row : rows) {
             const std::string entry = entryOf(row);
             if (_told.insert(entry.empty() ? row._address : entry).second &&
-                !_out.put(escaped(row._address) + " " + describeOscTags(row._tags) + " " + row.describeValues() +
-                          (entry.empty() ? "; no slot type takes that" : "; a guess: " + quoteOscEntries(entry))))
+                !_out.put(escaped(row._address) + " " + describeOscTags(row._tags) + " " + row.describeValues() + "; " +
+                          (entry.empty() ? "no slot type takes that" : row._title + quoteOscEntries(entry))))
                 return false;
         }
         return true;

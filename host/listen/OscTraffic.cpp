@@ -123,6 +123,7 @@ std::vector<OscRow> OscTraffic::rows() const
             OscRow row = messages._row;
             row._address = name;
             row._items = isOscAddress(name) ? messages._guess.getItems(!address._isShared) : std::string();
+            row._title = messages._guess.getTitle();
             const double seconds = messages._last - messages._first;
             row._perSecond = seconds > 0 ? static_cast<double>(row._count - 1) / seconds : 0;
             rows.push_back(std::move(row));

@@ -15,6 +15,7 @@ struct OscRow {
     std::string _address, _tags;
     std::vector<std::uint8_t> _data; // of the arguments of the last message, cut
     std::string _items;              // that may take such messages in an entry of 'in'; empty where none do
+    std::string _title;              // what to say in front of them
     std::uint64_t _count = 0;
     double _perSecond = 0; // in the mean
 

@@ -24,7 +24,8 @@ std::string cureFor(const OscMessage& message)
         return message._tags.empty() ? "; only types with [] take that" : "; no slot type takes that";
     if (!isOscAddress(message._address))
         return "; no slot can have that address";
-    return "; a guess: " + quoteOscEntries(std::string(message._address) + " " + items) + " would take it";
+    return std::string("; ") + guess.getTitle() + quoteOscEntries(std::string(message._address) + " " + items) +
+           " would take it";
 }
 
 std::string describe(const OscMessage& message, std::string_view address, std::string_view nearest)

@@ -42,6 +42,11 @@ TEST(OscGuess, FollowsFromTheArgumentsAndTakesTheMessage)
         {mixedMessage("/a", "ifff", 3, 1., 2., 3.), "i:3 Vec3f"},
         {mixedMessage("/a", "ii", 3, 4), "Vec2d"},
         {mixedMessage("/a", "ss", "a", "b"), "String[]"},
+        {mixedMessage("/a", "fffT", 1., 2., 3.), "Vec3f:value1 Bool:value2"},
+        {mixedMessage("/a", "sfffffffTis", "Hmd", 1., 2., 3., 0., 0., 0., 1., 7, "on"),
+         "s:Hmd Vec3f:value1 Rotation:value2 Bool:value3 Long:value4 String:value5"},
+        {mixedMessage("/a", "fffffF", 1., 2., 3., 4., 5.), "_ _ _ _ _ Bool"},
+        {mixedMessage("/a", "cfc", 'a', 1., 'b'), "_ Float _"},
     };
     for (const auto& [packet, items] : rows) {
         Guesser guesser;

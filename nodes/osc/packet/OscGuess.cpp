@@ -4,6 +4,8 @@
 #include "nodes/osc/packet/OscElement.h"
 #include "nodes/osc/packet/OscTags.h"
 #include "osg/LogText.h"
+#include <algorithm>
+#include <vector>
 
 namespace Trovio::Nodes {
 
@@ -11,6 +13,7 @@ namespace {
 
 constexpr double unitTolerance = 0.01;             // senders round
 constexpr std::size_t maxTexts = 16, maxFixed = 2; // in front; of them in the entry, whose label has an end
+constexpr std::size_t maxMixed = 24;               // arguments of several kinds
 
 bool isOneOf(char tag, std::string_view tags)
 {
@@ -47,6 +50,25 @@ std::string itemFor(const OscArgument& argument)
     const std::string item = text.find_first_of(" ,") == std::string::npos ? "s:" + text : "s:\"" + text + "\"";
     const bool isPlain = text.find('"') == std::string::npos && osg::escapeControls(text) == text;
     return isPlain && readOscItem(item) ? item : "_";
+}
+
+bool isReal(std::string_view tags)
+{
+    return !tags.empty() && tags.find_first_not_of("fd") == std::string_view::npos;
+}
+
+std::string vectorFor(std::string_view tags)
+{
+    return tags.find('d') == std::string_view::npos ? "Vec3f" : "Vec3d";
+}
+
+/// The slot types that take them one behind the other; none where nothing does.
+std::vector<std::string> typesFor(std::string_view tags)
+{
+    if (isReal(tags) && (tags.size() == 6 || tags.size() == 7))
+        return {vectorFor(tags), tags.size() == 6 ? vectorFor(tags) : "Rotation"};
+    const std::string type = guessSlotType(tags);
+    return type.empty() || type.ends_with("[]") ? std::vector<std::string>() : std::vector<std::string>{type};
 }
 
 } // namespace
@@ -87,17 +109,44 @@ void OscGuess::note(const OscMessage& message)
 
 std::string OscGuess::getSlots() const
 {
-    const bool isReal = !_tags.empty() && _tags.find_first_not_of("fd") == std::string::npos;
-    const std::string vector = _tags.find('d') == std::string::npos ? "Vec3f" : "Vec3d";
-    if (isReal && _tags.size() == 4 && _isUnit)
+    const std::string vector = vectorFor(_tags);
+    if (isReal(_tags) && _tags.size() == 4 && _isUnit)
         return "Rotation";
-    if (isReal && _tags.size() == 4 && _isColour)
+    if (isReal(_tags) && _tags.size() == 4 && _isColour)
         return "ColorRGBA";
-    if (isReal && _tags.size() == 6)
+    if (isReal(_tags) && _tags.size() == 6)
         return vector + ":position " + vector + ":angles";
-    if (isReal && _tags.size() == 7)
+    if (isReal(_tags) && _tags.size() == 7)
         return vector + ":position Rotation:rotation";
-    return guessSlotType(_tags);
+    const std::string type = guessSlotType(_tags);
+    return type.empty() ? getMixedSlots() : type;
+}
+
+/// Numbers in a row are one value or a pose, anything else is a value by itself.
+std::string OscGuess::getMixedSlots() const
+{
+    if (_tags.size() > maxMixed)
+        return {};
+    std::vector<std::string> types; // or "_"
+    for (std::size_t at = 0, count = 0; at < _tags.size(); at += count) {
+        count = std::max<std::size_t>(1, std::min(_tags.find_first_not_of("ihfd", at), _tags.size()) - at);
+        const auto taking = typesFor(std::string_view(_tags).substr(at, count));
+        types.insert(types.end(), taking.begin(), taking.end());
+        types.resize(types.size() + (taking.empty() ? count : 0), "_");
+    }
+    const auto slots = types.size() - static_cast<std::size_t>(std::ranges::count(types, "_"));
+    std::string text;
+    std::size_t number = 0;
+    for (const std::string& type : types) {
+        const bool isNamed = type != "_" && slots > 1;
+        text += (text.empty() ? "" : " ") + type + (isNamed ? ":value" + std::to_string(++number) : "");
+    }
+    return slots == 0 ? std::string() : text;
+}
+
+const char* OscGuess::getTitle() const
+{
+    return guessSlotType(_tags).empty() ? "no slot type takes all of it; a guess of its parts: " : "a guess: ";
 }
 
 std::string OscGuess::getItems(bool isFixed) const

@@ -11,10 +11,14 @@ class OscGuess {
 public:
     void note(const OscMessage& message);
 
-    /// "i:3 Vec3f:position Rotation:rotation". Empty where no slots take such arguments.
+    /// "i:3 Vec3f:position Rotation:rotation"; "Vec3f:value1 Bool:value2" of arguments of several kinds, with "_" for
+    /// those that make no value. Empty where no slot would get one.
     /// isFixed: whether the arguments in front that seem to tell devices apart are to be as in the last message, or
     /// any.
     std::string getItems(bool isFixed = true) const;
+
+    /// What to say in front of them.
+    const char* getTitle() const;
 
     /// The arguments in front of a message that seem to tell devices apart, as items: texts before numbers, a whole
     /// number before floats. Empty where there are none.
@@ -22,6 +26,7 @@ public:
 
 private:
     std::string getSlots() const;
+    std::string getMixedSlots() const;
 
     std::string _tags; // of the slots' arguments
     std::string _choice;
