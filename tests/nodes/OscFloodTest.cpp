@@ -43,5 +43,37 @@ TEST_F(OscFlood, EveryPacketIsReceivedOrCountedAsDroppedAndBadOnesChangeNothingE
     }
 }
 
+TEST_F(OscFlood, BadPacketsAgainstEntriesOfSeveralSlotsChangeOnlyCounters)
+{
+    run("listen=127.0.0.1:0 in='/pose s:Hmd Vec3f:position Rotation:rotation, /wand/* Vec3f, /imu _ Vec3f:gravity "
+        "_[]'");
+    Probe<Vec3<float>> position("OSC/pose/Hmd/position", 4);
+    const Packet bad[] = {malformed[0],
+                          malformed[1],
+                          malformed[2],
+                          malformed[3],
+                          mixedMessage("/pose", "sff", "Hmd", 1., 2.),
+                          mixedMessage("/pose", "sfff", "Other", 1., 2., 3.),
+                          mixedMessage("/wand/left", "ss", "a", "b"),
+                          mixedMessage("/wand/left/x", "fff", 1., 2., 3.),
+                          mixedMessage("/imu", "ff", 1., 2.),
+                          mixedMessage("/imu", "sTT", "a")};
+    const std::size_t slots = (*_node)->inspect()._slots.size();
+    std::uint64_t sent = 0;
+    while (sent < 10'000) {
+        for (const Packet& packet : bad)
+            send(packet);
+        awaitCount("in packets", sent += std::size(bad)); // so that the kernel drops none
+    }
+    send(mixedMessage("/pose", "sfffffff", "Hmd", 1., 2., 3., 0., 0., 0., 1.));
+    awaitCount("in values", 2);
+    EXPECT_EQ(_node->count("in malformed"), 4'000U);
+    EXPECT_EQ(_node->count("in mismatched") + _node->count("in unknown"), 6'000U);
+    EXPECT_EQ((*_node)->inspect()._slots.size(), slots);
+    EXPECT_EQ(position.next().getValue(), (Vec3<float>{1, 2, 3}));
+    EXPECT_TRUE(position.slot().empty());
+    EXPECT_FALSE(state()._degraded);
+}
+
 } // namespace
 } // namespace Trovio::Nodes
