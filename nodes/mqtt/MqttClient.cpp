@@ -40,6 +40,16 @@ std::string withoutStop(std::string text)
     return text;
 }
 
+/// What the broker answered, and what helps where it does not know us.
+std::string describeRefusal(int code, bool isVersion5)
+{
+    const bool isLogin = isVersion5
+                             ? code == MQTT_RC_BAD_USERNAME_OR_PASSWORD || code == MQTT_RC_NOT_AUTHORIZED
+                             : code == CONNACK_REFUSED_BAD_USERNAME_PASSWORD || code == CONNACK_REFUSED_NOT_AUTHORIZED;
+    return withoutStop(isVersion5 ? mosquitto_reason_string(code) : mosquitto_connack_string(code)) +
+           (isLogin ? "; see 'user' and 'passwordfile'" : "");
+}
+
 /// In place of a question at the terminal.
 int refusePassphrase(char*, int, int, void*)
 {
@@ -54,8 +64,7 @@ struct MqttClient::Callbacks {
         auto& client = *static_cast<MqttClient*>(self);
         client._isAccepted = code == 0;
         if (code != 0)
-            client._refusal = withoutStop(client._connection._isVersion5 ? mosquitto_reason_string(code)
-                                                                         : mosquitto_connack_string(code));
+            client._refusal = describeRefusal(code, client._connection._isVersion5);
     }
 
     static void disconnected(mosquitto*, void* self, int code) noexcept
@@ -151,6 +160,7 @@ std::string MqttClient::begin(const std::string& host, std::uint16_t port)
 
 std::string MqttClient::work()
 {
+    const bool wasAccepted = _isAccepted;
     int code = MOSQ_ERR_SUCCESS;
     // The library reads one message at a time, and with encryption keeps others where no poll sees them. Until the
     // broker has taken us there is one at most.
@@ -166,7 +176,10 @@ std::string MqttClient::work()
         code = mosquitto_loop_misc(_client);
     if (!_refusal.empty())
         return _refusal;
-    return code == MOSQ_ERR_SUCCESS ? std::string() : describe(code);
+    if (code == MOSQ_ERR_SUCCESS)
+        return {};
+    const bool mayWantEncryption = code == MOSQ_ERR_CONN_LOST && !wasAccepted && !_connection._isEncrypted;
+    return describe(code) + (mayWantEncryption ? "; where it wants encryption, tls=true helps" : "");
 }
 
 int MqttClient::getDescriptor() const
@@ -224,7 +237,11 @@ bool MqttClient::isTopic(std::string_view text)
 std::string MqttClient::describe(int code) const
 {
     const std::string problem = code == MOSQ_ERR_ERRNO ? std::strerror(errno) : withoutStop(mosquitto_strerror(code));
-    return _complaint.empty() ? problem : problem + " (" + _complaint + ")";
+    const bool isUntrusted = _complaint.find("certificate verify failed") != std::string::npos;
+    return problem + (_complaint.empty() ? "" : " (" + _complaint + ")") +
+           (isUntrusted ? "; its certificate has to fit the host of 'broker', and to be signed by one in 'cafile', or "
+                          "by one that the system trusts where 'cafile' is empty"
+                        : "");
 }
 
 } // namespace Trovio::Nodes

@@ -152,12 +152,12 @@ TEST_F(MqttNodeTest, EncryptsAndLogsInAndSaysWhatIsWrongWithEither)
     const auto plain = stand(out + "label=plain"), unknown = stand(out + "label=unknown tls=true");
     awaitReason(*plain, "cannot connect to the broker at");
     awaitReason(*unknown, "cannot connect to the broker at");
-    EXPECT_TRUE(says((*unknown)->getState()._reason, "certificate verify failed"));
+    EXPECT_TRUE(says((*unknown)->getState()._reason, "signed by one in 'cafile'"));
     const auto node = stand(logIn);
     const std::pair<const char*, const char*> rows[] = {
         {nullptr, "cannot be read: No such file or directory"},
         {"\n", "has no password of 1 to 1024 bytes in its first line"},
-        {"wrong\n", "not authorised"},
+        {"wrong\n", "not authorised; see 'user' and 'passwordfile'"},
         {"secret\nmore\n", "connected to the broker at"},
     };
     for (const auto& [text, expected] : rows) {
