@@ -1,12 +1,12 @@
 #include "benchmarks/instructions/Operation.h"
-#include "nodes/filters/Align.h"
-#include "nodes/filters/Axes.h"
-#include "nodes/filters/Convert.h"
-#include "nodes/filters/Join.h"
 #include "nodes/filters/OnChange.h"
 #include "nodes/filters/OneEuro.h"
 #include "nodes/filters/Scale.h"
-#include "nodes/filters/Split.h"
+#include "nodes/filters/convert/Align.h"
+#include "nodes/filters/convert/Axes.h"
+#include "nodes/filters/convert/Convert.h"
+#include "nodes/filters/convert/Join.h"
+#include "nodes/filters/convert/Split.h"
 
 namespace Bench {
 

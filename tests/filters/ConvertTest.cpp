@@ -1,5 +1,5 @@
-#include "nodes/filters/Convert.h"
-#include "nodes/filters/Align.h"
+#include "nodes/filters/convert/Convert.h"
+#include "nodes/filters/convert/Align.h"
 #include "tests/filters/RelayBench.h"
 #include <numbers>
 #include <random>

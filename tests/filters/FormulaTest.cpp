@@ -1,10 +1,10 @@
-#include "nodes/filters/Align.h"
-#include "nodes/filters/Axes.h"
 #include "nodes/filters/Clamp.h"
-#include "nodes/filters/Convert.h"
 #include "nodes/filters/DeadZone.h"
 #include "nodes/filters/OneEuro.h"
 #include "nodes/filters/Scale.h"
+#include "nodes/filters/convert/Align.h"
+#include "nodes/filters/convert/Axes.h"
+#include "nodes/filters/convert/Convert.h"
 #include "tests/filters/RelayBench.h"
 
 namespace Trovio::Nodes {

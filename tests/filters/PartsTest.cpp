@@ -1,8 +1,8 @@
-#include "nodes/filters/Align.h"
-#include "nodes/filters/Convert.h"
-#include "nodes/filters/Join.h"
 #include "nodes/filters/OnChange.h"
-#include "nodes/filters/Split.h"
+#include "nodes/filters/convert/Align.h"
+#include "nodes/filters/convert/Convert.h"
+#include "nodes/filters/convert/Join.h"
+#include "nodes/filters/convert/Split.h"
 #include "tests/filters/RelayBench.h"
 #include <tuple>
 

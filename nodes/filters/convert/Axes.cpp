@@ -1,6 +1,6 @@
-#include "nodes/filters/Axes.h"
+#include "nodes/filters/convert/Axes.h"
 
-#include "nodes/filters/AxisOrder.h"
+#include "nodes/filters/convert/AxisOrder.h"
 #include <numbers>
 
 namespace Trovio::Nodes {

@@ -1,6 +1,6 @@
-#include "nodes/filters/Join.h"
+#include "nodes/filters/convert/Join.h"
 
-#include "nodes/filters/JoinParts.h"
+#include "nodes/filters/convert/JoinParts.h"
 #include <deque>
 
 namespace Trovio::Nodes {

@@ -1,4 +1,4 @@
-#include "nodes/filters/Align.h"
+#include "nodes/filters/convert/Align.h"
 
 #include "nodes/relay/RotationMatrix.h"
 #include "nodes/shared/NumberList.h"

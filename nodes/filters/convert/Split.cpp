@@ -1,6 +1,6 @@
-#include "nodes/filters/Split.h"
+#include "nodes/filters/convert/Split.h"
 
-#include "nodes/filters/Parts.h"
+#include "nodes/filters/convert/Parts.h"
 #include <deque>
 
 namespace Trovio::Nodes {

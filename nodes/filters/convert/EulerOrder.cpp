@@ -1,6 +1,6 @@
-#include "nodes/filters/EulerOrder.h"
+#include "nodes/filters/convert/EulerOrder.h"
 
-#include "nodes/filters/AxisOrder.h"
+#include "nodes/filters/convert/AxisOrder.h"
 #include "nodes/relay/RotationMatrix.h"
 #include <algorithm>
 

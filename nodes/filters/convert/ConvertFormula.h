@@ -1,8 +1,8 @@
 #pragma once
 
-#include "nodes/filters/AxisOrder.h"
 #include "nodes/filters/ElementWise.h"
-#include "nodes/filters/EulerOrder.h"
+#include "nodes/filters/convert/AxisOrder.h"
+#include "nodes/filters/convert/EulerOrder.h"
 #include "nodes/relay/RotationMatrix.h"
 
 // A formula makes an element of another type of one that was found usable:

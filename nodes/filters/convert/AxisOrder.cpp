@@ -1,4 +1,4 @@
-#include "nodes/filters/AxisOrder.h"
+#include "nodes/filters/convert/AxisOrder.h"
 
 namespace Trovio::Nodes {
 

@@ -1,6 +1,6 @@
-#include "nodes/filters/Convert.h"
+#include "nodes/filters/convert/Convert.h"
 
-#include "nodes/filters/ConvertFormula.h"
+#include "nodes/filters/convert/ConvertFormula.h"
 #include <numbers>
 
 namespace Trovio::Nodes {

@@ -1,4 +1,4 @@
-#include "nodes/filters/Parts.h"
+#include "nodes/filters/convert/Parts.h"
 
 #include "nodes/relay/TypeChoices.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "nodes/filters/ElementWise.h"
-#include "nodes/filters/Parts.h"
+#include "nodes/filters/convert/Parts.h"
 #include "trovio/BufferedInSlot.h"
 #include <optional>
 
