@@ -2,6 +2,7 @@
 
 #include "explain/text/Escape.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
@@ -21,6 +22,9 @@ std::error_code lastError()
     return {errno, std::generic_category()};
 }
 
+// The disk begins with one while the next one is copied to the system.
+constexpr std::size_t piece = 1024UL * 1024;
+
 class DiskFile final : public OutputFile {
 public:
     explicit DiskFile(int file) : _file(file) {}
@@ -31,11 +35,14 @@ public:
     std::error_code write(std::uint64_t offset, ByteView bytes) override
     {
         while (!bytes.empty()) {
-            const ssize_t written = pwrite(_file, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+            const auto place = static_cast<off_t>(offset);
+            const ssize_t written = pwrite(_file, bytes.data(), std::min(bytes.size(), piece), place);
             if (written < 0 && errno == EINTR)
                 continue;
             if (written < 0)
                 return lastError();
+            if (static_cast<std::size_t>(written) == piece)
+                sync_file_range(_file, place, written, SYNC_FILE_RANGE_WRITE); // where it fails sync() will, too
             offset += static_cast<std::uint64_t>(written);
             bytes = bytes.subspan(static_cast<std::size_t>(written));
         }
