@@ -9,6 +9,7 @@
 #include "nodes/osc/packet/OscPacker.h"
 #include "trovio/BasicInSlot.h"
 #include "trovio/BasicOutSlot.h"
+#include "trovio/OutSlot.h"
 #include "trovio/SlotTypes.h"
 
 namespace Fuzz {
@@ -59,7 +60,10 @@ std::vector<OscEntry> takenEntries()
 /// What the node does between its socket and its socket: a message in, a value in two slots, a message out.
 class Road {
 public:
-    Road() : _dispatcher(takenEntries(), _counters, [this](const auto& slots) { connect(*slots.at(0), *_ends.back()); })
+    Road()
+        : _dispatcher(takenEntries(), _counters, [this](const auto& slots) { connect(*slots.at(0), *_ends.back()); }),
+          _uneven(readEntries("out='/late Float:a Float:b'", "out", OscDirection::Out).at(0),
+                  OscSender::Manner{capacity, Gathering::Frame, _replaced, [] {}})
     {
         for (const OscEntry& entry : sentEntries()) {
             _out.push_back(
@@ -70,8 +74,12 @@ public:
         _dispatcher.forEachSlot([&](BasicOutSlot& slot) {
             const bool isSkipped = next == _ends.size();
             connect(slot, *_ends[isSkipped ? next - 2 : next]);
+            if (slot.getName() == "Float" || slot.getName() == "some")
+                connect(slot, *_uneven.getSlots()[slot.getName() == "some" ? 1 : 0]);
             ++next;
         });
+        sendEmpty<SharedImage>();
+        sendEmpty<SharedVector<float>>();
     }
     ~Road()
     {
@@ -91,12 +99,29 @@ public:
             while (const auto stamp = sender->take(_writer, 0.0))
                 packer.add(_writer.finish(), *stamp);
         packer.flush();
+        while (_uneven.take(_writer, 0.0))
+            _writer.finish();
         return packets;
     }
+
+    std::vector<RemarkInfo> getRemarks() const { return _dispatcher.getRemarks("packets came", true, ""); }
 
     std::uint64_t takeValueCount() { return _values.get() - std::exchange(_valuesBefore, _values.get()); }
 
 private:
+    /// A handle without an object is sent as an empty value.
+    template <class Handle>
+    void sendEmpty()
+    {
+        OscSender sender({"/none", TypeName<Handle>::getName()}, {capacity, Gathering::All, _replaced, [] {}});
+        OutSlot<Handle> slot("none");
+        slot.connect(sender.getSlots().front());
+        slot.push(Data<Handle>());
+        require(sender.take(_writer, 0.0).has_value(), "a handle without an object is sent");
+        _writer.finish();
+        slot.disconnect(sender.getSlots().front());
+    }
+
     void connect(BasicOutSlot& from, BasicInSlot& to)
     {
         from.connect(&to);
@@ -110,6 +135,7 @@ private:
                             _malformed, _dropped,  _unread, _withoutMemory};
     OscDispatcher _dispatcher;
     std::vector<std::unique_ptr<OscSender>> _out;
+    OscSender _uneven;               // a message of two slots that get their values from different messages
     std::vector<BasicInSlot*> _ends; // of all that is sent
     std::vector<std::pair<BasicOutSlot*, BasicInSlot*>> _connections;
     OscWriter _writer;
@@ -148,6 +174,8 @@ void runOnce(std::string_view input)
         require(road.read(packet), "what the node writes, it reads");
     require(road.takeValueCount() == count, "all that the node writes fits the slots that it came from");
     require(road.takePackets() == packets, "what was written and read is written as before");
+    for (const RemarkInfo& remark : road.getRemarks())
+        require(!remark._text.empty(), "of a slot without values something is said");
 }
 
 } // namespace Fuzz
