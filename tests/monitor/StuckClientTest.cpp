@@ -80,7 +80,9 @@ TEST(StuckClient, LosesRecordsThatAreCountedAndCostsTheFlowNothing)
         resident = std::max(resident, residentBytes());
     }
     EXPECT_EQ(allocations, 0U) << "on the thread that pushes";
+#if !defined(__SANITIZE_ADDRESS__) // which keeps what was freed
     EXPECT_LT(resident - before, maxMore);
+#endif
     EXPECT_EQ(flow._from.getActivity()._written, all);
     EXPECT_EQ(flow._to.getCounts().stored, all);
     EXPECT_GT(countOf(bench, "dropped"), all / 2) << "it does not read";

@@ -238,11 +238,13 @@ std::string Reader::visitMetadata(const Frame& frame)
 void Reader::readEnd(const Frame& dataEnd)
 {
     const auto sum = ByteCursor(content()).number<std::uint32_t>();
-    _state._sealed = sum != 0;
-    if (sum != 0 && sum != _state._checksum)
-        problem(dataEnd._offset, "the checksum of all data is wrong");
+    const bool isRight = sum == _state._checksum;
     const FileEnd end = readFileEnd(_file, dataEnd.end(), _chunks);
-    _isStrict = sum != 0 && (end._hasMagic || !_state._problem.empty());
+    // Beside a torn end, a wrong checksum is what stood in its place before.
+    _state._sealed = sum != 0 && (isRight || end._problem.empty());
+    if (_state._sealed && !isRight)
+        problem(dataEnd._offset, "the checksum of all data is wrong");
+    _isStrict = _state._sealed && (end._hasMagic || !_state._problem.empty());
     if (!end._problem.empty())
         problem(dataEnd._offset, "the end of the file is torn: " + end._problem);
     _state._indexed = end._hasSummary;
