@@ -1,5 +1,6 @@
 #include "explain/Graph.h"
 
+#include "explain/GraphEdges.h"
 #include "explain/TreeWalk.h"
 #include "explain/text/Escape.h"
 
@@ -33,19 +34,30 @@ private:
     std::string _text;
 };
 
-std::string quoted(const std::string& text)
+// As graphviz keeps a name: the second backslash stays in it.
+std::string idOf(const std::string& text)
+{
+    std::string id;
+    for (const char character : escaped(text, 1000))
+        id += character == '\\' ? std::string("\\\\") : std::string(1, character);
+    return id;
+}
+
+std::string quotedId(const std::string& id)
 {
     std::string quoted = "\"";
-    for (const char character : escaped(text, 1000)) {
-        if (character == '"' || character == '\\')
-            quoted += '\\';
-        quoted += character;
-    }
+    for (const char character : id)
+        quoted += character == '"' ? std::string("\\\"") : std::string(1, character);
     return quoted + "\"";
 }
 
+std::string quoted(const std::string& text)
+{
+    return quotedId(idOf(text));
+}
+
 // The name of a slot in the picture; the slot may be seen from the namespace with that path.
-std::string dotName(const std::string& path, const SlotInfo& slot)
+std::string quotedName(const std::string& path, const SlotInfo& slot)
 {
     return quoted(pathBelow(path, slot._home));
 }
@@ -60,7 +72,8 @@ public:
         _dot.line("rankdir=LR; fontname=\"sans-serif\"; node [shape=box, style=rounded, fontname=\"sans-serif\"]; "
                   "edge [fontname=\"sans-serif\", fontsize=10];");
         writeSpace({}, root);
-        walkTree(root, [this](const std::string& path, const NamespaceInfo& info) { writeRoutes(path, info); });
+        for (const GraphEdge& edge : graphEdges(root))
+            writeEdge(edge);
         writeLinks();
         _dot.close();
         return _dot.text();
@@ -89,16 +102,16 @@ private:
         for (const SlotInfo& in : node._slots)
             for (const SlotInfo& out : node._slots)
                 if (in._own && out._own && in._direction == Direction::In && out._direction == Direction::Out)
-                    _dot.line(dotName(path, in) + " -> " + dotName(path, out) + " [style=dotted];");
+                    _dot.line(quotedName(path, in) + " -> " + quotedName(path, out) + " [style=dotted];");
     }
 
     void writeSlot(const std::string& path, const SlotInfo& slot)
     {
         const ScenePlaces::Sensor* const sensor = _places.sensorAt(path, slot._label);
         if (sensor)
-            _slotsOfSensor[*sensor].push_back(dotName(path, slot));
+            _slotsOfSensor[*sensor].push_back(quotedName(path, slot));
         const std::string title = slot._label + " : " + slot._typeName;
-        _dot.line(dotName(path, slot) +
+        _dot.line(quotedName(path, slot) +
                   " [label=" + quoted(sensor ? title + " (sensor " + sensor->_name + ")" : title) +
                   (sensor ? ", style=\"rounded,filled\", fillcolor=\"#dde8f5\"];" : "];"));
     }
@@ -112,36 +125,15 @@ private:
     }
 
     // An arrow for each pair of slots that a route leads between, and a box for each end that is missing.
-    void writeRoutes(const std::string& path, const NamespaceInfo& info)
+    void writeEdge(const GraphEdge& edge)
     {
-        for (const Trovio::RouteInfo& route : info._routes) {
-            for (const Trovio::RoutePair& pair : route._pairs)
-                writePair(path, info, pair);
-            if (route._pairs.empty())
-                writePair(path, info, {route._from, route._to, route._reason});
-        }
-    }
-
-    void writePair(const std::string& path, const NamespaceInfo& info, const Trovio::RoutePair& pair)
-    {
-        const std::string from = endOf(path, info, pair._from, Direction::Out);
-        const std::string to = endOf(path, info, pair._to, Direction::In);
-        const std::string style = " [style=dashed, color=red, tooltip=" + quoted(pair._reason) + "];";
-        _dot.line(from + " -> " + to + (pair._reason.empty() ? ";" : style));
-    }
-
-    // The slot with the label; where there is none, a box that stands for what is missing.
-    std::string endOf(const std::string& path, const NamespaceInfo& info, const std::string& label, Direction direction)
-    {
-        const SlotInfo* found = nullptr;
-        for (const SlotInfo& slot : info._slots)
-            if (slot._label == label && (!found || slot._direction == direction))
-                found = &slot;
-        if (found)
-            return dotName(path, *found);
-        const std::string name = quoted("missing " + pathBelow(path, label));
-        _dot.line(name + " [label=" + quoted(label + " ?") + ", style=dashed, color=red, fontcolor=red];");
-        return name;
+        for (const GraphEdge::End& end : {edge._from, edge._to})
+            if (!end._isThere)
+                _dot.line(quotedId(dotName(end)) + " [label=" + quoted(end._label + " ?") +
+                          ", style=dashed, color=red, fontcolor=red];");
+        const std::string style = " [style=dashed, color=red, tooltip=" + quoted(edge._reason) + "];";
+        _dot.line(quotedId(dotName(edge._from)) + " -> " + quotedId(dotName(edge._to)) +
+                  (edge._reason.empty() ? ";" : style));
     }
 
     // Between fields, from sensor to sensor.
@@ -162,6 +154,11 @@ private:
     DotText _dot;
 };
 } // namespace
+
+std::string dotName(const GraphEdge::End& end)
+{
+    return idOf(end._isThere ? end._path : "missing " + end._path);
+}
 
 std::string graphDot(const NamespaceInfo& root, const ScenePlaces& places)
 {

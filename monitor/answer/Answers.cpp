@@ -22,12 +22,16 @@ struct Row {
 
 const std::vector<Row>& table()
 {
-    static const std::vector<Row> rows{
-        {"/host", answerHost, {}},           {"/slots", answerSlots, {"label"}},
-        {"/sensors", answerSensors, {}},     {"/nodes", answerNodes, {}},
-        {"/types", answerTypes, {}},         {"/graph", answerGraph, {"form"}},
-        {"/why", answerWhy, {"from", "to"}}, {"/delay", answerDelay, {"from", "to", "seconds"}},
-        {"/metrics", answerMetrics, {}}};
+    static const std::vector<Row> rows{{"/host", answerHost, {}},
+                                       {"/slots", answerSlots, {"label"}},
+                                       {"/sensors", answerSensors, {}},
+                                       {"/nodes", answerNodes, {}},
+                                       {"/types", answerTypes, {}},
+                                       {"/graph", answerGraph, {"form"}},
+                                       {"/flow", answerFlow, {}},
+                                       {"/why", answerWhy, {"from", "to"}},
+                                       {"/delay", answerDelay, {"from", "to", "seconds"}},
+                                       {"/metrics", answerMetrics, {}}};
     return rows;
 }
 

@@ -46,6 +46,7 @@ Answer answerSensors(const Context& context, const Question& question);
 Answer answerNodes(const Context& context, const Question& question);
 Answer answerTypes(const Context& context, const Question& question);
 Answer answerGraph(const Context& context, const Question& question);
+Answer answerFlow(const Context& context, const Question& question);
 Answer answerWhy(const Context& context, const Question& question);
 Answer answerDelay(const Context& context, const Question& question);
 Answer answerMetrics(const Context& context, const Question& question);

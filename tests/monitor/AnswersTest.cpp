@@ -136,6 +136,14 @@ TEST_F(AnswersTest, ListsSayWhatThereIs)
     EXPECT_EQ(read("/graph").at("handlers").at(0).at("name"), "devices");
     EXPECT_TRUE(get("/graph", {{"form", "dot"}})._body.starts_with("digraph"));
     EXPECT_EQ(get("/graph", {{"form", "text"}})._body.find('@'), std::string::npos);
+    const json edges = read("/flow").at("edges");
+    ASSERT_EQ(edges.size(), 2);
+    EXPECT_EQ(edges[1].at("from"), "Context/Filter/out");
+    EXPECT_EQ(edges[1].at("written"), edges[1].at("stored"));
+    EXPECT_NE(get("/graph", {{"form", "dot"}})
+                  ._body.find("\"" + edges[1].at("tail").get<std::string>() + "\" -> \"" +
+                              edges[1].at("head").get<std::string>() + "\""),
+              std::string::npos);
 }
 
 TEST_F(AnswersTest, WhatIsPublishedGoesIntoTheSlotAndNothingStays)
