@@ -303,7 +303,9 @@ TEST(Stream, WhatTheTapCouldNotKeepIsMissingForThoseWhoWereThere)
     second.say(wish);
     second.nextJson();
     bench.round();
-    EXPECT_GT(first.nextJson()["dropped"], 0);
+    const Json gap = first.nextJson();
+    EXPECT_GT(gap["dropped"], 0);
+    EXPECT_EQ(gap["gaps"], (Json{{1, gap["dropped"]}}));
     EXPECT_EQ(second.nextJson()["dropped"], 0);
 }
 

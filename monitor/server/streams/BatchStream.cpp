@@ -57,9 +57,34 @@ void BatchStream::unsubscribe(const nlohmann::json& labels)
 void BatchStream::take(const std::string& label, const SlotCodec& codec, const TapRecord& record)
 {
     const auto number = _numbers.find(label);
-    if (number != _numbers.end())
-        add((isEmpty() ? "[" : ",[") + std::to_string(number->second) + "," + secondsText(record._arrival) + "," +
-            stampText(record._stamp) + "," + valueText(codec, record) + "]");
+    if (number == _numbers.end())
+        return;
+    if (!add((isEmpty() ? "[" : ",[") + std::to_string(number->second) + "," + secondsText(record._arrival) + "," +
+             stampText(record._stamp) + "," + valueText(codec, record) + "]"))
+        ++_gaps[number->second];
+}
+
+void BatchStream::miss(const std::string& label, std::uint64_t records)
+{
+    queue().drop(records);
+    if (const auto number = _numbers.find(label); number != _numbers.end())
+        _gaps[number->second] += records;
+}
+
+std::string BatchStream::batchText(const std::string& records, const std::string& gaps) const
+{
+    return "{\"op\":\"batch\",\"records\":[" + records + "]" + (gaps.empty() ? "" : ",\"gaps\":[" + gaps + "]") +
+           ",\"dropped\":" + std::to_string(queue().dropped()) + "}";
+}
+
+// As words, which have room where records have none.
+void BatchStream::tellGaps()
+{
+    std::string gaps;
+    for (const auto& [number, records] : _gaps)
+        gaps += (gaps.empty() ? "[" : ",[") + std::to_string(number) + "," + std::to_string(records) + "]";
+    if (!gaps.empty() && queue().putWords(batchText({}, gaps)))
+        _gaps.clear();
 }
 
 void BatchStream::endRound()
@@ -67,12 +92,11 @@ void BatchStream::endRound()
     if (isEmpty() && !(untold() > 0 && queue().empty()))
         return;
     tell();
+    tellGaps();
     OutMessage round = takeRound();
-    round._bytes =
-        "{\"op\":\"batch\",\"records\":[" + round._bytes + "],\"dropped\":" + std::to_string(queue().dropped()) + "}";
-    if (round._records > 0)
-        queue().putRecords(std::move(round));
-    else
-        queue().putWords(std::move(round._bytes));
+    if (round._records == 0)
+        return;
+    round._bytes = batchText(round._bytes);
+    queue().putRecords(std::move(round));
 }
 } // namespace Monitor

@@ -10,7 +10,8 @@ namespace Monitor {
 /// ostrel.batch.v1: all records of a round in one text, for a page that shows many slots. The client says
 /// {"op":"subscribe","labels":[…]} or "unsubscribe", and gets
 /// {"op":"subscribed","slots":[{"id":…,"label":…}]}, then
-/// {"op":"batch","records":[[id,time,stamp,value],…],"dropped":…}, where "dropped" are all that are missing so far.
+/// {"op":"batch","records":[[id,time,stamp,value],…],"dropped":…}, where "dropped" are all that are missing so far;
+/// before a batch with records that follow missing ones {"op":"batch","records":[],"gaps":[[id,number],…],"dropped":…}.
 /// Threads: the server's.
 class BatchStream final : public RoundStream {
 public:
@@ -21,6 +22,7 @@ public:
 
     void received(std::string_view message, bool isBinary) override;
     void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) override;
+    void miss(const std::string& label, std::uint64_t records) override;
     void endRound() override;
     void drained() override { endRound(); }
 
@@ -28,9 +30,12 @@ private:
     void subscribe(const nlohmann::json& labels);
     void unsubscribe(const nlohmann::json& labels);
     void say(const nlohmann::json& object);
+    std::string batchText(const std::string& records, const std::string& gaps = {}) const;
+    void tellGaps();
 
     Watches& _watches;
     std::map<std::string, std::uint32_t, std::less<>> _numbers; // by label
     std::uint32_t _last = 0;
+    std::map<std::uint32_t, std::uint64_t> _gaps; // records that are missing, and that the client has not been told of
 };
 } // namespace Monitor

@@ -36,6 +36,8 @@ public:
     virtual void received(std::string_view message, bool isBinary) = 0;
     /// A slot that it watches has a new record.
     virtual void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) = 0;
+    /// Records of that slot found no room before this client's queue.
+    virtual void miss(const std::string& /*label*/, std::uint64_t records) { _queue.drop(records); }
     /// After the records of one round.
     virtual void endRound() = 0;
     /// Whether it is to hear what slots there are.

@@ -42,8 +42,10 @@ void Watches::removeAll(Stream& stream)
 
 void Watches::passOnLosses(Watched& watched, const TapCounts& counts)
 {
+    if (counts._refused == watched._refused)
+        return;
     for (Stream* const stream : watched._streams)
-        stream->queue().drop(counts._refused - watched._refused);
+        stream->miss(counts._label, counts._refused - watched._refused);
     watched._refused = counts._refused;
 }
 
