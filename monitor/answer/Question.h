@@ -3,6 +3,8 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace Monitor {
 
@@ -26,6 +28,7 @@ struct Answer {
     int _status = 200; // as in HTTP
     std::string _type = "application/json";
     std::string _body;
+    std::vector<std::pair<std::string, std::string>> _fields{}; // of the head, beside or in place of the usual ones
 };
 
 /// {"error": …}

@@ -62,10 +62,11 @@ std::vector<std::string> sourcesOf(const std::string& label, const SceneView& sc
 }
 } // namespace
 
-Hub::Hub(SceneView scene, WhoMay whoMay, Network network)
+Hub::Hub(SceneView scene, WhoMay whoMay, Network network, std::vector<std::string> folders)
     : _scene(std::move(scene)),
       _whoMay(std::move(whoMay)),
       _network(std::move(network)),
+      _page(std::move(folders)),
       _watches(_taps, _network._hurry),
       _foxglove{_watches,
                 _channels,
@@ -82,7 +83,7 @@ Hub::Hub(SceneView scene, WhoMay whoMay, Network network)
 
 std::optional<Answer> Hub::refusal(const RequestHead& head, Door door)
 {
-    if (const auto refused = _whoMay.refusal(head, door))
+    if (const auto refused = _whoMay.refusal(head, door, PageFiles::isPublic(head._path)))
         return errorAnswer(403, *refused);
     if (!head._wantsWebSocket)
         return std::nullopt;
@@ -111,10 +112,15 @@ void Hub::answerLater(Question question, Take take)
     question._isOver = [&thread, isGone = std::move(question._isOver)] {
         return thread.isOver() || (isGone && isGone());
     };
-    // What take holds has to go on the server's thread.
-    const auto work = [this, question = std::move(question), take]() mutable {
-        _network._post(
-            [take = std::exchange(take, nullptr), made = answer(question)]() mutable { take(std::move(made)); });
+    answerLater(
+        thread, [this, question = std::move(question)] { return answer(question); }, std::move(take));
+}
+
+// What take holds has to go on the server's thread.
+void Hub::answerLater(WorkThread& thread, std::function<Answer()> make, Take take)
+{
+    const auto work = [this, make = std::move(make), take]() mutable {
+        _network._post([take = std::exchange(take, nullptr), made = make()]() mutable { take(std::move(made)); });
     };
     if (!thread.add(work))
         take(errorAnswer(503, tooMany));
@@ -122,11 +128,17 @@ void Hub::answerLater(Question question, Take take)
 
 void Hub::ask(const RequestHead& head, Door door, std::string body, std::shared_ptr<Exchange> exchange)
 {
+    const auto take = [exchange](Answer made) { exchange->reply(std::move(made)); };
+    if (PageFiles::isOfPage(head._path) && _page.isRead())
+        return take(_page.answer(head));
+    if (PageFiles::isOfPage(head._path))
+        return answerLater(
+            _work, [this, head] { return _page.answer(head); }, take);
     Question question = questionFrom(head, std::move(body), _whoMay.mayWrite(head, door));
     if (question._path == "/stream")
         return stream(question, exchange);
     question._isOver = [gone = exchange->gone()] { return gone->load(std::memory_order_relaxed); };
-    answerLater(std::move(question), [exchange](Answer made) { exchange->reply(std::move(made)); });
+    answerLater(std::move(question), take);
 }
 
 void Hub::stream(const Question& question, const std::shared_ptr<Exchange>& exchange)

@@ -5,6 +5,8 @@
 #include "monitor/server/Service.h"
 #include "monitor/server/WorkThread.h"
 #include "monitor/server/doors/WhoMay.h"
+#include "monitor/server/page/PageFiles.h"
+#include "monitor/server/page/PageFolder.h"
 #include "monitor/server/streams/FoxgloveStream.h"
 #include "monitor/server/streams/LineStream.h"
 
@@ -24,7 +26,7 @@ public:
         std::function<std::chrono::steady_clock::time_point()> _now;
     };
 
-    Hub(SceneView scene, WhoMay whoMay, Network network);
+    Hub(SceneView scene, WhoMay whoMay, Network network, std::vector<std::string> folders = pageFolders());
 
     std::optional<Answer> refusal(const RequestHead& head, Door door) override;
     void ask(const RequestHead& head, Door door, std::string body, std::shared_ptr<Exchange> exchange) override;
@@ -39,6 +41,7 @@ private:
     using Take = std::function<void(Answer)>;
 
     void answerLater(Question question, Take take);
+    void answerLater(WorkThread& thread, std::function<Answer()> make, Take take);
     Answer answer(const Question& question) const;
     void stream(const Question& question, const std::shared_ptr<Exchange>& exchange);
     std::unique_ptr<Stream> lines(const std::vector<std::string>& labels, std::uint64_t most, LineStream::Shows shows);
@@ -51,6 +54,7 @@ private:
     const SceneView _scene;
     const WhoMay _whoMay;
     const Network _network;
+    const PageFiles _page;
     TapSet _taps;
     Channels _channels;
     Watches _watches;

@@ -12,13 +12,14 @@
 /// The server without its thread, its sockets and its clock: a test moves it by hand.
 class ServerBench {
 public:
-    explicit ServerBench(const std::string& token = {}, bool write = false)
+    explicit ServerBench(const std::string& token = {}, bool write = false, std::vector<std::string> pageFolders = {})
     {
         Trovio::Root::init();
         _hub = std::make_unique<Monitor::Hub>(
             Monitor::SceneView{}, Monitor::WhoMay(token, write),
             Monitor::Hub::Network{[this](std::function<void()> work) { _transport->post(std::move(work)); }, [] {},
-                                  [this] { return _now; }});
+                                  [this] { return _now; }},
+            std::move(pageFolders));
         _transport = std::make_unique<Monitor::Transport>(*_hub, Monitor::Limits{}, [this] { return _now; });
     }
     ~ServerBench()

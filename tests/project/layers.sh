@@ -49,6 +49,7 @@ declare -A allowed=(
     [monitor/server]="$product explain monitor"
     [monitor/server/streams]="$product explain monitor/. monitor/codec monitor/tap monitor/answer"
     [monitor/server/net]="$product monitor/server/. monitor/server/streams"
+    [monitor/server/page]="$product explain monitor/. monitor/answer monitor/server/net"
     [monitor/server/doors]="$product explain monitor/. monitor/server/net"
     [monitor/record]="$product explain monitor/. monitor/codec monitor/tap monitor/mcap"
     [monitor/mcap]="$product explain/text monitor/codec monitor/mcap"

@@ -77,7 +77,7 @@ bool WhoMay::mayWrite(const RequestHead& head, Door door) const
     return door == Door::Unix || (_write && hasToken(head));
 }
 
-std::optional<std::string> WhoMay::refusal(const RequestHead& head, Door door) const
+std::optional<std::string> WhoMay::refusal(const RequestHead& head, Door door, bool isPublic) const
 {
     if (door == Door::Unix)
         return std::nullopt;
@@ -91,7 +91,7 @@ std::optional<std::string> WhoMay::refusal(const RequestHead& head, Door door) c
                "; allowed: pages of the same host, and programs that are no browser";
     if (!givenToken(head).empty() && !hasToken(head))
         return "the token is not the one of this run; take the address that was printed at its start";
-    if (door == Door::Network && !hasToken(head))
+    if (door == Door::Network && !hasToken(head) && !isPublic)
         return "from another machine the token is needed, for reading, too; take the address that was printed at the "
                "start, or forward a port: ssh -L 8765:127.0.0.1:8765 MACHINE, where --monitor listens on loopback";
     if (changes(head) && !mayWrite(head, door))

@@ -15,7 +15,8 @@ public:
     WhoMay(std::string token, bool write) : _token(std::move(token)), _write(write) {}
 
     /// Why the request is refused, with the cure; nothing where it may pass.
-    std::optional<std::string> refusal(const RequestHead& head, Door door) const;
+    /// isPublic: what is asked for is the same for everybody, so that no token is needed to read it.
+    std::optional<std::string> refusal(const RequestHead& head, Door door, bool isPublic = false) const;
 
     /// Whether what comes by this request may change something.
     bool mayWrite(const RequestHead& head, Door door) const;

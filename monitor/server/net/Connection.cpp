@@ -36,6 +36,7 @@ bool readHead(const http::request<http::string_body>& request, RequestHead& head
     head._origin = textOf(request, http::field::origin);
     head._authorization = textOf(request, http::field::authorization);
     head._accept = textOf(request, http::field::accept);
+    head._knownTags = textOf(request, http::field::if_none_match);
     head._subprotocols = readList(textOf(request, http::field::sec_websocket_protocol));
     head._wantsWebSocket = websocket::is_upgrade(request);
     return readTarget(std::string_view(request.target().data(), request.target().size()), head);
@@ -97,7 +98,7 @@ private:
     void takeBody(const Problem& problem);
     void watchForLeaving();
     void endRequest(Problem problem);
-    void send(const Answer& answer, bool isLast);
+    void send(Answer answer, bool isLast);
     void endReply(const Problem& problem);
     void leave();
     void discard(const Problem& problem);
@@ -263,19 +264,24 @@ void BeastConnection::watchForLeaving()
 void BeastConnection::reply(Answer answer)
 {
     if (_phase == Phase::Answering)
-        send(answer, !_parser->keep_alive());
+        send(std::move(answer), !_parser->keep_alive());
 }
 
-void BeastConnection::send(const Answer& answer, bool isLast)
+// Without a body where none may be: to HEAD, which hears its length, and where the client has it already.
+void BeastConnection::send(Answer answer, bool isLast)
 {
     enter(Phase::Writing, _around._limits._idle);
     _response.emplace(static_cast<http::status>(answer._status), 11);
     _response->set(http::field::content_type, answer._type);
     _response->set(http::field::cache_control, "no-store");
     _response->set("X-Content-Type-Options", "nosniff");
-    _response->body() = answer._body;
+    for (const auto& [name, value] : answer._fields)
+        _response->set(name, value);
+    if (_response->result() != http::status::not_modified)
+        _response->content_length(answer._body.size());
+    if (_head._method != "HEAD")
+        _response->body() = std::move(answer._body);
     _response->keep_alive(!isLast);
-    _response->prepare_payload();
     http::async_write(_socket, *_response, then(&BeastConnection::endReply));
 }
 

@@ -20,6 +20,7 @@ struct RequestHead {
     std::string _origin;
     std::string _authorization;
     std::string _accept;
+    std::string _knownTags;                 // versions that the client has: If-None-Match
     std::vector<std::string> _subprotocols; // that a WebSocket offers
     bool _wantsWebSocket = false;
 };
