@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace Monitor {
 
@@ -32,7 +33,8 @@ struct SceneView {
     std::function<std::string(const std::string& sensor)> _fieldJson;
     std::function<ChangeCounts(const std::string& sensor)> _changes; // by the same name
     std::function<FrameCounts()> _frames;
-    std::string _name;             // of the program and its scenes, for people
-    Recorder* _recorder = nullptr; // what /recording starts and ends; outlives the server
+    std::string _name;                     // of the program and its scenes, for people
+    Recorder* _recorder = nullptr;         // what /recording starts and ends; outlives the server
+    std::vector<std::string> _addresses{}; // where browsers find the page, with the token; the server fills that in
 };
 } // namespace Monitor

@@ -29,6 +29,8 @@ int recordVerb(const Options& options);
 int graphVerb(const Options& options);
 /// The live table.
 int watchVerb(const Options& options);
+/// The address of its page, which a desktop opens.
+int openVerb(const Options& options);
 /// Why records do not flow between two labels, or at all.
 int askWhy(const Options& options);
 

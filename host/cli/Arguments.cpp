@@ -109,9 +109,9 @@ void addRecorder(CLI::App& app, CLI::Option& file, Options& options)
         ->needs(&file);
 }
 
-void addHost(CLI::App& app, Options& options)
+void addHost(CLI::App& app, Options& options, const char* names = "--host")
 {
-    app.add_option("--host", options._host, "the host to ask, by its process ID or its socket, where several run")
+    app.add_option(names, options._host, "the host to ask, by its process ID or its socket, where several run")
         ->type_name("PID|PATH");
 }
 
@@ -386,6 +386,11 @@ void tableOptions(CLI::App& app, Options& options)
 {
     addHost(app, options);
     addFilter(app, options);
+}
+
+void pageHost(CLI::App& app, Options& options)
+{
+    addHost(app, options, "--host,HOST");
 }
 } // namespace Arguments
 } // namespace Host

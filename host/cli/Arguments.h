@@ -32,5 +32,6 @@ void labelAndValue(CLI::App& app, Options& options);
 void recordFile(CLI::App& app, Options& options);
 void graphForm(CLI::App& app, Options& options);
 void tableOptions(CLI::App& app, Options& options);
+void pageHost(CLI::App& app, Options& options);
 } // namespace Arguments
 } // namespace Host

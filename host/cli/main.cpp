@@ -42,6 +42,8 @@ int main(int argc, char** argv)
          {"record", "make a running host record what slots push", Takes::recordFile, Host::recordVerb},
          {"graph", "print the graph of a running host", Takes::graphForm, Host::graphVerb},
          {"watch", "show the live table of a running host", Takes::tableOptions, Host::watchVerb},
+         {"open", "print the address of a running host's page, and open it on a desktop", Takes::pageHost,
+          Host::openVerb},
          {"calibrate", "find how a device's room lies in yours, from points that you take the device to",
           Takes::sceneLabelAndPoints, Host::calibrateVerb},
          {"osc-listen", "show what comes by OSC, and which settings of a node would take it", Takes::placeAndSeconds,

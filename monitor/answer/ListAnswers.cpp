@@ -63,7 +63,8 @@ std::string realPath(const std::string& path)
 
 } // namespace
 
-Answer answerHost(const Context& context, const Question&)
+// The addresses may have the token, so they are for who may do everything anyhow.
+Answer answerHost(const Context& context, const Question& question)
 {
     Json scenes = Json::array();
     const Explain::ScenePlaces places = placesOf(context);
@@ -75,6 +76,8 @@ Answer answerHost(const Context& context, const Question&)
         const FrameCounts frames = context._scene._frames();
         object.update({{"rate", frames._rate}, {"frames", frames._run}, {"leftOut", frames._leftOut}});
     }
+    if (question._mayWrite)
+        object["addresses"] = context._scene._addresses;
     return jsonAnswer(object);
 }
 

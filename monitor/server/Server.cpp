@@ -93,6 +93,7 @@ Server::State::State(ServerOptions options) : _doors(options)
     for (const TcpDoor& door : _doors._tcp)
         _addresses.push_back("http://" + door._address + "/" + (token.empty() ? "" : "?token=" + token));
     options.scene._name = nameOf(options.scene);
+    options.scene._addresses = _addresses;
     const Hub::Network network{[this](std::function<void()> work) { _transport->post(std::move(work)); },
                                [this] { _transport->hurry(); }, std::chrono::steady_clock::now};
     _hub = std::make_unique<Hub>(std::move(options.scene), WhoMay(token, options.write), network);

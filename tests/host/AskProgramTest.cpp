@@ -119,6 +119,7 @@ TEST_F(Ask, SaysWhatIsWrong)
         {"$host why Wave", 2, "TO is missing"},
         {"$host echo Note", 3, "nothing is connected to 'Context/Note'"},
         {"$host echo Generator/value -n 9999 --seconds 0.1", 124, ""},
+        {"DISPLAY=:0 $host open", 3, "start it with --monitor"},
         {"$host list --host 1", 3, "no host has process ID 1; there is: "},
         {"$host list --host $XDG_RUNTIME_DIR/none", 3, "no host answers at"},
         {"$host list > /dev/full", 1, "standard output cannot be written to"},

@@ -63,6 +63,20 @@ TEST_F(MonitorProgram, SocketOfAKilledRunIsNotInTheWayAndOneThatCannotBeMadeEnds
     EXPECT_NE(last.err().find("is no folder of this user"), std::string::npos) << last.err();
 }
 
+TEST_F(MonitorProgram, OpenTellsTheAddressWithItsTokenAndADesktopOpensIt)
+{
+    HostProcess running(host, {"run", _scene.path(), "--quiet", "--monitor-write"});
+    ASSERT_TRUE(running.waitFor("?token=")) << running.err();
+    std::ofstream(folder() + "/xdg-open") << "#!/bin/sh\necho \"opened: $1\" > " + folder() + "/opened\n";
+    Files::permissions(folder() + "/xdg-open", Files::perms::owner_all);
+    HostProcess open("sh", {"-c", "cd " + folder() + " && mkfifo opened && DISPLAY=:0 PATH=.:$PATH " + host +
+                                      " open && timeout 20 cat opened"});
+    EXPECT_EQ(open.wait(), 0) << open.err();
+    const std::string address = open.out().substr(0, open.out().find('\n'));
+    EXPECT_NE(running.err().find(address), std::string::npos) << address;
+    EXPECT_NE(open.out().find("opened: " + address), std::string::npos) << open.out();
+}
+
 TEST_F(MonitorProgram, AddressesThatAreNoneAreRefused)
 {
     for (const char* const wrong : {"--monitor=nowhere", "--monitor=127.0.0.1:99999", "--monitor=[::1"}) {
