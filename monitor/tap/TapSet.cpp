@@ -256,6 +256,16 @@ std::vector<TapCounts> TapSet::getCounts() const
     return counts;
 }
 
+std::vector<TapCounts> TapSet::getLosses() const
+{
+    const Ostrel::LockGuard guard(_lock);
+    std::vector<TapCounts> losses;
+    for (const auto& [label, watched] : _watched)
+        if (watched->_before._refused + watched->_tap->refused() != 0)
+            losses.push_back(countsOf(*watched));
+    return losses;
+}
+
 TapCounts TapSet::getCounts(const std::string& label) const
 {
     const Ostrel::LockGuard guard(_lock);

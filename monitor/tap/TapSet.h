@@ -51,6 +51,8 @@ public:
 
     /// By label, of all that are looked at now.
     std::vector<TapCounts> getCounts() const OSTREL_EXCLUDES(_lock);
+    /// Of those that refused any.
+    std::vector<TapCounts> getLosses() const OSTREL_EXCLUDES(_lock);
     /// Of one; zeros where it is not looked at.
     TapCounts getCounts(const std::string& label) const OSTREL_EXCLUDES(_lock);
 

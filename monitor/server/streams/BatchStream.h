@@ -3,7 +3,9 @@
 #include "monitor/server/streams/RoundStream.h"
 #include "monitor/server/streams/Watches.h"
 
+#include <map>
 #include <nlohmann/json_fwd.hpp>
+#include <unordered_map>
 
 namespace Monitor {
 
@@ -34,7 +36,7 @@ private:
     void tellGaps();
 
     Watches& _watches;
-    std::map<std::string, std::uint32_t, std::less<>> _numbers; // by label
+    std::unordered_map<std::string, std::uint32_t> _numbers; // by label
     std::uint32_t _last = 0;
     std::map<std::uint32_t, std::uint64_t> _gaps; // records that are missing, and that the client has not been told of
 };

@@ -3,6 +3,7 @@
 #include "monitor/codec/Poses.h"
 #include "monitor/server/streams/Watches.h"
 
+#include <map>
 #include <set>
 
 namespace Monitor {

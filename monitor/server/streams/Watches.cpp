@@ -60,7 +60,7 @@ void Watches::round()
         known->second._codec = &codec;
         known->second._last = std::move(record);
     });
-    for (const TapCounts& counts : _taps.getCounts())
+    for (const TapCounts& counts : _taps.getLosses())
         if (const auto known = _watched.find(counts._label); known != _watched.end())
             passOnLosses(known->second, counts);
     std::set<Stream*> streams;

@@ -3,8 +3,8 @@
 #include "monitor/server/streams/Stream.h"
 #include "monitor/tap/TapSet.h"
 
-#include <map>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 namespace Monitor {
@@ -39,6 +39,6 @@ private:
 
     TapSet& _taps;
     const std::function<void()> _begun;
-    std::map<std::string, Watched, std::less<>> _watched;
+    std::unordered_map<std::string, Watched> _watched; // by label
 };
 } // namespace Monitor
