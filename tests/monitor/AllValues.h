@@ -88,6 +88,7 @@ template <class T>
 Bytes encoded(const T& value)
 {
     Bytes bytes;
+    bytes.reserve(64); // or the compiler takes what it copies on growing for an overrun
     encode(Trovio::Data<T>(value, Trovio::Time(1.5)), bytes);
     return bytes;
 }
