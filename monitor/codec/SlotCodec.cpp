@@ -1,6 +1,5 @@
 #include "monitor/codec/SlotCodec.h"
 
-#include "explain/text/JsonText.h"
 #include "monitor/codec/Encode.h"
 #include "monitor/codec/JsonReader.h"
 #include "monitor/codec/JsonWriter.h"
@@ -57,8 +56,9 @@ public:
     {
         Plain value{};
         const bool isRead = decode(message, value, problem);
+        json.clear();
         if (isRead)
-            json = Explain::jsonText(jsonOf(value));
+            appendJson(json, value);
         return isRead;
     }
 

@@ -1,3 +1,4 @@
+#include "explain/ValueJson.h"
 #include "host/show/Json.h"
 #include "monitor/codec/PlainJson.h"
 #include "monitor/codec/SlotCodec.h"
@@ -10,6 +11,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <set>
 
 using namespace Monitor;
@@ -64,6 +66,28 @@ TEST(Codec, ValuesOfAllTypesComeBackBitByBit)
         else
             EXPECT_TRUE(Nodes::isSame(back, value) || encoded(value) == encoded(back)) << nameOf(value);
     });
+}
+
+// In the form of the other answers, and with no more digits than they need.
+TEST(Codec, NumbersAreWrittenAsTheJsonLibraryWritesThem)
+{
+    std::mt19937 random(1);
+    const auto hasExponent = [](const std::string& text) { return text.find('e') != std::string::npos; };
+    const auto check = [hasExponent]<class T>(T number, const nlohmann::json& expected) {
+        const std::string text = jsonOf(TypeName<T>::getName(), encoded(number)), other = expected.dump();
+        EXPECT_LE(text.size(), other.size()) << text << " and " << other;
+        EXPECT_EQ(nlohmann::json::parse(text), nlohmann::json::parse(other)) << text;
+        EXPECT_EQ(hasExponent(text), hasExponent(other)) << text << " and " << other;
+    };
+    for (const double number : {0.0, -0.0, 1.0, 1e-4, 9.9e-5, 1e15, 9.9e14, 1e7, 16777217.0, 0.1, 1e300, 5e-324}) {
+        check(number, number);
+        check(static_cast<float>(number), Explain::valueJson(static_cast<float>(number)));
+    }
+    for (int i = 0; i < 20'000; ++i) {
+        const double number = (static_cast<double>(random()) - 2e9) / (1U << random() % 32);
+        check(number, number);
+        check(static_cast<float>(number), Explain::valueJson(static_cast<float>(number)));
+    }
 }
 
 TEST(Codec, MessageThatIsCutAnywhereIsRefused)

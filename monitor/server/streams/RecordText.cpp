@@ -3,18 +3,17 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 
 namespace Monitor {
 
 std::string secondsText(std::int64_t nanoseconds)
 {
     constexpr std::int64_t second = 1'000'000'000;
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%s%lld.%09lld", nanoseconds < 0 ? "-" : "",
-                  static_cast<long long>(std::abs(nanoseconds / second)),
-                  static_cast<long long>(std::abs(nanoseconds % second)));
-    return text.data();
+    std::array<char, 32> whole{}, rest{};
+    const auto wholeEnd = std::to_chars(whole.begin(), whole.end(), std::abs(nanoseconds / second)).ptr;
+    std::to_chars(rest.begin(), rest.end(), second + std::abs(nanoseconds % second)); // "1" before its nine digits
+    rest.front() = '.';
+    return (nanoseconds < 0 ? "-" : "") + std::string(whole.begin(), wholeEnd) + rest.data();
 }
 
 std::string stampText(const Trovio::Time& stamp)
