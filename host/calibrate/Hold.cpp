@@ -18,7 +18,7 @@ double quantile(std::vector<double> numbers, double share)
 
 void Hold::take(const Point& value)
 {
-    if (_values.size() < Most)
+    if (_values.size() < MaxValues)
         _values.push_back(value);
 }
 

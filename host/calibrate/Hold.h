@@ -7,9 +7,9 @@ namespace Host {
 /// One second of values from a device that is held still. Threads: one.
 class Hold {
 public:
-    static constexpr double Length = 1.0;      // seconds
-    static constexpr std::size_t Fewest = 5;   // values that a median is taken of
-    static constexpr std::size_t Most = 20000; // beyond these values are left out: more than two frames a millisecond
+    static constexpr double Length = 1.0;            // seconds
+    static constexpr std::size_t Fewest = 5;         // values that a median is taken of
+    static constexpr std::size_t MaxValues = 20'000; // more than two frames a millisecond; others are left out
 
     /// Begins at `now`, in seconds of a steady clock.
     explicit Hold(double now) : _end(now + Length) {}

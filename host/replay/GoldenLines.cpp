@@ -11,11 +11,11 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::size_t mostShown = 300; // bytes of a value
+constexpr std::size_t maxShown = 300; // bytes of a value
 
 std::string shown(const json& line, const char* key)
 {
-    return line.contains(key) ? escaped(line[key].dump(-1, ' ', false, json::error_handler_t::replace), mostShown) : "";
+    return line.contains(key) ? escaped(line[key].dump(-1, ' ', false, json::error_handler_t::replace), maxShown) : "";
 }
 
 json parsed(std::string_view line)
@@ -36,7 +36,7 @@ std::string difference(std::string_view comes, std::string_view golden, std::siz
     const json now = parsed(comes), then = parsed(golden);
     const std::string place = "line " + std::to_string(number);
     if (then.is_null() || now.is_null())
-        return escaped(comes, mostShown) + " comes, where " + place + " has " + escaped(golden, mostShown);
+        return escaped(comes, maxShown) + " comes, where " + place + " has " + escaped(golden, maxShown);
     for (const char* const key : {"value", "stamp", "time", "label", "type"})
         if (sensorOf(now) == sensorOf(then) && shown(now, key) != shown(then, key))
             return sensorOf(now) + ": the " + key + " is " + shown(now, key) + ", where " + place + " has " +
@@ -69,7 +69,7 @@ public:
         std::string golden;
         if (_problem.empty() && std::getline(_file, golden))
             _problem = "the replay ends with frame " + std::to_string(_frame) + ", before line " +
-                       std::to_string(_number + 1) + ": " + escaped(golden, mostShown);
+                       std::to_string(_number + 1) + ": " + escaped(golden, maxShown);
         return _problem.empty() ? "" : escaped(_path) + ": " + _problem;
     }
 
@@ -87,7 +87,7 @@ private:
             golden.pop_back();
         _problem =
             "frame " + std::to_string(_frame) + ": " +
-            (isThere ? difference(bare, golden, _number) : escaped(bare, mostShown) + " comes, where the file ends");
+            (isThere ? difference(bare, golden, _number) : escaped(bare, maxShown) + " comes, where the file ends");
     }
 
     const std::string _path;

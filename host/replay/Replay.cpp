@@ -14,12 +14,12 @@ using Monitor::Mcap::secondsOf;
 
 namespace {
 
-constexpr std::size_t mostFrameBytes = 4096;
+constexpr std::size_t maxFrameBytes = 4096;
 
 // As in the run that was recorded, where it says.
 std::uint64_t frameNumber(const RecordedMessage& message, std::uint64_t otherwise)
 {
-    if (message._data.size() > mostFrameBytes)
+    if (message._data.size() > maxFrameBytes)
         return otherwise;
     const auto frame = nlohmann::json::parse(Monitor::Mcap::asText(message._data), nullptr, false);
     const auto number = frame.is_object() ? frame.find("number") : frame.end();

@@ -48,7 +48,7 @@ bool ReadAhead::put(RecordedMessage&& message)
 {
     const LockGuard guard(_lock);
     const std::size_t cost = costOf(message);
-    while (!_isOver && _bytes > 0 && _bytes + cost > Most)
+    while (!_isOver && _bytes > 0 && _bytes + cost > MaxBytes)
         _changed.wait(_lock);
     if (_isOver)
         return false;

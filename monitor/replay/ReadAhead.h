@@ -22,7 +22,7 @@ struct RecordedMessage {
 /// Threads:   one that takes.
 class ReadAhead {
 public:
-    static constexpr std::size_t Most = 16UL * 1024 * 1024; // bytes that are ready; one message may be larger
+    static constexpr std::size_t MaxBytes = 16UL * 1024 * 1024; // bytes that are ready; one message may be larger
 
     /// As TimedMessages. Throws std::system_error where there can be no more threads.
     ReadAhead(Mcap::InputFile& file, const RecordedFile& recorded, std::set<std::uint16_t> channels);

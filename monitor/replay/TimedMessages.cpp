@@ -60,7 +60,7 @@ std::optional<Message> TimedMessages::next()
 void TimedMessages::open(const RecordedChunk& chunk)
 {
     auto opened = std::make_unique<OpenChunk>();
-    if (chunk._length > mostRecord - std::min(_held, mostRecord))
+    if (chunk._length > maxRecord - std::min(_held, maxRecord))
         refuse(chunk, "overlaps in time with more others than can be held in memory");
     opened->_record.resize(static_cast<std::size_t>(chunk._length));
     const bool isRead = _file.read(chunk._offset, opened->_record);

@@ -18,7 +18,7 @@ namespace {
 namespace context = boost::context;
 
 constexpr unsigned tooManySteps = 20'000;
-constexpr int mostChanges = 9;
+constexpr int maxChanges = 9;
 Scheduler* current = nullptr;
 
 context::pooled_fixedsize_stack& stacks()
@@ -44,7 +44,7 @@ struct Scheduler::Fibre {
 
 Scheduler::Scheduler(std::uint64_t seed, unsigned length, bool tracing) : _random(seed), _tracing(tracing)
 {
-    _changes.resize(length == 0 ? 0 : seed % (mostChanges + 1));
+    _changes.resize(length == 0 ? 0 : seed % (maxChanges + 1));
     for (unsigned& change : _changes)
         change = static_cast<unsigned>(_random() % length);
     std::sort(_changes.rbegin(), _changes.rend());

@@ -36,11 +36,11 @@ enum class Op : std::uint8_t {
 };
 
 inline constexpr std::string_view magic{"\x89MCAP0\r\n", 8};
-inline constexpr std::size_t frameSize = 9;                // of a record: its opcode and length
-inline constexpr std::size_t dataEndSize = frameSize + 4;  // with its checksum
-inline constexpr std::size_t footerSize = frameSize + 20;  // with two offsets and a checksum
-inline constexpr std::uint64_t mostRecord = 1'073'741'824; // bytes in a record that is written or read; more is refused
-inline constexpr std::size_t mostChannels = 65'535;        // as many as the numbers of channels allow
+inline constexpr std::size_t frameSize = 9;               // of a record: its opcode and length
+inline constexpr std::size_t dataEndSize = frameSize + 4; // with its checksum
+inline constexpr std::size_t footerSize = frameSize + 20; // with two offsets and a checksum
+inline constexpr std::uint64_t maxRecord = 1'073'741'824; // bytes in a record that is written or read; more is refused
+inline constexpr std::size_t maxChannels = 65'535;        // as many as the numbers of channels allow
 
 using Texts = std::map<std::string, std::string>;
 

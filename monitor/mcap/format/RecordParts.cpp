@@ -17,11 +17,11 @@ std::optional<Part> ifWhole(const ByteCursor& cursor, Part&& part)
 }
 
 // No frame of zstd grows by more than this: a block of 128 KiB takes 4 bytes at least.
-constexpr std::uint64_t mostGrowth = 32'768;
+constexpr std::uint64_t maxGrowth = 32'768;
 
 bool decompress(const ChunkHead& head, Bytes& buffer)
 {
-    if (head._size > mostRecord || head._size / mostGrowth > head._stored.size())
+    if (head._size > maxRecord || head._size / maxGrowth > head._stored.size())
         return false;
     buffer.resize(static_cast<std::size_t>(head._size));
     return ZSTD_decompress(buffer.data(), buffer.size(), head._stored.data(), head._stored.size()) == buffer.size();

@@ -4,7 +4,7 @@ namespace Monitor::Mcap {
 
 namespace {
 
-constexpr std::size_t mostKept = 64UL * 1024 * 1024; // bytes of all schemas and channels of a file
+constexpr std::size_t maxKept = 64UL * 1024 * 1024; // bytes of all schemas and channels of a file
 constexpr const char* tooShort = "is too short for its fields";
 constexpr const char* tooMany = "brings the schemas and channels of the file above 64 MiB";
 } // namespace
@@ -12,7 +12,7 @@ constexpr const char* tooMany = "brings the schemas and channels of the file abo
 bool ChannelTable::keep(std::size_t bytes)
 {
     _kept += bytes;
-    return _kept <= mostKept;
+    return _kept <= maxKept;
 }
 
 std::string ChannelTable::visit(const RecordView& record)

@@ -42,7 +42,7 @@ bool ChunkSearch::isGood(std::uint64_t offset)
     cursor.number<std::uint64_t>();
     const auto sum = cursor.number<std::uint32_t>();
     const auto nameLength = cursor.number<std::uint32_t>();
-    if (start > end || sum == 0 || nameLength > 4 || length < headSize + nameLength + 8 || length > mostRecord ||
+    if (start > end || sum == 0 || nameLength > 4 || length < headSize + nameLength + 8 || length > maxRecord ||
         length > _file.size() - offset - frameSize || length > _budget)
         return false;
     _budget -= length;

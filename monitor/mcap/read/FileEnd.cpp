@@ -49,7 +49,7 @@ private:
         ByteCursor cursor(frame);
         const auto op = cursor.number<Op>();
         const auto length = cursor.number<std::uint64_t>();
-        if (!mayStandInSummary(op) || length > mostRecord || length > _end - _at - frame.size())
+        if (!mayStandInSummary(op) || length > maxRecord || length > _end - _at - frame.size())
             return false;
         _content.resize(static_cast<std::size_t>(length));
         if (!_file.read(_at + frame.size(), _content))

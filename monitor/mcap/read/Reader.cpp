@@ -73,7 +73,7 @@ std::optional<Reader::Frame> Reader::frameAt(std::uint64_t offset)
     ByteCursor cursor(bytes);
     const auto op = cursor.number<Op>();
     const auto length = cursor.number<std::uint64_t>();
-    if (op == Op{} || length > mostRecord || length > _state._size - offset - frameSize)
+    if (op == Op{} || length > maxRecord || length > _state._size - offset - frameSize)
         return std::nullopt;
     return Frame{op, offset, frameSize + length};
 }

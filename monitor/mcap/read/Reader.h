@@ -14,7 +14,7 @@ namespace Monitor::Mcap {
 /// checksum were ended by their writer after all else was on the disk: there each fault is damage, but for an end that
 /// is not there: that is a file which was copied in part.
 ///
-/// Nothing in the file sizes memory but what is checked: against the bytes that are there, and mostRecord.
+/// Nothing in the file sizes memory but what is checked: against the bytes that are there, and maxRecord.
 class Reader {
 public:
     Reader(InputFile& file, Visitor& visitor) : _file(file), _visitor(visitor), _table(visitor), _search(file) {}

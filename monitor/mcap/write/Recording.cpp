@@ -43,7 +43,7 @@ std::uint16_t Recording::numberOf(const Schema& schema)
 
 std::uint16_t Recording::addChannel(const std::string& topic, const std::string& encoding, const Schema& schema)
 {
-    if (_channels.size() >= mostChannels)
+    if (_channels.size() >= maxChannels)
         throw std::length_error("a recording has at most 65,535 channels; record fewer slots");
     const auto id = static_cast<std::uint16_t>(_channels.size() + 1);
     _channels.push_back({{id, numberOf(schema), topic, encoding, {}}, 0});
@@ -52,7 +52,7 @@ std::uint16_t Recording::addChannel(const std::string& topic, const std::string&
 
 bool Recording::add(std::uint16_t channel, std::uint64_t logTime, std::uint64_t publishTime, ByteView data)
 {
-    if (data.size() > mostRecord / 2) // its chunk holds more
+    if (data.size() > maxRecord / 2) // its chunk holds more
         return false;
     for (; _schemasWritten < _schemas.size(); ++_schemasWritten)
         _chunk.add(_schemas[_schemasWritten]);

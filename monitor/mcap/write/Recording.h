@@ -37,7 +37,7 @@ public:
     Recording& operator=(const Recording&) = delete;
 
     /// A number for the messages of a topic. `schema` needs no number; one that comes again is written once. Throws
-    /// std::length_error beyond mostChannels.
+    /// std::length_error beyond maxChannels.
     std::uint16_t addChannel(const std::string& topic, const std::string& encoding, const Schema& schema);
 
     /// False, and nothing is added, where the message is larger than what a file may hold. Times are nanoseconds since
