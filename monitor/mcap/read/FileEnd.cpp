@@ -110,13 +110,13 @@ FileEnd readFileEnd(InputFile& file, std::uint64_t from, const Chunks& chunks)
     if (op != Op::Footer || size != footerSize - frameSize || !hasMagic)
         return {"footer and magic are not where they belong", false, hasMagic};
     if (start == 0)
-        return {summaryEnd == from ? "" : "its footer names no summary", false, hasMagic};
+        return {summaryEnd == from ? "" : "its footer names no summary", false, hasMagic, summaryEnd == from};
     SummaryWalk summary(file, from, summaryEnd, chunks);
     const ByteView covered = ByteView(bytes).first(footerSize - sizeof sum);
     if (start != from || !summary.isWhole() || (sum != 0 && checksum(covered, summary.sum()) != sum))
         return {"its summary is torn", false, hasMagic};
     if (!summary.namesWhatIsThere())
-        return {"its summary does not name what is there", false, hasMagic};
-    return {"", true, hasMagic};
+        return {"its summary does not name what is there", false, hasMagic, true};
+    return {"", true, hasMagic, true};
 }
 } // namespace Monitor::Mcap

@@ -12,6 +12,7 @@ struct FileEnd {
     std::string _problem; // empty where it is whole
     bool _hasSummary = false;
     bool _hasMagic = false; // else the file is only a beginning
+    bool _isUntorn = false; // its bytes are those of one write, whatever they say
 };
 
 /// `from` is the place behind the end of the data, `chunks` what was found before it: lengths by offsets.

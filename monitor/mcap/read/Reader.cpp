@@ -240,8 +240,9 @@ void Reader::readEnd(const Frame& dataEnd)
     const auto sum = ByteCursor(content()).number<std::uint32_t>();
     const bool isRight = sum == _state._checksum;
     const FileEnd end = readFileEnd(_file, dataEnd.end(), _chunks);
-    // Beside a torn end, a wrong checksum is what stood in its place before.
-    _state._sealed = sum != 0 && (isRight || end._problem.empty());
+    // Beside a torn end, a wrong checksum is what stood in its place before. An end that is not torn, and names chunks
+    // that cannot be read, was written by who had them.
+    _state._sealed = sum != 0 && (isRight || end._isUntorn);
     if (_state._sealed && !isRight)
         problem(dataEnd._offset, "the checksum of all data is wrong");
     _isStrict = _state._sealed && (end._hasMagic || !_state._problem.empty());
