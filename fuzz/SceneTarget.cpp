@@ -50,7 +50,7 @@ void checkScene(Scenes::SceneFile scene)
         require(sensor._name._position._line > 0, "what was read knows its line");
     }
     const std::size_t count = scene._sensors.size();
-    Scenes::LoadedScene loaded(std::move(scene), "", [] { return false; });
+    Scenes::LoadedScene loaded(std::make_shared<const Scenes::SceneFile>(std::move(scene)), "", [] { return false; });
     loaded.addSensors();
     require(loaded.watches().size() == count, "each sensor of the text is one of the scene");
     loaded.frame(1.0);

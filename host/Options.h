@@ -51,6 +51,7 @@ struct Options {
     bool _send = false;   // nodes that only send are made
     bool _asTest = false; // then the next may name a file
     std::string _golden, _goldenToWrite;
+    bool _followsFiles = false; // of run: scenes are read anew when they are saved
     bool _strict = false;
     bool _quiet = false;
     bool _verbose = false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "explain/Graph.h"
+#include "monitor/SceneChanges.h"
 
 #include <cstdint>
 #include <functional>
@@ -36,5 +37,6 @@ struct SceneView {
     std::string _name;                     // of the program and its scenes, for people
     Recorder* _recorder = nullptr;         // what /recording starts and ends; outlives the server
     std::vector<std::string> _addresses{}; // where browsers find the page, with the token; the server fills that in
+    SceneChanges _sceneChanges{};          // what may be changed
 };
 } // namespace Monitor

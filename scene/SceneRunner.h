@@ -21,7 +21,8 @@ namespace Scenes {
 /// with its sensors and handlers, whose nodes start at once. Node modules are found as docs/embedding.md says.
 /// Ownership: owns all of it; what it hands out ends with it. The destructor takes everything down in the one order
 ///            that works, and ends the framework's root.
-/// Threads:   made, used and destroyed by one thread, the scene thread. One object per process at a time, in a program
+/// Threads:   made, used and destroyed by one thread, the scene thread, but for plan(). One object per process at a
+/// time, in a program
 ///            that does not call Trovio::Root::init() itself.
 /// Errors:    every exception is a std::exception; after one that a constructor threw nothing is left behind.
 class SceneRunner {
@@ -44,6 +45,17 @@ public:
     /// One frame, for a program that has a loop of its own: fields get what came in, outputs are sent. `now` in
     /// wall-clock seconds.
     void frame(double now);
+
+    /// Reads and checks the files anew, and makes the nodes that will start, without starting them. Returns what
+    /// differs from what runs, a line each for people; empty where nothing does. Nothing has changed yet. Any thread,
+    /// one at a time, so that no frame waits for the disk. Throws as the constructor does, also where a handler or a
+    /// node that is new or has changed cannot be made.
+    std::vector<std::string> plan();
+
+    /// Does what plan() has returned last, between two frames; nothing without a plan. All else goes on untouched:
+    /// sensors keep values and slots, nodes run. Blocks while nodes stop and start. Sensors and handlers that the plan
+    /// names are others behind it: ask for their fields again.
+    void apply();
 
     /// Frames per second: the highest that one of the scenes asks for.
     double rate() const;

@@ -27,6 +27,10 @@ bool runScene(const std::string& path)
     int frames = 0;
     const auto hasBoth = [&] { return wave.value() != 0.0F && ramp.value() != 0.0F; };
     scene.run([&](double) { return !hasBoth() && ++frames < 600; });
+    // The file may have been edited meanwhile. Fields of sensors that the plan names would have to be asked for again.
+    for (const std::string& line : scene.plan())
+        std::printf("changes: %s\n", line.c_str());
+    scene.apply();
     std::printf("wave %g, ramp %g\n", double(wave.value()), double(ramp.value()));
     return hasBoth();
 } // takes the scene down

@@ -8,8 +8,8 @@
 
 namespace Host {
 
-/// Verbs that ask a host which runs already, and change nothing in it but for pub and record. Each blocks until it has
-/// its answer, or for ever where the answer goes on; a signal ends it as it ends any program.
+/// Verbs that ask a host which runs already, and change nothing in it but for pub, record and reload. Each blocks until
+/// it has its answer, or for ever where the answer goes on; a signal ends it as it ends any program.
 
 /// What there is: slots, sensors, nodes.
 int listVerb(const Options& options);
@@ -25,6 +25,8 @@ int delayVerb(const Options& options);
 int pubVerb(const Options& options);
 /// Makes the host record, until a signal, or says how that goes.
 int recordVerb(const Options& options);
+/// Makes the host read its scenes anew, and says what it did.
+int reloadVerb(const Options& options);
 /// The graph of what runs.
 int graphVerb(const Options& options);
 /// The live table.

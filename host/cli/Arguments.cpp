@@ -228,6 +228,7 @@ void scenesAndRunOptions(CLI::App& app, Options& options)
     file.type_name("FILE");
     addRecorder(app, file, options);
     app.add_flag("--strict", options._strict, "refuse scenes of which a handler or a node cannot be made");
+    app.add_flag("--watch", options._followsFiles, "read a scene anew when it is saved, and do what differs");
     addScenes(app, options);
 }
 
@@ -373,6 +374,11 @@ void recordFile(CLI::App& app, Options& options)
     addRecorder(app, file, options);
     addSeconds(app, "--seconds", "end after this many seconds", options._seconds);
     app.add_flag("--stop", options._stops, "end what is being recorded")->excludes(&file);
+}
+
+void hostAlone(CLI::App& app, Options& options)
+{
+    addHost(app, options);
 }
 
 void graphForm(CLI::App& app, Options& options)

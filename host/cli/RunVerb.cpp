@@ -7,6 +7,8 @@
 #include "host/output/RunLog.h"
 #include "host/report/Report.h"
 #include "host/run/ClockStepDetector.h"
+#include "host/run/ReloadThread.h"
+#include "host/run/RunChanges.h"
 #include "host/run/RunMonitor.h"
 #include "host/run/RunRecorder.h"
 #include "host/run/StoppableClock.h"
@@ -15,7 +17,6 @@
 #include "host/show/RunView.h"
 #include "host/show/Terminal.h"
 #include "osg/LogMessage.h"
-#include "scene/file/Problems.h"
 #include "scene/file/SceneMemory.h"
 #include "scene/file/SceneReader.h"
 #include "scene/run/FrameLoop.h"
@@ -46,21 +47,21 @@ std::size_t messageWidth()
 }
 
 // Each context gets the rate that its scene asks for, or more.
-double rateOf(const std::vector<SceneFile>& files, const Options& options)
+double rateOf(const SceneFiles& files, const Options& options)
 {
     double rate = 0;
-    for (const SceneFile& file : files)
-        rate = std::max(rate, file._host._rate._value);
+    for (const auto& file : files)
+        rate = std::max(rate, file->_host._rate._value);
     return options._rate.value_or(rate);
 }
 
 // What the command line says, else the first scene that says anything.
-MonitorSettings monitorOf(const std::vector<SceneFile>& files, const Options& options)
+MonitorSettings monitorOf(const SceneFiles& files, const Options& options)
 {
     std::string listen = options._listen;
-    for (const SceneFile& file : files)
+    for (const auto& file : files)
         if (listen.empty())
-            listen = file._host._monitor._value;
+            listen = file->_host._monitor._value;
     if (listen.empty() && options._monitorMayWrite)
         listen = "localhost";
     return {listen, options._monitorMayWrite, rateOf(files, options)};
@@ -73,27 +74,88 @@ void tellOfStep(double step, const Session& session, View& view)
     view.clockStepped(step);
 }
 
-// Runs frames until the end of the run, which also comes when nobody can read the values any more.
-void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, View& view, const SensorFilter& filter,
-               const RunOutput& output, RunMonitor& monitor, RunRecorder& recorder)
+void listen(const Session& session, View* view, const SensorFilter& filter)
 {
-    ClockStepDetector steps;
     for (SensorWatch* watch : session.watches())
         if (filter.passes(watch->title(), watch->sensor().getLabel()))
-            watch->setListener(&view);
+            watch->setListener(view);
+}
+
+/// What runs besides the scenes, and has to follow when they change.
+struct Followers {
+    View& _view;
+    RunMonitor& _monitor;
+    RunRecorder& _recorder;
+    FrameJobs& _jobs;
+};
+
+// Between two frames: does what others want changed.
+void followChanges(const Session& session, FrameLoop& loop, const Options& options, const Followers& followers)
+{
+    const std::uint64_t sensorChanges = session.sensorChanges();
+    if (!followers._jobs.work())
+        return;
+    const double rate = rateOf(session.files()._running, options);
+    loop.setRate(rate);
+    followers._monitor.setRate(rate);
+    if (session.sensorChanges() == sensorChanges)
+        return;
+    listen(session, &followers._view, SensorFilter(options._filter));
+    followers._view.sensorsChanged(session);
+    followers._monitor.follow();
+}
+
+// Runs frames until the end of the run, which also comes when nobody can read the values any more.
+void runFrames(Session& session, FrameLoop& loop, FrameClock& clock, const Options& options, const RunOutput& output,
+               const Followers& followers)
+{
+    ClockStepDetector steps;
+    listen(session, &followers._view, SensorFilter(options._filter));
     loop.run([&](double now) {
         if (const double step = steps.update(now, clock.steady()); step != 0)
-            tellOfStep(step, session, view);
+            tellOfStep(step, session, followers._view);
+        followChanges(session, loop, options, followers);
         session.frame(now);
-        view.frame(now);
-        monitor.endFrame(loop.frames(), loop.skipped(), now);
-        recorder.endFrame(loop.frames(), now);
+        followers._view.frame(now);
+        followers._monitor.endFrame(loop.frames(), loop.skipped(), now);
+        followers._recorder.endFrame(loop.frames(), now);
         osg::logHeldBack();
         return output.canWrite();
     });
-    for (SensorWatch* watch : session.watches())
-        watch->setListener(nullptr);
+    listen(session, nullptr, SensorFilter());
 }
+
+// For a reload that nobody waits for: what is wrong is said.
+void reloadAndSay(SceneChanger& changer, const Say& say)
+{
+    const auto failure = failureOf([&] {
+        if (changer.reload().empty())
+            say("the scenes were read anew; nothing differs from what runs");
+    });
+    if (failure)
+        say(*failure + "\nnothing was changed; the run goes on as before");
+}
+
+std::unique_ptr<ReloadThread> makeReloadThread(const Session& session, const Options& options, SceneChanger& changer,
+                                               const StopSignal& stop, const Say& say)
+{
+    ReloadThread::Reasons reasons{{}, !hasControllingTerminal()};
+    if (options._followsFiles)
+        for (const auto& file : session.files()._running)
+            reasons._files.push_back(file->_path);
+    if (reasons._files.empty() && !reasons._hangUp)
+        return nullptr;
+    return std::make_unique<ReloadThread>(stop, reasons, [&changer, say] { reloadAndSay(changer, say); });
+}
+
+/// No job waits for a frame from here on; ends before those do that wait.
+struct JobsEnd {
+    FrameJobs& _jobs;
+    explicit JobsEnd(FrameJobs& jobs) : _jobs(jobs) {}
+    JobsEnd(const JobsEnd&) = delete;
+    JobsEnd& operator=(const JobsEnd&) = delete;
+    ~JobsEnd() { _jobs.end(); }
+};
 
 // Else a mistake in the pattern would look like a scene in which nothing happens.
 bool anyPasses(const std::vector<SceneFile>& files, const SensorFilter& filter)
@@ -118,19 +180,23 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const Watche
     const Say sayInRun = [&output](const std::string& line) { output.say(line); };
     RunLog log(options._verbose, &output);
     StoppableClock clock(around._stop);
-    const MonitorSettings settings = monitorOf(files, options);
-    FrameLoop loop(clock, settings._rate, {options._seconds, options._frames});
     Session session;
     if (!session.build(std::move(files), sayInRun, [&around] { return around._stop.requested(); })) {
         output.say(endedEarly);
         return Done;
     }
     reportStart(session, messageWidth(), sayInRun);
+    const MonitorSettings settings = monitorOf(session.files()._running, options);
+    FrameLoop loop(clock, settings._rate, {options._seconds, options._frames});
+    FrameJobs jobs;
+    SceneChanger changer(session, jobs, sayInRun);
     RunRecorder recorder(options, !drawsTable(options), session, sayInRun);
     {
-        RunMonitor monitor(session, settings, sayInRun, &recorder.recorder()); // ends before the nodes do
-        runFrames(session, loop, clock, *makeRunView(options, session, log, output, clock.now()),
-                  SensorFilter(options._filter), output, monitor, recorder);
+        RunMonitor monitor(session, settings, sayInRun, &recorder.recorder(), changesOf(changer)); // before the nodes
+        const auto reloads = makeReloadThread(session, options, changer, around._stop, sayInRun);
+        const JobsEnd end(jobs);
+        const auto view = makeRunView(options, session, log, output, clock.now());
+        runFrames(session, loop, clock, options, output, {*view, monitor, recorder, jobs});
     }
     around._watch.begin();
     const RunTotals totals{session.stopNodes(), clock.now(), loop.frames(), loop.skipped()};

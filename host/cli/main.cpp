@@ -40,6 +40,8 @@ int main(int argc, char** argv)
          {"delay", "show how old records are in a running host, hop by hop", Takes::twoLabels, Host::delayVerb},
          {"pub", "give a slot of a running host values", Takes::labelAndValue, Host::pubVerb},
          {"record", "make a running host record what slots push", Takes::recordFile, Host::recordVerb},
+         {"reload", "make a running host read its scenes anew, and do what differs", Takes::hostAlone,
+          Host::reloadVerb},
          {"graph", "print the graph of a running host", Takes::graphForm, Host::graphVerb},
          {"watch", "show the live table of a running host", Takes::tableOptions, Host::watchVerb},
          {"open", "print the address of a running host's page, and open it on a desktop", Takes::pageHost,

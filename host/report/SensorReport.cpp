@@ -109,7 +109,8 @@ void reportUnbound(LoadedScene& scene, const Trovio::NamespaceInfo& root, const 
     const std::set<std::string> connected = connectedSlots(root), apart = endsApart(root);
     const std::set<std::string> linked = linkTargets(scene.file());
     auto entry = scene.file()._sensors.begin();
-    for (const SensorWatch& watch : scene.watches()) {
+    for (const auto& each : scene.watches()) {
+        const SensorWatch& watch = *each;
         const auto isIn = [&](const std::set<std::string>& paths) {
             return std::ranges::any_of(scene.handlers(), [&](const LoadedHandler& handler) {
                 return paths.contains(pathBelow(handler._namespace, watch.sensor().getLabel()));
@@ -124,7 +125,8 @@ void reportUnbound(LoadedScene& scene, const Trovio::NamespaceInfo& root, const 
 void reportValues(LoadedScene& scene, double now, const Say& say)
 {
     constexpr std::size_t maxValue = 80;
-    for (const SensorWatch& watch : scene.watches()) {
+    for (const auto& each : scene.watches()) {
+        const SensorWatch& watch = *each;
         std::string line = named(watch) + " " + watch.field().getTypeName() + ": " + std::to_string(watch.changes()) +
                            " values, last " + valueText(watch.field(), Digits::Few, maxValue);
         for (const Trovio::Slot* slot : watch.slots())

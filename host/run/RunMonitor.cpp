@@ -16,12 +16,13 @@ std::string nameOf(const Explain::ScenePlaces& places)
 } // namespace
 
 RunMonitor::RunMonitor(const Scenes::Session& session, const MonitorSettings& settings, const Scenes::Say& say,
-                       Monitor::Recorder* recorder)
-    : _values(session.watches())
+                       Monitor::Recorder* recorder, Monitor::SceneChanges changes)
+    : _session(session), _values(session.watches()), _rate(settings._rate)
 {
     const auto failure = Explain::failureOf([&] {
-        Monitor::SceneView scene = view(session, settings._rate);
+        Monitor::SceneView scene = view();
         scene._recorder = recorder;
+        scene._sceneChanges = std::move(changes);
         _server = std::make_unique<Monitor::Server>(
             Monitor::ServerOptions{settings._listen, settings._write, std::move(scene), {}});
     });
@@ -32,15 +33,31 @@ RunMonitor::RunMonitor(const Scenes::Session& session, const MonitorSettings& se
             say("monitor: " + address);
 }
 
-Monitor::SceneView RunMonitor::view(const Scenes::Session& session, double rate)
+Monitor::SceneView RunMonitor::view()
 {
     Monitor::SceneView view;
-    view._places = [places = placesOf(session)] { return places; };
+    view._places = [this] { return places(); };
     view._fieldJson = [this](const std::string& sensor) { return _values.json(sensor); };
     view._changes = [this](const std::string& sensor) { return _values.changes(sensor); };
-    view._frames = [this, rate] { return Monitor::FrameCounts{_frames, _leftOut, rate}; };
-    view._name = nameOf(view._places());
+    view._frames = [this] { return Monitor::FrameCounts{_frames, _leftOut, _rate}; };
+    view._name = nameOf(places());
     return view;
+}
+
+// Made anew where the files are others than the last time.
+Explain::ScenePlaces RunMonitor::places()
+{
+    const Scenes::SceneFiles files = _session.files()._running;
+    {
+        const Ostrel::LockGuard guard(_placesLock);
+        if (_placed == files)
+            return _places;
+    }
+    Explain::ScenePlaces made = placesOf(files);
+    const Ostrel::LockGuard guard(_placesLock);
+    _placed = files;
+    _places = made;
+    return made;
 }
 
 void RunMonitor::endFrame(std::uint64_t frames, std::uint64_t leftOut, double now)

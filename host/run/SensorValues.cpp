@@ -27,10 +27,23 @@ bool isToldAtOnce(const Ostrel::Field& field)
 }
 } // namespace
 
-SensorValues::SensorValues(std::vector<Scenes::SensorWatch*> watches) : _watches(std::move(watches))
+void SensorValues::follow(std::vector<Scenes::SensorWatch*> watches)
 {
+    _watches = std::move(watches);
+    _young.clear();
+    auto positions = std::make_shared<Positions>();
     for (std::size_t i = 0; i < _watches.size(); ++i)
-        _byTitle.emplace(_watches[i]->title(), i);
+        positions->emplace(_watches[i]->title(), i);
+    const Ostrel::LockGuard guard(_lock);
+    _byTitle = std::move(positions);
+    _round.reset();
+    _made.reset();
+}
+
+const SensorValues::Copy* SensorValues::Round::find(const std::string& title) const
+{
+    const auto known = _byTitle->find(title);
+    return known == _byTitle->end() ? nullptr : &_copies[known->second];
 }
 
 SensorValues::Copy SensorValues::copyOf(const Scenes::SensorWatch& watch, double now)
@@ -54,10 +67,13 @@ void SensorValues::endFrame(double now)
         _young.push_back(copyOf(*_watches[_young.size()], now));
     if (_young.size() < _watches.size())
         return;
-    std::shared_ptr<const Copies> copies = std::make_shared<Copies>(std::exchange(_young, {}));
+    auto made = std::make_shared<Round>();
+    made->_copies = std::exchange(_young, {});
+    std::shared_ptr<const Round> round = made;
     {
         const Ostrel::LockGuard guard(_lock);
-        _copies.swap(copies); // the old ones go outside the lock
+        made->_byTitle = _byTitle;
+        _round.swap(round); // the old ones go outside the lock
         _made = Clock::now();
         _isWanted.store(false, std::memory_order_relaxed);
     }
@@ -78,9 +94,11 @@ bool SensorValues::isFresh() const
     return _made && Clock::now() - *_made < freshness;
 }
 
-std::shared_ptr<const SensorValues::Copies> SensorValues::copies()
+std::shared_ptr<const SensorValues::Round> SensorValues::round(const std::string& title)
 {
     const Ostrel::LockGuard guard(_lock);
+    if (!_byTitle->contains(title))
+        return nullptr;
     const Time latest = Clock::now() + patience;
     while (!isFresh() && !_isOver && Clock::now() >= _stuckUntil && Clock::now() < latest) {
         _isWanted.store(true, std::memory_order_release);
@@ -88,23 +106,22 @@ std::shared_ptr<const SensorValues::Copies> SensorValues::copies()
     }
     if (!isFresh() && Clock::now() >= latest)
         _stuckUntil = Clock::now() + patience;
-    return isFresh() ? _copies : nullptr;
+    return isFresh() ? _round : nullptr;
 }
 
 std::string SensorValues::json(const std::string& title)
 {
-    const auto known = _byTitle.find(title);
-    const auto fresh = known == _byTitle.end() ? nullptr : copies();
-    if (!fresh)
+    const auto fresh = round(title);
+    const Copy* const copy = fresh ? fresh->find(title) : nullptr;
+    if (!copy)
         return "null";
-    const Copy& copy = (*fresh)[known->second];
-    return copy._field ? fieldText(*copy._field) : copy._json;
+    return copy->_field ? fieldText(*copy->_field) : copy->_json;
 }
 
 Monitor::ChangeCounts SensorValues::changes(const std::string& title)
 {
-    const auto known = _byTitle.find(title);
-    const auto fresh = known == _byTitle.end() ? nullptr : copies();
-    return fresh ? (*fresh)[known->second]._changes : Monitor::ChangeCounts();
+    const auto fresh = round(title);
+    const Copy* const copy = fresh ? fresh->find(title) : nullptr;
+    return copy ? copy->_changes : Monitor::ChangeCounts();
 }
 } // namespace Host

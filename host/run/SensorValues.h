@@ -21,7 +21,10 @@ namespace Host {
 /// Threads:   endFrame() and end() from the scene thread, the rest from any.
 class SensorValues {
 public:
-    explicit SensorValues(std::vector<Scenes::SensorWatch*> watches);
+    explicit SensorValues(std::vector<Scenes::SensorWatch*> watches) { follow(std::move(watches)); }
+
+    /// There are other watches from now on. Scene thread.
+    void follow(std::vector<Scenes::SensorWatch*> watches) OSTREL_EXCLUDES(_lock);
 
     /// Copies for up to a millisecond, or one value where that takes longer, where somebody waits; else does nothing.
     /// `now` in wall-clock seconds.
@@ -42,21 +45,29 @@ private:
         std::string _json;
         Monitor::ChangeCounts _changes;
     };
-    using Copies = std::vector<Copy>; // in the order of the watches
+    using Copies = std::vector<Copy>;                               // in the order of the watches
+    using Positions = std::unordered_map<std::string, std::size_t>; // of the watches, by title
+    /// What was made in one go: copies, and whose they are.
+    struct Round {
+        std::shared_ptr<const Positions> _byTitle;
+        Copies _copies;
+        const Copy* find(const std::string& title) const;
+    };
 
     static Copy copyOf(const Scenes::SensorWatch& watch, double now);
     /// Those that are fresh, or null.
-    std::shared_ptr<const Copies> copies() OSTREL_EXCLUDES(_lock);
+    std::shared_ptr<const Round> round(const std::string& title) OSTREL_EXCLUDES(_lock);
     bool isFresh() const OSTREL_REQUIRES(_lock);
 
-    const std::vector<Scenes::SensorWatch*> _watches;
-    std::unordered_map<std::string, std::size_t> _byTitle; // positions of the watches
-    Copies _young;                                         // the scene thread's
+    // The scene thread's.
+    std::vector<Scenes::SensorWatch*> _watches;
+    Copies _young;
 
     std::atomic<bool> _isWanted{false};
     Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
     std::condition_variable_any _news;
-    std::shared_ptr<const Copies> _copies OSTREL_GUARDED_BY(_lock);
+    std::shared_ptr<const Positions> _byTitle OSTREL_GUARDED_BY(_lock); // of the watches
+    std::shared_ptr<const Round> _round OSTREL_GUARDED_BY(_lock);
     std::optional<Time> _made OSTREL_GUARDED_BY(_lock);
     Time _stuckUntil OSTREL_GUARDED_BY(_lock); // no frame came lately, so nobody waits for one
     bool _isOver OSTREL_GUARDED_BY(_lock) = false;

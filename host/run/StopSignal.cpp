@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cmath>
 #include <csignal>
+#include <cstdint>
 #include <ctime>
 #include <fcntl.h>
 #include <poll.h>
@@ -21,6 +22,7 @@ namespace {
 std::atomic<bool> stopRequested{false};
 std::atomic<bool> isWatched{false};
 std::atomic<int> secondNumber{0};
+std::atomic<int> hangUpTo{-1};
 int wakePipe[2] = {-1, -1};
 sem_t news;
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
@@ -28,6 +30,12 @@ static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_alw
 void onSignal(int number)
 {
     const int error = errno;
+    if (const int to = hangUpTo; number == SIGHUP && to >= 0) {
+        constexpr std::uint64_t one = 1;
+        [[maybe_unused]] const ssize_t ignored = write(to, &one, sizeof one);
+        errno = error;
+        return;
+    }
     // A terminal that closes hangs up twice: its shell, and then the kernel.
     if (stopRequested.exchange(true) && number != SIGHUP)
         if (secondNumber.exchange(number) != 0 || !isWatched) {
@@ -80,6 +88,11 @@ StopSignal::~StopSignal()
     close(wakePipe[0]);
     close(wakePipe[1]);
     sem_destroy(&news);
+}
+
+void StopSignal::sendHangUpTo(int eventfd) const
+{
+    hangUpTo = eventfd;
 }
 
 void StopSignal::tell() const

@@ -14,6 +14,10 @@ public:
     StopSignal(const StopSignal&) = delete;
     StopSignal& operator=(const StopSignal&) = delete;
 
+    /// From now on SIGHUP asks for no stop, but becomes readable at this eventfd; -1 for a stop again. Does nothing
+    /// where SIGHUP is ignored.
+    void sendHangUpTo(int eventfd) const;
+
     bool requested() const;
     /// From any thread, when the run ends by itself: whoever waits in waitForNews() hears of it as of a signal.
     void tell() const;

@@ -54,6 +54,12 @@ public:
             *last += seconds;
     }
 
+    void sensorsChanged(const Scenes::Session& session) override
+    {
+        _sensors = watchedSensors(session.watches());
+        takeSensors();
+    }
+
     void refresh() override { _lastDraw = 0; }
     void press(const KeyPress& press) override { _control.press(press); }
     bool isTyping() const override { return _control.isEditing(); }
@@ -65,6 +71,7 @@ private:
         double _perSecond = 0;
     };
 
+    void takeSensors();
     bool readKeys();
     void countRates(double now);
     void select(double now);
@@ -75,9 +82,9 @@ private:
 
     std::ostream& _out;
     const TableScreen _screen;
-    const std::unique_ptr<TableSensors> _sensors;
-    const std::vector<TableSensors::Names> _names; // one per sensor, as the next
-    std::vector<std::string> _titles;              // as they are shown
+    std::unique_ptr<TableSensors> _sensors;
+    std::vector<TableSensors::Names> _names; // one per sensor, as the next
+    std::vector<std::string> _titles;        // as they are shown
     TableControl _control;
     KeyPresses _keys;
     std::size_t _nameWidth = 0, _typeWidth = 0;
@@ -91,14 +98,22 @@ private:
 };
 
 TableView::TableView(std::ostream& out, TableScreen screen, std::unique_ptr<TableSensors> sensors, SensorFilter filter)
-    : _out(out),
-      _screen(std::move(screen)),
-      _sensors(std::move(sensors)),
-      _names(_sensors->names()),
-      _control(std::move(filter)),
-      _counted(_names.size()),
-      _below(_names.size())
+    : _out(out), _screen(std::move(screen)), _sensors(std::move(sensors)), _control(std::move(filter))
 {
+    takeSensors();
+    if (_screen._log != nullptr)
+        _screen._log->hold(true);
+}
+
+// What was counted and measured of others begins anew.
+void TableView::takeSensors()
+{
+    _names = _sensors->names();
+    _counted.assign(_names.size(), {});
+    _below.assign(_names.size(), false);
+    _titles.clear();
+    _width = 0;
+    _lastRate = 0;
     _nameWidth = displayWidth("sensor");
     _typeWidth = displayWidth("type");
     for (const TableSensors::Names& names : _names) {
@@ -106,8 +121,6 @@ TableView::TableView(std::ostream& out, TableScreen screen, std::unique_ptr<Tabl
         _nameWidth = std::max(_nameWidth, displayWidth(_titles.back()));
         _typeWidth = std::max(_typeWidth, displayWidth(names._type));
     }
-    if (_screen._log != nullptr)
-        _screen._log->hold(true);
 }
 
 void TableView::frame(double now)

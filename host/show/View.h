@@ -3,7 +3,7 @@
 #include "host/show/KeyPresses.h"
 #include "host/show/Keyboard.h"
 #include "host/show/SensorFilter.h"
-#include "scene/run/SensorWatch.h"
+#include "scene/run/Session.h"
 
 #include <cstdint>
 #include <functional>
@@ -27,6 +27,9 @@ public:
 
     /// The wall clock was set by so many seconds since the last frame.
     virtual void clockStepped(double seconds) { (void)seconds; }
+
+    /// The session has other sensors now, or in another order; the ones before are gone.
+    virtual void sensorsChanged(const Scenes::Session& session) { (void)session; }
 
     /// What is shown is out of date, whatever the time.
     virtual void refresh() {}
@@ -62,7 +65,7 @@ public:
     };
 
     virtual ~TableSensors() = default;
-    /// Of all of them, which stay the same.
+    /// Of all of them.
     virtual std::vector<Names> names() const = 0;
     /// The value for people, in about `limit` bytes at most.
     virtual std::string value(std::size_t sensor, std::size_t limit) const = 0;

@@ -35,7 +35,7 @@ const std::vector<Row>& table()
     return rows;
 }
 
-constexpr std::string_view pubPath = "/pub/", recordingPath = "/recording";
+constexpr std::string_view pubPath = "/pub/", recordingPath = "/recording", reloadPath = "/reload";
 
 void checkMethod(const Question& question, const std::string& allowed)
 {
@@ -60,6 +60,11 @@ Answer answerOf(const Context& context, const Question& question)
         checkQuery(question, {});
         return answerPub(context, question, question._path.substr(pubPath.size()));
     }
+    if (question._path == reloadPath) {
+        checkMethod(question, "POST");
+        checkQuery(question, {});
+        return answerReload(context, question);
+    }
     if (question._path == recordingPath) {
         checkQuery(question, {});
         return answerRecording(context, question);
@@ -69,7 +74,7 @@ Answer answerOf(const Context& context, const Question& question)
         Names paths;
         for (const Row& known : table())
             paths.push_back(known._path);
-        paths.insert(paths.end(), {"/pub/LABEL", recordingPath});
+        paths.insert(paths.end(), {"/pub/LABEL", recordingPath, reloadPath});
         throw Refusal(404, "nothing is answered at " + Explain::inQuotes(question._path) + "; there are " +
                                Explain::listed(paths));
     }

@@ -7,9 +7,9 @@ namespace Monitor {
 /// What is answered to questions about the running program, without any network.
 /// Ownership: refers to the taps.
 /// Threads:   any, several at a time. Nothing waits but /delay, which takes the seconds that it is asked for,
-///            /sensors, which may wait for the end of a frame, and begin and end of a recording, which wait for the
-///            disk. /why without labels and /metrics look through the whole tree, which takes tens of milliseconds
-///            where it has 10,000 slots: nothing for a thread that others wait for.
+///            /sensors and changes of the scenes, which may wait for the end of a frame, and begin and end of a
+///            recording, which wait for the disk. /why without labels and /metrics look through the whole tree, which
+///            takes tens of milliseconds where it has 10,000 slots: nothing for a thread that others wait for.
 class Answers {
 public:
     /// clients: for /metrics; may be empty.

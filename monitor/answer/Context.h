@@ -50,6 +50,9 @@ Answer answerFlow(const Context& context, const Question& question);
 Answer answerWhy(const Context& context, const Question& question);
 Answer answerDelay(const Context& context, const Question& question);
 Answer answerMetrics(const Context& context, const Question& question);
+/// {"done": […]}, what `change` returns. Refuses what may not be written, and where `change` is empty.
+Answer changeAnswer(const Question& question, const std::function<std::vector<std::string>()>& change);
+Answer answerReload(const Context& context, const Question& question);
 /// Of any method.
 Answer answerRecording(const Context& context, const Question& question);
 /// The label is what stands behind "/pub/".

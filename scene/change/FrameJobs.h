@@ -27,13 +27,15 @@ public:
     /// taken, and then it never runs.
     void run(const std::function<void()>& job) OSTREL_EXCLUDES(_lock);
 
-    /// Between two frames: does what waits. Costs next to nothing where nothing does. True where something did.
+    /// Between two frames: does what waits. Costs next to nothing where nothing does. True where something did. What a
+    /// job throws is for who waits for it; that memory ran out is thrown here, too, for what was begun is not whole.
     bool work() OSTREL_EXCLUDES(_lock);
     /// No more frames come: refuses what waits, and what comes from now on.
     void end() OSTREL_EXCLUDES(_lock);
 
 private:
     struct Job;
+    void finish(const std::deque<Job*>& jobs) OSTREL_EXCLUDES(_lock);
 
     std::atomic<bool> _isWanted{false};
     Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};

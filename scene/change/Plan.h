@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scene/change/Difference.h"
+#include "scene/file/Problems.h"
 #include "trovio/Node.h"
 
 #include <map>
@@ -23,12 +24,19 @@ public:
     /// What is to be done, for people; empty where that is nothing.
     std::vector<std::string> lines() const { return linesOf(_differences); }
 
-    /// Hands out the node that was made for that place; null where none was, or it was handed out already.
-    std::unique_ptr<Trovio::Node> takeNode(const std::string& path);
+    bool isEmpty() const;
+
+    /// Hands out the node that was made for that label in a handler of the files behind the change; null where none
+    /// was, or it was handed out already.
+    std::unique_ptr<Trovio::Node> takeNode(const HandlerEntry& handler, const std::string& label);
 
 private:
+    void prepare(const SceneDifference& difference, Problems& problems);
+    void prepare(const SceneDifference& difference, const HandlerEntry& handler, const LabelledNode& node,
+                 Problems& problems);
+
     SceneFiles _before, _after;
     std::vector<SceneDifference> _differences;
-    std::map<std::string, std::unique_ptr<Trovio::Node>> _nodes; // by their paths from the root: "Context/OneEuro"
+    std::map<std::pair<const HandlerEntry*, std::string>, std::unique_ptr<Trovio::Node>> _nodes;
 };
 } // namespace Scenes

@@ -33,7 +33,7 @@ public:
     std::vector<SceneDifference> changesByHand() const;
 
 private:
-    Lines apply(SceneFiles after, bool isRead) OSTREL_REQUIRES(_lock);
+    Lines apply(SceneFiles after, Session::Origin origin) OSTREL_REQUIRES(_lock);
 
     Session& _session;
     FrameJobs& _jobs;

@@ -19,7 +19,13 @@ struct LoopLimits {
 class FrameLoop {
 public:
     /// `rate` in frames per second, above 0.
-    FrameLoop(FrameClock& clock, double rate, const LoopLimits& limits) : _clock(clock), _rate(rate), _limits(limits) {}
+    FrameLoop(FrameClock& clock, double rate, const LoopLimits& limits)
+        : _clock(clock), _rate(rate), _nextRate(rate), _limits(limits)
+    {
+    }
+
+    /// From the frame that runs on.
+    void setRate(double rate) { _nextRate = rate; }
 
     /// Runs frames, the first one at once, until a limit is reached, the clock says stop or `frame` returns false.
     /// Blocks. `frame` gets the frame's wall-clock time in seconds.
@@ -32,7 +38,7 @@ public:
 
 private:
     FrameClock& _clock;
-    const double _rate;
+    double _rate, _nextRate;
     const LoopLimits _limits;
     std::uint64_t _frames = 0;
     std::uint64_t _skipped = 0;

@@ -2,8 +2,6 @@
 
 #include "explain/text/Escape.h"
 #include "explain/text/Failure.h"
-#include "ostrel/FieldClass.h"
-#include "scene/file/InitialValue.h"
 #include "scene/file/Problems.h"
 #include "scene/file/SceneURL.h"
 #include "scene/run/SceneParts.h"
@@ -12,8 +10,8 @@
 #include "sensorManager/TrovioSensorHandler.h"
 #include "trovio/Root.h"
 
+#include <algorithm>
 #include <optional>
-#include <unordered_map>
 
 namespace Scenes {
 
@@ -21,68 +19,89 @@ using namespace Explain;
 
 namespace {
 
-constexpr std::string_view fieldSuffix = ".value";
 constexpr std::size_t maxReason = 1000;
+
+void addRoute(Ostrel::SensorHandler& handler, const LocatedPair& route)
+{
+    std::string from = route._first._value, to = route._second._value;
+    handler.addLabel(from, to);
+}
+
+/// Keeps the label taken of a handler that could not be made.
+std::string takeLabel()
+{
+    return Trovio::Root::get().addNamespace("Context", std::make_unique<Trovio::Namespace>());
+}
 } // namespace
 
-LoadedScene::LoadedScene(SceneFile file, std::string title, Stopped stopped, ChooseNode choose)
-    : _file(std::move(file)), _title(std::move(title)), _stopped(std::move(stopped)), _choose(std::move(choose))
+Trovio::Slot* slotOf(const Ostrel::TrovioSensorHandler& handler, const SensorWatch& watch)
+{
+    return handler.getSlot(const_cast<Ostrel::DirectSensor*>(&watch.sensor())); // which is only looked up
+}
+
+LoadedScene::LoadedScene(std::shared_ptr<const SceneFile> file, std::string title, Stopped stopped, ChooseNode choose)
+    : _file(std::move(file)), _stopped(std::move(stopped)), _choose(std::move(choose)), _sensors(std::move(title))
 {
 }
 
 void LoadedScene::addSensors()
 {
-    for (const SensorEntry& entry : _file._sensors) {
+    for (const SensorEntry& entry : _file->_sensors) {
         if (_stopped())
             return;
-        addSensor(entry);
+        _sensors.add(entry);
     }
-    addLinks();
+    for (const LocatedPair& link : _file->_links)
+        _sensors.link(link);
 }
 
-void LoadedScene::addSensor(const SensorEntry& entry)
+void LoadedScene::addHandlers(const Say& say)
 {
-    auto field = Ostrel::FieldClass::find(std::string_view(entry._type._value))->create();
-    if (entry._value)
-        setInitialValue(*field, *entry._value);
-    auto sensor = std::make_unique<Ostrel::DirectSensor>(std::move(field));
-    sensor->setName(entry._name._value);
-    sensor->setLabel(entry._label._value);
-    sensor->setDescription(entry._description._value);
-    sensor->setBufferSize(entry._buffer._value);
-    sensor->setOutput(entry._output._value);
-    _watches.emplace_back(_scene.add(std::move(sensor)), _title);
+    std::vector<LoadedHandler> there = std::move(_handlers);
+    _handlers.clear();
+    _handlers.reserve(_file->_handlers.size());
+    for (const HandlerEntry& entry : _file->_handlers) {
+        const auto known = std::ranges::find_if(
+            there, [&entry](const LoadedHandler& loaded) { return loaded._entry->_name._value == entry._name._value; });
+        if (known != there.end())
+            keepHandler(std::move(*known), entry);
+        else if (!_stopped())
+            makeHandler(entry, say);
+    }
 }
 
-void LoadedScene::addLinks()
+void LoadedScene::keepHandler(LoadedHandler loaded, const HandlerEntry& entry)
 {
-    std::unordered_map<std::string_view, Ostrel::Field*> fields;
-    for (const SensorWatch& watch : _watches)
-        fields.emplace(watch.sensor().getName(), &watch.field());
-    const auto fieldOf = [&fields](std::string_view end) {
-        return fields.at(end.substr(0, end.size() - fieldSuffix.size()));
-    };
-    for (const LocatedPair& link : _file._links)
-        fieldOf(link._first._value)->linkTo(*fieldOf(link._second._value));
+    loaded._entry = &entry;
+    if (loaded._handler == nullptr && !loaded._namespace.empty())
+        loaded._namespace = takeLabel();
+    _handlers.push_back(std::move(loaded));
 }
 
-LoadedHandler LoadedScene::madeHandler(const HandlerEntry& entry, const Say& say)
+void LoadedScene::makeHandler(const HandlerEntry& entry, const Say& say)
 {
     LoadedHandler loaded{&entry, nullptr, {}};
     const std::string& kind = entry._kind._value;
-    auto& manager = *Ostrel::SensorManager::requestManager(_scene.context());
+    auto& manager = *Ostrel::SensorManager::requestManager(context());
     std::optional<std::string> failure;
     if (isKnownKind(kind)) // else the log would say so, too
         failure = failureOf([&] {
-            loaded._handler = manager.addHandler(kind, entry._name._value, sceneURL(entry._url._value, _file._path));
+            loaded._handler = manager.addHandler(kind, entry._name._value, sceneURL(entry._url._value, _file->_path));
         });
-    if (loaded._handler != nullptr)
-        return loaded;
-    if (takesLabel(kind))
-        loaded._namespace = Trovio::Root::get().addNamespace("Context", std::make_unique<Trovio::Namespace>());
-    miss(entry._kind._position, "handler " + inQuotes(entry._name._value) + " of kind " + inQuotes(kind),
-         failure ? *failure : handlerFault(kind), say);
-    return loaded;
+    _handlers.push_back(std::move(loaded));
+    if (_handlers.back()._handler == nullptr) {
+        if (takesLabel(kind))
+            _handlers.back()._namespace = takeLabel();
+        miss({entry._kind._position, failure ? *failure : handlerFault(kind), entry._name._value},
+             "handler " + inQuotes(entry._name._value) + " of kind " + inQuotes(kind), say);
+        return;
+    }
+    findSlots(_handlers.back());
+    for (const LocatedPair& route : entry._routes) {
+        if (_stopped())
+            return;
+        addRoute(*_handlers.back()._handler, route);
+    }
 }
 
 void LoadedScene::releaseLabels()
@@ -92,34 +111,15 @@ void LoadedScene::releaseLabels()
             Trovio::Root::get().removeNamespace(loaded._namespace);
 }
 
-void LoadedScene::addHandlers(const Say& say)
-{
-    _handlers.reserve(_file._handlers.size());
-    for (const HandlerEntry& entry : _file._handlers) {
-        if (_stopped())
-            return;
-        _handlers.push_back(madeHandler(entry, say));
-        if (_handlers.back()._handler == nullptr)
-            continue;
-        findSlots(_handlers.back());
-        for (const LocatedPair& route : entry._routes) {
-            if (_stopped())
-                return;
-            std::string from = route._first._value, to = route._second._value;
-            _handlers.back()._handler->addLabel(from, to);
-        }
-    }
-}
-
 void LoadedScene::findSlots(LoadedHandler& loaded)
 {
     const auto* const bridge = dynamic_cast<const Ostrel::TrovioSensorHandler*>(loaded._handler);
     if (bridge == nullptr)
         return;
     loaded._namespace = bridge->getNamespaceLabel();
-    for (SensorWatch& watch : _watches)
-        if (Trovio::Slot* slot = bridge->getSlot(const_cast<Ostrel::DirectSensor*>(&watch.sensor()))) // only looked up
-            watch.addSlot(*slot);
+    for (const auto& watch : watches())
+        if (Trovio::Slot* const slot = slotOf(*bridge, *watch))
+            watch->addSlot(*slot);
 }
 
 void LoadedScene::addNodes(const Say& say)
@@ -130,20 +130,29 @@ void LoadedScene::addNodes(const Say& say)
         for (const LabelledNode& node : labelledNodes(*loaded._entry)) {
             if (_stopped())
                 return;
-            addNode(loaded, node, say);
+            addNode(loaded, node, nullptr, say);
         }
     }
 }
 
 // Not by addParameter(), which tells only the log why it refuses a node.
-void LoadedScene::addNode(const LoadedHandler& loaded, const LabelledNode& node, const Say& say)
+void LoadedScene::addNode(const LoadedHandler& loaded, const LabelledNode& node, std::unique_ptr<Trovio::Node> made,
+                          const Say& say)
 {
     std::string type = node._entry->_first._value, settings = node._entry->_second._value;
     if (loaded._namespace.empty())
         return loaded._handler->addParameter(type, settings);
     Trovio::Namespace& space = *Trovio::Root::get().getNamespace(loaded._namespace);
-    if (const auto fault = Scenes::addNode(space, node, sceneURL(loaded._entry->_url._value, _file._path), _choose))
-        miss(fault->_position, "node " + inQuotes(type), fault->_text, say);
+    const Merid::URL base = sceneURL(loaded._entry->_url._value, _file->_path);
+    if (const auto fault = Scenes::addNode(space, node, base, _choose, std::move(made)))
+        miss({fault->_position, fault->_text, loaded._entry->_name._value, node._label}, "node " + inQuotes(type), say);
+}
+
+const LoadedHandler* LoadedScene::findHandler(const std::string& name) const
+{
+    const auto found = std::ranges::find_if(
+        _handlers, [&name](const LoadedHandler& loaded) { return loaded._entry->_name._value == name; });
+    return found == _handlers.end() ? nullptr : &*found;
 }
 
 std::vector<std::string> LoadedScene::missingLines() const
@@ -156,32 +165,21 @@ std::vector<std::string> LoadedScene::missingLines() const
 
 std::string LoadedScene::lineOf(const MissingPart& part) const
 {
-    return placeText(_file._path, part._position) + ": " + part._text;
+    return placeText(_file->_path, part._position) + ": " + part._text;
 }
 
-void LoadedScene::miss(Position at, const std::string& part, const std::string& reason, const Say& say)
+void LoadedScene::miss(MissingPart part, const std::string& what, const Say& say)
 {
-    _missing.push_back({at, part + " could not be made: " + escaped(reason, maxReason)});
+    part._text = what + " could not be made: " + escaped(part._text, maxReason);
+    _missing.push_back(std::move(part));
     say(lineOf(_missing.back()) + "; the run goes on without it");
-}
-
-void LoadedScene::frame(double now)
-{
-    _scene.frame(now);
-    _scene.takeChanged(); // ends the round, so that the next change marks its sensor anew
-}
-
-void LoadedScene::unregisterSensors()
-{
-    _watches.clear();
-    _scene.clear();
 }
 
 void LoadedScene::deleteHandlers()
 {
     for (const LoadedHandler& loaded : _handlers)
         if (loaded._handler != nullptr)
-            Ostrel::SensorManager::requestManager(_scene.context())->delHandler(loaded._handler);
+            Ostrel::SensorManager::requestManager(context())->delHandler(loaded._handler);
     _handlers.clear();
 }
 } // namespace Scenes

@@ -1,8 +1,8 @@
 #include "scene/run/Places.h"
 
 #include "explain/TreeWalk.h"
+#include "scene/change/HandlerLabels.h"
 #include "scene/run/NodeLabels.h"
-#include "scene/run/Session.h"
 
 namespace Scenes {
 
@@ -25,14 +25,15 @@ void addPlaces(const SceneFile& file, const std::vector<PlacedHandler>& handlers
         places._links.push_back({scene, link._first._value, link._second._value});
 }
 
-Explain::ScenePlaces placesOf(const Session& session)
+Explain::ScenePlaces placesOf(const SceneFiles& files)
 {
     Explain::ScenePlaces places;
-    for (const auto& scene : session.scenes()) {
+    const auto labels = handlerLabels(files);
+    for (std::size_t i = 0; i < files.size(); ++i) {
         std::vector<PlacedHandler> handlers;
-        for (const LoadedHandler& handler : scene->handlers())
-            handlers.push_back({handler._entry, handler._namespace});
-        addPlaces(scene->file(), handlers, places);
+        for (std::size_t number = 0; number < labels[i].size(); ++number)
+            handlers.push_back({&files[i]->_handlers[number], labels[i][number]});
+        addPlaces(*files[i], handlers, places);
     }
     return places;
 }

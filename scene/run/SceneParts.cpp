@@ -56,8 +56,8 @@ NodeFault faultOf(const LabelledNode& node, const std::string& text)
     const Position settings = node._entry->_second._position;
     return {settings._line != 0 ? settings : node._entry->_first._position, text};
 }
+} // namespace
 
-// Null where it has a fault.
 std::unique_ptr<Trovio::Node> makeNode(const LabelledNode& node, const Merid::URL& baseURL,
                                        std::optional<NodeFault>& fault)
 {
@@ -77,13 +77,12 @@ std::unique_ptr<Trovio::Node> makeNode(const LabelledNode& node, const Merid::UR
     fault = faultOf(node, *failure);
     return nullptr;
 }
-} // namespace
 
 std::optional<NodeFault> addNode(Trovio::Namespace& space, const LabelledNode& node, const Merid::URL& baseURL,
-                                 const ChooseNode& choose)
+                                 const ChooseNode& choose, std::unique_ptr<Trovio::Node> made)
 {
     std::optional<NodeFault> fault;
-    std::unique_ptr<Trovio::Node> chosen = makeNode(node, baseURL, fault);
+    std::unique_ptr<Trovio::Node> chosen = made ? std::move(made) : makeNode(node, baseURL, fault);
     const auto failure = failureOf([&] {
         if (choose)
             chosen = choose(space.getLabel() + "/" + node._label, node._entry->_first._value, std::move(chosen));

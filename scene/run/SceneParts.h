@@ -34,8 +34,13 @@ struct NodeFault {
 using ChooseNode = std::function<std::unique_ptr<Trovio::Node>(const std::string& path, const std::string& type,
                                                                std::unique_ptr<Trovio::Node> made)>;
 
-/// Makes the node and puts it, or what is chosen for it, into the namespace, where it starts if that stands under the
-/// root. `baseURL` is what relative file names in its settings are resolved against. An empty `choose` takes the node.
+/// The node with its settings, not started; null where it has a fault. `baseURL` is what relative file names in its
+/// settings are resolved against.
+std::unique_ptr<Trovio::Node> makeNode(const LabelledNode& node, const Merid::URL& baseURL,
+                                       std::optional<NodeFault>& fault);
+
+/// Makes the node, unless it has been `made` already, and puts it, or what is chosen for it, into the namespace, where
+/// it starts if that stands under the root. An empty `choose` takes the node.
 std::optional<NodeFault> addNode(Trovio::Namespace& space, const LabelledNode& node, const Merid::URL& baseURL,
-                                 const ChooseNode& choose);
+                                 const ChooseNode& choose, std::unique_ptr<Trovio::Node> made = nullptr);
 } // namespace Scenes

@@ -2,6 +2,7 @@
 
 #include "explain/text/Escape.h"
 #include "explain/text/NameHint.h"
+#include "scene/change/Plan.h"
 #include "scene/file/SceneMemory.h"
 #include "scene/file/SceneReader.h"
 #include "scene/run/FrameLoop.h"
@@ -19,13 +20,11 @@ using namespace Explain;
 class SceneRunner::State {
 public:
     State(const std::vector<std::string>& paths, const Say& say)
+        : _paths(paths), _say(say ? say : [](const std::string&) {})
     {
         std::vector<SceneFile> files = readScenes(paths);
-        for (const SceneFile& file : files)
-            _rate = std::max(_rate, file._host._rate._value);
-        const Say sayOrNot = say ? say : [](const std::string&) {};
         try {
-            withMemoryFor(files, [&] { _session.build(std::move(files), sayOrNot); });
+            withMemoryFor(files, [&] { _session.build(std::move(files), _say); });
         } catch (const Trovio::Exception& error) { // which is no std::exception
             throw SceneError("the scenes cannot be connected: " + escaped(error.getMessage(), 1000));
         }
@@ -34,8 +33,10 @@ public:
     /// Null if there is none.
     SensorWatch* find(const std::string& sensorName) const;
 
+    const std::vector<std::string> _paths;
+    const Say _say;
     Session _session;
-    double _rate = 0;
+    std::unique_ptr<Plan> _plan; // goes before the root does
 };
 
 SceneRunner::SceneRunner(const std::vector<std::string>& paths, const Explain::Say& say)
@@ -51,7 +52,9 @@ std::uint64_t SceneRunner::run(const std::function<bool(double now)>& afterFrame
     FrameLoop loop(clock, rate(), {std::numeric_limits<double>::infinity(), std::numeric_limits<std::uint64_t>::max()});
     loop.run([&](double now) {
         frame(now);
-        return !afterFrame || afterFrame(now);
+        const bool goesOn = !afterFrame || afterFrame(now);
+        loop.setRate(rate());
+        return goesOn;
     });
     return loop.frames();
 }
@@ -61,9 +64,27 @@ void SceneRunner::frame(double now)
     _state->_session.frame(now);
 }
 
+std::vector<std::string> SceneRunner::plan()
+{
+    SceneFiles read;
+    for (SceneFile& file : readScenes(_state->_paths))
+        read.push_back(std::make_shared<const SceneFile>(std::move(file)));
+    _state->_plan = std::make_unique<Plan>(_state->_session.files()._running, std::move(read));
+    return _state->_plan->lines();
+}
+
+void SceneRunner::apply()
+{
+    if (const auto plan = std::move(_state->_plan))
+        _state->_session.apply(*plan, Session::Origin::Read, _state->_say);
+}
+
 double SceneRunner::rate() const
 {
-    return _state->_rate;
+    double rate = 0;
+    for (const auto& scene : _state->_session.scenes())
+        rate = std::max(rate, scene->file()._host._rate._value);
+    return rate;
 }
 
 std::vector<std::string> SceneRunner::missing() const

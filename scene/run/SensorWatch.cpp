@@ -38,6 +38,13 @@ void SensorWatch::addSlot(Trovio::Slot& slot)
         _sources.push_back({in, in->getCounts().taken});
 }
 
+void SensorWatch::removeSlot(const Trovio::Slot& slot)
+{
+    const auto* const in = dynamic_cast<const Trovio::BasicInSlot*>(&slot);
+    std::erase(_slots, &slot);
+    std::erase_if(_sources, [in](const Source& source) { return source._slot == in; });
+}
+
 // The scene takes one record for each change, so the slot whose count grew is where this one came from.
 std::optional<double> SensorWatch::takenStamp()
 {

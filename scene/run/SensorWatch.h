@@ -43,9 +43,11 @@ public:
     /// The name, with the scene before it where several run.
     std::string title() const;
 
-    /// The slots that serve the sensor, one for each handler that has one. They must live as long as the watch.
+    /// The slots that serve the sensor, one for each handler that has one. They must live until they are removed, or as
+    /// long as the watch.
     const std::vector<Trovio::Slot*>& slots() const { return _slots; }
     void addSlot(Trovio::Slot& slot);
+    void removeSlot(const Trovio::Slot& slot);
 
     std::uint64_t changes() const { return _changes; }
 

@@ -58,12 +58,22 @@ void Session::tearDown()
 bool Session::build(std::vector<SceneFile> files, const Say& say, const Stopped& stopped, const ChooseNode& choose)
 {
     const bool several = files.size() > 1;
+    SceneFiles shared;
     for (SceneFile& file : files) {
         const std::string title = several ? file._path : std::string();
-        _scenes.push_back(std::make_unique<LoadedScene>(std::move(file), title, stopped, choose));
+        shared.push_back(std::make_shared<const SceneFile>(std::move(file)));
+        _scenes.push_back(std::make_unique<LoadedScene>(shared.back(), title, stopped, choose));
         _scenes.back()->addSensors();
         _scenes.back()->addHandlers(say);
     }
+    setFiles(std::move(shared), Origin::Read);
+    connect(say, stopped);
+    return !stopped();
+}
+
+// What comes once all handlers stand.
+void Session::connect(const Say& say, const Stopped& stopped)
+{
     for (const auto& scene : _scenes)
         scene->releaseLabels();
     for (const auto& scene : _scenes)
@@ -72,7 +82,6 @@ bool Session::build(std::vector<SceneFile> files, const Say& say, const Stopped&
                 Trovio::Root::get().addRoute(route._first._value, route._second._value);
     for (const auto& scene : _scenes)
         scene->addNodes(say);
-    return !stopped();
 }
 
 // A namespace stops all its nodes before it lets go of any connection.
@@ -102,8 +111,8 @@ std::vector<SensorWatch*> Session::watches() const
 {
     std::vector<SensorWatch*> all;
     for (const auto& scene : _scenes)
-        for (SensorWatch& watch : scene->watches())
-            all.push_back(&watch);
+        for (const auto& watch : scene->watches())
+            all.push_back(watch.get());
     return all;
 }
 } // namespace Scenes

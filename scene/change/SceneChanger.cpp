@@ -1,0 +1,47 @@
+#include "scene/change/SceneChanger.h"
+
+#include "scene/change/Plan.h"
+#include "scene/file/SceneReader.h"
+
+namespace Scenes {
+
+SceneChanger::SceneChanger(Session& session, FrameJobs& jobs, Say say)
+    : _session(session), _jobs(jobs), _say(std::move(say))
+{
+}
+
+SceneChanger::Lines SceneChanger::reload()
+{
+    const Ostrel::LockGuard guard(_lock);
+    std::vector<std::string> paths;
+    for (const auto& file : _session.files()._running)
+        paths.push_back(file->_path);
+    SceneFiles read;
+    for (SceneFile& file : readScenes(paths))
+        read.push_back(std::make_shared<const SceneFile>(std::move(file)));
+    return apply(std::move(read), Session::Origin::Read);
+}
+
+SceneChanger::Lines SceneChanger::change(const Edit& edit)
+{
+    const Ostrel::LockGuard guard(_lock);
+    return apply(edit(_session.files()._running), Session::Origin::ChangedByHand);
+}
+
+// The plan is told before it is done, and ends on this thread, with the old nodes' files.
+SceneChanger::Lines SceneChanger::apply(SceneFiles after, Session::Origin origin)
+{
+    Plan plan(_session.files()._running, std::move(after));
+    Lines lines = plan.lines();
+    for (const std::string& line : lines)
+        _say(line);
+    _jobs.run([&] { _session.apply(plan, origin, _say); });
+    return lines;
+}
+
+std::vector<SceneDifference> SceneChanger::changesByHand() const
+{
+    const Session::Files files = _session.files();
+    return differences(files._loaded, files._running);
+}
+} // namespace Scenes
