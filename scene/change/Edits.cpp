@@ -60,8 +60,8 @@ NodePlace nodeAt(const SceneFiles& files, const std::string& label)
     for (const Space& space : spacesOf(files)) {
         const std::vector<LabelledNode> nodes = labelledNodes(files[space._scene]->_handlers[space._handler]);
         for (std::size_t i = 0; i < nodes.size(); ++i) {
-            all.push_back(space._label + "/" + nodes[i]._label);
-            if (label == all.back() || label == nodes[i]._label)
+            all.push_back(nodes[i]._label);
+            if (label == nodes[i]._label || label == space._label + "/" + nodes[i]._label)
                 found.push_back({space, i});
         }
     }

@@ -86,7 +86,7 @@ const std::string faster = replaced(road, "gain=1", "gain=2");
 // OSTREL_EDITS: how many.
 TEST(Change, LeadsToTheSameStateAsAStartWithThatFile)
 {
-    const long edits = fromEnvironment("OSTREL_EDITS", 150);
+    const long edits = fromEnvironment("OSTREL_EDITS", 500);
     RandomScene scene;
     std::vector<std::string> texts, states;
     {
@@ -224,7 +224,7 @@ TEST(Edits, ChangeOneLineAndSayWhatIsWrong)
     EXPECT_EQ(linesTo(withoutRoute(withSettings(files, "Scale", "gain=1"), "Scale/out", "Other")),
               Lines{"route 'Scale/out' -> 'Other' goes"});
     EXPECT_EQ(problemOf<NoSuchPart>([&] { withSettings(files, "Skale", "gain=2"); }),
-              "no node of the scene has the label 'Skale'; nearest: 'Context/Scale'");
+              "no node of the scene has the label 'Skale'; nearest: 'Scale'");
     EXPECT_TRUE(says(problemOf<NoSuchPart>([&] { withoutRoute(files, "Scale/out", "Wave"); }), "there is no route"));
     EXPECT_TRUE(says(problemOf<SceneError>([&] { withRoute(files, "Scale/out", "*"); }), "cannot be used"));
     EXPECT_TRUE(says(problemOf<SceneError>([&] { withSettings(files, "Scale", "gain"); }), "cannot be read"));
