@@ -13,9 +13,12 @@ const askPeriod = 2_000;
 
 export class Graph {
   #worker = null;
-  #number = 0; // of the newest question to the worker
+  #isBusy = false; // it lays out
+  #waiting = ""; // the newest text, meanwhile
   #dot = "";
+  #outcome = "Laying the graph out …"; // of the newest layout; empty where there is a picture
   #picture = { boxes: [], arrows: [], frames: [] };
+  #isFitted = true;
   #labels = new Map(); // by the ids of boxes that a route leads to
   #search = "";
   #lastDraw = 0;
@@ -25,9 +28,14 @@ export class Graph {
     this.model = model;
     this.address = address;
     this.svg = makeSvg("svg", { class: "graph", role: "group", "aria-label": "Graph of slots and routes" });
-    this.note = make("p", { class: "hint" }, "Laying the graph out …");
+    this.note = make("p", { class: "hint" }, this.#outcome);
     this.element = make("div", { class: "graph-view" }, this.note, this.svg);
     this.panZoom = new PanZoom(this.svg);
+  }
+
+  /** It is in the page from now on. */
+  show() {
+    if (!this.#isFitted) this.#fit();
   }
 
   update() {
@@ -60,35 +68,48 @@ export class Graph {
   async #ask() {
     try {
       const dot = await askText("/graph", { form: "dot" });
-      if (dot === this.#dot) return;
-      this.#dot = dot;
+      if (dot === this.#dot) return this.#say(this.#outcome);
       await this.model.readRoutes();
-      this.#workerFor().postMessage({ number: (this.#number += 1), dot });
+      this.#dot = this.#waiting = dot;
+      this.#layOut();
     } catch (error) {
       if (!(error instanceof TypeError)) this.#say(error.message);
     }
   }
 
+  // One text after the other, for a large graph may change faster than it is laid out.
+  #layOut() {
+    if (this.#isBusy || this.#waiting === "") return;
+    this.#isBusy = true;
+    this.#workerFor().postMessage(this.#waiting);
+    this.#waiting = "";
+  }
+
   #workerFor() {
     if (this.#worker) return this.#worker;
     this.#worker = new Worker("/js/layout-worker.js", { type: "module" });
-    this.#worker.onerror = async () => this.#say((await whyMissing("/parts/viz.js")) ?? "The graph cannot be laid out.");
-    this.#worker.onmessage = ({ data: { number, layout, problem } }) => {
-      if (number !== this.#number) return;
-      if (problem) this.#say(`The graph cannot be laid out: ${problem}`);
+    this.#worker.onerror = async () => this.#end((await whyMissing("/parts/viz.js")) ?? "The graph cannot be laid out.");
+    this.#worker.onmessage = ({ data: { layout, problem } }) => {
+      this.#isBusy = false;
+      if (problem) this.#end(`The graph cannot be laid out: ${problem}`);
       else this.#show(readLayout(layout));
+      this.#layOut();
     };
     return this.#worker;
   }
 
+  #end(outcome) {
+    this.#outcome = outcome;
+    this.#say(outcome);
+  }
+
   #say(text) {
-    this.note.hidden = false;
+    this.note.hidden = text === "";
     setText(this.note, text);
   }
 
   #show(picture) {
-    this.note.hidden = picture.boxes.length > 0;
-    if (picture.boxes.length === 0) this.#say("There is nothing to draw: the host has no slots.");
+    this.#end(picture.boxes.length > 0 ? "" : "There is nothing to draw: the host has no slots.");
     this.#picture = picture;
     this.#labels = new Map(this.model.pairs.flatMap(({ from, to, tail, head }) => [[tail, from], [head, to]]));
     this.svg.replaceChildren(
@@ -96,9 +117,16 @@ export class Graph {
       ...picture.boxes.map((box) => this.#box(box)),
       ...picture.arrows.map((arrow) => this.#arrow(arrow)),
     );
-    const isReadable = this.panZoom.fit(picture.width, picture.height);
-    if (!isReadable) this.#showFound(this.address.state.search);
+    this.#fit();
     this.#lastDraw = 0;
+  }
+
+  // While another view is shown, there is no place to fit it to.
+  #fit() {
+    this.#isFitted = this.svg.clientWidth > 0;
+    if (!this.#isFitted) return;
+    const isReadable = this.panZoom.fit(this.#picture.width, this.#picture.height);
+    if (!isReadable) this.#showFound(this.address.state.search);
   }
 
   // Something that can be chosen, by mouse and keyboard.

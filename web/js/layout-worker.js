@@ -1,5 +1,5 @@
-// Lays the graph of the host out, beside the page, for a large one takes a while. Gets {number, dot}, answers {number, layout}
-// or {number, problem}.
+// Lays the graph of the host out, beside the page, for a large one takes a while. Gets its text, answers {layout} or
+// {problem}.
 
 import { instance } from "/parts/viz.js";
 
@@ -16,12 +16,12 @@ function prepared(dot) {
   });
 }
 
-onmessage = async ({ data: { number, dot } }) => {
+onmessage = async ({ data: dot }) => {
   try {
     const made = (await viz).render(prepared(dot), { format: "json", edgeAttributes: { label: roomForRate } });
     if (made.status !== "success") throw new Error(made.errors.map(({ message }) => message).join("; "));
-    postMessage({ number, layout: JSON.parse(made.output) });
+    postMessage({ layout: JSON.parse(made.output) });
   } catch (error) {
-    postMessage({ number, problem: error.message });
+    postMessage({ problem: error.message });
   }
 };
