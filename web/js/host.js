@@ -1,6 +1,7 @@
 // Questions to the host that serves this page.
 
 const token = new URLSearchParams(location.search).get("token");
+const patience = 10; // seconds
 const headers = token ? { Authorization: `Bearer ${token}` } : {};
 
 /** The address of its streams. */
@@ -9,19 +10,23 @@ export function streamAddress() {
   return `${scheme}//${location.host}/${token ? `?${new URLSearchParams({ token })}` : ""}`;
 }
 
-async function answerTo(path, query) {
+async function answerTo(path, query, form) {
   const words = new URLSearchParams(query).toString();
-  const answer = await fetch(words ? `${path}?${words}` : path, { headers, cache: "no-store" });
-  if (answer.ok) return answer;
+  const answer = await fetch(words ? `${path}?${words}` : path, { headers, cache: "no-store", signal: AbortSignal.timeout(1000 * patience) });
+  if (answer.ok) return answer[form]();
   const said = await answer.json().catch(() => ({}));
   throw new Error(said.error ?? `${path} was answered with ${answer.status}`);
 }
 
-/** Throws an error with what the host says is wrong, or a TypeError where it does not answer. */
-export async function ask(path, query = {}) {
-  return (await answerTo(path, query)).json();
+function tellSilence(error) {
+  throw error.name === "TimeoutError" ? new DOMException(`The host has not answered for ${patience} s.`, error.name) : error;
 }
 
-export async function askText(path, query = {}) {
-  return (await answerTo(path, query)).text();
+/** Throws an error with what the host says is wrong, a TypeError where it is not there, or a TimeoutError where it is silent. */
+export function ask(path, query = {}) {
+  return answerTo(path, query, "json").catch(tellSilence);
+}
+
+export function askText(path, query = {}) {
+  return answerTo(path, query, "text").catch(tellSilence);
 }

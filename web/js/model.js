@@ -7,8 +7,12 @@ import { Row } from "./row.js";
 import { Stream } from "./stream.js";
 
 const refreshPeriod = 2_000; // milliseconds
-const problemOf = (error) => (error instanceof TypeError ? "" : error.message); // of a host that has gone the stream tells
 const keyOf = ({ direction, label }) => `${direction} ${label}`;
+
+function problemOf(error) {
+  if (error instanceof TypeError) return ""; // of a host that has gone the stream tells
+  return error.name === "TimeoutError" ? error.message : `The host says: ${error.message}`;
+}
 
 /**
  * Events: "structure" when slots, sensors or routes are others than before, "counts" after each look at the host, "connection" when it

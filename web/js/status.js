@@ -7,7 +7,7 @@ const slowAfter = 0.5; // seconds
 const number = new Intl.NumberFormat("en");
 
 function noticeOf(goneSince, problem) {
-  if (problem) return `The host says: ${problem}`;
+  if (problem) return problem;
   if (goneSince === undefined) return "";
   const since = new Date(goneSince).toLocaleTimeString();
   return `The host has not answered since ${since}. What is shown is from before; it is tried again all the time.`;
