@@ -135,10 +135,12 @@ export class Model extends EventTarget {
     try {
       const [host, slots] = await Promise.all([ask("/host"), ask("/slots")]);
       this.host = host;
-      const structure = JSON.stringify([host.started, slots.map(({ label, type, direction, active, sensor }) => [label, type, direction, active, sensor])]);
       this.#setSlots(slots);
-      if (structure !== this.#structure) this.#watch();
-      this.nodes = new Map((await ask("/nodes")).map((node) => [node.node, node]));
+      this.#watch();
+      const [nodes, { edges }] = await Promise.all([ask("/nodes"), ask("/flow")]);
+      this.nodes = new Map(nodes.map((node) => [node.node, node]));
+      const structure = JSON.stringify([host.started, slots.map(({ label, type, direction, active, sensor }) => [label, type, direction, active, sensor]),
+        edges.map(({ from, to, reason }) => [from, to, reason])]);
       if (structure !== this.#structure) await this.readRoutes();
       this.#structure = structure;
       if (this.rows.some((row) => row.sensor && row.sources.length === 0)) await this.#poll();
