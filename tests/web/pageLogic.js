@@ -145,9 +145,12 @@ test("a stream asks for what is wanted, also anew, and passes on each record and
   assert.deepEqual(now.said, [{ op: "subscribe", labels: ["b", "c"] }]);
   now.hear({ op: "subscribed", slots: [{ id: 7, label: "b" }] });
   now.hear({ op: "error", label: "c", message: "no such slot" });
+  stream.retry(["c"]);
+  assert.deepEqual(now.said.at(-1), { op: "subscribe", labels: ["c"] });
+  now.hear({ op: "subscribed", slots: [{ id: 8, label: "c" }] });
   for (let i = 0; i < 2; i += 1) now.hear({ op: "batch", records: [], gaps: [[7, 3]], dropped: 3 });
   now.hear({ op: "batch", records: [[7, 10, 9, [1, 2]], [99, 11, 9, 0]], dropped: 3 });
-  assert.deepEqual(heard, [["onGone"], ["onOpen"], ["onRefused", "c", "no such slot"], ["onDropped", 3], ["onGap", "b"], ["onGap", "b"],
+  assert.deepEqual(heard, [["onGone"], ["onOpen"], ["onRefused", "b", ""], ["onRefused", "c", "no such slot"], ["onRefused", "c", ""], ["onDropped", 3], ["onGap", "b"], ["onGap", "b"],
     ["onRecord", "b", 10, 9, [1, 2]], ["onBatch", 11]]);
 });
 

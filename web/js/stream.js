@@ -12,8 +12,8 @@ window.ostrelStatistics = statistics;
 
 /**
  * One connection, that comes back by itself. Calls onRecord(label, time, stamp, value) for each record, onDropped(count) when
- * the server says that more are missing, onGap(label) for each slot of which some are, onRefused(label, why), onOpen() and onGone(), and after each message with records
- * onBatch(time) with the time of the newest one.
+ * the server says that more are missing, onGap(label) for each slot of which some are, onRefused(label, why), with an empty why once
+ * the server takes it after all, onOpen() and onGone(), and after each message with records onBatch(time) with the time of the newest one.
  */
 export class Stream {
   #socket = null;
@@ -37,6 +37,8 @@ export class Stream {
     this.#say("unsubscribe", [...this.#labels].filter((label) => !wanted.has(label)));
     this.#say("subscribe", [...wanted].filter((label) => !this.#labels.has(label)));
     this.#labels = wanted;
+    for (const [id, label] of this.#names) if (!wanted.has(label)) this.#names.delete(id);
+    statistics.slots = this.#names.size;
   }
 
   /** Asks once more for labels that were refused, for their slots may be there by now. */
@@ -69,8 +71,11 @@ export class Stream {
   }
 
   #take(message) {
-    statistics.slots += message.slots?.length ?? 0;
-    for (const { id, label } of message.slots ?? []) this.#names.set(id, label);
+    for (const { id, label } of message.slots ?? []) {
+      this.#names.set(id, label);
+      this.listener.onRefused(label, "");
+    }
+    statistics.slots = this.#names.size;
     if (message.op === "error" && message.label !== undefined) this.listener.onRefused(message.label, message.message);
     if (message.op !== "batch") return;
     if (message.dropped > this.#dropped) {
