@@ -1,14 +1,15 @@
 // The clock of the host, as far as the times of its records tell it.
 
+const forgotten = 0.001; // seconds at each measure(), as clocks drift
+
 /** The clock here may be another one, where the page comes through a tunnel. A record takes a while, so the least difference counts. */
 export class HostClock {
   #offset = Infinity; // seconds that the clock here is ahead
   #least = Infinity; // since the last measure()
-  #isNew = true;
 
-  /** The connection is new: what comes first may be old. */
+  /** The connection is new, and may be to another host. */
   begin() {
-    this.#isNew = true;
+    this.#offset = Infinity;
     this.#least = Infinity;
   }
 
@@ -22,13 +23,12 @@ export class HostClock {
     const least = this.#least;
     this.#least = Infinity;
     if (!Number.isFinite(least)) return 0;
-    this.#offset = Math.min(this.#offset, least);
-    const lag = this.#isNew ? 0 : least - this.#offset;
-    this.#isNew = false;
-    return lag;
+    this.#offset = Math.min(this.#offset + forgotten, least);
+    return least - this.#offset;
   }
 
   now() {
-    return Date.now() / 1000 - (Number.isFinite(this.#offset) ? this.#offset : 0);
+    const offset = Math.min(this.#offset, this.#least);
+    return Date.now() / 1000 - (Number.isFinite(offset) ? offset : 0);
   }
 }
