@@ -113,6 +113,9 @@ test("a row tells how old its newest record is, and one that was old when it was
   assert.equal(one.lastMoved, 40);
   one.take(100.5, 41, 2);
   assert.deepEqual([one.lastMoved, one.isStill(102), one.isStill(103)], [100.5, false, true]);
+  one.polled = 3;
+  one.take(104, 104, null);
+  assert.equal(one.shownValue, null, "NaN is newer than what was polled");
   assert.deepEqual(["A FLOAT", "n/A b", ""].map((search) => isFound(one, search)), [true, false, true]);
 });
 

@@ -75,7 +75,8 @@ export class Row {
 
   /** What stands in its field, as far as is known. */
   get shownValue() {
-    return this.newest?.value ?? this.polled;
+    const value = this.newest?.value;
+    return value === undefined ? this.polled : value; // null is no number
   }
   get shownRate() {
     return this.isOut ? this.rate : this.sources.reduce((sum, { rate }) => sum + rate, 0);
