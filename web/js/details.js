@@ -49,6 +49,7 @@ export class Details {
     for (const part of [this.why, this.now, this.plot, this.ages, this.counts, this.node]) part.replaceChildren();
     this.element.replaceChildren(this.#head(chosen), this.why, this.now, this.plot, this.ages, this.counts, this.node);
     clearTimeout(this.#timer);
+    this.#asked += 1;
     if (chosen !== "") this.#timer = setTimeout(() => this.#explain(), pause);
     this.#lastDraw = 0;
     this.#plotted?.destroy();

@@ -41,7 +41,7 @@ export class PlotData {
     if (numbers.length === 0) return;
     for (const label of this.#plots.get(row) ?? []) {
       const known = this.#rings.get(label);
-      const ring = known?.components === numbers.length ? known : new Ring(numbers.length);
+      const ring = known?.components >= numbers.length ? known : new Ring(numbers.length);
       if (ring !== known) this.#rings.set(label, ring);
       ring.add(row.moved, numbers);
     }

@@ -12,6 +12,7 @@ const hues = ["--plot-1", "--plot-2", "--plot-3", "--plot-4"];
 
 export class Poses {
   #three = null;
+  #loading = null;
   #bodies = new Map(); // by name and parts
   #lastDraw = 0;
 
@@ -25,8 +26,11 @@ export class Poses {
     matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => this.#recolour());
   }
 
-  async show() {
-    if (this.#three) return;
+  show() {
+    return (this.#loading ??= this.#load());
+  }
+
+  async #load() {
     try {
       const three = await import("/parts/three.js");
       this.#begin(three);
