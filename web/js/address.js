@@ -37,9 +37,13 @@ export class Address extends EventTarget {
     const next = { ...this.state, ...part };
     const text = writeAddress(next);
     if (text === writeAddress(this.state)) return;
-    if (isTyping) history.replaceState(null, "", text);
-    else history.pushState(null, "", text);
     this.#take(next);
+    try {
+      if (isTyping) history.replaceState(null, "", text);
+      else history.pushState(null, "", text);
+    } catch {
+      // browsers allow so many changes a second; the next one brings all of it
+    }
   }
 
   togglePlot(label) {
