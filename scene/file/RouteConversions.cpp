@@ -4,6 +4,7 @@
 #include "explain/text/Escape.h"
 #include "explain/text/NameHint.h"
 #include "ostrel/FieldClass.h"
+#include "scene/file/ConversionParts.h"
 #include "scene/file/SettingsText.h"
 #include "scene/file/TextPlaces.h"
 #include "trovio/Exception.h"
@@ -20,7 +21,6 @@ using namespace Explain;
 namespace {
 
 constexpr std::string_view changesType = "Convert"; // the one filter with another type at each end
-constexpr std::string_view blanks = " \t\r\n";
 
 /// One filter of a conversion.
 struct Stage {
@@ -40,25 +40,6 @@ struct Stage {
     }
 };
 
-/// The ends of the parts of a text between bars that stand outside quotes.
-std::vector<std::size_t> endsOfParts(std::string_view text)
-{
-    std::vector<std::size_t> ends;
-    char quote = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (quote != 0 && text[i] == '\\')
-            ++i;
-        else if (quote != 0)
-            quote = text[i] == quote ? '\0' : quote;
-        else if (text[i] == '\'' || text[i] == '"')
-            quote = text[i];
-        else if (text[i] == '|')
-            ends.push_back(i);
-    }
-    ends.push_back(text.size());
-    return ends;
-}
-
 class Conversions {
 public:
     Conversions(const SceneFile& scene, std::string_view source, Problems& problems)
@@ -71,12 +52,12 @@ public:
     void make(HandlerEntry& handler)
     {
         _numbers.clear();
-        for (const RouteConversion& conversion : handler._conversions)
+        for (RouteConversion& conversion : handler._conversions)
             makeOne(handler, conversion);
     }
 
 private:
-    void makeOne(HandlerEntry& handler, const RouteConversion& conversion);
+    void makeOne(HandlerEntry& handler, RouteConversion& conversion);
     std::optional<std::vector<Stage>> read(const LocatedText& text);
     bool readSettings(Stage& stage);
     bool setTypes(const LocatedPair& route, std::vector<Stage>& stages);
@@ -92,7 +73,7 @@ private:
     std::map<std::string, unsigned> _numbers;                // of the newest node at an end, in one handler
 };
 
-void Conversions::makeOne(HandlerEntry& handler, const RouteConversion& conversion)
+void Conversions::makeOne(HandlerEntry& handler, RouteConversion& conversion)
 {
     const LocatedPair route = handler._routes[conversion._route];
     if ((route._first._value + route._second._value).find('*') != std::string::npos)
@@ -108,28 +89,21 @@ void Conversions::makeOne(HandlerEntry& handler, const RouteConversion& conversi
                                                              std::to_string(handler._nodes.size() + stages->size()) +
                                                              " nodes; allowed: up to " + std::to_string(maxNodes));
     insert(handler, conversion, *stages);
+    conversion._filters = stages->size();
 }
 
 std::optional<std::vector<Stage>> Conversions::read(const LocatedText& text)
 {
-    const std::string_view all = text._value;
-    const auto skip = [&all](std::size_t at) { return std::min(all.find_first_not_of(blanks, at), all.size()); };
     std::vector<Stage> stages;
-    std::size_t begin = 0;
-    for (const std::size_t end : endsOfParts(all)) {
-        const std::size_t node = skip(begin);
-        const std::size_t nodeEnd = std::min(all.find_first_of(blanks, node), end);
-        const std::size_t settings = std::min(skip(nodeEnd), end);
-        begin = end + 1;
-        if (node >= end) {
-            _problems.add(_places.placeIn(text, std::min(node, end)),
-                          "a filter is missing in the conversion " + inQuotes(all) +
+    for (const ConversionPart& part : conversionParts(text._value)) {
+        if (part._node.empty()) {
+            _problems.add(_places.placeIn(text, part._nodeAt),
+                          "a filter is missing in the conversion " + inQuotes(text._value) +
                               "; allowed: node types with their settings, with '|' between them");
             return std::nullopt;
         }
-        Stage stage{{std::string(all.substr(node, nodeEnd - node)), _places.placeIn(text, node)},
-                    {std::string(all.substr(settings, end - settings)),
-                     _places.placeIn(text, settings == end ? node : settings)},
+        Stage stage{{std::string(part._node), _places.placeIn(text, part._nodeAt)},
+                    {std::string(part._settings), _places.placeIn(text, part._settingsAt)},
                     {}};
         if (!readSettings(stage))
             return std::nullopt;

@@ -23,10 +23,12 @@ struct LocatedPair {
     LocatedText _second;
 };
 
-/// What is done with the values on a route: its third text. Once read it has become nodes and routes.
+/// What is done with the values on a route: its third text. Once read it has become nodes and routes, which stand
+/// behind those that were written, conversion by conversion: a node and a further route for each filter.
 struct RouteConversion {
     std::size_t _route; // number in the handler's list
     LocatedText _text;
+    std::size_t _filters = 0; // that it became
 };
 
 constexpr std::string_view bridgeKind = "Trovio"; // the kind of handler that has nodes and routes between labels
