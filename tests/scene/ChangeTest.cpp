@@ -212,24 +212,6 @@ TEST(Change, MakesHandlersAnewWhereARouteClosesALoop)
     EXPECT_EQ(session.watches()[1]->slots().size(), 1U);
 }
 
-TEST(Edits, ChangeOneLineAndSayWhatIsWrong)
-{
-    const SceneFiles files = filesOf(road);
-    const auto linesTo = [&files](const SceneFiles& after) { return linesOf(differences(files, after)); };
-    using Lines = std::vector<std::string>;
-    EXPECT_EQ(linesTo(withSettings(files, "Context/Scale", "gain=2 offset='1 '")),
-              Lines{"node 'Scale' starts anew: settings 'gain=1' -> 'gain=2 offset='1 ''"});
-    EXPECT_EQ(linesTo(withRoute(files, "Context/Scale/out", "Context/Wave")),
-              Lines{"route 'Scale/out' -> 'Wave' comes"});
-    EXPECT_EQ(linesTo(withoutRoute(withSettings(files, "Scale", "gain=1"), "Scale/out", "Other")),
-              Lines{"route 'Scale/out' -> 'Other' goes"});
-    EXPECT_EQ(problemOf<NoSuchPart>([&] { withSettings(files, "Skale", "gain=2"); }),
-              "no node of the scene has the label 'Skale'; nearest: 'Scale'");
-    EXPECT_TRUE(says(problemOf<NoSuchPart>([&] { withoutRoute(files, "Scale/out", "Wave"); }), "there is no route"));
-    EXPECT_TRUE(says(problemOf<SceneError>([&] { withRoute(files, "Scale/out", "*"); }), "cannot be used"));
-    EXPECT_TRUE(says(problemOf<SceneError>([&] { withSettings(files, "Scale", "gain"); }), "cannot be read"));
-}
-
 // Frames on this thread, changes from others, as in a run.
 TEST(SceneChanger, ChangesByHandAreTakenBackByAReload)
 {
@@ -247,7 +229,7 @@ TEST(SceneChanger, ChangesByHandAreTakenBackByAReload)
         other.join();
     };
     meanwhile([&] {
-        changer.change([](const SceneFiles& running) { return withSettings(running, "Scale", "gain=5"); });
+        changer.change([](const SceneFiles& running) { return withSettings(running, "Scale", {{"gain", "5"}}); });
         EXPECT_EQ(linesOf(changer.changesByHand()),
                   std::vector<std::string>{"node 'Scale' starts anew: settings 'gain=1' -> 'gain=5'"});
         EXPECT_EQ(changer.reload(),
