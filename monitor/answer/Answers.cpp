@@ -15,32 +15,44 @@ namespace {
 using Names = std::vector<std::string_view>;
 
 struct Row {
-    std::string_view _path;
+    std::string_view _path; // one that ends with a slash has a label behind it
     Answer (*_answer)(const Context& context, const Question& question);
-    Names _query; // names that may stand in it
+    Names _query{}; // names that may stand in it
+    Names _methods{"GET"};
 };
 
 const std::vector<Row>& table()
 {
-    static const std::vector<Row> rows{{"/host", answerHost, {}},
+    static const std::vector<Row> rows{{"/host", answerHost},
                                        {"/slots", answerSlots, {"label"}},
-                                       {"/sensors", answerSensors, {}},
-                                       {"/nodes", answerNodes, {}},
-                                       {"/types", answerTypes, {}},
+                                       {"/sensors", answerSensors},
+                                       {"/nodes", answerNodes},
+                                       {"/types", answerTypes},
                                        {"/graph", answerGraph, {"form"}},
-                                       {"/flow", answerFlow, {}},
+                                       {"/flow", answerFlow},
                                        {"/why", answerWhy, {"from", "to"}},
                                        {"/delay", answerDelay, {"from", "to", "seconds"}},
-                                       {"/metrics", answerMetrics, {}}};
+                                       {"/metrics", answerMetrics},
+                                       {"/changes", answerChanges},
+                                       {"/pub/", answerPub, {}, {"POST"}},
+                                       {"/reload", answerReload, {}, {"POST"}},
+                                       {"/node/", answerNode, {}, {"PUT"}},
+                                       {"/route", answerRoute, {"from", "to", "conversion"}, {"PUT", "DELETE"}},
+                                       {"/recording", answerRecording, {}, {"GET", "POST", "DELETE"}}};
     return rows;
 }
 
-constexpr std::string_view pubPath = "/pub/", recordingPath = "/recording", reloadPath = "/reload";
-
-void checkMethod(const Question& question, const std::string& allowed)
+// "GET, POST and DELETE"
+std::string inWords(const Names& names)
 {
-    if (question._method != allowed)
-        throw Refusal(405, Explain::inQuotes(question._path) + " takes " + allowed + ", not " +
+    const std::string last(names.back());
+    return names.size() == 1 ? last : Explain::listed(std::span(names).first(names.size() - 1)) + " and " + last;
+}
+
+void checkMethod(const Question& question, const Names& allowed)
+{
+    if (std::ranges::find(allowed, question._method) == allowed.end())
+        throw Refusal(405, Explain::inQuotes(question._path) + " takes " + inWords(allowed) + ", not " +
                                Explain::inQuotes(question._method));
 }
 
@@ -53,32 +65,24 @@ void checkQuery(const Question& question, const Names& allowed)
                                                     : "; allowed are " + Explain::listed(allowed)));
 }
 
+bool isMeant(const Row& row, const std::string& path)
+{
+    return row._path.ends_with('/') ? path.starts_with(row._path) : path == row._path;
+}
+
 Answer answerOf(const Context& context, const Question& question)
 {
-    if (question._path.starts_with(pubPath)) {
-        checkMethod(question, "POST");
-        checkQuery(question, {});
-        return answerPub(context, question, question._path.substr(pubPath.size()));
-    }
-    if (question._path == reloadPath) {
-        checkMethod(question, "POST");
-        checkQuery(question, {});
-        return answerReload(context, question);
-    }
-    if (question._path == recordingPath) {
-        checkQuery(question, {});
-        return answerRecording(context, question);
-    }
-    const auto row = std::ranges::find(table(), question._path, &Row::_path);
+    const auto row =
+        std::ranges::find_if(table(), [&question](const Row& known) { return isMeant(known, question._path); });
     if (row == table().end()) {
-        Names paths;
+        std::string paths;
         for (const Row& known : table())
-            paths.push_back(known._path);
-        paths.insert(paths.end(), {"/pub/LABEL", recordingPath, reloadPath});
-        throw Refusal(404, "nothing is answered at " + Explain::inQuotes(question._path) + "; there are " +
-                               Explain::listed(paths));
+            paths.append(paths.empty() ? "" : ", ")
+                .append(known._path)
+                .append(known._path.ends_with('/') ? "LABEL" : "");
+        throw Refusal(404, "nothing is answered at " + Explain::inQuotes(question._path) + "; there are " + paths);
     }
-    checkMethod(question, "GET");
+    checkMethod(question, row->_methods);
     checkQuery(question, row->_query);
     return row->_answer(context, question);
 }
@@ -109,6 +113,11 @@ Answer errorAnswer(int status, const std::string& text)
     Answer answer = jsonAnswer({{"error", text}});
     answer._status = status;
     return answer;
+}
+
+std::string labelIn(const Question& question)
+{
+    return question._path.substr(question._path.find('/', 1) + 1);
 }
 
 void requireWriting(const Question& question)

@@ -31,6 +31,9 @@ public:
     const int _status;
 };
 
+/// What stands behind "/pub/" and the like.
+std::string labelIn(const Question& question);
+
 /// Throws where the client may only read.
 void requireWriting(const Question& question);
 
@@ -50,12 +53,16 @@ Answer answerFlow(const Context& context, const Question& question);
 Answer answerWhy(const Context& context, const Question& question);
 Answer answerDelay(const Context& context, const Question& question);
 Answer answerMetrics(const Context& context, const Question& question);
-/// {"done": […]}, what `change` returns. Refuses what may not be written, and where `change` is empty.
-Answer changeAnswer(const Question& question, const std::function<std::vector<std::string>()>& change);
-Answer answerReload(const Context& context, const Question& question);
-/// Of any method.
 Answer answerRecording(const Context& context, const Question& question);
-/// The label is what stands behind "/pub/".
-Answer answerPub(const Context& context, const Question& question, const std::string& label);
+Answer answerReload(const Context& context, const Question& question);
+Answer answerRoute(const Context& context, const Question& question);
+Answer answerChanges(const Context& context, const Question& question);
+Answer answerPub(const Context& context, const Question& question);
+Answer answerNode(const Context& context, const Question& question);
+/// The field of the sensor at that out-slot gets the value.
+Answer answerGiven(const Context& context, const std::string& label, const std::string& json);
+
+/// Remembers that a value was written into that in-slot, where the program wants to know.
+void noteGiven(const Context& context, const std::string& label, const std::string& json);
 
 } // namespace Monitor

@@ -53,22 +53,32 @@ private:
 
 struct Target {
     std::string _label, _type;
+    bool _isOutput = false; // the out-slot of a sensor, whose field is given the value
 };
 
+std::string whyNone(const SlotMap& map, const SlotMap::Place& place)
+{
+    std::string ends;
+    for (const SlotMap::Joint& joint : map.joints())
+        if (joint._from == &place)
+            ends += (ends.empty() ? "; it is connected with " : ", ") + inQuotes(joint._to->_label);
+    return inQuotes(place._label) + " is an out-slot, and values are written into in-slots" + ends;
+}
+
+/// A sensor that several handlers serve has a slot in each, and any will do.
 Target searched(const Context& context, const std::string& label)
 {
     const SlotMap map(Root::get().inspect(), placesOf(context));
     std::string problem;
-    const SlotMap::Place* const place = map.find(label, problem, Trovio::Slot::Direction::In);
+    const SlotMap::Place* place = map.find(label, problem, Trovio::Slot::Direction::In);
+    if (!place)
+        place = map.findSensor(label);
     if (!place)
         throw Refusal(404, problem);
-    if (!place->isOut())
-        return {place->_label, place->_slot->_typeName};
-    std::string ends;
-    for (const SlotMap::Joint& joint : map.joints())
-        if (joint._from == place)
-            ends += (ends.empty() ? "; it is connected with " : ", ") + inQuotes(joint._to->_label);
-    throw Refusal(400, inQuotes(place->_label) + " is an out-slot, and values are written into in-slots" + ends);
+    const bool isOutput = place->isOut() && !place->_sensor.empty();
+    if (place->isOut() && !isOutput)
+        throw Refusal(400, whyNone(map, *place));
+    return {place->_label, place->_slot->_typeName, isOutput};
 }
 
 /// Who writes often says the whole label, and need not wait for a copy of the tree.
@@ -77,7 +87,7 @@ Target target(const Context& context, const std::string& label)
     if (!Trovio::isForTools(label))
         for (const Trovio::SlotInfo& slot : Root::get().findSlots(label))
             if (slot._direction == Trovio::Slot::Direction::In)
-                return {label, slot._typeName};
+                return {label, slot._typeName, false};
     return searched(context, label);
 }
 
@@ -124,15 +134,8 @@ Record readMessage(const Question& question, const Target& place, const SlotCode
     return {Bytes(bytes.begin(), bytes.end())};
 }
 
-} // namespace
-
-Answer answerPub(const Context& context, const Question& question, const std::string& label)
+Answer write(const Record& record, const Target& place, const SlotCodec& codec)
 {
-    requireWriting(question);
-    const Target place = target(context, label);
-    const SlotCodec& codec = *SlotCodec::find(place._type);
-    const Record record =
-        question._codec ? readMessage(question, place, codec) : readJsonRecord(question._body, place, codec);
     Pen pen(codec, place._label);
     if (!pen.isConnected())
         throw Refusal(404, inQuotes(place._label) + " is not seen in the root, so nothing can be written into it; show "
@@ -142,6 +145,25 @@ Answer answerPub(const Context& context, const Question& question, const std::st
     if (!pen.source().write(record._message, time, problem))
         throw Refusal(400, "the message for " + inQuotes(place._label) + ": " + problem);
     return jsonAnswer({{"label", place._label}, {"stamp", time.getSeconds()}});
+}
+
+} // namespace
+
+Answer answerPub(const Context& context, const Question& question)
+{
+    requireWriting(question);
+    const Target place = target(context, labelIn(question));
+    const SlotCodec& codec = *SlotCodec::find(place._type);
+    const Record record =
+        question._codec ? readMessage(question, place, codec) : readJsonRecord(question._body, place, codec);
+    std::string json, problem;
+    if (!codec.toJson(record._message, json, problem))
+        throw Refusal(400, "the message for " + inQuotes(place._label) + ": " + problem);
+    if (place._isOutput)
+        return answerGiven(context, place._label, json);
+    const Answer written = write(record, place, codec);
+    noteGiven(context, place._label, json);
+    return written;
 }
 
 } // namespace Monitor

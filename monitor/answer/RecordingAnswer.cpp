@@ -77,8 +77,6 @@ Answer answerRecording(const Context& context, const Question& question)
         throw Refusal(404, "this program has no recorder; its author gives the server one");
     if (question._method == "GET")
         return answerStatus(recorder->status());
-    if (question._method != "POST" && question._method != "DELETE")
-        throw Refusal(405, "'/recording' takes GET, POST and DELETE, not " + inQuotes(question._method));
     requireWriting(question);
     if (question._method == "POST")
         return start(*recorder, question._body);

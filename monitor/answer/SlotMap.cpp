@@ -115,6 +115,19 @@ const SlotMap::Place* SlotMap::find(const std::string& text, std::string& proble
     return nullptr;
 }
 
+const SlotMap::Place* SlotMap::findSensor(const std::string& text) const
+{
+    const Place* first = nullptr;
+    const auto [begin, end] = _byName.equal_range(text);
+    for (auto named = begin; named != end; ++named) {
+        const Place& place = _all[named->second];
+        if (place._sensor.empty() || (first && first->_sensor != place._sensor))
+            return nullptr;
+        first = !first || &place < first ? &place : first;
+    }
+    return first;
+}
+
 const SlotMap::Place* SlotMap::findByPath(const std::string& path) const
 {
     const auto at = _byPath.find(path);

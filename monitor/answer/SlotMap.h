@@ -37,6 +37,9 @@ public:
     const Place* find(const std::string& text, std::string& problem,
                       std::optional<Trovio::Slot::Direction> wanted = std::nullopt) const;
 
+    /// The first slot that is called so, where all of these serve one sensor, as in several handlers; else null.
+    const Place* findSensor(const std::string& text) const;
+
     /// By the way to where it stands; null if there is none.
     const Place* findByPath(const std::string& path) const;
 

@@ -47,6 +47,24 @@ protected:
 
     TapSet _taps;
     Recorder _recorder;
+    std::string _noted;
+    const SceneChanges _changes{
+        [] { return SceneChanges::Lines{"read"}; },
+        [](const std::string& node, const SceneChanges::Settings& settings) {
+            SceneChanges::Lines lines{node};
+            for (const auto& [name, value] : settings)
+                lines.push_back(name + "=" + value);
+            return lines;
+        },
+        [](const std::string& from, const std::string& to, const std::string& conversion) {
+            return SceneChanges::Lines{from, to, conversion};
+        },
+        [](const std::string& from, const std::string& to) -> SceneChanges::Lines {
+            throw ChangeRefused(ChangeRefused::Why::CannotBeNow, from + " " + to + " stays");
+        },
+        {},
+        [this](const std::string& label, const std::string& json) { _noted = label + " got " + json; },
+        [] { return "value = 1\n"; }};
     Answers _answers{{WatchedScene::places,
                       [](const std::string& name) { return "\"" + name + "'s\""; },
                       {},
@@ -54,7 +72,9 @@ protected:
                           return FrameCounts{7, 1, 60};
                       },
                       "a \"test\"\\",
-                      &_recorder},
+                      &_recorder,
+                      {},
+                      _changes},
                      _taps,
                      [] {
                          return std::vector<ClientCounts>{{"1.2.3.4:5", 3, 1}};
@@ -100,6 +120,22 @@ TEST_F(AnswersTest, WhatCannotBeAnsweredIsRefusedWithACure)
         {400, "no Float for 'Context/Wand'", "POST", "/pub/Wand", {}, R"({"value":"x"})", true},
         {400, "seconds since 1970", "POST", "/pub/Wand", {}, R"({"value":1,"stamp":"x"})", true},
         {400, "nothing called 'stmap'", "POST", "/pub/Wand", {}, R"({"value":1,"stmap":1})", true},
+        {405, "takes PUT, not 'GET'", "GET", "/node/Filter"},
+        {403, "--monitor-write", "PUT", "/node/Filter", {}, "{}"},
+        {400, "no JSON object of settings", "PUT", "/node/Filter", {}, "[]", true},
+        {400, "allowed are texts, numbers, true and false", "PUT", "/node/Filter", {}, R"({"gain":[1]})", true},
+        {405, "takes PUT and DELETE", "GET", "/route"},
+        {403, "--monitor-write", "DELETE", "/route", {{"from", "Device/value"}, {"to", "Wand"}}},
+        {400, "'to' is missing", "PUT", "/route", {{"from", "Device/value"}}, "", true},
+        {404, "did you mean 'Wand'?", "PUT", "/route", {{"from", "Device/value"}, {"to", "Want"}}, "", true},
+        {400, "a route begins at an out-slot", "PUT", "/route", {{"from", "Head"}, {"to", "Wand"}}, "", true},
+        {409,
+         "Context/Device/value gone stays",
+         "DELETE",
+         "/route",
+         {{"from", "Device/value"}, {"to", "gone"}},
+         "",
+         true},
     };
     for (const auto& row : rows) {
         const Answer answer = ask(row._method, row._path, row._query, row._body, row._mayWrite);
@@ -158,6 +194,25 @@ TEST_F(AnswersTest, WhatIsPublishedGoesIntoTheSlotAndNothingStays)
     EXPECT_NEAR(_head.pop().getTimeStamp().getSeconds(), now(), 60);
     EXPECT_FALSE(_head.isActive());
     EXPECT_EQ(Root::get().getNamespace("@pub"), nullptr);
+}
+
+TEST_F(AnswersTest, ChangesAreHandedOnInTheWordsOfTheRoot)
+{
+    const auto done = [this](const std::string& method, const std::string& path,
+                             const std::map<std::string, std::string>& query = {}, const std::string& body = {}) {
+        return json::parse(ask(method, path, query, body, true)._body).at("done");
+    };
+    EXPECT_EQ(done("POST", "/reload"), json({"read"}));
+    EXPECT_EQ(done("PUT", "/node/Context/Filter", {}, R"({"gain":2.5,"in":"/a b","on":true})"),
+              json({"Context/Filter", "gain=2.5", "in=/a b", "on=true"}));
+    EXPECT_EQ(done("PUT", "/route", {{"from", "Device/value"}, {"to", "stick"}, {"conversion", "Scale"}}),
+              json({"Context/Device/value", "Context/Wand", "Scale"}));
+    EXPECT_EQ(done("PUT", "/route", {{"from", "Context/*"}, {"to", "Context/*"}}),
+              json({"Context/*", "Context/*", ""}));
+    EXPECT_EQ(get("/changes")._body, "value = 1\n");
+    EXPECT_EQ(pub("Head", R"({"value":2})")._status, 200);
+    EXPECT_EQ(_noted, "Context/Head got 2.0");
+    EXPECT_EQ(Answers(SceneView(), _taps).ask({"GET", "/changes", {}, {}, {}, true, {}})._status, 404);
 }
 
 TEST_F(AnswersTest, TellsEverythingThatDoesNotFlowTheWorstFirst)
