@@ -8,8 +8,8 @@
 
 namespace Host {
 
-/// Verbs that ask a host which runs already, and change nothing in it but for pub, record and reload. Each blocks until
-/// it has its answer, or for ever where the answer goes on; a signal ends it as it ends any program.
+/// Verbs that ask a host which runs already, and change nothing in it but for pub, record, reload, set and route. Each
+/// blocks until it has its answer, or for ever where the answer goes on; a signal ends it as it ends any program.
 
 /// What there is: slots, sensors, nodes.
 int listVerb(const Options& options);
@@ -27,6 +27,12 @@ int pubVerb(const Options& options);
 int recordVerb(const Options& options);
 /// Makes the host read its scenes anew, and says what it did.
 int reloadVerb(const Options& options);
+/// Gives settings of a node other values.
+int setVerb(const Options& options);
+/// Adds a route, or takes one away.
+int routeVerb(const Options& options);
+/// What was changed by hand.
+int changesVerb(const Options& options);
 /// The graph of what runs.
 int graphVerb(const Options& options);
 /// The live table.

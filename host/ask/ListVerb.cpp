@@ -26,7 +26,17 @@ std::string rateText(double perSecond)
     return text;
 }
 
-// For the shell, which completes what stands on its command line.
+// For the shell, which completes what stands on its command line, as the next one.
+std::string nodeNamesText(HostClient& host)
+{
+    std::string text;
+    for (const auto& node : askJson(host, {"/nodes"})) {
+        const std::string label = node.at("node");
+        text += escaped(label.substr(label.find('/') + 1), std::string::npos) + "\n";
+    }
+    return text;
+}
+
 std::string namesText(HostClient& host)
 {
     std::string text;
@@ -86,6 +96,8 @@ int listVerb(const Options& options)
         LineOutput out;
         if (options._onlyNames)
             return out.write(namesText(host)), Done;
+        if (options._onlyNodes)
+            return out.write(nodeNamesText(host)), Done;
         const HostSlots before = askSlots(host);
         if (!out.wait(rateWindow))
             return Done;

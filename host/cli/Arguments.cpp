@@ -317,7 +317,8 @@ void recording(CLI::App& app, Options& options)
 void listing(CLI::App& app, Options& options)
 {
     addHost(app, options);
-    app.add_flag("--names", options._onlyNames, "only labels and names, one on a line, at once");
+    app.add_flag("--names", options._onlyNames, "only labels of slots and names of sensors, one on a line, at once");
+    app.add_flag("--nodes", options._onlyNodes, "the same for labels of nodes");
     addFormat(app, "--format", "text or json", options._format, {{"text", Format::Text}, {"json", Format::Json}});
 }
 
@@ -374,6 +375,30 @@ void recordFile(CLI::App& app, Options& options)
     addRecorder(app, file, options);
     addSeconds(app, "--seconds", "end after this many seconds", options._seconds);
     app.add_flag("--stop", options._stops, "end what is being recorded")->excludes(&file);
+}
+
+void labelAndSettings(CLI::App& app, Options& options)
+{
+    addLabel(app, "LABEL", "of a node", options._label);
+    app.add_option("SETTING", options._settings,
+                   "name=value; what stands behind '=' is the value, with its blanks, unless it begins with a quote as "
+                   "in a scene file")
+        ->required();
+    addHost(app, options);
+}
+
+void routeEnds(CLI::App& app, Options& options)
+{
+    app.require_subcommand(1);
+    CLI::App& add = *app.add_subcommand("add", "join two slots, or those that two patterns stand for");
+    CLI::App& remove = *app.add_subcommand("remove", "take a route away");
+    for (CLI::App* const part : {&add, &remove}) {
+        addLabel(*part, "FROM", "label of an out-slot", options._from);
+        addLabel(*part, "TO", "label of an in-slot or a sensor", options._to);
+        addHost(*part, options);
+    }
+    add.add_option("CONVERSION", options._conversion, "filters on the way, such as 'Axes unit=cm | OneEuro'");
+    remove.callback([&options] { options._removes = true; });
 }
 
 void hostAlone(CLI::App& app, Options& options)

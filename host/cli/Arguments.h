@@ -31,6 +31,8 @@ void twoLabels(CLI::App& app, Options& options);
 void labelAndValue(CLI::App& app, Options& options);
 void recordFile(CLI::App& app, Options& options);
 void hostAlone(CLI::App& app, Options& options);
+void labelAndSettings(CLI::App& app, Options& options);
+void routeEnds(CLI::App& app, Options& options);
 void graphForm(CLI::App& app, Options& options);
 void tableOptions(CLI::App& app, Options& options);
 void pageHost(CLI::App& app, Options& options);

@@ -192,7 +192,8 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const Watche
     SceneChanger changer(session, jobs, sayInRun);
     RunRecorder recorder(options, !drawsTable(options), session, sayInRun);
     {
-        RunMonitor monitor(session, settings, sayInRun, &recorder.recorder(), changesOf(changer)); // before the nodes
+        RunMonitor monitor(session, settings, sayInRun, &recorder.recorder(),
+                           changesOf(session, jobs, changer)); // before the nodes
         const auto reloads = makeReloadThread(session, options, changer, around._stop, sayInRun);
         const JobsEnd end(jobs);
         const auto view = makeRunView(options, session, log, output, clock.now());

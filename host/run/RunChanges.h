@@ -5,6 +5,6 @@
 
 namespace Host {
 
-/// What a server may have changed in a run, by the changer, which must live as long.
-Monitor::SceneChanges changesOf(Scenes::SceneChanger& changer);
+/// What a server may have changed in a run, by the changer and the jobs of its frames. All three must live as long.
+Monitor::SceneChanges changesOf(Scenes::Session& session, Scenes::FrameJobs& jobs, Scenes::SceneChanger& changer);
 } // namespace Host

@@ -1,11 +1,7 @@
-#include "tests/host/HostProcess.h"
-#include "tests/support/SceneOnDisk.h"
+#include "tests/host/AskFixture.h"
 
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace {
 
@@ -21,42 +17,9 @@ constexpr char scene[] =
     "[[sensor]]\nname = \"wand\"\ntype = \"SFVec3f\"\nlabel = \"Wand\"\nbuffer = 8\n"
     "[[sensor]]\nname = \"note\"\ntype = \"SFString\"\nlabel = \"Note\"\n";
 
-/// Hosts of this test alone are found here.
-class Ask : public ::testing::Test {
+class Ask : public AskFixture {
 protected:
-    Ask()
-    {
-        setenv("XDG_RUNTIME_DIR", _folder.c_str(), 1);
-        std::filesystem::create_directory(_folder);
-    }
-    ~Ask() override { std::filesystem::remove_all(_folder); }
-
-    struct Row {
-        const char* _command; // for a shell, where $host is the program and $scene the scene
-        int _code;
-        const char* _says;
-    };
-    void expectAll(std::initializer_list<Row> rows) const
-    {
-        for (const Row& row : rows) {
-            HostProcess asking("sh", {"-c", "host=" + host + " scene=" + _scene.path() + "; " + row._command});
-            EXPECT_EQ(asking.wait(), row._code) << row._command << "\n" << asking.out() << asking.err();
-            EXPECT_NE((asking.out() + asking.err()).find(row._says), std::string::npos)
-                << row._command << ": " << row._says << "\n"
-                << asking.out() << asking.err();
-        }
-    }
-
-    const std::string _folder = std::filesystem::temp_directory_path() / ("ask-" + std::to_string(getpid()));
-    const SceneOnDisk _scene{scene};
-};
-
-/// Runs until it goes, and answers from the start.
-struct RunningScene : HostProcess {
-    explicit RunningScene(const SceneOnDisk& file) : HostProcess(host, {"run", file.path(), "--format", "lines"})
-    {
-        EXPECT_TRUE(waitFor("wave SFFloat")) << err();
-    }
+    Ask() : AskFixture(scene) {}
 };
 
 TEST_F(Ask, EveryVerbHasItsAnswer)
