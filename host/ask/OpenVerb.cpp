@@ -61,6 +61,19 @@ int startApart(const char* program, const std::string& argument)
     posix_spawn_file_actions_destroy(&streams);
     return problem;
 }
+
+// Everybody on the machine can read a command line, so no token stands in one: reading on loopback needs none.
+void openOnDesktop(const std::string& address)
+{
+    const bool isLoopback = address.starts_with("http://127.") || address.starts_with("http://[::1]");
+    const std::size_t token = address.find('?');
+    if (!isLoopback && token != address.npos)
+        std::fputs("not opened, for every user of this machine could read its token from the command line of the "
+                   "browser; open the address in a browser by hand\n",
+                   stderr);
+    else if (const int problem = startApart("xdg-open", address.substr(0, token)); problem != 0)
+        std::fprintf(stderr, "xdg-open cannot be started: %s; open the address in a browser\n", std::strerror(problem));
+}
 } // namespace
 
 int openVerb(const Options& options)
@@ -68,10 +81,8 @@ int openVerb(const Options& options)
     return askHost(options, [](HostClient& host) {
         const std::string address = addressOf(askJson(host, {"/host"}));
         LineOutput().put(Explain::escaped(address, address.size()));
-        const int problem = hasDesktop() ? startApart("xdg-open", address) : 0;
-        if (problem != 0)
-            std::fprintf(stderr, "xdg-open cannot be started: %s; open the address in a browser\n",
-                         std::strerror(problem));
+        if (hasDesktop())
+            openOnDesktop(address);
         return Done;
     });
 }
