@@ -59,9 +59,12 @@ void BatchStream::take(const std::string& label, const SlotCodec& codec, const T
     const auto number = _numbers.find(label);
     if (number == _numbers.end())
         return;
-    if (!add((isEmpty() ? "[" : ",[") + std::to_string(number->second) + "," + secondsText(record._arrival) + "," +
+    const bool isFirst = isEmpty();
+    if (!add((isFirst ? "[" : ",[") + std::to_string(number->second) + "," + secondsText(record._arrival) + "," +
              stampText(record._stamp) + "," + valueText(codec, record) + "]"))
         ++_gaps[number->second];
+    else if (isFirst)
+        makeGapsDue();
 }
 
 void BatchStream::miss(const std::string& label, std::uint64_t records)
@@ -77,21 +80,30 @@ std::string BatchStream::batchText(const std::string& records, const std::string
            ",\"dropped\":" + std::to_string(queue().dropped()) + "}";
 }
 
+void BatchStream::makeGapsDue()
+{
+    for (const auto& [number, records] : _gaps)
+        _due[number] += records;
+    _gaps.clear();
+}
+
 // As words, which have room where records have none.
 void BatchStream::tellGaps()
 {
     std::string gaps;
-    for (const auto& [number, records] : _gaps)
+    for (const auto& [number, records] : _due)
         gaps += (gaps.empty() ? "[" : ",[") + std::to_string(number) + "," + std::to_string(records) + "]";
     if (!gaps.empty() && queue().putWords(batchText({}, gaps)))
-        _gaps.clear();
+        _due.clear();
 }
 
+// What went missing after the first record of the round waits: a slot's newest records are those that find no room.
 void BatchStream::endRound()
 {
-    if (isEmpty() && !(untold() > 0 && queue().empty()))
+    if (isEmpty() && !queue().empty())
         return;
-    tell();
+    if (isEmpty())
+        makeGapsDue();
     tellGaps();
     OutMessage round = takeRound();
     if (round._records == 0)

@@ -33,11 +33,13 @@ private:
     void unsubscribe(const nlohmann::json& labels);
     void say(const nlohmann::json& object);
     std::string batchText(const std::string& records, const std::string& gaps = {}) const;
+    void makeGapsDue();
     void tellGaps();
 
     Watches& _watches;
     std::unordered_map<std::string, std::uint32_t> _numbers; // by label
     std::uint32_t _last = 0;
-    std::map<std::uint32_t, std::uint64_t> _gaps; // records that are missing, and that the client has not been told of
+    // Missing records that the client has not been told of: before the round, and after its first record.
+    std::map<std::uint32_t, std::uint64_t> _due, _gaps;
 };
 } // namespace Monitor
