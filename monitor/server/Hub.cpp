@@ -60,6 +60,15 @@ std::vector<std::string> sourcesOf(const std::string& label, const SceneView& sc
         problem = "nothing is connected to " + inQuotes(place->_label) + ", so no records come; ask /why for the cause";
     return labels;
 }
+
+Answer answerOrFailure(const std::function<Answer()>& make)
+{
+    try {
+        return make();
+    } catch (const std::exception& error) {
+        return errorAnswer(500, Explain::textOf(error));
+    }
+}
 } // namespace
 
 Hub::Hub(SceneView scene, WhoMay whoMay, Network network, std::vector<std::string> folders)
@@ -96,15 +105,6 @@ std::optional<Answer> Hub::refusal(const RequestHead& head, Door door)
     return std::nullopt;
 }
 
-Answer Hub::answer(const Question& question) const
-{
-    try {
-        return _answers.ask(question);
-    } catch (const std::exception& error) {
-        return errorAnswer(500, Explain::textOf(error));
-    }
-}
-
 void Hub::answerLater(Question question, Take take)
 {
     noteClients();
@@ -113,14 +113,16 @@ void Hub::answerLater(Question question, Take take)
         return thread.isOver() || (isGone && isGone());
     };
     answerLater(
-        thread, [this, question = std::move(question)] { return answer(question); }, std::move(take));
+        thread, [this, question = std::move(question)] { return _answers.ask(question); }, std::move(take));
 }
 
 // What take holds has to go on the server's thread.
 void Hub::answerLater(WorkThread& thread, std::function<Answer()> make, Take take)
 {
     const auto work = [this, make = std::move(make), take]() mutable {
-        _network._post([take = std::exchange(take, nullptr), made = make()]() mutable { take(std::move(made)); });
+        Answer made = answerOrFailure(make);
+        _network._post(
+            [take = std::exchange(take, nullptr), made = std::move(made)]() mutable { take(std::move(made)); });
     };
     if (!thread.add(work))
         take(errorAnswer(503, tooMany));

@@ -42,7 +42,6 @@ private:
 
     void answerLater(Question question, Take take);
     void answerLater(WorkThread& thread, std::function<Answer()> make, Take take);
-    Answer answer(const Question& question) const;
     void stream(const Question& question, const std::shared_ptr<Exchange>& exchange);
     std::unique_ptr<Stream> lines(const std::vector<std::string>& labels, std::uint64_t most, LineStream::Shows shows);
     void enter(Stream& stream, const std::string& kind);
