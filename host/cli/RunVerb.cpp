@@ -194,6 +194,7 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const Watche
     {
         RunMonitor monitor(session, settings, sayInRun, &recorder.recorder(),
                            changesOf(session, jobs, changer)); // before the nodes
+        const JobsEnd endForMonitor(jobs); // also where there is no thread for what follows
         const auto reloads = makeReloadThread(session, options, changer, around._stop, sayInRun);
         const JobsEnd end(jobs);
         const auto view = makeRunView(options, session, log, output, clock.now());
