@@ -153,6 +153,11 @@ Answer answerPub(const Context& context, const Question& question)
 {
     requireWriting(question);
     const Target place = target(context, labelIn(question));
+    if (place._isOutput && !question._mayWait) {
+        Answer later;
+        later._hasToWait = true;
+        return later;
+    }
     const SlotCodec& codec = *SlotCodec::find(place._type);
     const Record record =
         question._codec ? readMessage(question, place, codec) : readJsonRecord(question._body, place, codec);

@@ -22,6 +22,7 @@ struct Question {
     /// ends. Who takes long asks this a few times a second, and then gives up. Any thread; may be empty.
     std::function<bool()> _isOver;
     const SlotCodec* _codec = nullptr; // whose message the body of a publication is; null for JSON
+    bool _mayWait = true;              // for a frame; else the answer is only that it would have to
 };
 
 struct Answer {
@@ -29,6 +30,7 @@ struct Answer {
     std::string _type = "application/json";
     std::string _body;
     std::vector<std::pair<std::string, std::string>> _fields{}; // of the head, beside or in place of the usual ones
+    bool _hasToWait = false; // nothing was done: ask again where that may wait for a frame
 };
 
 /// {"error": …}

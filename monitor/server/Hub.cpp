@@ -46,6 +46,11 @@ std::string valueOf(const Question& question, const std::string& name)
     return found == question._query.end() ? std::string() : found->second;
 }
 
+bool isChange(const std::string& path)
+{
+    return path == "/reload" || path == "/route" || path.starts_with("/node/");
+}
+
 // The labels of the out-slots that are meant; empty, and what is wrong, where there are none.
 std::vector<std::string> sourcesOf(const std::string& label, const SceneView& scene, std::string& problem)
 {
@@ -105,15 +110,32 @@ std::optional<Answer> Hub::refusal(const RequestHead& head, Door door)
     return std::nullopt;
 }
 
+// Whether a publication has to wait shows once its slot was looked for.
 void Hub::answerLater(Question question, Take take)
 {
     noteClients();
-    WorkThread& thread = question._path == "/delay" ? _delays : _work;
+    if (question._path == "/delay")
+        return answerOn(_delays, std::move(question), take);
+    if (isChange(question._path))
+        return answerOn(_changes, std::move(question), take);
+    question._mayWait = false;
+    answerOn(_work, std::move(question), take);
+}
+
+void Hub::answerOn(WorkThread& thread, Question question, const Take& take)
+{
     question._isOver = [&thread, isGone = std::move(question._isOver)] {
         return thread.isOver() || (isGone && isGone());
     };
+    const auto asked = std::make_shared<Question>(std::move(question));
     answerLater(
-        thread, [this, question = std::move(question)] { return _answers.ask(question); }, std::move(take));
+        thread, [this, asked] { return _answers.ask(*asked); },
+        [this, asked, take](Answer made) {
+            if (!made._hasToWait)
+                return take(std::move(made));
+            asked->_mayWait = true;
+            answerOn(_changes, std::move(*asked), take);
+        });
 }
 
 // What take holds has to go on the server's thread.
@@ -258,6 +280,7 @@ std::vector<ClientCounts> Hub::clientCounts() const
 void Hub::endAnswers()
 {
     _delays.end();
+    _changes.end();
     _work.end();
 }
 } // namespace Monitor

@@ -42,6 +42,7 @@ private:
 
     void answerLater(Question question, Take take);
     void answerLater(WorkThread& thread, std::function<Answer()> make, Take take);
+    void answerOn(WorkThread& thread, Question question, const Take& take);
     void stream(const Question& question, const std::shared_ptr<Exchange>& exchange);
     std::unique_ptr<Stream> lines(const std::vector<std::string>& labels, std::uint64_t most, LineStream::Shows shows);
     void enter(Stream& stream, const std::string& kind);
@@ -69,7 +70,8 @@ private:
     std::vector<ClientCounts> _counts OSTREL_GUARDED_BY(_countsLock); // for answers, as of the last question
 
     const Answers _answers;
-    WorkThread _delays{"monitor-delays"}; // what waits for seconds holds up nobody else
+    WorkThread _delays{"monitor-delays"};   // what waits for seconds holds up nobody else
+    WorkThread _changes{"monitor-changes"}; // what waits for frames, files and nodes neither
     WorkThread _work{"monitor-answers"};
 };
 } // namespace Monitor
