@@ -78,8 +78,11 @@ Answer addRoute(const Context& context, const SlotMap& map, const std::string& f
                 const std::string& conversion)
 {
     const auto& add = offered(context, &SceneChanges::_addRoute);
-    if (from.find('*') != std::string::npos)
+    if (from.find('*') != std::string::npos) {
+        if (const std::string why = whyNoPattern(map, from, to); !why.empty())
+            throw Refusal(400, why);
         return changed(add, from, to, conversion);
+    }
     const SlotMap::Place &source = endOf(map, from, Slot::Direction::Out),
                          &target = endOf(map, to, Slot::Direction::In);
     if (const std::string why = whyNoRoute(map, source, target, !conversion.empty()); !why.empty())
