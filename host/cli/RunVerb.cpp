@@ -139,7 +139,7 @@ void reloadAndSay(SceneChanger& changer, const Say& say)
 std::unique_ptr<ReloadThread> makeReloadThread(const Session& session, const Options& options, SceneChanger& changer,
                                                const StopSignal& stop, const Say& say)
 {
-    ReloadThread::Reasons reasons{{}, !hasControllingTerminal()};
+    ReloadThread::Reasons reasons{{}, stop.keepsHangUp()};
     if (options._followsFiles)
         for (const auto& file : session.files()._running)
             reasons._files.push_back(file->_path);
@@ -176,6 +176,8 @@ bool anyPasses(const std::vector<SceneFile>& files, const SensorFilter& filter)
 
 int runScenes(std::vector<SceneFile> files, const Options& options, const WatchedRun& around)
 {
+    if (!hasControllingTerminal())
+        around._stop.keepHangUp(); // for the thread that has the scenes read anew
     RunOutput& output = around._output;
     const Say sayInRun = [&output](const std::string& line) { output.say(line); };
     RunLog log(options._verbose, &output);
@@ -194,7 +196,7 @@ int runScenes(std::vector<SceneFile> files, const Options& options, const Watche
     {
         RunMonitor monitor(session, settings, sayInRun, &recorder.recorder(),
                            changesOf(session, jobs, changer)); // before the nodes
-        const JobsEnd endForMonitor(jobs); // also where there is no thread for what follows
+        const JobsEnd endForMonitor(jobs);                     // also where there is no thread for what follows
         const auto reloads = makeReloadThread(session, options, changer, around._stop, sayInRun);
         const JobsEnd end(jobs);
         const auto view = makeRunView(options, session, log, output, clock.now());

@@ -22,17 +22,26 @@ namespace {
 std::atomic<bool> stopRequested{false};
 std::atomic<bool> isWatched{false};
 std::atomic<int> secondNumber{0};
-std::atomic<int> hangUpTo{-1};
+constexpr int asStop = -1, whoeverComes = -2;
+std::atomic<int> hangUpTo{asStop};
+std::atomic<bool> hangUpKept{false};
 int wakePipe[2] = {-1, -1};
 sem_t news;
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
 
+void deliverHangUp()
+{
+    constexpr std::uint64_t one = 1;
+    if (const int to = hangUpTo; to >= 0 && hangUpKept.exchange(false)) [[maybe_unused]]
+        const ssize_t ignored = write(to, &one, sizeof one);
+}
+
 void onSignal(int number)
 {
     const int error = errno;
-    if (const int to = hangUpTo; number == SIGHUP && to >= 0) {
-        constexpr std::uint64_t one = 1;
-        [[maybe_unused]] const ssize_t ignored = write(to, &one, sizeof one);
+    if (number == SIGHUP && hangUpTo != asStop) {
+        hangUpKept = true; // before the look at where it goes, which another thread may say just now
+        deliverHangUp();
         errno = error;
         return;
     }
@@ -70,6 +79,8 @@ StopSignal::StopSignal()
         throw std::system_error(errno, std::generic_category(), "cannot make the pipe that signals wake");
     sem_init(&news, 0, 0);
     stopRequested = false;
+    hangUpTo = asStop;
+    hangUpKept = false;
     secondNumber = 0;
     install(SIGINT, onSignal);
     install(SIGTERM, onSignal);
@@ -93,6 +104,17 @@ StopSignal::~StopSignal()
 void StopSignal::sendHangUpTo(int eventfd) const
 {
     hangUpTo = eventfd;
+    deliverHangUp();
+}
+
+void StopSignal::keepHangUp() const
+{
+    hangUpTo = whoeverComes;
+}
+
+bool StopSignal::keepsHangUp() const
+{
+    return hangUpTo == whoeverComes;
 }
 
 void StopSignal::tell() const

@@ -14,8 +14,11 @@ public:
     StopSignal(const StopSignal&) = delete;
     StopSignal& operator=(const StopSignal&) = delete;
 
-    /// From now on SIGHUP asks for no stop, but becomes readable at this eventfd; -1 for a stop again. Does nothing
-    /// where SIGHUP is ignored.
+    /// From now on SIGHUP asks for no stop, but waits for sendHangUpTo(). Does nothing where SIGHUP is ignored.
+    void keepHangUp() const;
+    bool keepsHangUp() const;
+    /// From now on SIGHUP asks for no stop, but becomes readable at this eventfd, as one that was kept does at once; -1
+    /// for a stop again. Does nothing where SIGHUP is ignored.
     void sendHangUpTo(int eventfd) const;
 
     bool requested() const;
