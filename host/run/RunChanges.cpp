@@ -142,6 +142,7 @@ std::string byHand(const Session& session, const GivenValues& given)
 Monitor::SceneChanges changesOf(Session& session, FrameJobs& jobs, SceneChanger& changer)
 {
     const auto given = std::make_shared<GivenValues>();
+    changer.whenRead([given](const std::vector<SceneDifference>& done) { given->forget(done); });
     Monitor::SceneChanges changes;
     changes._reload = [&changer] { return changed([&] { return changer.reload(); }); };
     changes._set = [&changer](const std::string& node, const Monitor::SceneChanges::Settings& settings) {
@@ -163,12 +164,10 @@ Monitor::SceneChanges changesOf(Session& session, FrameJobs& jobs, SceneChanger&
         if (!value)
             throw ChangeRefused(Why::IsBad, "a sensor cannot be given such a value: " + Explain::escaped(json));
         changed([&] { return jobs.run([&] { setField(session, label, *value); }), Lines(); });
-        given->note(session.files()._loaded, label, json);
+        given->note(label, json);
         return Lines{inQuotes(label) + " has the value " + Explain::escaped(json)};
     };
-    changes._noteValue = [&session, given](const std::string& label, const std::string& json) {
-        given->note(session.files()._loaded, label, json);
-    };
+    changes._noteValue = [given](const std::string& label, const std::string& json) { given->note(label, json); };
     changes._byHand = [&session, given] { return byHand(session, *given); };
     return changes;
 }

@@ -36,6 +36,8 @@ SceneChanger::Lines SceneChanger::apply(SceneFiles after, Session::Origin origin
     for (const std::string& line : lines)
         _say(line);
     _jobs.run([&] { _session.apply(plan, origin, _say); });
+    if (_heard && origin == Session::Origin::Read)
+        _heard(plan.differences());
     return lines;
 }
 

@@ -23,6 +23,10 @@ public:
     /// was; empty where nothing differs.
     Lines reload();
 
+    /// Called after each reload, on its thread, with what was done. To be set before the first.
+    using Heard = std::function<void(const std::vector<SceneDifference>& done)>;
+    void whenRead(Heard heard) { _heard = std::move(heard); }
+
     /// Gets the files as they run, and returns others, by the functions of Edits.h.
     using Edit = std::function<SceneFiles(const SceneFiles& running)>;
     /// Does what differs between what runs and what `edit` makes of it. Returns what that was. What `edit` throws comes
@@ -38,6 +42,7 @@ private:
     Session& _session;
     FrameJobs& _jobs;
     const Say _say;
+    Heard _heard;
     Ostrel::Mutex _lock; // for one change; held while its threads wait for the scene's
 };
 } // namespace Scenes
