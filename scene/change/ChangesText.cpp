@@ -103,7 +103,7 @@ private:
                 add(old._from._position, "without this route" + whose, "# " + textOf(old));
             },
             [&](const WrittenRoute& route) {
-                add(loaded._name._position, "one more among the routes" + whose, textOf(route));
+                add(loaded._name._position, "one more, behind the other routes" + whose, textOf(route));
             });
     }
 

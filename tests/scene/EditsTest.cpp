@@ -95,7 +95,8 @@ TEST(Edits, ShowsWhatToPasteWhere)
          },
          "# s.toml:11:4: without this route of handler 'h'\n"
          "# [\"Scale/out\", \"Wave\", \"Scale gain=2|OneEuro cutoff=1\"],\n\n"
-         "# s.toml:4:8: one more among the routes of handler 'h'\n[\"Scale/out\", \"Wave\", \"Scale gain=5\"],\n\n"
+         "# s.toml:4:8: one more, behind the other routes of handler 'h'\n[\"Scale/out\", \"Wave\", \"Scale "
+         "gain=5\"],\n\n"
          "# s.toml: one more table, behind all others\n"
          "[[route]]\nfrom = \"Context/Generator/value\"\nto = \"Context2/Dim\"\n"},
         {[](Edited& scene) { scene.remove("Context/Scale/out", "Context2/Wave"); },
