@@ -11,7 +11,8 @@
 namespace Host {
 namespace {
 
-constexpr std::uint32_t events = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE;
+constexpr std::uint32_t ofFolder = IN_MOVE_SELF | IN_DELETE_SELF; // and IN_IGNORED, which comes unasked
+constexpr std::uint32_t events = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | ofFolder;
 
 /// Where the name stands, and where the file does that a link leads to.
 std::vector<std::filesystem::path> placesOf(const std::string& path)
@@ -58,7 +59,8 @@ bool FileWatch::takeEvents()
     for (ssize_t count = 0; (count = read(_descriptor, bytes.data(), bytes.size())) > 0;)
         for (const char* at = bytes.data(); at < bytes.data() + count;) {
             const auto* const event = reinterpret_cast<const inotify_event*>(at);
-            isConcerned = isConcerned || concerns(event->wd, event->len > 0 ? event->name : "");
+            isConcerned = isConcerned || (event->mask & (ofFolder | IN_IGNORED)) != 0 ||
+                          concerns(event->wd, event->len > 0 ? event->name : "");
             at += sizeof(inotify_event) + event->len;
         }
     return isConcerned;

@@ -20,7 +20,8 @@ public:
     /// Readable when something has happened in one of the folders.
     int descriptor() const { return _descriptor; }
 
-    /// Takes what has happened by now; whether one of the files is concerned.
+    /// Takes what has happened by now; whether one of the files is concerned. So they are where a folder goes, too: who
+    /// wants to hear more then makes another watch.
     bool takeEvents();
 
 private:

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <fcntl.h>
 #include <poll.h>
@@ -15,7 +16,8 @@ namespace Host {
 namespace {
 
 // One save is several events: an editor moves the old file away, writes a new one and renames it.
-constexpr int quietTime = 100, maxQuietRounds = 20; // milliseconds, so that two seconds are the most
+constexpr int quietTime = 100, lookInterval = 500; // milliseconds; the latter while a folder is gone
+constexpr std::chrono::seconds maxUnrest(2);
 } // namespace
 
 bool hasControllingTerminal()
@@ -27,10 +29,10 @@ bool hasControllingTerminal()
 }
 
 ReloadThread::ReloadThread(const StopSignal& stop, const Reasons& reasons, std::function<void()> reload)
-    : _stop(stop), _reload(std::move(reload))
+    : _stop(stop), _reload(std::move(reload)), _paths(reasons._files)
 {
-    if (!reasons._files.empty())
-        _files.emplace(reasons._files);
+    if (!_paths.empty())
+        _files.emplace(_paths);
     _wakeUp = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     if (_wakeUp < 0)
         throw std::system_error(errno, std::generic_category(), "no eventfd for what has scenes read anew");
@@ -55,8 +57,23 @@ ReloadThread::~ReloadThread()
 
 void ReloadThread::run()
 {
-    while (waitForReason())
+    while (waitForReason()) {
+        watchAnew();
         _reload();
+    }
+}
+
+// A folder may have been renamed, and links may lead elsewhere. Before the files are read, so that no save is missed.
+bool ReloadThread::watchAnew()
+{
+    _files.reset();
+    try {
+        if (!_paths.empty())
+            _files.emplace(_paths);
+    } catch (const std::system_error&) { // the reload says that the file is not there
+        return false;
+    }
+    return true;
 }
 
 bool ReloadThread::takeWakeUp()
@@ -70,7 +87,8 @@ bool ReloadThread::waitForReason()
 {
     for (;;) {
         std::array<pollfd, 2> news{{{_wakeUp, POLLIN, 0}, {_files ? _files->descriptor() : -1, POLLIN, 0}}};
-        poll(news.data(), news.size(), -1);
+        const bool isLost = !_files && !_paths.empty();
+        poll(news.data(), news.size(), isLost ? lookInterval : -1);
         const bool isWoken = takeWakeUp();
         if (_isOver)
             return false;
@@ -78,18 +96,20 @@ bool ReloadThread::waitForReason()
             waitForQuiet();
             return !_isOver;
         }
-        if (isWoken)
+        if (isWoken || (isLost && watchAnew()))
             return true;
     }
 }
 
 void ReloadThread::waitForQuiet()
 {
-    for (int round = 0; round < maxQuietRounds && !_isOver; ++round) {
+    const auto end = std::chrono::steady_clock::now() + maxUnrest;
+    while (!_isOver && std::chrono::steady_clock::now() < end) {
         std::array<pollfd, 2> news{{{_files->descriptor(), POLLIN, 0}, {_wakeUp, POLLIN, 0}}};
         if (poll(news.data(), news.size(), quietTime) == 0)
             return;
         _files->takeEvents();
+        takeWakeUp();
     }
 }
 } // namespace Host

@@ -35,11 +35,13 @@ private:
     void run();
     bool waitForReason();
     void waitForQuiet();
+    bool watchAnew();
     bool takeWakeUp();
 
     const StopSignal& _stop;
     const std::function<void()> _reload;
-    std::optional<FileWatch> _files;
+    const std::vector<std::string> _paths; // of the files that are watched
+    std::optional<FileWatch> _files;       // none while a folder is gone
     std::atomic<bool> _isOver{false};
     int _wakeUp = -1; // an eventfd: SIGHUP, or the end
     std::thread _thread;
