@@ -62,8 +62,9 @@ std::string pasted(const std::string& changes)
             at = std::stoul(line.substr(file + 11)) - 1;
             if (line.find("in place of") != line.npos || line.find("without") != line.npos)
                 lines[at].clear();
-            else if (line.find("one more among the routes") != line.npos)
-                at = static_cast<std::size_t>(std::ranges::find(lines, "routes = [") - lines.begin());
+            else if (line.find("behind the other routes") != line.npos)
+                at = static_cast<std::size_t>(std::find(std::ranges::find(lines, "routes = ["), lines.end(), "]") -
+                                              lines.begin() - 1);
         } else {
             lines[at] += "\n" + line;
         }
@@ -89,6 +90,7 @@ TEST_F(ByHand, WhatWasChangedIsShownAndMakesAFreshStartEqualOncePasted)
         {"$host route add Generator/value Note", 2, "gives Float, the other takes String"},
         {"$host route add Generator/value Note 'Scale type=Vec3f'", 2, "would carry nothing"},
         {"$host route add Scale/out Scale/in", 2, "back into a node"},
+        {"$host route add 'Context/*/out' 'Context/*/in'", 2, "back into a node"},
         {"$host set Dim~1 gain=4", 0, "'Dim~1' starts anew"},
         {"$host route remove Scale/out Wave", 0, "goes"},
         {"$host route remove Scale/out Wave", 3, "no route of a scene leads from"},
@@ -109,6 +111,8 @@ TEST_F(ByHand, WhatWasChangedIsShownAndMakesAFreshStartEqualOncePasted)
         {"$host set Scale gain=3 && $host changes", 0, "nothing was changed by hand\n"},
         {"$host set Dim~1 gain=4 && $host changes", 0, "nothing was changed by hand\n"},
         {"$host route remove Generator/value Dim && $host list --nodes", 0, "\nScale\n"},
+        {"$host pub Note bye && until $host changes | grep -q bye; do :; done; $host reload && $host changes", 0,
+         "value = \"bye\""},
     });
 }
 } // namespace
