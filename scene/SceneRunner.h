@@ -22,8 +22,7 @@ namespace Scenes {
 /// Ownership: owns all of it; what it hands out ends with it. The destructor takes everything down in the one order
 ///            that works, and ends the framework's root.
 /// Threads:   made, used and destroyed by one thread, the scene thread, but for plan(). One object per process at a
-/// time, in a program
-///            that does not call Trovio::Root::init() itself.
+///            time, in a program that does not call Trovio::Root::init() itself.
 /// Errors:    every exception is a std::exception; after one that a constructor threw nothing is left behind.
 class SceneRunner {
 public:

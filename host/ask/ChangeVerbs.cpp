@@ -50,16 +50,25 @@ json allSettings(const std::vector<std::string>& words)
 }
 
 // Asks for a change, and says what is so now.
-int change(HostClient& host, const HostQuestion& question)
+int change(HostClient& host, const HostQuestion& question, const std::string& ofNothing = {})
 {
     const json answer = askJson(host, question, patience);
     LineOutput out;
     for (const std::string line : answer.at("done"))
         if (!out.put(escaped(line, 4000)))
             break;
+    if (answer.at("done").empty() && !ofNothing.empty())
+        out.put(ofNothing);
     return Done;
 }
 } // namespace
+
+int reloadVerb(const Options& options)
+{
+    return askHost(options, [](HostClient& host) {
+        return change(host, {"/reload", "POST"}, "nothing differs from what runs");
+    });
+}
 
 int setVerb(const Options& options)
 {
