@@ -4,6 +4,7 @@
 #include "monitor/answer/NewRoute.h"
 #include "monitor/answer/SlotMap.h"
 #include "monitor/codec/ClientJson.h"
+#include "osg/LogText.h"
 #include "trovio/Root.h"
 
 #include <nlohmann/json.hpp>
@@ -18,6 +19,17 @@ using Trovio::Slot;
 int statusOf(ChangeRefused::Why why)
 {
     return why == ChangeRefused::Why::IsBad ? 400 : why == ChangeRefused::Why::IsNotThere ? 404 : 409;
+}
+
+bool isUtf8(std::string_view text)
+{
+    while (!text.empty()) {
+        const std::size_t length = osg::utf8Length(text);
+        if (length == 0)
+            return false;
+        text.remove_prefix(length);
+    }
+    return true;
 }
 
 /// What the program lets be done.
@@ -124,6 +136,9 @@ Answer answerRoute(const Context& context, const Question& question)
     if (from.empty() || to.empty())
         throw Refusal(400, std::string(from.empty() ? "'from'" : "'to'") +
                                " is missing; a route has two ends, as in /route?from=A&to=B");
+    for (const std::string& text : {from, to, conversion})
+        if (!isUtf8(text))
+            throw Refusal(400, inQuotes(text) + " is no UTF-8, which is all that stands in a scene");
     const SlotMap map(Trovio::Root::get().inspect(), placesOf(context));
     if (question._method == "PUT")
         return addRoute(context, map, from, to, conversion);
