@@ -1,6 +1,7 @@
 #include "host/run/RunChanges.h"
 
 #include "explain/text/Escape.h"
+#include "explain/text/Failure.h"
 #include "host/run/GivenValues.h"
 #include "host/run/TomlOfJson.h"
 #include "scene/change/ChangesText.h"
@@ -94,11 +95,15 @@ Lines tried(SceneChanger& changer, const SceneChanger::Edit& edit)
     const std::string why = whyNot(before, after);
     if (why.empty())
         return lines;
-    changer.change([&](const SceneFiles& files) {
-        if (files != after)
-            throw SceneError(why + "; the scenes have been changed meanwhile, so it was not taken back");
-        return before;
+    const auto failure = Explain::failureOf([&] {
+        changer.change([&](const SceneFiles& files) {
+            if (files != after)
+                throw SceneError("the scenes have been changed meanwhile");
+            return before;
+        });
     });
+    if (failure)
+        throw ChangeRefused(Why::CannotBeNow, why + "; it was done, and cannot be taken back: " + *failure);
     throw SceneError(why);
 }
 
