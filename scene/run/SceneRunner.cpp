@@ -75,8 +75,14 @@ std::vector<std::string> SceneRunner::plan()
 
 void SceneRunner::apply()
 {
-    if (const auto plan = std::move(_state->_plan))
+    const auto plan = std::move(_state->_plan);
+    if (!plan)
+        return;
+    try {
         _state->_session.apply(*plan, Session::Origin::Read, _state->_say);
+    } catch (const Trovio::Exception& error) { // which is no std::exception
+        throw SceneError("the scenes cannot be changed so: " + escaped(error.getMessage(), 1000));
+    }
 }
 
 double SceneRunner::rate() const

@@ -79,7 +79,10 @@ void Session::apply(Plan& plan, Origin origin, const Say& say)
         scene.endRoutes(difference);
     });
     each([](LoadedScene& scene, const SceneDifference& difference) { scene.endNodes(difference); });
-    each([](LoadedScene& scene, const SceneDifference& difference) { scene.endSensors(difference); });
+    each([this](LoadedScene& scene, const SceneDifference& difference) {
+        _sensorChanges += difference._sensors.empty() ? 0 : 1; // also where what follows throws
+        scene.endSensors(difference);
+    });
     each([&](LoadedScene& scene, const SceneDifference& difference) {
         _sensorChanges += scene.beginSensors(difference, now) ? 1 : 0;
     });
