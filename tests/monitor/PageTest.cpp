@@ -17,9 +17,10 @@ public:
     {
         std::string pattern = (Files::temp_directory_path() / "pageXXXXXX").string();
         _folder = mkdtemp(pattern.data());
-        for (const char* const name : {"web/js", "web/parts"})
+        for (const char* const name : {"web/js/plot", "web/parts"})
             Files::create_directories(_folder / name);
-        for (const char* const name : {"web/index.html", "web/style.css", "web/js/app.js", "web/parts/viz.js"})
+        for (const char* const name :
+             {"web/index.html", "web/style.css", "web/js/app.js", "web/js/plot/plot.js", "web/parts/viz.js"})
             std::ofstream(_folder / name) << "content";
         for (const char* const name : {"secret.js", "web/package.json", "web/js/secret.txt", "web/parts/secret.js"})
             std::ofstream(_folder / name) << "confidential";
@@ -83,6 +84,7 @@ INSTANTIATE_TEST_SUITE_P(
         Asked{"Style", Door::Unix, "GET /style.css", "200", "text/css", "content"},
         Asked{"Script", Door::Loopback, "GET /js/app.js", "200", "text/javascript", "content"},
         Asked{"Part", Door::Loopback, "GET /parts/viz.js", "200", "text/javascript", "content"},
+        Asked{"ScriptInAFolder", Door::Loopback, "GET /js/plot/plot.js", "200", "text/javascript", "content"},
         Asked{"ScriptNeedsNoToken", Door::Network, "GET /js/app.js", "200", "text/javascript", "content"},
         Asked{"Head", Door::Loopback, "HEAD /js/app.js", "200", "text/javascript", ""},
         Asked{"HeadOfAQuestion", Door::Loopback, "HEAD /slots", "405", "application/json", ""},

@@ -39,10 +39,11 @@ std::string tagOf(const std::string& text)
     return tag.data();
 }
 
+/// Of a file below the folder of scripts, folders between them included.
 bool isScriptName(const std::string& name)
 {
     static constexpr std::string_view ending = ".js",
-                                      allowed = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-";
+                                      allowed = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-/";
     return name.ends_with(ending) && name.size() > ending.size() &&
            name.find_first_not_of(allowed) == name.size() - ending.size();
 }
@@ -76,10 +77,10 @@ void PageContent::addScripts()
 {
     std::error_code none;
     std::vector<std::string> names;
-    for (Files::directory_iterator entry(Files::path(_folder) / "js", none), end; !none && entry != end;
-         entry.increment(none))
-        if (isScriptName(entry->path().filename().string()))
-            names.push_back(entry->path().filename().string());
+    const Files::path scripts = Files::path(_folder) / "js";
+    for (Files::recursive_directory_iterator entry(scripts, none), end; !none && entry != end; entry.increment(none))
+        if (std::string name = entry->path().lexically_relative(scripts).string(); isScriptName(name))
+            names.push_back(std::move(name));
     std::ranges::sort(names);
     if (names.size() > MaxScripts) {
         warn("the page takes " + std::to_string(MaxScripts) + " of the " + std::to_string(names.size()) +
