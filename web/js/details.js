@@ -2,7 +2,7 @@
 
 import { agesOf } from "./ages.js";
 import { make, setText } from "./dom.js";
-import { Plot, plotLibrary } from "./plot.js";
+import { Plot, plotLibrary } from "./plot/plot.js";
 import { nodeOf, questionsFor } from "./routes.js";
 import { countName, ageText, rateText, valueText } from "./text.js";
 import { explain, explainAll, explainLonely } from "./why.js";

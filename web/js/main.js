@@ -3,12 +3,12 @@
 import { Address, viewNames } from "./address.js";
 import { Details, everything } from "./details.js";
 import { make, setText } from "./dom.js";
-import { Graph } from "./graph.js";
+import { Graph } from "./graph/graph.js";
 import { Keys } from "./keys.js";
 import { Model } from "./model.js";
-import { PlotData } from "./plotdata.js";
-import { Plots } from "./plots.js";
-import { Poses } from "./poses.js";
+import { PlotData } from "./plot/plotdata.js";
+import { Plots } from "./plot/plots.js";
+import { Poses } from "./poses/poses.js";
 import { Status } from "./status.js";
 import { Table } from "./table.js";
 

@@ -1,6 +1,6 @@
 // One pose in the scene: axes, or a ball where nothing says how it is turned, and a trail.
 
-import { colour, make, setText } from "./dom.js";
+import { colour, make, setText } from "../dom.js";
 import { placeOf } from "./posedata.js";
 
 const trailPoints = 300;

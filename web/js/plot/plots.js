@@ -1,6 +1,6 @@
 // Plots of the last two minutes.
 
-import { make, setText } from "./dom.js";
+import { make, setText } from "../dom.js";
 import { Plot, plotLibrary } from "./plot.js";
 
 const period = 66; // milliseconds between two pictures

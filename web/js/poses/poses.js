@@ -2,10 +2,10 @@
 
 import { Body } from "./body.js";
 import { Orbit } from "./camera.js";
-import { colour, make, setText } from "./dom.js";
-import { whyMissing } from "./parts.js";
+import { colour, make, setText } from "../dom.js";
+import { whyMissing } from "../parts.js";
 import { posesOf, rowsOf } from "./posedata.js";
-import { isFound } from "./row.js";
+import { isFound } from "../row.js";
 
 const period = 33; // milliseconds between two pictures
 const hues = ["--plot-1", "--plot-2", "--plot-3", "--plot-4"];

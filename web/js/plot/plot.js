@@ -1,8 +1,8 @@
 // The plot of one slot.
 
 import { componentNames } from "./components.js";
-import { colour, make } from "./dom.js";
-import { whyMissing } from "./parts.js";
+import { colour, make } from "../dom.js";
+import { whyMissing } from "../parts.js";
 
 const shortest = 10; // seconds
 const strokes = ["--plot-1", "--plot-2", "--plot-3", "--plot-4"];

@@ -1,12 +1,12 @@
 // The graph: the text of the host as a picture, with what flows on its arrows.
 
-import { make, makeSvg, setText } from "./dom.js";
-import { askText } from "./host.js";
+import { make, makeSvg, setText } from "../dom.js";
+import { askText } from "../host.js";
 import { readLayout } from "./layout.js";
 import { PanZoom } from "./panzoom.js";
-import { whyMissing } from "./parts.js";
-import { isFound } from "./row.js";
-import { rateText } from "./text.js";
+import { whyMissing } from "../parts.js";
+import { isFound } from "../row.js";
+import { rateText } from "../text.js";
 
 const drawPeriod = 250; // milliseconds
 const askPeriod = 2_000;
@@ -87,7 +87,7 @@ export class Graph {
 
   #workerFor() {
     if (this.#worker) return this.#worker;
-    this.#worker = new Worker("/js/layout-worker.js", { type: "module" });
+    this.#worker = new Worker("/js/graph/layout-worker.js", { type: "module" });
     this.#worker.onerror = async () => this.#end((await whyMissing("/parts/viz.js")) ?? "The graph cannot be laid out.");
     this.#worker.onmessage = ({ data: { layout, problem } }) => {
       this.#isBusy = false;
