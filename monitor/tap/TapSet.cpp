@@ -76,7 +76,7 @@ std::string TapSet::whyNot(const std::string& label)
                           : "no out-slot has the label " + Explain::inQuotes(label);
 }
 
-bool TapSet::add(const std::string& label)
+bool TapSet::add(const std::string& label, std::shared_ptr<TapReceiver> receiver)
 {
     if (isPattern(label))
         return false;
@@ -85,7 +85,7 @@ bool TapSet::add(const std::string& label)
         ++known->second->_users;
         return true;
     }
-    auto watched = makeWatched(label, {label});
+    auto watched = makeWatched({label}, std::move(receiver));
     if (!watched)
         return false;
     const auto added = _watched.emplace(label, watched).first;
@@ -111,13 +111,15 @@ void TapSet::remove(const std::string& label)
     _watched.erase(known);
 }
 
-std::shared_ptr<TapSet::Watched> TapSet::makeWatched(const std::string& label, const TapCounts& before) const
+std::shared_ptr<TapSet::Watched> TapSet::makeWatched(const TapCounts& before,
+                                                     std::shared_ptr<TapReceiver> receiver) const
 {
-    const SlotCodec* const codec = codecAt(label);
+    const SlotCodec* const codec = codecAt(before._label);
     if (!codec)
         return nullptr;
     const TapSize size = _watched.size() < fullTaps ? _size : TapSize{_size._bytes / 16, 1};
-    return std::shared_ptr<Watched>(new Watched{label, *codec, makeTap(codec->slotType(), size), before});
+    return std::shared_ptr<Watched>(
+        new Watched{before._label, *codec, makeTap(codec->slotType(), size), before, std::move(receiver)});
 }
 
 /// A route of its own for each label, so that slots that nobody looks at cost nothing.
@@ -149,7 +151,7 @@ void TapSet::renewTypes(std::int64_t now)
         const SlotCodec* const codec = watched->_tap->slot().isActive() ? &watched->_codec : codecAt(label);
         if (!codec || codec == &watched->_codec)
             continue;
-        const auto renewed = makeWatched(label, countsOf(*watched));
+        const auto renewed = makeWatched(countsOf(*watched), watched->_receiver);
         if (!renewed)
             continue;
         renewed->_users = watched->_users;
@@ -228,8 +230,13 @@ void TapSet::drain(const Use& use)
 {
     Round round = collect();
     round.sort();
-    for (Arrived* const arrived : round._order)
-        use(arrived->_watched->_label, arrived->_watched->_codec, std::move(arrived->_record));
+    for (Arrived* const arrived : round._order) {
+        const Watched& watched = *arrived->_watched;
+        if (watched._receiver)
+            watched._receiver->take(watched._codec, arrived->_record);
+        else if (use)
+            use(watched._label, watched._codec, std::move(arrived->_record));
+    }
     round.forget();
     const Ostrel::LockGuard guard(_lock);
     _spare = std::move(round);

@@ -18,6 +18,15 @@ struct TapCounts {
     std::uint64_t _seen = 0, _drained = 0, _refused = 0;
 };
 
+/// Who gets the records of one slot, without having to look its label up.
+class TapReceiver {
+public:
+    virtual ~TapReceiver() = default;
+    /// What it leaves in `record` is only memory, which is used again. The codec is that of the slot's type, which may
+    /// change when a node is replaced.
+    virtual void take(const SlotCodec& codec, TapRecord& record) = 0;
+};
+
 /// Looks at out-slots of the tree, with one tap for each, whoever looks. The taps stand in a namespace of their own
 /// below the root, and a route leads from each slot to its tap: so a tap gets the slot's last value at once, and leaves
 /// and comes back with it. Nothing of that is seen by inspect() and explain().
@@ -33,18 +42,18 @@ public:
     TapSet& operator=(const TapSet&) = delete;
 
     /// Looks at the out-slot with that label, as the root sees it; each call asks for one remove(). False, and looks at
-    /// nothing, if there is none now.
-    bool add(const std::string& label) OSTREL_EXCLUDES(_lock);
+    /// nothing, if there is none now. The receiver that the first add() gives gets what drain() hands out of the slot.
+    bool add(const std::string& label, std::shared_ptr<TapReceiver> receiver = nullptr) OSTREL_EXCLUDES(_lock);
     /// What to say where add() looked at nothing.
     static std::string whyNot(const std::string& label);
     /// Whether the label cannot stand for one slot in a route.
     static bool isPattern(const std::string& label) { return label.find('*') != std::string::npos; }
     void remove(const std::string& label) OSTREL_EXCLUDES(_lock);
 
-    /// Hands out what has come, by the time of its arrival. The codec is that of the slot's type, which may change when
-    /// a node is replaced. What `use` throws goes on; the rest of that round is lost then. Under no lock.
+    /// Hands out what has come, by the time of its arrival: to `use` what has no receiver. What they throw goes on; the
+    /// rest of that round is lost then. Under no lock.
     using Use = std::function<void(const std::string& label, const SlotCodec& codec, TapRecord&& record)>;
-    void drain(const Use& use) OSTREL_EXCLUDES(_lock);
+    void drain(const Use& use = nullptr) OSTREL_EXCLUDES(_lock);
 
     /// Seconds by which the arrivals that the last drain() handed out may be wrong.
     double arrivalBound() const OSTREL_EXCLUDES(_lock);
@@ -61,9 +70,10 @@ private:
         const std::string _label;
         const SlotCodec& _codec;
         const std::unique_ptr<AnyTap> _tap;
-        const TapCounts _before;    // of taps that stood here before
-        std::size_t _users = 1;     // under the lock, as the next
-        std::uint64_t _drained = 0; // by this tap
+        const TapCounts _before;                      // of taps that stood here before
+        const std::shared_ptr<TapReceiver> _receiver; // null where labels are looked up
+        std::size_t _users = 1;                       // under the lock, as the next
+        std::uint64_t _drained = 0;                   // by this tap
     };
     struct Arrived {
         const Watched* _watched = nullptr;
@@ -84,7 +94,7 @@ private:
     class RoundSink;
 
     /// Null if there is no such out-slot.
-    std::shared_ptr<Watched> makeWatched(const std::string& label, const TapCounts& before) const
+    std::shared_ptr<Watched> makeWatched(const TapCounts& before, std::shared_ptr<TapReceiver> receiver) const
         OSTREL_REQUIRES(_lock);
     static TapCounts countsOf(const Watched& watched);
     void wire(Watched& watched) const;

@@ -333,6 +333,7 @@ void BeastConnection::acceptWebSocket()
     useStream(_around._service.openSocket(_head, _door, _subprotocol));
     _webSocket.emplace(std::move(_socket));
     _webSocket->read_message_max(_around._limits._body);
+    _webSocket->auto_fragment(false); // else a message goes in pieces of 4 KiB, each with a call of the system
     _webSocket->set_option(websocket::stream_base::decorator([this](websocket::response_type& response) {
         response.set(http::field::sec_websocket_protocol, _subprotocol);
     }));

@@ -2,9 +2,14 @@
 
 #include "explain/text/JsonText.h"
 #include "monitor/codec/ClientJson.h"
+#include "monitor/codec/JsonNumber.h"
 #include "monitor/server/streams/RecordText.h"
 
 namespace Monitor {
+namespace {
+
+constexpr const char* batchBegin = "{\"op\":\"batch\",\"records\":[";
+}
 
 // A client that does not even take words is sent away.
 void BatchStream::say(const nlohmann::json& object)
@@ -36,7 +41,7 @@ void BatchStream::subscribe(const nlohmann::json& labels)
         if (_numbers.contains(label))
             continue;
         _numbers[label] = ++_last; // its newest record may come at once
-        if (_watches.add(label, *this)) {
+        if (_watches.add(label, *this, _last)) {
             slots.push_back({{"id", _last}, {"label", label}});
             continue;
         }
@@ -54,30 +59,34 @@ void BatchStream::unsubscribe(const nlohmann::json& labels)
             _watches.remove(entry.get<std::string>(), *this);
 }
 
-void BatchStream::take(const std::string& label, const SlotCodec& codec, const TapRecord& record)
+void BatchStream::take(const SeenRecord& seen)
 {
-    const auto number = _numbers.find(label);
-    if (number == _numbers.end())
-        return;
     const bool isFirst = isEmpty();
-    if (!add((isFirst ? "[" : ",[") + std::to_string(number->second) + "," + secondsText(record._arrival) + "," +
-             stampText(record._stamp) + "," + valueText(codec, record) + "]"))
-        ++_gaps[number->second];
+    _text = isFirst ? batchBegin : ",";
+    _text += '[';
+    appendJson(_text, long{seen._number});
+    _text += ',';
+    appendSeconds(_text, seen._record._arrival);
+    _text += ',';
+    appendStamp(_text, seen._record._stamp);
+    _text += ',';
+    appendValue(_text, seen._codec, seen._record);
+    _text += ']';
+    if (!add(_text))
+        ++_gaps[seen._number];
     else if (isFirst)
         makeGapsDue();
 }
 
-void BatchStream::miss(const std::string& label, std::uint64_t records)
+void BatchStream::miss(std::uint32_t number, std::uint64_t records)
 {
     queue().drop(records);
-    if (const auto number = _numbers.find(label); number != _numbers.end())
-        _gaps[number->second] += records;
+    _gaps[number] += records;
 }
 
-std::string BatchStream::batchText(const std::string& records, const std::string& gaps) const
+std::string BatchStream::batchEnd() const
 {
-    return "{\"op\":\"batch\",\"records\":[" + records + "]" + (gaps.empty() ? "" : ",\"gaps\":[" + gaps + "]") +
-           ",\"dropped\":" + std::to_string(queue().dropped()) + "}";
+    return ",\"dropped\":" + std::to_string(queue().dropped()) + "}";
 }
 
 void BatchStream::makeGapsDue()
@@ -93,7 +102,7 @@ void BatchStream::tellGaps()
     std::string gaps;
     for (const auto& [number, records] : _due)
         gaps += (gaps.empty() ? "[" : ",[") + std::to_string(number) + "," + std::to_string(records) + "]";
-    if (!gaps.empty() && queue().putWords(batchText({}, gaps)))
+    if (!gaps.empty() && queue().putWords(batchBegin + ("],\"gaps\":[" + gaps + "]") + batchEnd()))
         _due.clear();
 }
 
@@ -108,7 +117,7 @@ void BatchStream::endRound()
     OutMessage round = takeRound();
     if (round._records == 0)
         return;
-    round._bytes = batchText(round._bytes);
+    round._bytes += "]" + batchEnd();
     queue().putRecords(std::move(round));
 }
 } // namespace Monitor

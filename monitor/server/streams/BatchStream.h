@@ -23,8 +23,8 @@ public:
     ~BatchStream() override { _watches.removeAll(*this); }
 
     void received(std::string_view message, bool isBinary) override;
-    void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) override;
-    void miss(const std::string& label, std::uint64_t records) override;
+    void take(const SeenRecord& seen) override;
+    void miss(std::uint32_t number, std::uint64_t records) override;
     void endRound() override;
     void drained() override { endRound(); }
 
@@ -32,13 +32,14 @@ private:
     void subscribe(const nlohmann::json& labels);
     void unsubscribe(const nlohmann::json& labels);
     void say(const nlohmann::json& object);
-    std::string batchText(const std::string& records, const std::string& gaps = {}) const;
+    std::string batchEnd() const;
     void makeGapsDue();
     void tellGaps();
 
     Watches& _watches;
     std::unordered_map<std::string, std::uint32_t> _numbers; // by label
     std::uint32_t _last = 0;
+    std::string _text; // of one record; its memory is used again
     // Missing records that the client has not been told of: before the round, and after its first record.
     std::map<std::uint32_t, std::uint64_t> _due, _gaps;
 };

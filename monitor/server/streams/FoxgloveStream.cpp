@@ -163,7 +163,7 @@ void FoxgloveStream::handle(const Foxglove::Subscribe& message)
         const Subscription& subscription =
             _subscriptions[entry._number] = {entry._channel, label, channel && channel->isPoses()};
         _byLabel[label] = entry._number; // the newest record may come at once
-        if (watch(subscription))
+        if (watch(entry._number, subscription))
             continue;
         _byLabel.erase(label);
         _subscriptions.erase(entry._number);
@@ -171,10 +171,10 @@ void FoxgloveStream::handle(const Foxglove::Subscribe& message)
     }
 }
 
-bool FoxgloveStream::watch(const Subscription& subscription)
+bool FoxgloveStream::watch(std::uint32_t number, const Subscription& subscription)
 {
     if (!subscription._isPoses)
-        return _around._watches.add(subscription._label, *this);
+        return _around._watches.add(subscription._label, *this, number);
     _around._poses.add(*this);
     return true;
 }
@@ -265,14 +265,11 @@ void FoxgloveStream::tellFailure(const Answer& answer)
 }
 
 // A node may have been replaced by one whose slot is of another type: that is a channel of its own, soon.
-void FoxgloveStream::take(const std::string& label, const SlotCodec& codec, const TapRecord& record)
+void FoxgloveStream::take(const SeenRecord& seen)
 {
-    const auto found = _byLabel.find(label);
-    if (found == _byLabel.end())
-        return;
-    const Channels::Channel* const channel = _around._channels.find(_subscriptions.at(found->second)._channel);
-    if (channel && channel->_codec == &codec)
-        sendRecord(found->second, record);
+    const Channels::Channel* const channel = _around._channels.find(_subscriptions.at(seen._number)._channel);
+    if (channel && channel->_codec == &seen._codec)
+        sendRecord(seen._number, seen._record);
     else
         queue().drop(1);
 }

@@ -33,7 +33,7 @@ public:
 
     void opened() override;
     void received(std::string_view message, bool isBinary) override;
-    void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) override;
+    void take(const SeenRecord& seen) override;
     void endRound() override;
     bool offersSlots() const override { return true; }
     void slotsSeen(bool areOthers) override;
@@ -63,7 +63,7 @@ private:
 
     void advertiseSome();
     std::string problemOf(const Foxglove::Subscription& entry) const;
-    bool watch(const Subscription& subscription);
+    bool watch(std::uint32_t number, const Subscription& subscription);
     void end(std::uint32_t subscription);
     void sendRecord(std::uint32_t subscription, const TapRecord& record);
     void publish(const Publication& publication, std::string_view payload);

@@ -8,14 +8,21 @@
 namespace Monitor {
 
 // What the client misses is told in its place, before the next record.
-void LineStream::take(const std::string& label, const SlotCodec& codec, const TapRecord& record)
+void LineStream::take(const SeenRecord& seen)
 {
     if (isEnough())
         return;
-    const std::string what = _shows == Shows::Size ? "\"bytes\":" + std::to_string(record._cdr.size())
-                                                   : "\"value\":" + valueText(codec, record);
-    if (!add(gapText() + "{\"label\":" + Explain::jsonText(nlohmann::json(label)) + ",\"time\":" +
-             secondsText(record._arrival) + ",\"stamp\":" + stampText(record._stamp) + "," + what + "}\n"))
+    std::string line = gapText() + "{\"label\":" + Explain::jsonText(nlohmann::json(seen._label)) + ",\"time\":";
+    appendSeconds(line, seen._record._arrival);
+    line += ",\"stamp\":";
+    appendStamp(line, seen._record._stamp);
+    if (_shows == Shows::Size) {
+        line += ",\"bytes\":" + std::to_string(seen._record._cdr.size());
+    } else {
+        line += ",\"value\":";
+        appendValue(line, seen._codec, seen._record);
+    }
+    if (!add(line + "}\n"))
         return;
     tell();
     ++_taken;

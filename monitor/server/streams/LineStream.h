@@ -21,7 +21,7 @@ public:
 
     void opened() override { endRound(); }
     void received(std::string_view, bool) override {}
-    void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) override;
+    void take(const SeenRecord& seen) override;
     void endRound() override;
     void drained() override { endRound(); }
 

@@ -48,14 +48,14 @@ void PoseFeed::remove(PoseViewer& viewer)
     _poses = {};
 }
 
-void PoseFeed::take(const std::string& label, const SlotCodec& codec, const TapRecord& record)
+void PoseFeed::take(const SeenRecord& seen)
 {
-    _newest._arrival = record._arrival;
-    const std::string problem = _poses.note(label, codec, record._cdr, record._stamp);
-    if (problem.empty() || _problems.contains(label))
+    _newest._arrival = seen._record._arrival;
+    const std::string problem = _poses.note(seen._label, seen._codec, seen._record._cdr, seen._record._stamp);
+    if (problem.empty() || _problems.contains(seen._label))
         return;
-    const std::string text = "no pose of " + Explain::inQuotes(label) + ": " + problem;
-    _problems.emplace(label, text);
+    const std::string text = "no pose of " + Explain::inQuotes(seen._label) + ": " + problem;
+    _problems.emplace(seen._label, text);
     for (PoseViewer* const viewer : _viewers)
         viewer->hearWhyNone(text);
 }

@@ -35,7 +35,7 @@ public:
     void remove(PoseViewer& viewer);
 
     void received(std::string_view, bool) override {}
-    void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) override;
+    void take(const SeenRecord& seen) override;
     void endRound() override;
 
 private:

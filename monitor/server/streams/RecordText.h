@@ -7,12 +7,12 @@
 
 namespace Monitor {
 
-/// Nanoseconds as seconds with all their digits.
-std::string secondsText(std::int64_t nanoseconds);
+/// Appends nanoseconds as seconds with all their digits.
+void appendSeconds(std::string& text, std::int64_t nanoseconds);
 
-/// The time stamp in seconds, with all digits; "null" for one that is no number.
-std::string stampText(const Trovio::Time& stamp);
+/// Appends the time stamp in seconds, with all digits; "null" for one that is no number.
+void appendStamp(std::string& text, const Trovio::Time& stamp);
 
-/// The value of a record as JSON; null where it has no text in JSON.
-std::string valueText(const SlotCodec& codec, const TapRecord& record);
+/// Appends the value of a record as JSON; null where it has no text in JSON.
+void appendValue(std::string& text, const SlotCodec& codec, const TapRecord& record);
 } // namespace Monitor

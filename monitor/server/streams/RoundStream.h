@@ -2,6 +2,7 @@
 
 #include "monitor/server/streams/Stream.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Monitor {
@@ -22,8 +23,14 @@ protected:
         ++_round._records;
         return true;
     }
-    /// What was gathered; then the next round begins.
-    OutMessage takeRound() { return std::exchange(_round, {}); }
+    /// What was gathered; then the next round begins, which is about as long.
+    OutMessage takeRound()
+    {
+        constexpr std::size_t longest = 64 * 1024; // that is counted on
+        OutMessage next;
+        next._bytes.reserve(std::min(_round._bytes.size(), longest));
+        return std::exchange(_round, std::move(next));
+    }
     bool isEmpty() const { return _round._records == 0; }
 
     /// How many dropped records the client has not been told of, and that it is now.

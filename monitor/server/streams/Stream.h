@@ -10,6 +10,14 @@
 
 namespace Monitor {
 
+/// A record as a stream gets it.
+struct SeenRecord {
+    std::uint32_t _number; // by which the stream knows the slot
+    const std::string& _label;
+    const SlotCodec& _codec;
+    const TapRecord& _record;
+};
+
 /// One client that gets records as they come. Its connection sends what it puts into its queue.
 /// Threads: the server's.
 class Stream {
@@ -35,9 +43,9 @@ public:
     /// The client says something.
     virtual void received(std::string_view message, bool isBinary) = 0;
     /// A slot that it watches has a new record.
-    virtual void take(const std::string& label, const SlotCodec& codec, const TapRecord& record) = 0;
-    /// Records of that slot found no room before this client's queue.
-    virtual void miss(const std::string& /*label*/, std::uint64_t records) { _queue.drop(records); }
+    virtual void take(const SeenRecord& seen) = 0;
+    /// Records of the slot of that number found no room before this client's queue.
+    virtual void miss(std::uint32_t /*number*/, std::uint64_t records) { _queue.drop(records); }
     /// After the records of one round.
     virtual void endRound() = 0;
     /// Whether it is to hear what slots there are.

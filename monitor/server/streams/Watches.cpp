@@ -1,31 +1,93 @@
 #include "monitor/server/streams/Watches.h"
 
-#include <set>
+#include <optional>
+#include <utility>
 
 namespace Monitor {
+namespace {
 
-bool Watches::add(const std::string& label, Stream& stream)
+constexpr std::size_t maxReused = 1'024; // bytes
+}
+
+/// A slot that is watched, and who watches it.
+class Watches::Watched final : public TapReceiver {
+public:
+    explicit Watched(const std::string& label) : _label(label) {}
+
+    void take(const SlotCodec& codec, TapRecord& record) override;
+    void add(const Viewer& viewer);
+    bool remove(const Stream& stream);
+    bool isAlone() const { return _viewers.empty(); }
+    void passOnLosses(std::uint64_t refused);
+
+private:
+    const std::string _label;
+    std::vector<Viewer> _viewers;
+    const SlotCodec* _codec = nullptr;
+    std::optional<TapRecord> _last; // for who comes later
+    std::uint64_t _refused = 0;     // so far
+};
+
+// What the last one held goes back, so that its memory is used again; much memory is not held twice.
+void Watches::Watched::take(const SlotCodec& codec, TapRecord& record)
 {
-    const auto known = _watched.find(label);
-    if (known == _watched.end()) {
-        if (!_taps.add(label))
+    for (const Viewer& viewer : _viewers)
+        viewer._stream->take({viewer._number, _label, codec, record});
+    _codec = &codec;
+    if (!_last)
+        _last.emplace();
+    std::swap(*_last, record);
+    if (record._cdr.capacity() > maxReused)
+        Bytes().swap(record._cdr);
+}
+
+void Watches::Watched::add(const Viewer& viewer)
+{
+    _viewers.push_back(viewer);
+    if (_last)
+        viewer._stream->take({viewer._number, _label, *_codec, *_last});
+}
+
+bool Watches::Watched::remove(const Stream& stream)
+{
+    return std::erase_if(_viewers, [&stream](const Viewer& viewer) { return viewer._stream == &stream; }) > 0;
+}
+
+void Watches::Watched::passOnLosses(std::uint64_t refused)
+{
+    if (refused == _refused)
+        return;
+    for (const Viewer& viewer : _viewers)
+        viewer._stream->miss(viewer._number, refused - _refused);
+    _refused = refused;
+}
+
+bool Watches::add(const std::string& label, Stream& stream, std::uint32_t number)
+{
+    auto known = _watched.find(label);
+    if (known != _watched.end()) {
+        known->second->passOnLosses(_taps.getCounts(label)._refused); // before it came
+    } else {
+        const auto made = std::make_shared<Watched>(label);
+        if (!_taps.add(label, made))
             return false;
-        _watched[label]._streams.push_back(&stream);
+        known = _watched.emplace(label, made).first;
         if (_watched.size() == 1)
             _begun();
-        return true;
     }
-    passOnLosses(known->second, _taps.getCounts(label)); // before it came
-    known->second._streams.push_back(&stream);
-    if (known->second._last)
-        stream.take(label, *known->second._codec, *known->second._last);
+    ++_streams[&stream];
+    known->second->add({&stream, number});
     return true;
 }
 
 void Watches::remove(const std::string& label, Stream& stream)
 {
     const auto known = _watched.find(label);
-    if (known == _watched.end() || std::erase(known->second._streams, &stream) == 0 || !known->second._streams.empty())
+    if (known == _watched.end() || !known->second->remove(stream))
+        return;
+    if (--_streams[&stream] == 0)
+        _streams.erase(&stream);
+    if (!known->second->isAlone())
         return;
     _watched.erase(known);
     _taps.remove(label);
@@ -33,6 +95,8 @@ void Watches::remove(const std::string& label, Stream& stream)
 
 void Watches::removeAll(Stream& stream)
 {
+    if (!_streams.contains(&stream))
+        return;
     std::vector<std::string> labels;
     for (const auto& [label, watched] : _watched)
         labels.push_back(label);
@@ -40,33 +104,14 @@ void Watches::removeAll(Stream& stream)
         remove(label, stream);
 }
 
-void Watches::passOnLosses(Watched& watched, const TapCounts& counts)
-{
-    if (counts._refused == watched._refused)
-        return;
-    for (Stream* const stream : watched._streams)
-        stream->miss(counts._label, counts._refused - watched._refused);
-    watched._refused = counts._refused;
-}
-
 void Watches::round()
 {
-    _taps.drain([this](const std::string& label, const SlotCodec& codec, TapRecord&& record) {
-        const auto known = _watched.find(label);
-        if (known == _watched.end())
-            return;
-        for (Stream* const stream : known->second._streams)
-            stream->take(label, codec, record);
-        known->second._codec = &codec;
-        known->second._last = std::move(record);
-    });
+    _taps.drain();
     for (const TapCounts& counts : _taps.getLosses())
         if (const auto known = _watched.find(counts._label); known != _watched.end())
-            passOnLosses(known->second, counts);
-    std::set<Stream*> streams;
-    for (const auto& [label, watched] : _watched)
-        streams.insert(watched._streams.begin(), watched._streams.end());
-    for (Stream* const stream : streams)
+            known->second->passOnLosses(counts._refused);
+    const auto streams = _streams; // some end with the round
+    for (const auto& [stream, slots] : streams)
         stream->endRound();
 }
 } // namespace Monitor

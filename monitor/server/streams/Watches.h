@@ -3,7 +3,7 @@
 #include "monitor/server/streams/Stream.h"
 #include "monitor/tap/TapSet.h"
 
-#include <optional>
+#include <map>
 #include <unordered_map>
 #include <vector>
 
@@ -17,9 +17,9 @@ public:
     /// `begun` is called when there is a first slot to watch.
     Watches(TapSet& taps, std::function<void()> begun) : _taps(taps), _begun(std::move(begun)) {}
 
-    /// The stream gets the newest record at once, where there is one, and then all that come. False if there is no such
-    /// out-slot. No stream watches a slot twice.
-    bool add(const std::string& label, Stream& stream);
+    /// The stream gets the newest record at once, where there is one, and then all that come, with its number for the
+    /// slot. False if there is no such out-slot. No stream watches a slot twice.
+    bool add(const std::string& label, Stream& stream, std::uint32_t number = 0);
     void remove(const std::string& label, Stream& stream);
     void removeAll(Stream& stream);
 
@@ -28,17 +28,15 @@ public:
     void round();
 
 private:
-    struct Watched {
-        std::vector<Stream*> _streams;
-        const SlotCodec* _codec = nullptr;
-        std::optional<TapRecord> _last; // for who comes later
-        std::uint64_t _refused = 0;     // so far
+    struct Viewer {
+        Stream* _stream;
+        std::uint32_t _number; // by which it knows the slot
     };
-
-    static void passOnLosses(Watched& watched, const TapCounts& counts);
+    class Watched;
 
     TapSet& _taps;
     const std::function<void()> _begun;
-    std::unordered_map<std::string, Watched> _watched; // by label
+    std::unordered_map<std::string, std::shared_ptr<Watched>> _watched; // by label
+    std::map<Stream*, std::size_t> _streams;                            // with how many slots each watches
 };
 } // namespace Monitor
