@@ -69,9 +69,14 @@ export class Model extends EventTarget {
 
   /** The routes may be others. */
   async readRoutes() {
-    const [flow, graph] = await Promise.all([ask("/flow"), ask("/graph", { form: "json" })]);
-    this.pairs = flow.edges;
+    const [{ edges }, graph] = await Promise.all([ask("/flow"), ask("/graph", { form: "json" })]);
     this.relays = relaysIn(graph);
+    this.#setPairs(edges);
+  }
+
+  // What feeds a row is known by then, so that its values can be shown.
+  #setPairs(pairs) {
+    this.pairs = pairs;
     for (const row of this.rows) row.sources = [];
     for (const { from, to, reason } of this.pairs) {
       const source = this.#outs.get(from);
@@ -130,17 +135,20 @@ export class Model extends EventTarget {
     return (this.#refreshing ??= this.#look().finally(() => (this.#refreshing = undefined)));
   }
 
-  // Names first, so that they are shown and asked for at once.
+  // Names first, so that they are shown and asked for at once; then the pairs, without which sensors show no values.
   async #look() {
     try {
+      const flow = ask("/flow");
+      flow.catch(() => {}); // heard of below
       const [host, slots] = await Promise.all([ask("/host"), ask("/slots")]);
       this.host = host;
       this.#setSlots(slots);
       this.#watch();
-      const [nodes, { edges }] = await Promise.all([ask("/nodes"), ask("/flow")]);
-      this.nodes = new Map(nodes.map((node) => [node.node, node]));
+      const { edges } = await flow;
       const structure = JSON.stringify([host.started, slots.map(({ label, type, direction, active, sensor }) => [label, type, direction, active, sensor]),
         edges.map(({ from, to, reason }) => [from, to, reason])]);
+      if (structure !== this.#structure) this.#setPairs(edges);
+      this.nodes = new Map((await ask("/nodes")).map((node) => [node.node, node]));
       if (structure !== this.#structure) await this.readRoutes();
       this.#structure = structure;
       if (this.rows.some((row) => row.sensor && row.sources.length === 0)) await this.#poll();
