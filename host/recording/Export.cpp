@@ -153,9 +153,7 @@ private:
     {
         if (_chunk.empty())
             return;
-        ChunkBuilder full;
-        std::swap(full, _chunk);
-        require(_file.add(std::move(full)));
+        require(_file.add(_chunk));
     }
     void require(std::error_code error) const
     {

@@ -34,7 +34,7 @@ struct Written {
             ChunkBuilder next = chunk(number, count, done % 5 == 4 ? 2'000 : 100);
             if (names > 0 && done == 3)
                 next.add(Channel{99, 0, std::string(names, 'n'), "cdr", {}});
-            keep(file.add(std::move(next)));
+            keep(file.add(next));
             number += count;
         }
         keep(file.close());

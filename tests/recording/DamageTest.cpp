@@ -19,8 +19,10 @@ Bytes smallFile(GrowingFile::Compression compression = GrowingFile::Compression:
     GrowingFile file(std::make_unique<Disk::Logged>(log), compression);
     EXPECT_FALSE(file.begin("test"));
     EXPECT_FALSE(file.add(Attachment{firstTime, 0, "scene.toml", "text/plain", asBytes("[host]")}));
-    for (std::uint64_t number = 0; number < 12; number += 4)
-        EXPECT_FALSE(file.add(chunk(number, 4, 30)));
+    for (std::uint64_t number = 0; number < 12; number += 4) {
+        ChunkBuilder next = chunk(number, 4, 30);
+        EXPECT_FALSE(file.add(next));
+    }
     EXPECT_FALSE(file.close());
     return Disk::after(log, log.size());
 }

@@ -46,7 +46,8 @@ private:
     if (file.begin("test"))
         _exit(1);
     for (std::uint64_t number = 0;; number += count) {
-        if (file.add(chunk(number, count, size)))
+        ChunkBuilder next = chunk(number, count, size);
+        if (file.add(next))
             _exit(1);
         shared._confirmed = file.messages();
     }

@@ -25,7 +25,7 @@ Bytes fileOf(const std::vector<std::vector<std::uint64_t>>& chunks)
         chunk.add(Message{2, 0, times.front(), 0, {}});
         for (const std::uint64_t time : times)
             chunk.add(Message{1, number++, time, 0, asBytes("text")});
-        file.add(std::move(chunk));
+        file.add(chunk);
     }
     file.close();
     return Disk::after(log, log.size());

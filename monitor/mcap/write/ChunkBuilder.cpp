@@ -11,6 +11,9 @@ namespace {
 // front, so that its records need not be moved to be written.
 constexpr std::size_t headRoom = frameSize + 8 + 8 + 8 + 4 + 4 + 8;
 
+// The end of a file that is not long: with a summary beyond that, a chunk moves in memory once more.
+constexpr std::size_t someEnd = 64UL * 1024;
+
 Bytes compressed(ByteView records, std::size_t room)
 {
     Bytes stored(room + ZSTD_compressBound(records.size()));
@@ -54,8 +57,26 @@ ChunkBuilder::ChunkBuilder() : _bytes(headRoom) {}
 
 void ChunkBuilder::reserve(std::size_t bytes, std::size_t messages)
 {
-    _bytes.reserve(bytes);
+    _bytes.reserve(bytes + messages * sizeof(IndexEntry) + someEnd);
     _index.reserve(messages);
+}
+
+void ChunkBuilder::sumUp()
+{
+    const ByteView records = ByteView(_bytes).subspan(headRoom);
+    _checksum = checksum(records.subspan(_summed), _checksum);
+    _summed = records.size();
+}
+
+void ChunkBuilder::clear()
+{
+    _bytes.resize(headRoom);
+    _index.clear();
+    _schemas.clear();
+    _channels.clear();
+    _times = {};
+    _checksum = 0;
+    _summed = 0;
 }
 
 void ChunkBuilder::add(const Schema& schema)
@@ -79,10 +100,11 @@ void ChunkBuilder::add(const Message& message)
 
 ChunkBuilder::Packed ChunkBuilder::pack(std::uint64_t offset, Compression compression)
 {
-    Packed packed;
+    Packed packed{_bytes, 0, {}, {}};
     ChunkIndex& index = packed._index;
     const ByteView records = ByteView(_bytes).subspan(headRoom);
-    const std::uint32_t sum = checksum(records);
+    sumUp();
+    const std::uint32_t sum = _checksum;
     index._times = _times;
     index._offset = offset;
     index._size = records.size();
@@ -99,9 +121,8 @@ ChunkBuilder::Packed ChunkBuilder::pack(std::uint64_t offset, Compression compre
     packed._checksum = joinedChecksum(checksum(head), storedSum, index._stored);
 
     packed._messages = byChannel(_index);
-    packed._bytes = std::move(_bytes);
-    appendMessageIndexes(packed._bytes, offset, packed._messages, index);
-    packed._checksum = checksum(ByteView(packed._bytes).subspan(index._length), packed._checksum);
+    appendMessageIndexes(_bytes, offset, packed._messages, index);
+    packed._checksum = checksum(ByteView(_bytes).subspan(index._length), packed._checksum);
     return packed;
 }
 

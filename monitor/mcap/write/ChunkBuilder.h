@@ -11,8 +11,12 @@ class ChunkBuilder {
 public:
     ChunkBuilder();
 
-    /// Takes memory for so much at once.
+    /// Takes memory for so much at once, and for what comes behind it in the file.
     void reserve(std::size_t bytes, std::size_t messages);
+    /// Makes the checksum of what was added, which pack() does otherwise.
+    void sumUp();
+    /// Empties it, and keeps the memory: taking new memory for a chunk costs as much as copying it.
+    void clear();
 
     void add(const Schema& schema);
     void add(const Channel& channel);
@@ -20,6 +24,7 @@ public:
 
     std::size_t size() const { return _bytes.size(); }
     std::size_t messages() const { return _index.size(); }
+    std::size_t capacity() const { return _bytes.capacity(); } // bytes
     /// A chunk without messages has no time, so readers would let the file begin in 1970: it is not to be written.
     bool empty() const { return _index.empty(); }
 
@@ -29,9 +34,9 @@ public:
     enum class Compression { None, Zstd };
 
     /// The chunk's record with the indexes of its messages behind it, as they stand in a file from `offset` on, and how
-    /// the summary names it. Takes what was added; the builder is not to be used any more.
+    /// the summary names it. Of the builder only clear() may be used afterwards, which ends the use of the bytes.
     struct Packed {
-        Bytes _bytes;
+        Bytes& _bytes;               // the builder's
         std::uint32_t _checksum = 0; // of _bytes
         ChunkIndex _index;
         ChunkMessages _messages;
@@ -44,6 +49,8 @@ private:
     std::vector<Schema> _schemas;
     std::vector<Channel> _channels;
     TimeSpan _times;
+    std::uint32_t _checksum = 0; // of the first _summed bytes of the records
+    std::size_t _summed = 0;
 };
 
 /// Appends the message indexes of a chunk, from `offset` of the file on, and puts their places into `index`.

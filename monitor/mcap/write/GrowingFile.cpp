@@ -18,20 +18,25 @@ std::error_code GrowingFile::begin(std::string_view library)
     record.text(library);
     record.close();
     const std::uint32_t sum = checksum(bytes);
-    return replaceTail(std::move(bytes), sum, true);
+    return replaceTail(bytes, sum, true);
 }
 
-std::error_code GrowingFile::add(ChunkBuilder&& chunk)
+std::error_code GrowingFile::add(ChunkBuilder& chunk)
 {
-    if (_failure)
-        return _failure;
+    const std::error_code error = _failure ? _failure : addChunk(chunk);
+    chunk.clear();
+    return error;
+}
+
+std::error_code GrowingFile::addChunk(ChunkBuilder& chunk)
+{
     for (const Schema& schema : chunk.schemas())
         _summary.add(schema);
     for (const Channel& channel : chunk.channels())
         _summary.add(channel);
-    ChunkBuilder::Packed packed = chunk.pack(_end, _compression);
+    const ChunkBuilder::Packed packed = chunk.pack(_end, _compression);
     _summary.add(packed._index, packed._messages);
-    return replaceTail(std::move(packed._bytes), packed._checksum, _summary.size() <= maxSummary);
+    return replaceTail(packed._bytes, packed._checksum, _summary.size() <= maxSummary);
 }
 
 std::error_code GrowingFile::add(const Attachment& attachment)
@@ -39,7 +44,7 @@ std::error_code GrowingFile::add(const Attachment& attachment)
     Bytes bytes;
     RecordBytes(bytes).attachment(attachment);
     _summary.add(attachment, _end, bytes.size());
-    return addRecord(std::move(bytes));
+    return addRecord(bytes);
 }
 
 std::error_code GrowingFile::add(const Metadata& metadata)
@@ -47,16 +52,16 @@ std::error_code GrowingFile::add(const Metadata& metadata)
     Bytes bytes;
     RecordBytes(bytes).metadata(metadata);
     _summary.add(metadata, _end, bytes.size());
-    return addRecord(std::move(bytes));
+    return addRecord(bytes);
 }
 
-std::error_code GrowingFile::addRecord(Bytes&& record)
+std::error_code GrowingFile::addRecord(Bytes& record)
 {
     const std::uint32_t sum = checksum(record);
-    return replaceTail(std::move(record), sum, _summary.size() <= maxSummary);
+    return replaceTail(record, sum, _summary.size() <= maxSummary);
 }
 
-std::error_code GrowingFile::replaceTail(Bytes&& added, std::uint32_t addedChecksum, bool whole)
+std::error_code GrowingFile::replaceTail(Bytes& added, std::uint32_t addedChecksum, bool whole)
 {
     if (_failure)
         return _failure;
@@ -89,8 +94,8 @@ void GrowingFile::putBack()
 
 std::error_code GrowingFile::close()
 {
-    if (_lacksSummary && !_failure)
-        replaceTail({}, 0, true);
+    if (Bytes nothing; _lacksSummary && !_failure)
+        replaceTail(nothing, 0, true);
     if (_tail.empty())
         return _failure;
     Bytes sum;

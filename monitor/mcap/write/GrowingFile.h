@@ -28,7 +28,8 @@ public:
     std::error_code begin(std::string_view library);
 
     // One addition a call: a chunk with at least one message, an attachment or metadata.
-    std::error_code add(ChunkBuilder&& chunk);
+    // The chunk is empty afterwards, whatever comes out.
+    std::error_code add(ChunkBuilder& chunk);
     std::error_code add(const Attachment& attachment);
     std::error_code add(const Metadata& metadata);
 
@@ -42,8 +43,9 @@ public:
     std::uint64_t room() const { return _file->room(); }
 
 private:
-    std::error_code addRecord(Bytes&& record);
-    std::error_code replaceTail(Bytes&& added, std::uint32_t addedChecksum, bool whole);
+    std::error_code addChunk(ChunkBuilder& chunk);
+    std::error_code addRecord(Bytes& record);
+    std::error_code replaceTail(Bytes& added, std::uint32_t addedChecksum, bool whole);
     void putBack();
 
     std::unique_ptr<OutputFile> _file;

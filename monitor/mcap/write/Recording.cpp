@@ -8,6 +8,11 @@
 
 namespace Monitor::Mcap {
 
+namespace {
+
+constexpr std::size_t largeMessage = 64UL * 1024; // bytes
+} // namespace
+
 Recording::Recording(std::string title, std::unique_ptr<OutputFile> file, std::string library,
                      const RecordingLimits& limits)
     : _title(std::move(title)),
@@ -60,6 +65,8 @@ bool Recording::add(std::uint16_t channel, std::uint64_t logTime, std::uint64_t 
         _chunk.add(_channels[_channelsWritten]._channel);
     Sequence& sequence = _channels[channel - 1U];
     _chunk.add(Message{channel, sequence._next++, logTime, publishTime, data});
+    if (data.size() >= largeMessage)
+        _chunk.sumUp(); // while the processor still has it in its cache, and not on the thread that waits for the disk
     if (_chunk.size() >= _limits._chunk)
         flush();
     return true;
@@ -70,11 +77,37 @@ void Recording::flush()
     if (_chunk.empty())
         return;
     const std::size_t size = _chunk.size();
-    ChunkBuilder full;
+    ChunkBuilder full = takeSpare();
     // For the next one, which will be about as large: with what went beyond the limit, else it moves in memory.
     full.reserve(std::min(size, 2 * _limits._chunk), _chunk.messages());
     std::swap(full, _chunk);
-    hand({[chunk = std::move(full)](GrowingFile& file) mutable { return file.add(std::move(chunk)); }, size});
+    auto write = [this, chunk = std::move(full)](GrowingFile& file) mutable {
+        const std::error_code error = file.add(chunk);
+        keepSpare(std::move(chunk));
+        return error;
+    };
+    hand({std::move(write), size});
+}
+
+ChunkBuilder Recording::takeSpare()
+{
+    const Ostrel::LockGuard guard(_lock);
+    if (_spares.empty())
+        return {};
+    ChunkBuilder chunk = std::move(_spares.back());
+    _spares.pop_back();
+    _spareBytes -= chunk.capacity();
+    return chunk;
+}
+
+void Recording::keepSpare(ChunkBuilder&& chunk)
+{
+    const Ostrel::LockGuard guard(_lock);
+    const std::size_t bytes = _spareBytes + chunk.capacity();
+    if (bytes > _limits._spare)
+        return;
+    _spares.push_back(std::move(chunk));
+    _spareBytes = bytes;
 }
 
 void Recording::attach(const std::string& name, const std::string& mediaType, std::string_view data, std::uint64_t time)

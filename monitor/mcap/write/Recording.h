@@ -13,6 +13,7 @@ namespace Monitor::Mcap {
 struct RecordingLimits {
     std::size_t _chunk = 4UL * 1024 * 1024;    // bytes from which on a chunk is handed to the disk
     std::size_t _waiting = 32UL * 1024 * 1024; // bytes that may wait for the disk
+    std::size_t _spare = 96UL * 1024 * 1024;   // bytes of memory that is kept for the next chunks
 };
 
 struct RecordingStatus {
@@ -64,6 +65,8 @@ private:
     };
     std::uint16_t numberOf(const Schema& schema);
     void hand(Job&& job) OSTREL_EXCLUDES(_lock);
+    ChunkBuilder takeSpare() OSTREL_EXCLUDES(_lock);
+    void keepSpare(ChunkBuilder&& chunk) OSTREL_EXCLUDES(_lock);
     std::optional<Job> nextJob() OSTREL_EXCLUDES(_lock);
     void writeAll(const std::string& library);
     /// False where there was no memory for it.
@@ -87,6 +90,8 @@ private:
     mutable Ostrel::Mutex _lock{Ostrel::LockRank::Leaf};
     std::condition_variable_any _changed;
     std::deque<Job> _jobs OSTREL_GUARDED_BY(_lock);
+    std::vector<ChunkBuilder> _spares OSTREL_GUARDED_BY(_lock); // empty, with their memory
+    std::size_t _spareBytes OSTREL_GUARDED_BY(_lock) = 0;       // of it
     RecordingStatus _status OSTREL_GUARDED_BY(_lock);
     bool _ending OSTREL_GUARDED_BY(_lock) = false;
     std::thread _thread; // last: it uses all of the above
