@@ -38,7 +38,7 @@ void SensorHandler::regDISensor(DirectSensor* sensor)
     // Sensors come mostly in the order of their addresses. No hint from before the factory, which may unregister
     // others.
     if (_observers.emplace_hint(_observers.end(), sensor, observer.get())->second == observer.get())
-        observer.release();
+        static_cast<void>(observer.release()); // the entry owns it now
 }
 
 void SensorHandler::unregDISensor(DirectSensor* sensor)

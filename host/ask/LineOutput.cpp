@@ -4,6 +4,7 @@
 #include "host/ask/HostClient.h"
 #include "host/ask/Steady.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <poll.h>
@@ -32,11 +33,11 @@ bool LineOutput::write(std::string_view text)
 bool LineOutput::wait(double seconds)
 {
     const double end = steadySeconds() + seconds;
-    for (double left = seconds; left > 0; left = end - steadySeconds()) {
+    do {
         pollfd reader = {STDOUT_FILENO, 0, 0};
-        if (poll(&reader, 1, millisecondsOf(left)) > 0)
+        if (poll(&reader, 1, millisecondsOf(std::max(end - steadySeconds(), 0.0))) > 0)
             return false;
-    }
+    } while (steadySeconds() < end);
     return true;
 }
 } // namespace Host

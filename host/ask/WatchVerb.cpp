@@ -24,8 +24,9 @@ public:
         auto sensors = std::make_unique<HostSensors>(host);
         _sensors = sensors.get();
         const bool inPlace = hasCursor(STDOUT_FILENO);
-        _view = makeTableView(_text, {inPlace, nullptr, inPlace ? std::make_unique<Keyboard>() : nullptr, {}},
-                              std::move(sensors), SensorFilter(options._filter));
+        auto keyboard = inPlace ? std::make_unique<Keyboard>() : nullptr;
+        _view = makeTableView(_text, {inPlace, nullptr, std::move(keyboard), {}}, std::move(sensors),
+                              SensorFilter(options._filter));
     }
 
     /// False where the host has other sensors now.

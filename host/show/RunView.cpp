@@ -20,12 +20,13 @@ std::unique_ptr<View> makeRunView(const Options& options, const Scenes::Session&
         return std::make_unique<View>();
     if (options._format == Format::Json)
         return makeJsonView(output.values());
-    if (drawsTable(options))
+    if (drawsTable(options)) {
+        auto keyboard = inPlace && !keys._areElsewhere ? std::make_unique<Keyboard>() : nullptr;
         return makeTableView(output.values(),
-                             {inPlace, inPlace && isatty(STDERR_FILENO) ? &log : nullptr,
-                              inPlace && !keys._areElsewhere ? std::make_unique<Keyboard>() : nullptr,
+                             {inPlace, inPlace && isatty(STDERR_FILENO) ? &log : nullptr, std::move(keyboard),
                               [&output] { return output.isTaken(); }, keys._status},
                              watchedSensors(session.watches()), SensorFilter(options._filter));
+    }
     return makeLinesView(output.values(), start);
 }
 } // namespace Host

@@ -111,7 +111,7 @@ std::optional<Answer> Hub::refusal(const RequestHead& head, Door door)
 }
 
 // Whether a publication has to wait shows once its slot was looked for.
-void Hub::answerLater(Question question, Take take)
+void Hub::answerLater(Question question, const Take& take)
 {
     noteClients();
     if (question._path == "/delay")

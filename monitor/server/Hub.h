@@ -40,7 +40,7 @@ public:
 private:
     using Take = std::function<void(Answer)>;
 
-    void answerLater(Question question, Take take);
+    void answerLater(Question question, const Take& take);
     void answerLater(WorkThread& thread, std::function<Answer()> make, Take take);
     void answerOn(WorkThread& thread, Question question, const Take& take);
     void stream(const Question& question, const std::shared_ptr<Exchange>& exchange);

@@ -58,8 +58,8 @@ bool setNumber(E& element, std::size_t i, double number)
     using Limits = std::numeric_limits<Component>;
     constexpr bool isWhole = std::is_integral_v<Component>;
     // The upper limit of 64-bit whole numbers is no double; the next power of two, twice the highest bit, is.
-    constexpr double max =
-        isWhole ? 2.0 * static_cast<double>(Limits::max() / 2 + 1) : static_cast<double>(Limits::max());
+    constexpr Component half = Limits::max() / 2;
+    constexpr double max = isWhole ? 2.0 * static_cast<double>(half + 1) : static_cast<double>(Limits::max());
     if (isWhole ? !(std::abs(number) < max) : !(std::abs(number) <= max))
         return false;
     Components<E>::set(element, i, static_cast<Component>(isWhole ? std::round(number) : number));

@@ -97,9 +97,7 @@ void MqttNode::run()
 
 double MqttNode::goOn()
 {
-    if (_step == Step::Away && _clock.now() >= _due)
-        lookUp();
-    else if (_step == Step::Asked)
+    if (_step == Step::Asked || (_step == Step::Away && _clock.now() >= _due))
         lookUp();
     if (_step == Step::Connecting || _step == Step::Connected)
         work();

@@ -57,6 +57,7 @@ std::vector<MqttTopic> readTopics(const Settings& settings, const char* setting)
 std::vector<ListedSlot> slotsOf(const std::vector<MqttTopic>& topics)
 {
     std::vector<ListedSlot> slots;
+    slots.reserve(topics.size());
     for (const MqttTopic& topic : topics)
         slots.push_back(topic._slot);
     return slots;

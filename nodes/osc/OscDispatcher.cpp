@@ -46,6 +46,7 @@ OscDispatcher::OscDispatcher(const std::vector<OscEntry>& entries, OscInCounters
 std::vector<std::string> OscDispatcher::listAddresses(const std::vector<OscEntry>& entries)
 {
     std::vector<std::string> addresses;
+    addresses.reserve(entries.size());
     for (const OscEntry& entry : entries)
         addresses.push_back(entry._address);
     return addresses;

@@ -12,6 +12,7 @@ namespace {
 std::vector<std::string> labelsOf(const std::vector<ListedSlot>& slots)
 {
     std::vector<std::string> labels;
+    labels.reserve(slots.size());
     for (const ListedSlot& slot : slots)
         labels.push_back(slot._name);
     return labels;

@@ -30,6 +30,7 @@ std::vector<ListedSlot> readTextSlots(const Settings& settings, const char* sett
 void checkApart(const Settings& settings, const std::vector<ListedSlot>& in, const std::vector<ListedSlot>& out)
 {
     std::vector<std::string> known;
+    known.reserve(in.size());
     for (const ListedSlot& slot : in)
         known.push_back(slot._name);
     std::ranges::sort(known);

@@ -68,6 +68,7 @@ std::vector<NodeChange> nodeChanges(const HandlerEntry& before, const HandlerEnt
             change = {after._name._value, node._label, change._before, node};
     }
     std::vector<NodeChange> changes;
+    changes.reserve(byLabel.size());
     for (auto& [label, change] : byLabel)
         changes.push_back(std::move(change));
     return changes;

@@ -155,13 +155,12 @@ Explanation replaced(Explanation found, Verdict verdict, const std::string& caus
 }
 
 /// That no route leads from one end to the other, and why the one that looked as if it should carries nothing either.
-Explanation withoutRoute(Explanation found, const std::string& why)
+Explanation withoutRoute(const Explanation& found, const std::string& why)
 {
-    Explanation answer = found;
-    answer = replaced(std::move(answer), Verdict::NoRoute,
-                      "no route leads from " + inQuotes(*found.findText("cure from")) + " to " +
-                          inQuotes(*found.findText("cure to")) + "; " + *found.findText("route") +
-                          " begins elsewhere: " + why);
+    Explanation answer = replaced(found, Verdict::NoRoute,
+                                  "no route leads from " + inQuotes(*found.findText("cure from")) + " to " +
+                                      inQuotes(*found.findText("cure to")) + "; " + *found.findText("route") +
+                                      " begins elsewhere: " + why);
     for (const char* const name : {"cure from", "cure to", "cure in"})
         answer._details.push_back({name, *found.findText(name)});
     return answer;
@@ -192,14 +191,15 @@ Explanation inSceneWords(Explanation found, const Session& session, const Asked&
         if (!start || *start != *label || *label == asked._from)
             return replaced(std::move(found), Verdict::NotMade, why);
         // The route is not misspelt: it begins at another node than was asked about.
-        return withoutRoute(std::move(found), why);
+        return withoutRoute(found, why);
     }
     if (found._verdict == Verdict::NoSuchLabel)
         if (const std::string why = whyOnlyName(session, *label); !why.empty())
-            return replaced(std::move(found), found._verdict, "no slot has the label " + inQuotes(*label) + "; " + why);
+            return replaced(std::move(found), Verdict::NoSuchLabel,
+                            "no slot has the label " + inQuotes(*label) + "; " + why);
     if (found._verdict == Verdict::WrongDirection && !found.findText("cure")) {
         if (const std::string why = whyWrongWay(session, *label); !why.empty())
-            return replaced(std::move(found), found._verdict, why);
+            return replaced(std::move(found), Verdict::WrongDirection, why);
         if (!found.findText("cure in"))
             found._text += whyBothGive(session, *label, asked) + slotsOfNode(session, *label);
     }

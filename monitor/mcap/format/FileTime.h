@@ -22,6 +22,7 @@ inline std::uint64_t fileTimeOf(double seconds)
 /// 1e9 at once would miss some.
 inline double secondsOf(std::uint64_t fileTime)
 {
-    return static_cast<double>(fileTime / inSecond) + static_cast<double>(fileTime % inSecond) / 1e9;
+    const std::uint64_t whole = fileTime / inSecond;
+    return static_cast<double>(whole) + static_cast<double>(fileTime % inSecond) / 1e9;
 }
 } // namespace Monitor::Mcap

@@ -11,9 +11,9 @@ namespace Monitor::Mcap {
 namespace {
 
 template <class Part>
-std::optional<Part> ifWhole(const ByteCursor& cursor, Part&& part)
+std::optional<Part> ifWhole(const ByteCursor& cursor, Part part)
 {
-    return cursor.ok() ? std::optional<Part>(std::forward<Part>(part)) : std::nullopt;
+    return cursor.ok() ? std::optional<Part>(std::move(part)) : std::nullopt;
 }
 
 // No frame of zstd grows by more than this: a block of 128 KiB takes 4 bytes at least.
@@ -60,7 +60,7 @@ std::optional<Message> parseMessage(ByteView content)
     message._logTime = cursor.number<std::uint64_t>();
     message._publishTime = cursor.number<std::uint64_t>();
     message._data = cursor.rest();
-    return ifWhole(cursor, std::move(message));
+    return ifWhole(cursor, message);
 }
 
 std::optional<ChunkHead> parseChunk(ByteView content)
@@ -73,7 +73,7 @@ std::optional<ChunkHead> parseChunk(ByteView content)
     head._checksum = cursor.number<std::uint32_t>();
     head._compression = cursor.text();
     head._stored = cursor.bytes(cursor.number<std::uint64_t>());
-    return ifWhole(cursor, std::move(head));
+    return ifWhole(cursor, head);
 }
 
 std::optional<MessageIndex> parseMessageIndex(ByteView content)

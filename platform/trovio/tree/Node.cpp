@@ -82,7 +82,7 @@ void Node::setFieldValues(const std::string& text)
         const LockGuard guard(_stateLock);
         table.insert(table.end(), _type._settings.begin(), _type._settings.end());
     }
-    const Settings settings(std::move(table), text, getBaseURL());
+    const Settings settings(table, text, getBaseURL());
     std::string label = settings.text("label");
     if (isForTools(label))
         throw settings.refusal("label", "a text that does not begin with '@', for such labels belong to tools");
