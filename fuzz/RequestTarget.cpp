@@ -29,7 +29,7 @@ public:
         if (!queue().putWords(std::string(message)))
             queue().finish();
     }
-    void take(const std::string&, const SlotCodec&, const TapRecord&) override {}
+    void take(const SeenRecord&) override {}
     void endRound() override {}
 };
 
