@@ -12,10 +12,11 @@ namespace Monitor {
 
 /// What a program says of itself in each of its recordings.
 struct RecorderOptions {
-    std::string program{};                                    // its name and version
-    std::vector<std::pair<std::string, std::string>> facts{}; // of the run: names and values
-    std::vector<std::pair<std::string, std::string>> texts{}; // attached: names and contents of scene files
-    std::function<void(const std::string& line)> say{};       // what a user must know; any thread, and may not block
+    using Pairs = std::vector<std::pair<std::string, std::string>>;
+    std::string program{};                              // its name and version
+    Pairs facts{};                                      // of the run: names and values
+    std::function<Pairs()> texts{};                     // attached: names and contents of scene files; asked by start()
+    std::function<void(const std::string& line)> say{}; // what a user must know; any thread, and may not block
 };
 
 /// What is to be recorded, and where to.

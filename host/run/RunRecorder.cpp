@@ -4,8 +4,6 @@
 #include "host/show/Terminal.h"
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <unistd.h>
 
 namespace Host {
@@ -14,10 +12,13 @@ namespace {
 
 constexpr double statusEvery = 10; // seconds
 
-std::string textOfFile(const std::string& path)
+/// The scenes' files as they were read last, which need not be how they stand on the disk now.
+Monitor::RecorderOptions::Pairs textsOf(const Scenes::Session& session)
 {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    Monitor::RecorderOptions::Pairs texts;
+    for (const auto& file : session.files()._loaded)
+        texts.emplace_back(std::filesystem::path(file->_path).filename().string(), file->_text);
+    return texts;
 }
 
 Monitor::RecorderOptions recorderOptions(const Scenes::Session& session, const Explain::Say& say)
@@ -27,10 +28,7 @@ Monitor::RecorderOptions recorderOptions(const Scenes::Session& session, const E
     char name[256] = {};
     gethostname(name, sizeof name - 1);
     recorder.facts = {{"machine", name}, {"version", HOST_VERSION}};
-    for (const auto& scene : session.scenes()) {
-        const std::string& path = scene->file()._path;
-        recorder.texts.emplace_back(std::filesystem::path(path).filename().string(), textOfFile(path));
-    }
+    recorder.texts = [&session] { return textsOf(session); };
     recorder.say = say;
     return recorder;
 }

@@ -39,7 +39,7 @@ void addNotes(Mcap::Recording& file, const RecorderOptions& options)
     file.note(
         {"clock", {{"synchronized", clock._isSynchronized ? "yes" : "no"}, {"error", std::to_string(clock._error)}}});
     const double now = std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
-    for (const auto& [name, text] : options.texts)
+    for (const auto& [name, text] : options.texts ? options.texts() : RecorderOptions::Pairs())
         file.attach(name, "application/toml", text, Mcap::fileTimeOf(now));
 }
 } // namespace

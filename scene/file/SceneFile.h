@@ -69,6 +69,7 @@ struct SensorEntry {
 /// What one scene file says, in its order. Names and texts are checked where the file alone can tell.
 struct SceneFile {
     std::string _path;
+    std::string _text;           // of the file, as it was read
     std::uint32_t _checksum = 0; // CRC-32 of the text
     HostEntry _host;
     std::vector<HandlerEntry> _handlers;

@@ -202,6 +202,7 @@ SceneFile parseScene(std::string_view text, const std::string& path)
     problems.throwIfAny();
     SceneFile scene;
     scene._path = path;
+    scene._text = text;
     scene._checksum = static_cast<std::uint32_t>(crc32_z(0, reinterpret_cast<const Bytef*>(text.data()), text.size()));
     for (const TomlEntry& found : std::get<TomlValue::Table>(root._data))
         readEntry(found, problems, scene);

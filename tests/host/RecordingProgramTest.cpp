@@ -104,12 +104,16 @@ TEST_F(RecordingProgram, ExportKeepsEveryRecordInEachForm)
     }
 }
 
-TEST_F(RecordingProgram, RunningHostRecordsWhenItIsAskedTo)
+TEST_F(RecordingProgram, RunningHostRecordsWhenItIsAskedToWithTheSceneThatItRunsNow)
 {
     HostProcess running(host, {"run", _scene.path(), "--format", "lines"});
     ASSERT_TRUE(running.waitFor("wave"));
     EXPECT_NE(ask({"record", "--stop"}, 1).find("nothing is being recorded"), std::string::npos);
     EXPECT_NE(ask({"record", "a.bin"}, 2).find(".mcap"), std::string::npos);
+    std::ofstream(_scene.path(), std::ios::app) << "description = \"of a reload\"\n";
+    const auto size = Files::file_size(_scene.path());
+    ask({"reload"});
+    std::ofstream(_scene.path()) << "not read any more";
     HostProcess recording(host, {"record", file("a.mcap"), "--slots", "*/value"});
     ASSERT_TRUE(running.waitFor("recording to"));
     EXPECT_NE(ask({"record", file("b.mcap")}, 1).find("made already"), std::string::npos);
@@ -120,6 +124,7 @@ TEST_F(RecordingProgram, RunningHostRecordsWhenItIsAskedTo)
     running.signal(SIGTERM);
     EXPECT_EQ(running.wait(), 0);
     EXPECT_EQ(info("a.mcap")["attached"][0]["name"], "scene.toml");
+    EXPECT_EQ(info("a.mcap")["attached"][0]["bytes"], size);
 }
 
 TEST_F(RecordingProgram, KilledRunLeavesARecording)

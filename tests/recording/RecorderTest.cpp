@@ -86,7 +86,8 @@ protected:
 
 TEST_F(RecorderTest, KeepsRecordsFramesAndTextsOfTheSlotsThatFit)
 {
-    Recorder recorder({"test 1", {{"machine", "here"}}, {{"scene.toml", "[host]"}}, {}});
+    const auto texts = [] { return RecorderOptions::Pairs{{"scene.toml", "[host]"}}; };
+    Recorder recorder({"test 1", {{"machine", "here"}}, texts, {}});
     recorder.frame(1, 99.0); // nothing is recorded yet
     recorder.start(order());
     push(1000);
