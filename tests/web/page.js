@@ -109,6 +109,8 @@ async function getsBy(page) {
   await page.says(line("Context/Odd0"), /Float/);
   await page.open("#view=plots&plot=Context/Odd0", undefined, /\/parts\//);
   await page.says(".plots .hint", /All else works/);
+  await page.open("#view=graph", undefined, /\/js\/graph\//);
+  await page.says("#view .hint", /did not come: .*graph\.js/);
 }
 
 async function run(browser, host) {

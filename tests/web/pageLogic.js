@@ -1,6 +1,7 @@
 // pageLogic.js FOLDER: what the page computes, from the modules in that folder, without a browser.
 import assert from "node:assert/strict";
-import { join } from "node:path";
+import { readFileSync } from "node:fs";
+import { dirname, join } from "node:path";
 import { test } from "node:test";
 
 const load = (name) => import(join(process.argv[2], `${name}.js`));
@@ -32,6 +33,19 @@ class Socket {
 }
 Object.assign(globalThis, { WebSocket: Socket, window: globalThis, location: { protocol: "http:", host: "here:1", search: "?token=a%26b" } });
 const { Stream } = await load("stream");
+
+test("the page asks at once for all that main.js imports, and what that imports", () => {
+  const read = (path) => readFileSync(join(process.argv[2], path), "utf8");
+  const needed = new Set();
+  const walk = (path) => {
+    if (needed.has(path)) return;
+    needed.add(path);
+    for (const [, name] of read(path).matchAll(/^import .*"(\..+)";$/gm)) walk(join(dirname(path), name));
+  };
+  walk("main.js");
+  const named = [...read("../index.html").matchAll(/(?:href|src)="\/js\/(.+?)"/g)].map(([, path]) => path);
+  assert.deepEqual(named.sort(), [...needed].sort());
+});
 
 test("a ring keeps the newest points, and breaks its line where records are missing", () => {
   const read = (ring, now = 0) => ring.readInto([], now);

@@ -2,6 +2,7 @@
 
 export const viewNames = ["table", "graph", "plots", "poses"];
 export const maxPlots = 8;
+export const everything = "*"; // chosen to see all that does not flow; no slot is called so
 
 /** What an address asks for: the view, the words of the search, the label that is chosen, and those that are plotted. */
 export function readAddress(hash) {

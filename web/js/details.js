@@ -1,5 +1,6 @@
 // All that is known of what is chosen.
 
+import { everything } from "./address.js";
 import { agesOf } from "./ages.js";
 import { make, setText } from "./dom.js";
 import { Plot, plotLibrary } from "./plot/plot.js";
@@ -7,7 +8,6 @@ import { nodeOf, questionsFor } from "./routes.js";
 import { countName, ageText, rateText, valueText } from "./text.js";
 import { explain, explainAll, explainLonely } from "./why.js";
 
-export const everything = "*"; // chosen to see all that does not flow; no slot is called so
 const askPeriod = 3_000; // milliseconds
 const drawPeriod = 200;
 const plotHeight = 150; // points of the screen
@@ -74,9 +74,10 @@ export class Details {
   }
 
   async #explain() {
-    const { pairs, relays } = this.model;
     const number = (this.#asked += 1);
     const label = this.#label;
+    await this.model.readRelays().catch(() => {}); // gone, as below
+    const { pairs, relays } = this.model;
     const questions = questionsFor(label, pairs, relays);
     const answers = await this.#answers(label, questions).catch((error) =>
       error instanceof TypeError ? [] : [make("p", { class: "hint" }, error.message)]); // gone; the page says so elsewhere

@@ -3,6 +3,7 @@
 const token = new URLSearchParams(location.search).get("token");
 const patience = 10; // seconds
 const headers = token ? { Authorization: `Bearer ${token}` } : {};
+const ahead = new Map(); // answers by path that were asked for before somebody needs them
 
 /** The address of its streams. */
 export function streamAddress() {
@@ -24,7 +25,18 @@ function tellSilence(error) {
 
 /** Throws an error with what the host says is wrong, a TypeError where it is not there, or a TimeoutError where it is silent. */
 export function ask(path, query = {}) {
-  return answerTo(path, query, "json").catch(tellSilence);
+  const answer = ahead.get(path) ?? answerTo(path, query, "json").catch(tellSilence);
+  ahead.delete(path);
+  return answer;
+}
+
+/** Asks now what the next ask() of each path is to answer, which has no query. */
+export function askAhead(...paths) {
+  for (const path of paths) {
+    const answer = ask(path);
+    answer.catch(() => {}); // heard of there
+    ahead.set(path, answer);
+  }
 }
 
 export function askText(path, query = {}) {

@@ -1,8 +1,7 @@
 // The keyboard, beside what tables and pictures do with it themselves.
 
-import { everything } from "./details.js";
+import { everything, viewNames } from "./address.js";
 import { make } from "./dom.js";
-import { viewNames } from "./address.js";
 
 const help = [
   ["1 2 3 4", "table, graph, plots, poses"],

@@ -1,14 +1,13 @@
-// Puts the page together.
+// Puts the page together. What the first view does without comes when somebody looks at it, at the latest after the first
+// look at the host: so it is there when the host has gone.
 
-import { Address, viewNames } from "./address.js";
-import { Details, everything } from "./details.js";
+import "./ahead.js";
+import { Address, everything, viewNames } from "./address.js";
 import { make, setText } from "./dom.js";
-import { Graph } from "./graph/graph.js";
 import { Keys } from "./keys.js";
+import { Later } from "./later.js";
 import { Model } from "./model.js";
 import { PlotData } from "./plot/plotdata.js";
-import { Plots } from "./plot/plots.js";
-import { Poses } from "./poses/poses.js";
 import { Status } from "./status.js";
 import { Table } from "./table.js";
 
@@ -18,13 +17,13 @@ const search = at("search");
 const address = new Address();
 const model = new Model();
 const data = new PlotData(model);
-const views = {
-  table: new Table(model, address),
-  graph: new Graph(model, address),
-  plots: new Plots(model, address, data),
-  poses: new Poses(model, address),
+const later = {
+  graph: new Later(async () => new (await import("./graph/graph.js")).Graph(model, address), update),
+  plots: new Later(async () => new (await import("./plot/plots.js")).Plots(model, address, data), update),
+  poses: new Later(async () => new (await import("./poses/poses.js")).Poses(model, address), update),
+  details: new Later(async () => new (await import("./details.js")).Details(model, address, data, at("details")), update),
 };
-const details = new Details(model, address, data, at("details"));
+const views = { table: new Table(model, address), ...later };
 const status = new Status(model, { title: at("title"), status: at("status"), notice: at("notice") });
 new Keys(address, search, at("help"));
 
@@ -34,8 +33,6 @@ at("views").append(...tabs, make("button", { title: "why does it not flow (w)", 
   make("button", { title: "keys (?)", onclick: () => at("help").showModal() }, "?"));
 search.addEventListener("input", () => address.change({ search: search.value }, true));
 
-let shown = "";
-
 /** Shows what the address asks for. */
 function update() {
   const { view, search: words, chosen, plots } = address.state;
@@ -44,18 +41,19 @@ function update() {
   setText(tabs[viewNames.indexOf("plots")], plots.length > 0 ? `plots ${plots.length}` : "plots");
   const seen = [...new Set([...plots, chosen])];
   data.setLabels(seen);
-  model.lookAt(seen);
-  if (shown !== view) {
+  model.lookAt(seen, view === "graph" || chosen !== "");
+  if (at("view").firstElementChild !== views[view].element) {
     at("view").replaceChildren(views[view].element);
     views[view].show?.();
   }
-  shown = view;
   views[view].update();
-  details.update();
+  if (chosen !== "") later.details.fetch();
+  later.details.update();
 }
 
 address.addEventListener("change", update);
 model.addEventListener("structure", update);
+model.addEventListener("counts", () => Object.values(later).forEach((part) => part.fetch()), { once: true });
 addEventListener("resize", update);
 update();
 
@@ -68,8 +66,8 @@ setInterval(() => {
 }, 1000);
 
 function draw(time) {
-  views[shown].draw(time);
-  details.draw(time);
+  views[address.state.view].draw(time);
+  later.details.draw(time);
   requestAnimationFrame(draw);
 }
 requestAnimationFrame(draw);

@@ -6,7 +6,9 @@ import { relaysIn } from "./routes.js";
 import { Row } from "./row.js";
 import { Stream } from "./stream.js";
 
-const refreshPeriod = 2_000; // milliseconds
+const refreshPeriod = 2_000; // milliseconds, the least
+const maxRefreshPeriod = 5_000;
+const rest = 50; // times as long as a look takes, for it takes the host's time as well
 const keyOf = ({ direction, label }) => `${direction} ${label}`;
 
 function problemOf(error) {
@@ -24,7 +26,7 @@ export class Model extends EventTarget {
   byLabel = new Map();
   nodes = new Map(); // by the path
   pairs = []; // of slots that a route joins, or should: {from, to, tail, head, reason}
-  relays = new Set(); // paths of nodes that pass on what they get
+  relays = new Set(); // paths of nodes that pass on what they get, see readRelays()
   host = {};
   clock = new HostClock();
   problem = ""; // what was wrong with the last look
@@ -36,7 +38,9 @@ export class Model extends EventTarget {
   #known = new Map(); // rows by direction and label
   #outs = new Map(); // by label
   #asked = []; // labels of slots that somebody looks at
+  #needsNodes = false;
   #structure = "";
+  #relaysOf = undefined; // the structure whose relays are known
   #refreshing = undefined;
   #stream;
 
@@ -61,17 +65,29 @@ export class Model extends EventTarget {
     for (const row of this.#outs.values()) row.measure(seconds);
   }
 
-  /** Somebody looks at these slots, so sequences among them, or among what feeds them, are wanted, too. */
-  lookAt(labels) {
+  /** Somebody looks at these slots, so sequences among them, or among what feeds them, are wanted, too; and perhaps at nodes. */
+  lookAt(labels, needsNodes) {
     this.#asked = labels;
+    if (needsNodes && !this.#needsNodes) this.#readNodes().catch(() => {}); // the next look tells what is wrong
+    this.#needsNodes = needsNodes;
     this.#watch();
   }
 
   /** The routes may be others. */
   async readRoutes() {
-    const [{ edges }, graph] = await Promise.all([ask("/flow"), ask("/graph", { form: "json" })]);
-    this.relays = relaysIn(graph);
-    this.#setPairs(edges);
+    this.#setPairs((await ask("/flow")).edges);
+  }
+
+  /** Reads the paths of nodes that pass on what they get, where slots or routes are others than the last time. */
+  async readRelays() {
+    const structure = this.#structure;
+    if (this.#relaysOf === structure) return;
+    this.relays = relaysIn(await ask("/graph", { form: "json" }));
+    this.#relaysOf = structure;
+  }
+
+  async #readNodes() {
+    this.nodes = new Map((await ask("/nodes")).map((node) => [node.node, node]));
   }
 
   // What feeds a row is known by then, so that its values can be shown.
@@ -126,8 +142,10 @@ export class Model extends EventTarget {
 
   async #refreshAlways() {
     for (;;) {
+      const begun = performance.now();
       if (!document.hidden && this.goneSince === undefined) await this.#refresh();
-      await new Promise((resolve) => setTimeout(resolve, refreshPeriod));
+      const pause = Math.min(Math.max(rest * (performance.now() - begun), refreshPeriod), maxRefreshPeriod);
+      await new Promise((resolve) => setTimeout(resolve, pause));
     }
   }
 
@@ -148,9 +166,8 @@ export class Model extends EventTarget {
       const structure = JSON.stringify([host.started, slots.map(({ label, type, direction, active, sensor }) => [label, type, direction, active, sensor]),
         edges.map(({ from, to, reason }) => [from, to, reason])]);
       if (structure !== this.#structure) this.#setPairs(edges);
-      this.nodes = new Map((await ask("/nodes")).map((node) => [node.node, node]));
-      if (structure !== this.#structure) await this.readRoutes();
       this.#structure = structure;
+      if (this.#needsNodes) await this.#readNodes();
       if (this.rows.some((row) => row.sensor && row.sources.length === 0)) await this.#poll();
       this.problem = "";
     } catch (error) {

@@ -61,6 +61,7 @@ export class Table {
   #lines = [];
   #found = [];
   #lastDraw = 0;
+  #hadRecords = false; // at the last one
 
   constructor(model, address) {
     this.model = model;
@@ -86,7 +87,9 @@ export class Table {
 
   draw(time) {
     const first = Math.max(0, Math.floor(this.element.scrollTop / this.rowHeight));
-    if (time - this.#lastDraw < period && first === this.#first) return;
+    const isAwaited = !this.#hadRecords && this.model.taken > 0;
+    if (time - this.#lastDraw < period && first === this.#first && !isAwaited) return;
+    this.#hadRecords ||= isAwaited;
     this.#lastDraw = time;
     this.#first = first;
     const count = Math.min(this.#found.length - first, Math.ceil(this.element.clientHeight / this.rowHeight) + 1);
