@@ -44,8 +44,8 @@ public:
     virtual Trovio::BasicInSlot& slot() = 0;
     /// Writes what the ring holds into `sink`, oldest first. A record that there is no memory for, or that the sink
     /// does not take, counts as refused. wallAtZero: what the wall clock says, in nanoseconds, when the steady clock
-    /// says 0. One thread at a time, not a pushing one.
-    virtual void drain(std::int64_t wallAtZero, TapSink& sink) = 0;
+    /// says 0. One thread at a time, not a pushing one. Returns what refused() says then.
+    virtual std::uint64_t drain(std::int64_t wallAtZero, TapSink& sink) = 0;
     /// Records that were pushed into it: those that drain() handed out or will, and those that it refused.
     virtual std::uint64_t seen() const = 0;
     /// Records that found the ring full, or no memory.

@@ -32,7 +32,7 @@ public:
 
     Trovio::BasicInSlot& slot() override { return *this; }
     void push(const Trovio::Data<T>& record) override OSTREL_EXCLUDES(this->_dataLock);
-    void drain(std::int64_t wallAtZero, TapSink& sink) override;
+    std::uint64_t drain(std::int64_t wallAtZero, TapSink& sink) override;
     std::uint64_t seen() const override { return read(_seen); }
     std::uint64_t refused() const override { return read(_refused); }
 
@@ -62,7 +62,7 @@ private:
     }
 
     void advance(std::size_t& position) const { position = position + 1 == _ring.size() ? 0 : position + 1; }
-    void giveBack(const Drained& drained) OSTREL_EXCLUDES(this->_dataLock);
+    std::uint64_t giveBack(const Drained& drained) OSTREL_EXCLUDES(this->_dataLock);
     std::uint64_t read(const std::uint64_t& count) const OSTREL_NO_THREAD_SAFETY_ANALYSIS
     {
         this->lock();
@@ -100,11 +100,14 @@ void Tap<T>::push(const Trovio::Data<T>& record)
 }
 
 template <class T>
-void Tap<T>::drain(std::int64_t wallAtZero, TapSink& sink)
+std::uint64_t Tap<T>::drain(std::int64_t wallAtZero, TapSink& sink)
 {
     this->lock();
     const std::size_t count = _waiting;
+    const std::uint64_t refused = _refused;
     this->unlockUnchanged();
+    if (count == 0)
+        return refused;
     Drained drained;
     while (drained._entries != count) {
         Entry& entry = _ring[_oldest];
@@ -123,17 +126,21 @@ void Tap<T>::drain(std::int64_t wallAtZero, TapSink& sink)
             ++drained._lost;
         }
     }
-    giveBack(drained);
+    return giveBack(drained);
 }
 
 template <class T>
-void Tap<T>::giveBack(const Drained& drained)
+std::uint64_t Tap<T>::giveBack(const Drained& drained)
 {
     this->lock();
     _waiting -= drained._entries;
     _text -= drained._text;
     _refused += drained._lost;
+    if (_waiting == 0)
+        _oldest = _next = 0; // the places that were used last are still in the caches
+    const std::uint64_t refused = _refused;
     this->unlockUnchanged();
+    return refused;
 }
 
 } // namespace Monitor

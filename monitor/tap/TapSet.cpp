@@ -169,6 +169,13 @@ TapRecord& TapSet::Round::place()
     return _arrived[_count]._record;
 }
 
+/// Else nothing is lost: the taps keep what they hold.
+void TapSet::Round::reserve(std::size_t taps)
+{
+    _watched.reserve(taps);
+    _losses.reserve(taps);
+}
+
 void TapSet::Round::sort()
 {
     _order.clear();
@@ -187,6 +194,7 @@ void TapSet::Round::forget()
 {
     constexpr std::size_t someRecords = 1'024, someBytes = 1'024;
     _watched.clear();
+    _losses.clear();
     _arrived.resize(std::min(_arrived.size(), 2 * _count + someRecords));
     for (std::size_t i = _count; i < _arrived.size(); ++i)
         if (Bytes& cdr = _arrived[i]._record._cdr; cdr.capacity() > someBytes)
@@ -216,14 +224,23 @@ TapSet::Round TapSet::collect()
     const WallAtZero wall = wallAtZero();
     _arrivalBound = wall._bound;
     Round round = std::exchange(_spare, {});
-    round._watched.reserve(_watched.size()); // else nothing is lost: the taps keep what they hold
-    for (const auto& [label, watched] : _watched) {
-        round._watched.push_back(watched);
-        RoundSink sink(round, *watched);
-        watched->_tap->drain(wall._time, sink);
-    }
+    round.reserve(_watched.size());
+    for (const auto& [label, watched] : _watched)
+        collectFrom(watched, wall._time, round);
     renewTypes(nanoseconds<std::chrono::steady_clock>());
     return round;
+}
+
+void TapSet::collectFrom(const std::shared_ptr<Watched>& watched, std::int64_t wallAtZero, Round& round)
+{
+    const std::size_t before = round._count;
+    RoundSink sink(round, *watched);
+    const std::uint64_t refused = watched->_tap->drain(wallAtZero, sink);
+    const bool hasLost = std::exchange(watched->_refused, refused) != refused;
+    if (hasLost)
+        round._losses.push_back({watched.get(), watched->_before._refused + refused});
+    if (hasLost || round._count != before)
+        round._watched.push_back(watched);
 }
 
 void TapSet::drain(const Use& use)
@@ -237,6 +254,9 @@ void TapSet::drain(const Use& use)
         else if (use)
             use(watched._label, watched._codec, std::move(arrived->_record));
     }
+    for (const Loss& loss : round._losses)
+        if (loss._watched->_receiver)
+            loss._watched->_receiver->miss(loss._refused);
     round.forget();
     const Ostrel::LockGuard guard(_lock);
     _spare = std::move(round);
@@ -261,16 +281,6 @@ std::vector<TapCounts> TapSet::getCounts() const
     for (const auto& [label, watched] : _watched)
         counts.push_back(countsOf(*watched));
     return counts;
-}
-
-std::vector<TapCounts> TapSet::getLosses() const
-{
-    const Ostrel::LockGuard guard(_lock);
-    std::vector<TapCounts> losses;
-    for (const auto& [label, watched] : _watched)
-        if (watched->_before._refused + watched->_tap->refused() != 0)
-            losses.push_back(countsOf(*watched));
-    return losses;
 }
 
 TapCounts TapSet::getCounts(const std::string& label) const

@@ -25,6 +25,8 @@ public:
     /// What it leaves in `record` is only memory, which is used again. The codec is that of the slot's type, which may
     /// change when a node is replaced.
     virtual void take(const SlotCodec& codec, TapRecord& record) = 0;
+    /// After the records of a drain: so many were refused so far, more than at the last one.
+    virtual void miss(std::uint64_t /*refused*/) {}
 };
 
 /// Looks at out-slots of the tree, with one tap for each, whoever looks. The taps stand in a namespace of their own
@@ -60,8 +62,6 @@ public:
 
     /// By label, of all that are looked at now.
     std::vector<TapCounts> getCounts() const OSTREL_EXCLUDES(_lock);
-    /// Of those that refused any.
-    std::vector<TapCounts> getLosses() const OSTREL_EXCLUDES(_lock);
     /// Of one; zeros where it is not looked at.
     TapCounts getCounts(const std::string& label) const OSTREL_EXCLUDES(_lock);
 
@@ -73,21 +73,27 @@ private:
         const TapCounts _before;                      // of taps that stood here before
         const std::shared_ptr<TapReceiver> _receiver; // null where labels are looked up
         std::size_t _users = 1;                       // under the lock, as the next
-        std::uint64_t _drained = 0;                   // by this tap
+        std::uint64_t _drained = 0, _refused = 0;     // by this tap, as of the last drain
     };
     struct Arrived {
         const Watched* _watched = nullptr;
         TapRecord _record;
     };
+    struct Loss {
+        const Watched* _watched;
+        std::uint64_t _refused; // so far
+    };
     /// What one drain found. Its memory goes on to the next.
     struct Round {
         std::vector<std::shared_ptr<const Watched>> _watched; // which may be removed meanwhile
-        std::vector<Arrived> _arrived;                        // the first _count; the others are of earlier rounds
+        std::vector<Loss> _losses;
+        std::vector<Arrived> _arrived; // the first _count; the others are of earlier rounds
         std::size_t _count = 0;
         std::vector<Arrived*> _order;
 
         TapRecord& place();
         void keep(const Watched& watched) { _arrived[_count++]._watched = &watched; }
+        void reserve(std::size_t taps);
         void sort();
         void forget();
     };
@@ -101,6 +107,8 @@ private:
     void unwire(const std::string& label) const;
     void renewTypes(std::int64_t now) OSTREL_REQUIRES(_lock);
     Round collect() OSTREL_EXCLUDES(_lock);
+    void collectFrom(const std::shared_ptr<Watched>& watched, std::int64_t wallAtZero, Round& round)
+        OSTREL_REQUIRES(_lock);
 
     const TapSize _size;
     std::string _space; // label of the namespace

@@ -18,7 +18,7 @@ public:
     void add(const Viewer& viewer);
     bool remove(const Stream& stream);
     bool isAlone() const { return _viewers.empty(); }
-    void passOnLosses(std::uint64_t refused);
+    void miss(std::uint64_t refused) override;
 
 private:
     const std::string _label;
@@ -53,7 +53,7 @@ bool Watches::Watched::remove(const Stream& stream)
     return std::erase_if(_viewers, [&stream](const Viewer& viewer) { return viewer._stream == &stream; }) > 0;
 }
 
-void Watches::Watched::passOnLosses(std::uint64_t refused)
+void Watches::Watched::miss(std::uint64_t refused)
 {
     if (refused == _refused)
         return;
@@ -66,7 +66,7 @@ bool Watches::add(const std::string& label, Stream& stream, std::uint32_t number
 {
     auto known = _watched.find(label);
     if (known != _watched.end()) {
-        known->second->passOnLosses(_taps.getCounts(label)._refused); // before it came
+        known->second->miss(_taps.getCounts(label)._refused); // before it came
     } else {
         const auto made = std::make_shared<Watched>(label);
         if (!_taps.add(label, made))
@@ -107,9 +107,6 @@ void Watches::removeAll(Stream& stream)
 void Watches::round()
 {
     _taps.drain();
-    for (const TapCounts& counts : _taps.getLosses())
-        if (const auto known = _watched.find(counts._label); known != _watched.end())
-            known->second->passOnLosses(counts._refused);
     const auto streams = _streams; // some end with the round
     for (const auto& [stream, slots] : streams)
         stream->endRound();
