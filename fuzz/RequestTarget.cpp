@@ -62,7 +62,7 @@ public:
         return std::make_unique<Echo>();
     }
     void tick() override {}
-    bool isWatching() const override { return false; }
+    std::chrono::milliseconds pace() const override { return std::chrono::seconds(1); }
 
 private:
     const WhoMay _whoMay{token, true};

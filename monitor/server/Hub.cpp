@@ -20,6 +20,7 @@ using Explain::inQuotes;
 namespace {
 
 constexpr std::chrono::seconds lookInterval(1); // at the slots of the tree
+constexpr std::chrono::seconds idlePace(1);
 constexpr const char* tooMany = "too many questions wait already; ask again later";
 
 // The first that is offered and known; empty for none.
@@ -251,6 +252,11 @@ void Hub::useSlots(std::optional<Channels::Slots> slots)
         _poses.setSlots(_channels.poseLabels());
     for (const auto& [stream, name] : _streams)
         stream->slotsSeen(areOthers);
+}
+
+std::chrono::milliseconds Hub::pace() const
+{
+    return _watches.empty() ? idlePace : _watches.pace();
 }
 
 void Hub::tick()

@@ -22,7 +22,7 @@ public:
     /// What it needs of the network.
     struct Network {
         std::function<void(std::function<void()>)> _post; // does something on the server's thread; any thread
-        std::function<void()> _hurry;                     // rounds are to come faster from now on
+        std::function<void()> _hurry;                     // pace() may be a faster one from now on
         std::function<std::chrono::steady_clock::time_point()> _now;
     };
 
@@ -32,7 +32,7 @@ public:
     void ask(const RequestHead& head, Door door, std::string body, std::shared_ptr<Exchange> exchange) override;
     std::unique_ptr<Stream> openSocket(const RequestHead& head, Door door, std::string& subprotocol) override;
     void tick() override;
-    bool isWatching() const override { return !_watches.empty(); }
+    std::chrono::milliseconds pace() const override;
 
     /// No answer comes any more. Once the server's thread has ended.
     void endAnswers();

@@ -5,6 +5,7 @@
 #include "monitor/server/streams/Stream.h"
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <optional>
 
@@ -33,7 +34,7 @@ public:
     virtual std::unique_ptr<Stream> openSocket(const RequestHead& head, Door door, std::string& subprotocol) = 0;
     /// Called again and again while there are clients.
     virtual void tick() = 0;
-    /// Whether somebody watches a slot, so that ticks come at the rate of frames.
-    virtual bool isWatching() const = 0;
+    /// The time to the next tick.
+    virtual std::chrono::milliseconds pace() const = 0;
 };
 } // namespace Monitor

@@ -32,6 +32,12 @@ struct TapSize {
     std::size_t _handles = 4;       // of images and arrays, each of which keeps its pooled object
 };
 
+/// What a drain saw of a tap.
+struct TapState {
+    std::uint64_t _refused; // records so far
+    bool _isRoomy;          // the ring has many places, and nearly all of them were free
+};
+
 /// Looks at what is pushed: an in-slot whose push() never waits, allocates or calls out, and a ring that somebody
 /// drains.
 class AnyTap {
@@ -44,8 +50,10 @@ public:
     virtual Trovio::BasicInSlot& slot() = 0;
     /// Writes what the ring holds into `sink`, oldest first. A record that there is no memory for, or that the sink
     /// does not take, counts as refused. wallAtZero: what the wall clock says, in nanoseconds, when the steady clock
-    /// says 0. One thread at a time, not a pushing one. Returns what refused() says then.
-    virtual std::uint64_t drain(std::int64_t wallAtZero, TapSink& sink) = 0;
+    /// says 0. One thread at a time, not a pushing one.
+    virtual TapState drain(std::int64_t wallAtZero, TapSink& sink) = 0;
+    /// Whether the ring has many places, whatever is in it.
+    virtual bool isLarge() const = 0;
     /// Records that were pushed into it: those that drain() handed out or will, and those that it refused.
     virtual std::uint64_t seen() const = 0;
     /// Records that found the ring full, or no memory.

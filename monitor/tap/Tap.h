@@ -32,11 +32,14 @@ public:
 
     Trovio::BasicInSlot& slot() override { return *this; }
     void push(const Trovio::Data<T>& record) override OSTREL_EXCLUDES(this->_dataLock);
-    std::uint64_t drain(std::int64_t wallAtZero, TapSink& sink) override;
+    TapState drain(std::int64_t wallAtZero, TapSink& sink) override;
+    bool isLarge() const override { return _ring.size() >= ManyPlaces; }
     std::uint64_t seen() const override { return read(_seen); }
     std::uint64_t refused() const override { return read(_refused); }
 
 private:
+    static constexpr std::size_t ManyPlaces = 256, FreeShare = 8; // of eight, one may be taken
+
     struct Entry {
         Trovio::Data<T> _record;
         std::int64_t _arrival = 0; // nanoseconds of the steady clock
@@ -62,7 +65,7 @@ private:
     }
 
     void advance(std::size_t& position) const { position = position + 1 == _ring.size() ? 0 : position + 1; }
-    std::uint64_t giveBack(const Drained& drained) OSTREL_EXCLUDES(this->_dataLock);
+    TapState giveBack(const Drained& drained) OSTREL_EXCLUDES(this->_dataLock);
     std::uint64_t read(const std::uint64_t& count) const OSTREL_NO_THREAD_SAFETY_ANALYSIS
     {
         this->lock();
@@ -100,14 +103,14 @@ void Tap<T>::push(const Trovio::Data<T>& record)
 }
 
 template <class T>
-std::uint64_t Tap<T>::drain(std::int64_t wallAtZero, TapSink& sink)
+TapState Tap<T>::drain(std::int64_t wallAtZero, TapSink& sink)
 {
     this->lock();
     const std::size_t count = _waiting;
-    const std::uint64_t refused = _refused;
+    const TapState idle{_refused, isLarge()};
     this->unlockUnchanged();
     if (count == 0)
-        return refused;
+        return idle;
     Drained drained;
     while (drained._entries != count) {
         Entry& entry = _ring[_oldest];
@@ -130,17 +133,18 @@ std::uint64_t Tap<T>::drain(std::int64_t wallAtZero, TapSink& sink)
 }
 
 template <class T>
-std::uint64_t Tap<T>::giveBack(const Drained& drained)
+TapState Tap<T>::giveBack(const Drained& drained)
 {
+    const bool wasNearlyEmpty = drained._entries <= _ring.size() / FreeShare && drained._text <= _maxText / FreeShare;
     this->lock();
     _waiting -= drained._entries;
     _text -= drained._text;
     _refused += drained._lost;
     if (_waiting == 0)
         _oldest = _next = 0; // the places that were used last are still in the caches
-    const std::uint64_t refused = _refused;
+    const TapState state{_refused, isLarge() && wasNearlyEmpty};
     this->unlockUnchanged();
-    return refused;
+    return state;
 }
 
 } // namespace Monitor

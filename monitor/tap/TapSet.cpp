@@ -98,6 +98,7 @@ bool TapSet::add(const std::string& label, std::shared_ptr<TapReceiver> receiver
         _watched.erase(added);
         throw;
     }
+    _isRoomy = _isRoomy && watched->_tap->isLarge();
     return true;
 }
 
@@ -157,6 +158,7 @@ void TapSet::renewTypes(std::int64_t now)
         renewed->_users = watched->_users;
         unwire(label);
         watched = renewed;
+        _isRoomy = _isRoomy && watched->_tap->isLarge();
         wire(*watched);
     }
 }
@@ -225,22 +227,25 @@ TapSet::Round TapSet::collect()
     _arrivalBound = wall._bound;
     Round round = std::exchange(_spare, {});
     round.reserve(_watched.size());
+    _isRoomy = true;
     for (const auto& [label, watched] : _watched)
-        collectFrom(watched, wall._time, round);
+        _isRoomy = collectFrom(watched, wall._time, round) && _isRoomy;
     renewTypes(nanoseconds<std::chrono::steady_clock>());
     return round;
 }
 
-void TapSet::collectFrom(const std::shared_ptr<Watched>& watched, std::int64_t wallAtZero, Round& round)
+/// Whether it is roomy.
+bool TapSet::collectFrom(const std::shared_ptr<Watched>& watched, std::int64_t wallAtZero, Round& round)
 {
     const std::size_t before = round._count;
     RoundSink sink(round, *watched);
-    const std::uint64_t refused = watched->_tap->drain(wallAtZero, sink);
-    const bool hasLost = std::exchange(watched->_refused, refused) != refused;
+    const TapState state = watched->_tap->drain(wallAtZero, sink);
+    const bool hasLost = std::exchange(watched->_refused, state._refused) != state._refused;
     if (hasLost)
-        round._losses.push_back({watched.get(), watched->_before._refused + refused});
+        round._losses.push_back({watched.get(), watched->_before._refused + state._refused});
     if (hasLost || round._count != before)
         round._watched.push_back(watched);
+    return state._isRoomy;
 }
 
 void TapSet::drain(const Use& use)
@@ -260,6 +265,12 @@ void TapSet::drain(const Use& use)
     round.forget();
     const Ostrel::LockGuard guard(_lock);
     _spare = std::move(round);
+}
+
+bool TapSet::isRoomy() const
+{
+    const Ostrel::LockGuard guard(_lock);
+    return _isRoomy;
 }
 
 double TapSet::arrivalBound() const

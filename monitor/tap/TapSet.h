@@ -57,6 +57,10 @@ public:
     using Use = std::function<void(const std::string& label, const SlotCodec& codec, TapRecord&& record)>;
     void drain(const Use& use = nullptr) OSTREL_EXCLUDES(_lock);
 
+    /// Whether the next drain() may come later than after a round of the shortest length: every tap that stands now has
+    /// many places, and the last drain() found nearly all of them free.
+    bool isRoomy() const OSTREL_EXCLUDES(_lock);
+
     /// Seconds by which the arrivals that the last drain() handed out may be wrong.
     double arrivalBound() const OSTREL_EXCLUDES(_lock);
 
@@ -107,7 +111,7 @@ private:
     void unwire(const std::string& label) const;
     void renewTypes(std::int64_t now) OSTREL_REQUIRES(_lock);
     Round collect() OSTREL_EXCLUDES(_lock);
-    void collectFrom(const std::shared_ptr<Watched>& watched, std::int64_t wallAtZero, Round& round)
+    bool collectFrom(const std::shared_ptr<Watched>& watched, std::int64_t wallAtZero, Round& round)
         OSTREL_REQUIRES(_lock);
 
     const TapSize _size;
@@ -118,6 +122,7 @@ private:
     std::map<std::string, std::shared_ptr<Watched>> _watched OSTREL_GUARDED_BY(_lock);
     std::int64_t _nextRenewal OSTREL_GUARDED_BY(_lock) = 0;  // nanoseconds of the steady clock
     std::int64_t _arrivalBound OSTREL_GUARDED_BY(_lock) = 0; // nanoseconds
+    bool _isRoomy OSTREL_GUARDED_BY(_lock) = true;
     Round _spare OSTREL_GUARDED_BY(_lock);
 };
 

@@ -36,6 +36,7 @@ public:
         _hub->tick();
         _transport->poll();
     }
+    std::chrono::milliseconds pace() const { return _hub->pace(); }
     /// A round of the taps.
     void round()
     {

@@ -290,6 +290,44 @@ TEST(Stream, BatchHoldsAllRecordsOfARound)
     EXPECT_EQ(batch["dropped"], 0);
 }
 
+TEST(Stream, RoundsComeAsSlowlyAsEachClientAllowsAndTapsCanBear)
+{
+    ServerBench bench;
+    Source wand("Wand/x");
+    Source<Trovio::SharedVector<float>> path("Path");
+    WebSocketClient page(bench, "ostrel.batch.v1");
+    const auto subscribe = [&page](const char* op, const char* label) { page.say({{"op", op}, {"labels", {label}}}); };
+    page.say({{"op", "pace"}, {"milliseconds", 50}});
+    subscribe("subscribe", "Wand/x");
+    page.nextJson();
+    EXPECT_EQ(bench.pace(), 50ms);
+    for (const Json& wrong : {Json(15), Json(101), Json(-50), Json("50"), Json()}) {
+        page.say({{"op", "pace"}, {"milliseconds", wrong}});
+        EXPECT_NE(page.nextJson()["message"].get<std::string>().find("from 16 to 100"), std::string::npos) << wrong;
+    }
+    bench.round();
+    EXPECT_EQ(bench.pace(), 50ms);
+    for (int i = 0; i < 400; ++i) // a good part of the tap
+        wand.push(1);
+    bench.round();
+    EXPECT_EQ(bench.pace(), 16ms) << "more of that would find no room";
+    bench.round();
+    EXPECT_EQ(bench.pace(), 50ms);
+    page.nextJson();
+    subscribe("subscribe", "Path");
+    page.nextJson();
+    EXPECT_EQ(bench.pace(), 16ms) << "few arrays find room";
+    subscribe("unsubscribe", "Path");
+    subscribe("nothing", "so that the wish has been read");
+    page.nextJson();
+    bench.round();
+    EXPECT_EQ(bench.pace(), 50ms);
+    WebSocketClient other(bench, "ostrel.batch.v1");
+    other.say({{"op", "subscribe"}, {"labels", {"Wand/x"}}});
+    other.nextJson();
+    EXPECT_EQ(bench.pace(), 16ms) << "somebody did not ask for less";
+}
+
 TEST(Stream, WhatTheTapCouldNotKeepIsMissingForThoseWhoWereThere)
 {
     ServerBench bench;

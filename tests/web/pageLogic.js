@@ -130,6 +130,11 @@ test("a row tells how old its newest record is, and one that was old when it was
   one.polled = 3;
   one.take(104, 104, null);
   assert.equal(one.shownValue, null, "NaN is newer than what was polled");
+  one.isWatched = true;
+  one.measure(1);
+  for (let i = 1; i <= 9; i += 1) one.take(104 + i / 10, 104, i);
+  one.measure(1);
+  assert.equal(one.rate.toFixed(3), "10.000", "a batch that has not come yet slows nothing down");
   assert.deepEqual(["A FLOAT", "n/A b", ""].map((search) => isFound(one, search)), [true, false, true]);
 });
 
@@ -166,10 +171,11 @@ test("a stream asks for what is wanted, also anew, and passes on each record and
   stream.watch(["a", "b"]);
   stream.watch(["b", "c"]);
   assert.deepEqual(before.said.map(({ op, labels }) => [op, ...labels]), [["subscribe", "a", "b"], ["unsubscribe", "a"], ["subscribe", "c"]]);
+  stream.setPace(50);
   before.onclose();
   const now = Socket.newest;
   now.onopen();
-  assert.deepEqual(now.said, [{ op: "subscribe", labels: ["b", "c"] }]);
+  assert.deepEqual(now.said, [{ op: "pace", milliseconds: 50 }, { op: "subscribe", labels: ["b", "c"] }]);
   now.hear({ op: "subscribed", slots: [{ id: 7, label: "b" }] });
   now.hear({ op: "error", label: "c", message: "no such slot" });
   stream.retry(["c"]);

@@ -2,6 +2,14 @@
 
 const forgotten = 0.001; // seconds at each measure(), as clocks drift
 
+/**
+ * Records a second, of as many as came in those seconds; `span` is how much later the newest of them came than the newest one before, by
+ * the host's clock. As they come in batches, that is the better measure where they come regularly.
+ */
+export function rateOf(records, span, seconds) {
+  return records / (Math.abs(span - seconds) < seconds / 2 ? span : seconds);
+}
+
 /** The clock here may be another one, where the page comes through a tunnel. A record takes a while, so the least difference counts. */
 export class HostClock {
   #offset = Infinity; // seconds that the clock here is ahead

@@ -16,6 +16,9 @@ export class Later {
   get element() {
     return this.#part?.element ?? this.note;
   }
+  get pace() {
+    return this.#part?.pace;
+  }
 
   fetch() {
     return (this.#loading ??= this.#load());

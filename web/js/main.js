@@ -41,7 +41,7 @@ function update() {
   setText(tabs[viewNames.indexOf("plots")], plots.length > 0 ? `plots ${plots.length}` : "plots");
   const seen = [...new Set([...plots, chosen])];
   data.setLabels(seen);
-  model.lookAt(seen, view === "graph" || chosen !== "");
+  model.lookAt(seen, view === "graph" || chosen !== "", views[view].pace);
   if (at("view").firstElementChild !== views[view].element) {
     at("view").replaceChildren(views[view].element);
     views[view].show?.();

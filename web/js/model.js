@@ -6,6 +6,7 @@ import { relaysIn } from "./routes.js";
 import { Row } from "./row.js";
 import { Stream } from "./stream.js";
 
+const usualPace = 50; // milliseconds between two batches
 const refreshPeriod = 2_000; // milliseconds, the least
 const maxRefreshPeriod = 5_000;
 const rest = 50; // times as long as a look takes, for it takes the host's time as well
@@ -32,6 +33,7 @@ export class Model extends EventTarget {
   problem = ""; // what was wrong with the last look
   goneSince = undefined; // milliseconds since 1970; undefined while the host is there
   taken = 0; // records in all
+  newest = 0; // when the newest came to the host, by its clock in seconds
   dropped = 0; // records that the server says are missing
   onPlotted = () => {};
   onGap = () => {};
@@ -48,7 +50,10 @@ export class Model extends EventTarget {
     super();
     this.#stream = new Stream({
       onRecord: (label, time, stamp, value) => this.#take(this.#outs.get(label), time, stamp, value),
-      onBatch: (time) => this.clock.note(time),
+      onBatch: (time) => {
+        this.clock.note(time);
+        this.newest = time;
+      },
       onDropped: (count) => (this.dropped += count),
       onGap: (label) => this.onGap(this.#outs.get(label)),
       onRefused: (label, why) => {
@@ -65,11 +70,15 @@ export class Model extends EventTarget {
     for (const row of this.#outs.values()) row.measure(seconds);
   }
 
-  /** Somebody looks at these slots, so sequences among them, or among what feeds them, are wanted, too; and perhaps at nodes. */
-  lookAt(labels, needsNodes) {
+  /**
+   * Somebody looks at these slots, so sequences among them, or among what feeds them, are wanted, too; at nodes; and sees as much
+   * with batches every `pace` milliseconds.
+   */
+  lookAt(labels, needsNodes, pace = usualPace) {
     this.#asked = labels;
     if (needsNodes && !this.#needsNodes) this.#readNodes().catch(() => {}); // the next look tells what is wrong
     this.#needsNodes = needsNodes;
+    this.#stream.setPace(pace);
     this.#watch();
   }
 

@@ -1,5 +1,7 @@
 // A slot, and what has come of it.
 
+import { rateOf } from "./clock.js";
+
 export const stillAfter = 2; // seconds without a record
 
 /** A line of the table: a slot, with the name of the sensor that it serves. What feeds it are out-slots; an out-slot feeds itself. */
@@ -14,7 +16,7 @@ export class Row {
   isWatched = false; // its records come
   isPlotted = false;
   #isFirst = true;
-  #counted = 0;
+  #counted = { count: 0, moved: undefined }; // at the last measure()
   #written = { count: Infinity, time: Infinity }; // as the host said it last
 
   constructor(slot) {
@@ -53,8 +55,9 @@ export class Row {
 
   /** Counts once a second what came. */
   measure(seconds) {
-    if (this.isWatched) this.rate = (this.count - this.#counted) / seconds;
-    this.#counted = this.count;
+    const { count, moved } = this;
+    if (this.isWatched) this.rate = rateOf(count - this.#counted.count, moved - this.#counted.moved, seconds);
+    this.#counted = { count, moved };
   }
 
   /** Where no records are shown, the host says how many were written: by then, in seconds of its clock. */

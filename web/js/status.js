@@ -1,5 +1,6 @@
 // The line that says how the page gets its records, and what it does not get.
 
+import { rateOf } from "./clock.js";
 import { make, setText } from "./dom.js";
 
 const slowAfter = 0.5; // seconds
@@ -15,6 +16,7 @@ function noticeOf(goneSince, problem) {
 
 export class Status {
   #taken = 0;
+  #newest = 0; // seconds
   #slow = 0; // how many seconds it has been so
 
   constructor(model, places) {
@@ -32,10 +34,12 @@ export class Status {
 
   /** To be called once a second: how many records came meanwhile, and how late. */
   measure(seconds, lag) {
-    const { taken, dropped } = this.model;
-    setText(this.rate, `${number.format(Math.round((taken - this.#taken) / seconds))} records/s, ${number.format(taken)} in all`);
+    const { taken, newest, dropped } = this.model;
+    const rate = rateOf(taken - this.#taken, newest - this.#newest, seconds);
+    setText(this.rate, `${number.format(Math.round(rate))} records/s, ${number.format(taken)} in all`);
     this.rate.dataset.taken = taken;
     this.#taken = taken;
+    this.#newest = newest;
     setText(this.lost, dropped > 0 ? `${number.format(dropped)} records missing` : "");
     this.lost.title = "The host had no room for them in the queue of this page, or in a tap.";
     this.#slow = lag > slowAfter ? this.#slow + 1 : 0;

@@ -6,8 +6,8 @@ const firstPause = 250; // milliseconds before it is tried again
 const maxPause = 2_000;
 const labelsAtOnce = 100; // names may be long, and a message has its limit
 
-/** For measurements from outside: records and batches that were taken, and when the first value was shown. */
-export const statistics = { records: 0, dropped: 0, batches: 0, firstValue: null, slots: 0 };
+/** For measurements from outside: records and batches that were taken, when the newest came to the host, and when the first value was shown. */
+export const statistics = { records: 0, dropped: 0, batches: 0, newest: 0, firstValue: null, slots: 0 };
 window.ostrelStatistics = statistics;
 
 /**
@@ -20,6 +20,7 @@ export class Stream {
   #labels = new Set(); // that are asked for
   #names = new Map(); // labels by the server's number
   #dropped = 0;
+  #pace = undefined; // milliseconds
   #pause = firstPause;
 
   constructor(listener) {
@@ -41,6 +42,17 @@ export class Stream {
     statistics.slots = this.#names.size;
   }
 
+  /** Batches may come every so many milliseconds, 16 to 100. They come more often where records would find no room at the host, or others ask for it. */
+  setPace(milliseconds) {
+    if (milliseconds === this.#pace) return;
+    this.#pace = milliseconds;
+    this.#sayPace();
+  }
+
+  #sayPace() {
+    if (this.isOpen && this.#pace !== undefined) this.#socket.send(JSON.stringify({ op: "pace", milliseconds: this.#pace }));
+  }
+
   /** Asks once more for labels that were refused, for their slots may be there by now. */
   retry(labels) {
     this.#say("subscribe", labels.filter((label) => this.#labels.has(label)));
@@ -59,6 +71,7 @@ export class Stream {
       this.#dropped = 0;
       this.#names.clear();
       statistics.slots = 0;
+      this.#sayPace();
       this.#say("subscribe", [...this.#labels]);
       this.listener.onOpen();
     };
@@ -90,6 +103,8 @@ export class Stream {
     statistics.batches += 1;
     statistics.records += message.records.length;
     statistics.dropped = message.dropped;
-    if (message.records.length > 0) this.listener.onBatch(message.records.at(-1)[1]);
+    if (message.records.length === 0) return;
+    statistics.newest = message.records.at(-1)[1];
+    this.listener.onBatch(statistics.newest);
   }
 }

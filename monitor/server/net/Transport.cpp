@@ -18,11 +18,9 @@ namespace Monitor {
 namespace {
 
 namespace asio = boost::asio;
-using namespace std::chrono_literals;
 
 using Problem = boost::system::error_code;
 
-constexpr auto round = 16ms, idleRound = 1000ms;
 constexpr std::size_t maxRefused = 8; // clients that are just being told that there is no room
 
 struct Client {
@@ -146,7 +144,7 @@ void Transport::State::arm()
     if (!_runs || _isArmed || (_clients.empty() && _resting.empty()))
         return;
     _isArmed = true;
-    _timer.expires_after(_service.isWatching() ? round : idleRound);
+    _timer.expires_after(_service.pace());
     _timer.async_wait([this](const Problem& problem) {
         _isArmed = false;
         if (!problem)
@@ -208,7 +206,7 @@ void Transport::post(std::function<void()> work)
 
 void Transport::hurry()
 {
-    if (_state->_isArmed)
+    if (_state->_isArmed && _state->_timer.expiry() > std::chrono::steady_clock::now() + _state->_service.pace())
         _state->_timer.cancel();
 }
 

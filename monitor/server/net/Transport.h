@@ -32,7 +32,7 @@ public:
     void stop();
     /// Does on the thread of run() what it is given, unless run() has ended. Any thread.
     void post(std::function<void()> work);
-    /// Rounds are to come at the rate that the service asks for now.
+    /// The next round is to come as soon as the service asks for now.
     void hurry();
 
     /// Does what can be done now, and ends what took too long; for who moves it by hand.

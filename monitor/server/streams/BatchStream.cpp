@@ -27,10 +27,26 @@ void BatchStream::received(std::string_view message, bool isBinary)
         subscribe(*labels);
     else if (op == "unsubscribe" && labels)
         unsubscribe(*labels);
+    else if (op == "pace")
+        setPace(*object);
     else
         say({{"op", "error"},
              {"message", "no message of " + std::string(Name) +
-                             "; allowed: {\"op\":\"subscribe\",\"labels\":[…]} and \"unsubscribe\""}});
+                             "; allowed: {\"op\":\"subscribe\",\"labels\":[…]}, \"unsubscribe\", and "
+                             "{\"op\":\"pace\",\"milliseconds\":50}"}});
+}
+
+void BatchStream::setPace(const nlohmann::json& object)
+{
+    const auto asked = object.find("milliseconds");
+    const auto number = asked == object.end() ? std::nullopt : numberIn(*asked);
+    if (!number || *number < FastestPace.count() || *number > SlowestPace.count())
+        return say(
+            {{"op", "error"},
+             {"message", "a pace of " + (asked == object.end() ? "nothing" : Explain::jsonText(*asked)) +
+                             " milliseconds; allowed: whole numbers from " + std::to_string(FastestPace.count()) +
+                             " to " + std::to_string(SlowestPace.count())}});
+    _pace = std::chrono::milliseconds(*number);
 }
 
 void BatchStream::subscribe(const nlohmann::json& labels)

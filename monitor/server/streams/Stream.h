@@ -4,6 +4,7 @@
 #include "monitor/server/streams/ClientQueue.h"
 #include "monitor/tap/AnyTap.h"
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -22,6 +23,8 @@ struct SeenRecord {
 /// Threads: the server's.
 class Stream {
 public:
+    static constexpr std::chrono::milliseconds FastestPace{16}, SlowestPace{100};
+
     Stream() = default;
     virtual ~Stream()
     {
@@ -48,6 +51,8 @@ public:
     virtual void miss(std::uint32_t /*number*/, std::uint64_t records) { _queue.drop(records); }
     /// After the records of one round.
     virtual void endRound() = 0;
+    /// How long it may wait from one round to the next.
+    virtual std::chrono::milliseconds pace() const { return FastestPace; }
     /// Whether it is to hear what slots there are.
     virtual bool offersSlots() const { return false; }
     /// Somebody has looked at the slots of the tree, as about once a second; whether they are others now.

@@ -1,5 +1,6 @@
 #include "monitor/server/streams/Watches.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -72,10 +73,9 @@ bool Watches::add(const std::string& label, Stream& stream, std::uint32_t number
         if (!_taps.add(label, made))
             return false;
         known = _watched.emplace(label, made).first;
-        if (_watched.size() == 1)
-            _begun();
     }
     ++_streams[&stream];
+    _hurry();
     known->second->add({&stream, number});
     return true;
 }
@@ -102,6 +102,14 @@ void Watches::removeAll(Stream& stream)
         labels.push_back(label);
     for (const std::string& label : labels)
         remove(label, stream);
+}
+
+std::chrono::milliseconds Watches::pace() const
+{
+    auto pace = Stream::SlowestPace;
+    for (const auto& [stream, slots] : _streams)
+        pace = std::min(pace, stream->pace());
+    return _taps.isRoomy() ? pace : Stream::FastestPace;
 }
 
 void Watches::round()

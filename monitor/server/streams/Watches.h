@@ -14,8 +14,8 @@ namespace Monitor {
 /// Threads:   the server's.
 class Watches {
 public:
-    /// `begun` is called when there is a first slot to watch.
-    Watches(TapSet& taps, std::function<void()> begun) : _taps(taps), _begun(std::move(begun)) {}
+    /// `hurry` is called when the next round may have to come sooner than it was to.
+    Watches(TapSet& taps, std::function<void()> hurry) : _taps(taps), _hurry(std::move(hurry)) {}
 
     /// The stream gets the newest record at once, where there is one, and then all that come, with its number for the
     /// slot. False if there is no such out-slot. No stream watches a slot twice.
@@ -24,6 +24,9 @@ public:
     void removeAll(Stream& stream);
 
     bool empty() const { return _watched.empty(); }
+    /// The time to the next round: what the stream that wants it shortest asks for, and the shortest one where records
+    /// would else find no room.
+    std::chrono::milliseconds pace() const;
     /// Hands out what has come since the last round; what found no room in a tap counts as dropped for each client.
     void round();
 
@@ -35,7 +38,7 @@ private:
     class Watched;
 
     TapSet& _taps;
-    const std::function<void()> _begun;
+    const std::function<void()> _hurry;
     std::unordered_map<std::string, std::shared_ptr<Watched>> _watched; // by label
     std::map<Stream*, std::size_t> _streams;                            // with how many slots each watches
 };

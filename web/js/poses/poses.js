@@ -15,6 +15,7 @@ export class Poses {
   #loading = null;
   #bodies = new Map(); // by name and parts
   #lastDraw = 0;
+  pace = period;
 
   constructor(model, address) {
     this.model = model;
