@@ -1,13 +1,14 @@
 // pageBench.js HOST SECONDS ROWS TABLE: a scene of 500 sensors at 60 Hz and its page in Chromium: how soon it shows values,
 // whether it counts all of them, and what browser, renderer and server take. What draws on the CPU here, where others have a
 // graphics card, is a row of its own and in no limit: the process of the graphics card and the renderer's threads that draw
-// tiles.
+// tiles. Before that, without a browser: whether the scene leaves frames out because of who looks.
 import { spawn } from "node:child_process";
 import { mkdtempSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { createInterface } from "node:readline";
 import puppeteer from "puppeteer-core";
+import { compareFrames, streams } from "./frames.js";
 import { processSeconds, threadSeconds } from "./processes.js";
 import { Rows } from "./rows.js";
 
@@ -67,7 +68,7 @@ async function look({ browser, browserTools, page, address, running }) {
   const renderers = ofKind((type) => type === "renderer"), drawers = ofKind((type) => type === "GPU");
   const tiles = sum(renderers, (id) => threadSeconds(id, tileThreads));
   const counts = await statistics(page);
-  const { edges } = await (await fetch(new URL("/flow", address))).json();
+  const { edges, time: flowTime } = await (await fetch(new URL("/flow", address))).json();
   const { leftOut } = await (await fetch(new URL("/host", address))).json();
   return {
     time: performance.now() / 1000,
@@ -76,7 +77,9 @@ async function look({ browser, browserTools, page, address, running }) {
     drawing: sum(drawers, processSeconds) + tiles,
     server: threadSeconds(running.pid, "monitor"),
     host: processSeconds(running.pid),
+    flowTime,
     records: counts.records,
+    newest: counts.newest,
     dropped: counts.dropped,
     written: edges.reduce((all, { written }) => all + written, 0),
     leftOut,
@@ -103,15 +106,28 @@ async function measure(setup) {
   return { looks, heapGrowth: (await heap(setup.devTools)) - heapBefore };
 }
 
+function reportFrames(rows, { alone, looked, server, records, dropped }) {
+  const all = (samples) => samples.reduce((sum, one) => sum + one, 0);
+  rows.add("frames left out, nobody looks", "", alone);
+  rows.add(`frames left out, ${1 + streams} clients`, "", looked, Math.max(...alone));
+  rows.add("  all turns, nobody looks", "", [all(alone)]);
+  rows.add(`  all turns, ${1 + streams} clients`, "", [all(looked)]);
+  rows.add(`server, ${1 + streams} clients`, "%", server);
+  rows.add("  records that clients took", "", [records]);
+  rows.add("  records that they missed", "", [dropped], 0);
+}
+
+// What the page counted, by the times that its records have, is as exact as their times, whenever batches come.
 function report(rows, firstValues, { looks, heapGrowth }) {
-  const perSecond = (name, scale = 1) =>
-    looks.slice(1).map((now, i) => scale * (now[name] - looks[i][name]) / (now.time - looks[i].time));
+  const perSecond = (name, scale = 1, clock = "time") =>
+    looks.slice(1).map((now, i) => scale * (now[name] - looks[i][name]) / (now[clock] - looks[i][clock]));
   const both = perSecond("browser", 100).map((percent, i) => percent + perSecond("renderer", 100)[i]);
   const all = (name) => looks.at(-1)[name] - looks[0][name];
+  const counted = all("records") / all("newest"), written = all("written") / all("flowTime");
   rows.add("first value after the request", "ms", firstValues, 1000);
-  rows.add("values written", "1/s", perSecond("written"));
-  rows.add("values counted in the page", "1/s", perSecond("records"));
-  rows.add("values missing in the page", "%", [100 * Math.max(0, 1 - all("records") / all("written"))], 0.1);
+  rows.add("values written", "1/s", perSecond("written", 1, "flowTime"));
+  rows.add("values counted in the page", "1/s", perSecond("records", 1, "newest"));
+  rows.add("values missing in the page", "%", [100 * Math.max(0, 1 - counted / written)], 0.1);
   rows.add("values told as dropped", "", [all("dropped")], 0);
   rows.add("browser and renderer", "%", both, 40);
   rows.add("  of it the renderer", "%", perSecond("renderer", 100));
@@ -124,18 +140,21 @@ function report(rows, firstValues, { looks, heapGrowth }) {
 
 const folder = mkdtempSync(join(tmpdir(), "page"));
 const { running, address } = await startHost(folder);
-const browser = await puppeteer.launch({
-  executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
-  args: ["--no-sandbox", "--use-angle=swiftshader", "--enable-unsafe-swiftshader"],
-});
+const rows = new Rows(json, markdown);
+let browser;
 try {
+  reportFrames(rows, await compareFrames(running, address, Math.min(seconds, 60)));
+  browser = await puppeteer.launch({
+    executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
+    args: ["--no-sandbox", "--use-angle=swiftshader", "--enable-unsafe-swiftshader"],
+  });
   const firstValues = [];
   for (let i = 0; i < starts; ++i) firstValues.push(await timeStart(browser, address));
   const browserTools = await browser.target().createCDPSession();
   const setup = { browser, browserTools, address, running, ...(await openPage(browser, address)) };
-  report(new Rows(json, markdown), firstValues, await measure(setup));
+  report(rows, firstValues, await measure(setup));
 } finally {
-  await browser.close();
+  await browser?.close();
   const ended = new Promise((resolve) => { running.once("exit", resolve); });
   running.kill();
   await ended;
