@@ -56,6 +56,21 @@ TEST(Recording, NeverWaitsForTheDiskAndTellsWhenTooMuchWaits)
     EXPECT_EQ(recording.status()._messages, 100U);
 }
 
+TEST(Recording, WaitsForTheDiskOnceForSeveralChunksWhereThatIsBehind)
+{
+    Disk::Log log;
+    std::latch gate(1);
+    Recording recording("a.mcap", std::make_unique<Gated>(log, gate), "test", {1000, 5000});
+    addStory(recording, 200);
+    gate.count_down();
+    EXPECT_EQ(recording.finish(), "");
+    const auto isSync = [](const Disk::Operation& done) { return done._kind == Disk::Operation::Kind::Sync; };
+    EXPECT_LE(std::ranges::count_if(log, isSync), 10); // for 28 chunks of 1000 bytes, beginning and end
+    const Found found = read(Disk::after(log, log.size()));
+    EXPECT_TRUE(found._good && found._state._indexed) << found._state._problem;
+    EXPECT_EQ(found._messages, 200U);
+}
+
 TEST(Recording, ThatWasEndedByTheDiskSaysWhyAndTakesWhatComesWithoutKeepingIt)
 {
     Disk::Log log;
