@@ -1,10 +1,10 @@
 // The text of a scene file, read from a file, and made into sensors that run a frame. Handlers and nodes, which would
 // open devices, are left out.
 #include "fuzz/Fuzz.h"
-#include "scene/file/Problems.h"
 #include "scene/file/SceneReader.h"
-#include "scene/file/SceneText.h"
 #include "scene/run/LoadedScene.h"
+#include "scene/toml/Problems.h"
+#include "scene/toml/SceneText.h"
 #include "trovio/routing/Pattern.h"
 #include <algorithm>
 #include <cmath>

@@ -4,10 +4,10 @@
 #include "host/show/Json.h"
 #include "ostrel/FieldClass.h"
 #include "scene/file/InitialValue.h"
-#include "scene/file/Problems.h"
-#include "scene/file/SceneText.h"
-#include "scene/file/TomlValue.h"
 #include "scene/file/ValueForm.h"
+#include "scene/toml/Problems.h"
+#include "scene/toml/SceneText.h"
+#include "scene/toml/TomlValue.h"
 
 namespace Fuzz {
 

@@ -7,9 +7,9 @@
 #include "host/output/RunLog.h"
 #include "host/run/EndWatch.h"
 #include "scene/check/SceneWarnings.h"
-#include "scene/file/Problems.h"
 #include "scene/file/SceneMemory.h"
 #include "scene/run/OpenRoot.h"
+#include "scene/toml/Problems.h"
 
 #include <climits>
 #include <cstdio>

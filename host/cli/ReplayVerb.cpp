@@ -4,9 +4,9 @@
 #include "host/replay/ReplayRun.h"
 #include "host/show/Json.h"
 #include "monitor/mcap/format/FileTime.h"
-#include "scene/file/Problems.h"
 #include "scene/file/SceneMemory.h"
 #include "scene/file/SceneReader.h"
+#include "scene/toml/Problems.h"
 
 #include <cstdio>
 #include <filesystem>

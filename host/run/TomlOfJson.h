@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scene/file/TomlValue.h"
+#include "scene/toml/TomlValue.h"
 
 #include <nlohmann/json_fwd.hpp>
 #include <optional>

@@ -2,7 +2,7 @@
 
 #include "explain/text/Escape.h"
 #include "scene/change/WrittenHandler.h"
-#include "scene/file/Problems.h"
+#include "scene/toml/Problems.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -2,7 +2,7 @@
 
 #include "explain/text/Escape.h"
 #include "scene/change/HandlerLabels.h"
-#include "scene/file/TomlValue.h"
+#include "scene/toml/TomlValue.h"
 
 #include <algorithm>
 #include <map>

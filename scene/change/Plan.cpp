@@ -1,8 +1,8 @@
 #include "scene/change/Plan.h"
 
-#include "scene/file/Problems.h"
 #include "scene/file/SceneURL.h"
 #include "scene/run/SceneParts.h"
+#include "scene/toml/Problems.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "scene/change/Difference.h"
-#include "scene/file/Problems.h"
+#include "scene/toml/Problems.h"
 #include "trovio/Node.h"
 
 #include <map>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "scene/file/Problems.h"
 #include "scene/file/SceneFile.h"
+#include "scene/toml/Problems.h"
 
 #include <cstdint>
 #include <new>

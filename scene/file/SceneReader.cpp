@@ -3,10 +3,10 @@
 #include "explain/text/ListenAddress.h"
 #include "scene/file/RouteConversions.h"
 #include "scene/file/SceneMemory.h"
-#include "scene/file/SceneText.h"
 #include "scene/file/SceneValidator.h"
-#include "scene/file/TableReader.h"
-#include "scene/file/TomlValue.h"
+#include "scene/toml/SceneText.h"
+#include "scene/toml/TableReader.h"
+#include "scene/toml/TomlValue.h"
 
 #include <cmath>
 #include <zlib.h>

@@ -1,9 +1,9 @@
 #include "scene/run/SceneCause.h"
 
 #include "explain/text/Escape.h"
-#include "scene/file/Problems.h"
 #include "scene/run/NodeLabels.h"
 #include "scene/run/SceneParts.h"
+#include "scene/toml/Problems.h"
 #include "trovio/Root.h"
 
 #include <algorithm>

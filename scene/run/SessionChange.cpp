@@ -1,6 +1,6 @@
 #include "scene/change/Plan.h"
-#include "scene/file/Problems.h"
 #include "scene/run/Session.h"
+#include "scene/toml/Problems.h"
 #include "trovio/Exception.h"
 #include "trovio/Root.h"
 #include "trovio/Time.h"

@@ -2,8 +2,8 @@
 #include "ostrel/FieldClass.h"
 #include "ostrel/FieldTypes.h"
 #include "scene/file/InitialValue.h"
-#include "scene/file/Problems.h"
-#include "scene/file/TomlValue.h"
+#include "scene/toml/Problems.h"
+#include "scene/toml/TomlValue.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

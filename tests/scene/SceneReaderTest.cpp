@@ -2,7 +2,7 @@
 #include "tests/support/Says.h"
 
 #include "scene/file/SceneMemory.h"
-#include "scene/file/SceneText.h"
+#include "scene/toml/SceneText.h"
 
 #include <cstring>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include "explain/text/Escape.h"
 #include "explain/text/NameHint.h"
-#include "scene/file/Problems.h"
+#include "scene/toml/Problems.h"
 
 #include <algorithm>
 #include <span>

@@ -1,4 +1,4 @@
-#include "scene/file/Problems.h"
+#include "scene/toml/Problems.h"
 
 #include "explain/text/Escape.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scene/file/Problems.h"
+#include "scene/toml/Problems.h"
 
 #include <cstddef>
 #include <string>

@@ -1,7 +1,7 @@
-#include "scene/file/TomlValue.h"
+#include "scene/toml/TomlValue.h"
 
 #include "explain/text/Escape.h"
-#include "scene/file/Problems.h"
+#include "scene/toml/Problems.h"
 
 #include <algorithm>
 #include <array>

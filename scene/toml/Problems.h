@@ -1,7 +1,7 @@
 #pragma once
 
 #include "scene/SceneError.h"
-#include "scene/file/TomlValue.h"
+#include "scene/toml/TomlValue.h"
 
 #include <string>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "scene/file/SceneText.h"
+#include "scene/toml/SceneText.h"
 
 #include <cerrno>
 #include <cstring>
