@@ -1,7 +1,7 @@
 #pragma once
 
 #include "monitor/SceneChanges.h"
-#include "scene/change/SceneChanger.h"
+#include "scene/run/SceneChanger.h"
 
 namespace Host {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "scene/file/SceneFile.h"
-#include "scene/run/NodeLabels.h"
+#include "scene/parts/NodeLabels.h"
 
 #include <memory>
 #include <optional>

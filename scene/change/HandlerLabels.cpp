@@ -1,6 +1,6 @@
 #include "scene/change/HandlerLabels.h"
 
-#include "scene/run/SceneParts.h"
+#include "scene/parts/SceneParts.h"
 
 namespace Scenes {
 

@@ -5,7 +5,7 @@
 #include "explain/text/NameHint.h"
 #include "scene/change/HandlerLabels.h"
 #include "scene/change/WrittenHandler.h"
-#include "scene/run/NodeLabels.h"
+#include "scene/parts/NodeLabels.h"
 
 #include <algorithm>
 

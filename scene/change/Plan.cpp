@@ -1,7 +1,7 @@
 #include "scene/change/Plan.h"
 
 #include "scene/file/SceneURL.h"
-#include "scene/run/SceneParts.h"
+#include "scene/parts/SceneParts.h"
 #include "scene/toml/Problems.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "explain/Graph.h"
 #include "scene/file/SceneFile.h"
-#include "scene/run/Stopped.h"
+#include "scene/parts/Stopped.h"
 #include "trovio/Namespace.h"
 #include "trovio/Slot.h"
 #include "trovio/routing/Pattern.h"

@@ -6,7 +6,7 @@
 #include "scene/check/RouteCheck.h"
 #include "scene/check/SensorReach.h"
 #include "scene/file/SceneMemory.h"
-#include "scene/run/SceneParts.h"
+#include "scene/parts/SceneParts.h"
 
 #include <algorithm>
 #include <map>

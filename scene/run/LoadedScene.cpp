@@ -3,7 +3,7 @@
 #include "explain/text/Escape.h"
 #include "explain/text/Failure.h"
 #include "scene/file/SceneURL.h"
-#include "scene/run/SceneParts.h"
+#include "scene/parts/SceneParts.h"
 #include "scene/toml/Problems.h"
 #include "sensorManager/SensorHandler.h"
 #include "sensorManager/SensorManager.h"

@@ -3,10 +3,10 @@
 #include "explain/Say.h"
 #include "scene/change/Difference.h"
 #include "scene/file/SceneFile.h"
+#include "scene/parts/NodeLabels.h"
+#include "scene/parts/SceneParts.h"
+#include "scene/parts/Stopped.h"
 #include "scene/run/LoadedSensors.h"
-#include "scene/run/NodeLabels.h"
-#include "scene/run/SceneParts.h"
-#include "scene/run/Stopped.h"
 
 #include <functional>
 #include <memory>

@@ -2,7 +2,7 @@
 
 #include "explain/TreeWalk.h"
 #include "scene/change/HandlerLabels.h"
-#include "scene/run/NodeLabels.h"
+#include "scene/parts/NodeLabels.h"
 
 namespace Scenes {
 

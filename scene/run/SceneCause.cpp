@@ -1,8 +1,8 @@
 #include "scene/run/SceneCause.h"
 
 #include "explain/text/Escape.h"
-#include "scene/run/NodeLabels.h"
-#include "scene/run/SceneParts.h"
+#include "scene/parts/NodeLabels.h"
+#include "scene/parts/SceneParts.h"
 #include "scene/toml/Problems.h"
 #include "trovio/Root.h"
 

@@ -1,4 +1,4 @@
-#include "scene/change/SceneChanger.h"
+#include "scene/run/SceneChanger.h"
 
 #include "scene/change/Plan.h"
 #include "scene/file/SceneReader.h"

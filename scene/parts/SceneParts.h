@@ -1,7 +1,7 @@
 #pragma once
 
 #include "merid/URL.h"
-#include "scene/run/NodeLabels.h"
+#include "scene/parts/NodeLabels.h"
 #include "trovio/Node.h"
 
 #include <functional>

@@ -1,4 +1,4 @@
-#include "scene/run/NodeLabels.h"
+#include "scene/parts/NodeLabels.h"
 
 #include "explain/text/NameHint.h"
 #include "scene/file/SettingsText.h"

@@ -1,4 +1,4 @@
-#include "scene/run/SceneParts.h"
+#include "scene/parts/SceneParts.h"
 
 #include "explain/text/Escape.h"
 #include "explain/text/Failure.h"
