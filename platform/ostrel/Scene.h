@@ -4,7 +4,9 @@
 #include "ostrel/DirectSensor.h"
 #include "ostrel/Node.h"
 #include "ostrel/TimeStamp.h"
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -44,9 +46,17 @@ public:
 
 private:
     class Walk;
-    /// Those that stand at `next` and behind it; `next` says how far it came, also when it throws. True if there is
-    /// perhaps one of the other direction.
-    bool service(bool outputs, std::size_t& next, const TimeStamp& now);
+    enum Direction : std::uint8_t { In, Out, None };
+    /// Where a sensor stands. It knows the direction, so that a walk reads nothing of the sensors that it passes over.
+    struct Seat {
+        std::unique_ptr<DirectSensor> _sensor; // null where it was taken away
+        Direction _direction = None;
+    };
+
+    void ask(Seat& seat);
+    void askAll();
+    /// Those that stand at `next` and behind it; `next` says how far it came, also when it throws.
+    void service(bool outputs, std::size_t& next, const TimeStamp& now);
     /// What service() left when it threw for want of memory.
     void serviceLeft(bool outputs, std::size_t next, const TimeStamp& now);
     void tellOfMemory() noexcept;
@@ -54,9 +64,11 @@ private:
     void closeGaps();
 
     std::unique_ptr<Context> _context;
-    Node _root;                                          // above all sensors, so that it knows whether any changed
-    std::vector<std::unique_ptr<DirectSensor>> _sensors; // null where one was taken away
-    std::unordered_map<const DirectSensor*, std::size_t> _places; // in _sensors
+    Node _root; // above all sensors, so that it knows whether any changed
+    std::vector<Seat> _seats;
+    std::array<std::size_t, 3> _counts{};                         // of seats, by direction
+    std::uint64_t _turns = 0;                                     // of all sensors, when those here were asked
+    std::unordered_map<const DirectSensor*, std::size_t> _places; // in _seats
     int _walks = 0;
     bool _toldOfMemory = false;
 };

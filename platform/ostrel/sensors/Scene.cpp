@@ -45,13 +45,29 @@ Scene::~Scene()
     clear();
 }
 
+void Scene::ask(Seat& seat)
+{
+    --_counts[seat._direction];
+    seat._direction = !seat._sensor ? None : seat._sensor->isOutput() ? Out : In;
+    ++_counts[seat._direction];
+}
+
+void Scene::askAll()
+{
+    for (Seat& seat : _seats)
+        ask(seat);
+    _turns = DirectSensor::turns();
+}
+
 DirectSensor& Scene::add(std::unique_ptr<DirectSensor> sensor)
 {
     assert(sensor && !sensor->context());
     DirectSensor& added = *sensor;
-    _sensors.emplace_back();
-    _places.emplace(&added, _sensors.size() - 1);
-    _sensors.back() = std::move(sensor);
+    _seats.emplace_back();
+    ++_counts[None];
+    _places.emplace(&added, _seats.size() - 1);
+    _seats.back()._sensor = std::move(sensor);
+    ask(_seats.back());
     try {
         added.setParent(&_root);
         added.setContext(_context.get());
@@ -71,14 +87,15 @@ std::unique_ptr<DirectSensor> Scene::remove(DirectSensor& sensor)
 void Scene::clear()
 {
     const Walk walk(*this);
-    for (std::size_t place = 0; place != _sensors.size(); ++place)
-        if (_sensors[place])
+    for (std::size_t place = 0; place != _seats.size(); ++place)
+        if (_seats[place]._sensor)
             take(place);
 }
 
 std::unique_ptr<DirectSensor> Scene::take(std::size_t place)
 {
-    std::unique_ptr<DirectSensor> sensor = std::move(_sensors[place]);
+    std::unique_ptr<DirectSensor> sensor = std::move(_seats[place]._sensor);
+    ask(_seats[place]);
     _places.erase(sensor.get());
     closeGaps();
     sensor->setContext(nullptr);
@@ -89,33 +106,37 @@ std::unique_ptr<DirectSensor> Scene::take(std::size_t place)
 /// Only where they are more than the sensors, so that each that goes pays as much as for one.
 void Scene::closeGaps()
 {
-    if (_walks != 0 || _sensors.size() <= 2 * _places.size())
+    if (_walks != 0 || _seats.size() <= 2 * _places.size())
         return;
-    std::erase(_sensors, nullptr);
-    for (std::size_t place = 0; place != _sensors.size(); ++place)
-        _places.find(_sensors[place].get())->second = place;
+    _counts[None] -= std::erase_if(_seats, [](const Seat& seat) { return !seat._sensor; });
+    for (std::size_t place = 0; place != _seats.size(); ++place)
+        _places.find(_seats[place]._sensor.get())->second = place;
 }
 
 std::vector<DirectSensor*> Scene::sensors() const
 {
     std::vector<DirectSensor*> result;
     result.reserve(size());
-    for (const auto& sensor : _sensors)
-        if (sensor)
-            result.push_back(sensor.get());
+    for (const Seat& seat : _seats)
+        if (seat._sensor)
+            result.push_back(seat._sensor.get());
     return result;
 }
 
 void Scene::frame(const TimeStamp& now)
 {
-    // Most scenes have no outputs. A second walk over all sensors would cost as much as the first, so it is left out
-    // where the first one met no output and no sensor came or turned round meanwhile.
     const Walk walk(*this);
-    const std::uint64_t turns = DirectSensor::turns();
-    bool outputs = false;
+    if (_turns != DirectSensor::turns())
+        askAll();
+    const std::uint64_t turns = _turns;
+    const std::size_t seats = _seats.size();
+    bool outputs = _counts[In] == 0;
     std::size_t next = 0;
     try {
-        if (service(outputs, next, now) || turns != DirectSensor::turns()) {
+        if (!outputs)
+            service(outputs, next, now);
+        // Most scenes have no outputs; but a sensor may have come or turned round meanwhile.
+        if (_counts[Out] != 0 || seats != _seats.size() || turns != DirectSensor::turns()) {
             outputs = true;
             next = 0;
             service(outputs, next, now);
@@ -141,21 +162,20 @@ void Scene::serviceLeft(bool outputs, std::size_t next, const TimeStamp& now)
     }
 }
 
-bool Scene::service(bool outputs, std::size_t& next, const TimeStamp& now)
+void Scene::service(bool outputs, std::size_t& next, const TimeStamp& now)
 {
-    bool others = false;
-    const std::size_t end = _sensors.size(); // one that comes meanwhile stands behind it
+    const Direction wanted = outputs ? Out : In;
+    const std::size_t end = _seats.size(); // one that comes meanwhile stands behind it
     while (next != end) {
-        DirectSensor* const sensor = _sensors[next++].get();
-        if (!sensor)
+        const Seat& seat = _seats.data()[next++]; // in bounds: no seat goes while a walk lasts
+        // A sensor may have turned round since the frame began.
+        if (seat._direction != wanted && (_turns == DirectSensor::turns() || !seat._sensor))
             continue;
+        DirectSensor* const sensor = seat._sensor.get();
         DirectSensorProc* const proc = sensor->getDirectSensorProc();
-        if (sensor->isOutput() != outputs)
-            others = true;
-        else if (proc)
+        if (sensor->isOutput() == outputs && proc)
             proc->getUpdateSubject().notify(now, sensor);
     }
-    return others || _sensors.size() != end;
 }
 
 void Scene::tellOfMemory() noexcept
@@ -178,10 +198,11 @@ std::vector<DirectSensor*> Scene::takeChanged()
     std::vector<DirectSensor*> changed;
     if (_root.marksBelow() == 0)
         return changed;
-    for (const auto& sensor : _sensors) {
+    for (const Seat& seat : _seats) {
+        DirectSensor* const sensor = seat._sensor.get();
         if (!sensor || !sensor->isMarked())
             continue;
-        changed.push_back(sensor.get());
+        changed.push_back(sensor);
         sensor->clearMarks();
     }
     return changed;
