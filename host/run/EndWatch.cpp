@@ -1,27 +1,19 @@
 #include "host/run/EndWatch.h"
 
 #include "base/QuietThread.h"
-#include "explain/text/Escape.h"
 #include "host/output/QueuedOutput.h"
 #include "host/show/Keyboard.h"
 
-#include <algorithm>
 #include <new>
 #include <unistd.h>
 
 namespace Host {
 
-using namespace Explain;
 using namespace Scenes;
 
 namespace {
 
-constexpr double first = 1, every = 5, interval = 0.1, forever = 3600; // seconds
-
-double secondsOf(const Trovio::NodeMove::Info& move)
-{
-    return std::chrono::duration<double>(Trovio::NodeMove::Clock::now() - move._since).count();
-}
+constexpr double interval = 0.1, forever = 3600; // seconds
 
 constexpr auto patience = std::chrono::milliseconds(100); // with a reader that has stopped
 
@@ -34,28 +26,6 @@ void withoutMemory(const Action& action) noexcept
     } catch (const std::bad_alloc&) {
         return;
     }
-}
-
-const char* doneOf(Trovio::NodeMove::Kind kind)
-{
-    switch (kind) {
-    case Trovio::NodeMove::Kind::IsConfigured:
-        return "taken its settings";
-    case Trovio::NodeMove::Kind::Starts:
-        return "started";
-    case Trovio::NodeMove::Kind::Stops:
-        return "stopped";
-    case Trovio::NodeMove::Kind::IsDestroyed:
-        return "been destroyed";
-    }
-    return "come back"; // not reached
-}
-
-std::string described(const Trovio::NodeMove::Info& move)
-{
-    const double seconds = secondsOf(move);
-    return "node " + inQuotes(move._label) + " has not " + doneOf(move._kind) +
-           (seconds < first ? " yet" : " for " + std::to_string(static_cast<long>(seconds)) + " s");
 }
 } // namespace
 
@@ -95,18 +65,8 @@ void EndWatch::watch()
 
 void EndWatch::tellOfHangingNode()
 {
-    const auto move = Trovio::NodeMove::longest();
-    if (!move)
-        return;
-    // One node may do one thing after another, and two may have one label.
-    if (!_told || move->_since != _told->_since || move->_kind != _told->_kind || move->_label != _told->_label)
-        _next = first;
-    _told = move;
-    const double seconds = secondsOf(*move);
-    if (seconds < _next)
-        return;
-    _next = std::max(_next, seconds - every) + every;
-    _say(described(*move) + "; a second signal (Ctrl-C, SIGTERM) ends the program without it");
+    if (const std::string news = _hanging.news(); !news.empty())
+        _say(news + "; a second signal (Ctrl-C, SIGTERM) ends the program without it");
 }
 
 void EndWatch::endAtOnce() const

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "host/run/StopSignal.h"
+#include "scene/parts/HangingNode.h"
 #include "scene/run/LoadedScene.h"
-#include "trovio/NodeMove.h"
 
 #include <atomic>
 #include <thread>
@@ -33,8 +33,7 @@ private:
     const StopSignal& _stop;
     const Scenes::Say _say;
     std::atomic<bool> _begun{false}, _over{false};
-    std::optional<Trovio::NodeMove::Info> _told; // the one that was looked at last; the thread's, as the next one
-    double _next = 0;                            // seconds that it takes until it is named
+    Scenes::HangingNode _hanging; // the thread's
     std::thread _thread;
 };
 } // namespace Host

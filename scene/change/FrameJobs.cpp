@@ -1,32 +1,53 @@
 #include "scene/change/FrameJobs.h"
 
+#include <chrono>
 #include <exception>
 #include <new>
 
 namespace Scenes {
 
+namespace {
+
+constexpr auto waitInterval = std::chrono::milliseconds(200);
+} // namespace
+
 struct FrameJobs::Job {
-    const std::function<void()>& _work;
+    const Action& _work;
     std::exception_ptr _failure{};
     bool _isDone = false;
 };
 
-void FrameJobs::run(const std::function<void()>& work)
+void FrameJobs::run(const Action& work, const Action& wait)
 {
     Job job{work};
-    {
-        const Ostrel::LockGuard guard(_lock);
-        if (_isOver)
-            throw JobRefused("the run has ended");
-        if (_waiting.size() >= MaxWaiting)
-            throw JobRefused("too many changes wait for the scene; try again");
-        _waiting.push_back(&job);
-        _isWanted.store(true, std::memory_order_release);
-        while (!job._isDone)
-            _news.wait(_lock);
-    }
+    take(job);
+    while (!waitFor(job))
+        if (wait)
+            wait();
     if (job._failure)
         std::rethrow_exception(job._failure);
+}
+
+void FrameJobs::take(Job& job)
+{
+    const Ostrel::LockGuard guard(_lock);
+    if (_isOver)
+        throw JobRefused("the run has ended");
+    if (_waiting.size() >= MaxWaiting)
+        throw JobRefused("too many changes wait for the scene; try again");
+    _waiting.push_back(&job);
+    _isWanted.store(true, std::memory_order_release);
+}
+
+/// False where the job is not done after a while.
+bool FrameJobs::waitFor(const Job& job)
+{
+    const Ostrel::LockGuard guard(_lock);
+    const auto end = std::chrono::steady_clock::now() + waitInterval;
+    while (!job._isDone)
+        if (_news.wait_until(_lock, end) == std::cv_status::timeout)
+            return job._isDone;
+    return true;
 }
 
 bool FrameJobs::work()

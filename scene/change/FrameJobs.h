@@ -23,9 +23,11 @@ class FrameJobs {
 public:
     static constexpr std::size_t MaxWaiting = 16;
 
-    /// Has the job done, and blocks until it is. What the job throws comes out here. Throws JobRefused where it is not
+    using Action = std::function<void()>;
+    /// Has the job done, and blocks until it is; `wait`, which must not throw, is called several times a second
+    /// meanwhile, on the thread that waits. What the job throws comes out here. Throws JobRefused where it is not
     /// taken, and then it never runs.
-    void run(const std::function<void()>& job) OSTREL_EXCLUDES(_lock);
+    void run(const Action& job, const Action& wait = nullptr) OSTREL_EXCLUDES(_lock);
 
     /// Between two frames: does what waits. Costs next to nothing where nothing does. True where something did. What a
     /// job throws is for who waits for it; that memory ran out is thrown here, too, for what was begun is not whole.
@@ -35,6 +37,8 @@ public:
 
 private:
     struct Job;
+    void take(Job& job) OSTREL_EXCLUDES(_lock);
+    bool waitFor(const Job& job) OSTREL_EXCLUDES(_lock);
     void finish(const std::deque<Job*>& jobs) OSTREL_EXCLUDES(_lock);
 
     std::atomic<bool> _isWanted{false};

@@ -2,8 +2,25 @@
 
 #include "scene/change/Plan.h"
 #include "scene/file/SceneReader.h"
+#include "scene/parts/HangingNode.h"
+
+#include <new>
 
 namespace Scenes {
+
+namespace {
+
+void tellOf(HangingNode& hanging, const Say& say) noexcept
+{
+    try {
+        if (const std::string news = hanging.news(); !news.empty())
+            say("the frames stand until the scene is changed: " + news +
+                "; two signals (Ctrl-C, SIGTERM) end the program without it");
+    } catch (const std::bad_alloc&) {
+        return; // next time
+    }
+}
+} // namespace
 
 SceneChanger::SceneChanger(Session& session, FrameJobs& jobs, Say say)
     : _session(session), _jobs(jobs), _say(std::move(say))
@@ -35,7 +52,8 @@ SceneChanger::Lines SceneChanger::apply(SceneFiles after, Session::Origin origin
     Lines lines = plan.lines();
     for (const std::string& line : lines)
         _say(line);
-    _jobs.run([&] { _session.apply(plan, origin, _say); });
+    HangingNode hanging;
+    _jobs.run([&] { _session.apply(plan, origin, _say); }, [&] { tellOf(hanging, _say); });
     if (_heard && origin == Session::Origin::Read)
         _heard(plan.differences());
     return lines;

@@ -10,12 +10,15 @@
 #include "tests/support/Says.h"
 #include "tests/support/SceneOnDisk.h"
 #include "trovio/BasicInSlot.h"
+#include "trovio/NodeMove.h"
 #include "trovio/Root.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <thread>
 
 using namespace Scenes;
@@ -251,4 +254,24 @@ TEST(SceneChanger, ChangesByHandAreTakenBackByAReload)
     jobs.end();
     EXPECT_THROW(changer.change([](const SceneFiles& files) { return withoutRoute(files, "Scale/out", "Other"); }),
                  JobRefused);
+}
+
+TEST(SceneChanger, NamesTheNodeThatHoldsTheFramesUp)
+{
+    Session session;
+    start(session, road);
+    FrameJobs jobs;
+    std::promise<std::string> told;
+    SceneChanger changer(session, jobs, [&told](const std::string& line) {
+        if (line.starts_with("the frames stand"))
+            told.set_value(line);
+    });
+    std::optional<Trovio::NodeMove> hanging(std::in_place, "Context/OSC", Trovio::NodeMove::Kind::Stops);
+    std::thread other(
+        [&] { changer.change([](const SceneFiles& running) { return withoutRoute(running, "Scale/out", "Other"); }); });
+    EXPECT_TRUE(says(told.get_future().get(), "node 'Context/OSC' has not stopped for 1 s"));
+    hanging.reset();
+    while (!jobs.work())
+        std::this_thread::yield();
+    other.join();
 }
