@@ -106,8 +106,12 @@ void TapSet::remove(const std::string& label)
 {
     const Ostrel::LockGuard guard(_lock);
     const auto known = _watched.find(label);
-    if (known == _watched.end() || --known->second->_users != 0)
+    if (known == _watched.end())
         return;
+    if (known->second->_users > 1) {
+        --known->second->_users;
+        return;
+    }
     unwire(label);
     _watched.erase(known);
 }

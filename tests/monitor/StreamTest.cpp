@@ -414,4 +414,35 @@ TEST(Stream, LinesOfNoSlotAreRefused)
     client.send("GET /stream?label=Wand/x&n=0 HTTP/1.1\r\nHost: h\r\n\r\n");
     EXPECT_TRUE(client.waitFor("400 Bad Request"));
 }
+
+TEST(Stream, LinesOfTwoSourcesWithOneLabelComeOnce)
+{
+    ServerBench bench;
+    Trovio::OutSlot<double> inBox("value");
+    auto box = std::make_unique<Trovio::Namespace>();
+    box->addOutSlot("value", &inBox);
+    box->addExternalRoute("value", "Same");
+    Trovio::Root::get().addNamespace("Box", std::move(box));
+    Source same("Same");
+    Trovio::InSlot<double> in("in");
+    Trovio::Root::get().addInSlot("In", &in);
+    Trovio::Root::get().addRoute("Same", "In");
+    WebSocketClient other(bench, "ostrel.batch.v1");
+    other.say({{"op", "subscribe"}, {"labels", {"Same"}}});
+    {
+        BenchClient client(bench);
+        client.send("GET /stream?label=In&n=2 HTTP/1.1\r\nHost: h\r\n\r\n");
+        ASSERT_TRUE(client.waitFor("\r\n\r\n"));
+        same.push(1);
+        bench.round();
+        same.push(2);
+        bench.round();
+        const std::string all = client.readAll();
+        EXPECT_NE(all.find("\"value\":2.0"), all.npos) << all; // the second one, not the first one again
+    }
+    same.push(3); // nobody hands it to the one that has gone
+    bench.round();
+    Trovio::Root::get().removeSlot("In");
+    Trovio::Root::get().removeNamespace("Box");
+}
 } // namespace

@@ -18,6 +18,7 @@ public:
     void take(const SlotCodec& codec, TapRecord& record) override;
     void add(const Viewer& viewer);
     bool remove(const Stream& stream);
+    bool isSeenBy(const Stream& stream) const { return std::ranges::count(_viewers, &stream, &Viewer::_stream) > 0; }
     bool isAlone() const { return _viewers.empty(); }
     void miss(std::uint64_t refused) override;
 
@@ -63,34 +64,48 @@ void Watches::Watched::miss(std::uint64_t refused)
     _refused = refused;
 }
 
+/// Has the slot tapped for an entry of its own, or leaves none.
+bool Watches::begin(const std::string& label)
+{
+    const auto made = _watched.emplace(label, std::make_shared<Watched>(label)).first;
+    bool isTapped = false;
+    try {
+        isTapped = _taps.add(label, made->second);
+    } catch (...) {
+        _watched.erase(made);
+        throw;
+    }
+    if (!isTapped)
+        _watched.erase(made);
+    return isTapped;
+}
+
 bool Watches::add(const std::string& label, Stream& stream, std::uint32_t number)
 {
-    auto known = _watched.find(label);
-    if (known != _watched.end()) {
+    if (const auto known = _watched.find(label); known != _watched.end())
         known->second->miss(_taps.getCounts(label)._refused); // before it came
-    } else {
-        const auto made = std::make_shared<Watched>(label);
-        if (!_taps.add(label, made))
-            return false;
-        known = _watched.emplace(label, made).first;
-    }
+    else if (!begin(label))
+        return false;
+    Watched& watched = *_watched.at(label);
+    if (watched.isSeenBy(stream))
+        return true;
     ++_streams[&stream];
     _hurry();
-    known->second->add({&stream, number});
+    watched.add({&stream, number});
     return true;
 }
 
 void Watches::remove(const std::string& label, Stream& stream)
 {
     const auto known = _watched.find(label);
-    if (known == _watched.end() || !known->second->remove(stream))
+    if (known == _watched.end())
         return;
-    if (--_streams[&stream] == 0)
+    if (known->second->remove(stream) && --_streams[&stream] == 0)
         _streams.erase(&stream);
     if (!known->second->isAlone())
         return;
-    _watched.erase(known);
     _taps.remove(label);
+    _watched.erase(known);
 }
 
 void Watches::removeAll(Stream& stream)
@@ -102,6 +117,7 @@ void Watches::removeAll(Stream& stream)
         labels.push_back(label);
     for (const std::string& label : labels)
         remove(label, stream);
+    _streams.erase(&stream); // also where memory ran out while it was added
 }
 
 std::chrono::milliseconds Watches::pace() const

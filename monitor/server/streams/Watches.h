@@ -18,7 +18,7 @@ public:
     Watches(TapSet& taps, std::function<void()> hurry) : _taps(taps), _hurry(std::move(hurry)) {}
 
     /// The stream gets the newest record at once, where there is one, and then all that come, with its number for the
-    /// slot. False if there is no such out-slot. No stream watches a slot twice.
+    /// slot. False if there is no such out-slot. A stream that watches it already goes on with its number.
     bool add(const std::string& label, Stream& stream, std::uint32_t number = 0);
     void remove(const std::string& label, Stream& stream);
     void removeAll(Stream& stream);
@@ -36,10 +36,13 @@ private:
         std::uint32_t _number; // by which it knows the slot
     };
     class Watched;
+    using ByLabel = std::unordered_map<std::string, std::shared_ptr<Watched>>;
+
+    bool begin(const std::string& label);
 
     TapSet& _taps;
     const std::function<void()> _hurry;
-    std::unordered_map<std::string, std::shared_ptr<Watched>> _watched; // by label
-    std::map<Stream*, std::size_t> _streams;                            // with how many slots each watches
+    ByLabel _watched;
+    std::map<Stream*, std::size_t> _streams; // with how many slots each watches
 };
 } // namespace Monitor
