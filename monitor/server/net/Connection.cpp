@@ -333,7 +333,8 @@ void BeastConnection::acceptWebSocket()
     useStream(_around._service.openSocket(_head, _door, _subprotocol));
     _webSocket.emplace(std::move(_socket));
     _webSocket->read_message_max(_around._limits._body);
-    _webSocket->auto_fragment(false); // else a message goes in pieces of 4 KiB, each with a call of the system
+    // Each piece is a call of the system; a pong waits for the end of one.
+    _webSocket->write_buffer_bytes(64 * 1024);
     _webSocket->set_option(websocket::stream_base::decorator([this](websocket::response_type& response) {
         response.set(http::field::sec_websocket_protocol, _subprotocol);
     }));

@@ -8,8 +8,9 @@
 namespace Monitor {
 namespace {
 
+constexpr std::size_t maxReused = 64 * 1024; // bytes
 constexpr const char* batchBegin = "{\"op\":\"batch\",\"records\":[";
-}
+} // namespace
 
 // A client that does not even take words is sent away.
 void BatchStream::say(const nlohmann::json& object)
@@ -92,6 +93,8 @@ void BatchStream::take(const SeenRecord& seen)
         ++_gaps[seen._number];
     else if (isFirst)
         makeGapsDue();
+    if (_text.capacity() > maxReused)
+        std::string().swap(_text);
 }
 
 void BatchStream::miss(std::uint32_t number, std::uint64_t records)
@@ -130,9 +133,9 @@ void BatchStream::endRound()
     if (isEmpty())
         makeGapsDue();
     tellGaps();
-    OutMessage round = takeRound();
-    if (round._records == 0)
+    if (isEmpty())
         return;
+    OutMessage round = takeRound();
     round._bytes += "]" + batchEnd();
     queue().putRecords(std::move(round));
 }
