@@ -78,9 +78,14 @@ void PageContent::addScripts()
     std::error_code none;
     std::vector<std::string> names;
     const Files::path scripts = Files::path(_folder) / "js";
-    for (Files::recursive_directory_iterator entry(scripts, none), end; !none && entry != end; entry.increment(none))
+    for (Files::recursive_directory_iterator entry(scripts, Files::directory_options::skip_permission_denied, none),
+         end;
+         !none && entry != end; entry.increment(none))
         if (std::string name = entry->path().lexically_relative(scripts).string(); isScriptName(name))
             names.push_back(std::move(name));
+    if (none)
+        warn("the page may do without scripts: " + Explain::inQuotes(scripts.string()) +
+             " cannot be read: " + none.message());
     std::ranges::sort(names);
     if (names.size() > MaxScripts) {
         warn("the page takes " + std::to_string(MaxScripts) + " of the " + std::to_string(names.size()) +
