@@ -24,7 +24,7 @@ public:
 
     std::size_t size() const { return _bytes.size(); }
     std::size_t messages() const { return _index.size(); }
-    std::size_t capacity() const { return _bytes.capacity(); } // bytes
+    std::size_t capacity() const { return _bytes.capacity() + _index.capacity() * sizeof _index[0]; } // bytes
     /// A chunk without messages has no time, so readers would let the file begin in 1970: it is not to be written.
     bool empty() const { return _index.empty(); }
 

@@ -109,8 +109,12 @@ void Recording::keepSpare(ChunkBuilder&& chunk)
     const std::size_t bytes = _spareBytes + chunk.capacity();
     if (bytes > _limits._spare)
         return;
-    _spares.push_back(std::move(chunk));
-    _spareBytes = bytes;
+    try {
+        _spares.push_back(std::move(chunk));
+        _spareBytes = bytes;
+    } catch (const std::bad_alloc&) {
+        return; // it is written, and only its memory goes
+    }
 }
 
 void Recording::attach(const std::string& name, const std::string& mediaType, std::string_view data, std::uint64_t time)
