@@ -15,7 +15,8 @@ struct RecorderOptions {
     using Pairs = std::vector<std::pair<std::string, std::string>>;
     std::string program{};                              // its name and version
     Pairs facts{};                                      // of the run: names and values
-    std::function<Pairs()> texts{};                     // attached: names and contents of scene files; asked by start()
+    std::function<Pairs()> texts{};                     // attached: names and contents of scene files; start() asks
+                                                        // first, and throws what it throws
     std::function<void(const std::string& line)> say{}; // what a user must know; any thread, and may not block
 };
 

@@ -14,11 +14,12 @@ public:
 
     void start(const RecordingOrder& order) OSTREL_EXCLUDES(_lock)
     {
+        const auto texts = _options.texts ? _options.texts() : RecorderOptions::Pairs();
         const Ostrel::LockGuard guard(_lock);
         if (_work)
             throw std::runtime_error("a recording is made already, into " +
                                      Explain::inQuotes(_handover.status()._path) + "; end that one first");
-        _work = std::make_unique<RecorderWork>(_options, order, _handover);
+        _work = std::make_unique<RecorderWork>(_options, texts, order, _handover);
         say("recording to " + Explain::inQuotes(order.path));
     }
 

@@ -32,19 +32,20 @@ Trovio::Pattern patternOf(const std::string& text)
     }
 }
 
-void addNotes(Mcap::Recording& file, const RecorderOptions& options)
+void addNotes(Mcap::Recording& file, const RecorderOptions& options, const RecorderOptions::Pairs& texts)
 {
     file.note({"host", {options.facts.begin(), options.facts.end()}});
     const ClockState clock = clockState();
     file.note(
         {"clock", {{"synchronized", clock._isSynchronized ? "yes" : "no"}, {"error", std::to_string(clock._error)}}});
     const double now = std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
-    for (const auto& [name, text] : options.texts ? options.texts() : RecorderOptions::Pairs())
+    for (const auto& [name, text] : texts)
         file.attach(name, "application/toml", text, Mcap::fileTimeOf(now));
 }
 } // namespace
 
-RecorderWork::RecorderWork(const RecorderOptions& options, const RecordingOrder& order, Handover& handover)
+RecorderWork::RecorderWork(const RecorderOptions& options, const RecorderOptions::Pairs& texts,
+                           const RecordingOrder& order, Handover& handover)
     : _options(options),
       _path(order.path),
       _pattern(patternOf(order.slots)),
@@ -54,7 +55,7 @@ RecorderWork::RecorderWork(const RecorderOptions& options, const RecordingOrder&
       _own(_file),
       _slots(_pattern, order.memory, _file) // here, so that nothing is missed of what is pushed from now on
 {
-    addNotes(_file, options);
+    addNotes(_file, options, texts);
     _handover.tell(statusNow());
     try {
         _thread = Ostrel::quietThread("recorder", [this] { run(); });

@@ -15,7 +15,8 @@ namespace Monitor {
 class RecorderWork {
 public:
     /// Throws std::runtime_error where the order cannot be carried out; one that is refused makes no file.
-    RecorderWork(const RecorderOptions& options, const RecordingOrder& order, Handover& handover);
+    RecorderWork(const RecorderOptions& options, const RecorderOptions::Pairs& texts, const RecordingOrder& order,
+                 Handover& handover);
     ~RecorderWork() { finish(); }
     RecorderWork(const RecorderWork&) = delete;
     RecorderWork& operator=(const RecorderWork&) = delete;
