@@ -163,6 +163,15 @@ void HostClient::send(const HostQuestion& question)
     }
 }
 
+// The connection is closed in the middle of an answer.
+void HostClient::throwForEnd() const
+{
+    const std::string text = _name + " has ended before its answer did";
+    if (access(_path.c_str(), F_OK) != 0 && errno == ENOENT)
+        throw HostEnded(Failed, text);
+    throw AskError(Failed, text);
+}
+
 HostClient::News HostClient::receive(Answer& answer, double deadline, bool watchesOutput)
 {
     std::array<pollfd, 2> news{{{_socket, POLLIN, 0}, {watchesOutput ? STDOUT_FILENO : -1, 0, 0}}};
@@ -175,7 +184,7 @@ HostClient::News HostClient::receive(Answer& answer, double deadline, bool watch
     std::array<char, 65536> bytes; // NOLINT(*-member-init): filled by recv
     const ssize_t count = recv(_socket, bytes.data(), bytes.size(), 0);
     if (count <= 0)
-        throw AskError(Failed, _name + " has ended before its answer did");
+        throwForEnd();
     if (!answer.put({bytes.data(), static_cast<std::size_t>(count)}))
         throw AskError(Failed,
                        _name + " answers what is no HTTP, or more than " + std::to_string(maxAnswer >> 20) + " MiB");

@@ -15,7 +15,7 @@ struct AskError : std::runtime_error {
     int _code;
 };
 
-/// The host has ended in order between two answers: its socket is gone.
+/// The host has ended in order: its socket is gone.
 struct HostEnded : AskError {
     using AskError::AskError;
 };
@@ -63,6 +63,7 @@ private:
     class Answer;
     int connect();
     void reconnect();
+    [[noreturn]] void throwForEnd() const;
     void send(const HostQuestion& question);
     enum class News { Part, Silence, ReaderGone };
     News receive(Answer& answer, double deadline, bool watchesOutput);
