@@ -42,10 +42,12 @@ function startHost(folder) {
 
 const statistics = (page) => page.evaluate(() => ({ ...globalThis.ostrelStatistics }));
 
-// Each time as if the browser had never seen it. Milliseconds.
+// Each time as if the browser had never seen it, in a window that stands: for a new one Chromium loads pages of its own, which
+// take as long of a processor. Milliseconds.
 async function timeStart(browser, address) {
   const context = await browser.createBrowserContext();
   const page = await context.newPage();
+  await wait(2);
   await page.goto(address);
   await page.waitForFunction(() => globalThis.ostrelStatistics?.firstValue != null);
   const { firstValue } = await statistics(page);
