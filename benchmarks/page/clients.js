@@ -6,7 +6,7 @@ import { setPriority } from "node:os";
 import { WebSocket } from "ws";
 
 const [address, streams] = process.argv.slice(2);
-const pace = 50, period = 5_000; // milliseconds, as the page has them for a scene as large
+const pace = 100, period = 5_000; // milliseconds, as the page has them for a scene as large
 setPriority(19);
 
 const ask = async (path) => (await fetch(new URL(path, address))).json();

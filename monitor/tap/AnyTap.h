@@ -52,8 +52,6 @@ public:
     /// does not take, counts as refused. wallAtZero: what the wall clock says, in nanoseconds, when the steady clock
     /// says 0. One thread at a time, not a pushing one.
     virtual TapState drain(std::int64_t wallAtZero, TapSink& sink) = 0;
-    /// Whether the ring has many places, whatever is in it.
-    virtual bool isLarge() const = 0;
     /// Records that were pushed into it: those that drain() handed out or will, and those that it refused.
     virtual std::uint64_t seen() const = 0;
     /// Records that found the ring full, or no memory.

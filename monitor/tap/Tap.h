@@ -33,7 +33,6 @@ public:
     Trovio::BasicInSlot& slot() override { return *this; }
     void push(const Trovio::Data<T>& record) override OSTREL_EXCLUDES(this->_dataLock);
     TapState drain(std::int64_t wallAtZero, TapSink& sink) override;
-    bool isLarge() const override { return _ring.size() >= ManyPlaces; }
     std::uint64_t seen() const override { return read(_seen); }
     std::uint64_t refused() const override { return read(_refused); }
 
@@ -65,6 +64,7 @@ private:
     }
 
     void advance(std::size_t& position) const { position = position + 1 == _ring.size() ? 0 : position + 1; }
+    bool isLarge() const { return _ring.size() >= ManyPlaces; }
     TapState giveBack(const Drained& drained) OSTREL_EXCLUDES(this->_dataLock);
     std::uint64_t read(const std::uint64_t& count) const OSTREL_NO_THREAD_SAFETY_ANALYSIS
     {

@@ -98,7 +98,7 @@ bool TapSet::add(const std::string& label, std::shared_ptr<TapReceiver> receiver
         _watched.erase(added);
         throw;
     }
-    _isRoomy = _isRoomy && watched->_tap->isLarge();
+    _isRoomy = false;
     return true;
 }
 
@@ -162,7 +162,7 @@ void TapSet::renewTypes(std::int64_t now)
         renewed->_users = watched->_users;
         unwire(label);
         watched = renewed;
-        _isRoomy = _isRoomy && watched->_tap->isLarge();
+        _isRoomy = false;
         wire(*watched);
     }
 }

@@ -57,8 +57,8 @@ public:
     using Use = std::function<void(const std::string& label, const SlotCodec& codec, TapRecord&& record)>;
     void drain(const Use& use = nullptr) OSTREL_EXCLUDES(_lock);
 
-    /// Whether the next drain() may come later than after a round of the shortest length: every tap that stands now has
-    /// many places, and the last drain() found nearly all of them free.
+    /// Whether the next drain() may come later than after a round of the shortest length: the last one found every tap
+    /// that stands now, with many places, and nearly all of them free. So the last value of a new one comes soon.
     bool isRoomy() const OSTREL_EXCLUDES(_lock);
 
     /// Seconds by which the arrivals that the last drain() handed out may be wrong.

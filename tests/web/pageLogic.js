@@ -145,7 +145,10 @@ test("the host's clock is known by the record that was quickest", (context) => {
   const clock = new HostClock();
   clock.note(899.5); // an old one, as it may come first
   clock.note(900);
-  assert.deepEqual([clock.measure(), clock.now()], [0, 900]);
+  assert.deepEqual([clock.measure(), clock.now(), clock.heardUntil()], [0, 900, 900]);
+  clock.note(899.9);
+  assert.equal(clock.heardUntil(), 899.9, "what came just now is new");
+  clock.measure();
   clock.note(899.2);
   const seconds = (number) => Math.round(100 * number) / 100;
   assert.equal(seconds(clock.measure()), 0.8);

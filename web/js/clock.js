@@ -1,6 +1,7 @@
 // The clock of the host, as far as the times of its records tell it.
 
 const forgotten = 0.001; // seconds at each measure(), as clocks drift
+const justNow = 0.25; // seconds, some batches
 
 /**
  * Records a second, of as many as came in those seconds; `span` is how much later the newest of them came than the newest one before, by
@@ -14,15 +15,18 @@ export function rateOf(records, span, seconds) {
 export class HostClock {
   #offset = Infinity; // seconds that the clock here is ahead
   #least = Infinity; // since the last measure()
+  newest = -Infinity; // when the newest record came to the host, by its clock
 
   /** The connection is new, and may be to another host. */
   begin() {
     this.#offset = Infinity;
     this.#least = Infinity;
+    this.newest = -Infinity;
   }
 
   /** A record has come that the host stamped with that time when it arrived there. */
   note(time) {
+    this.newest = time;
     this.#least = Math.min(this.#least, Date.now() / 1000 - time);
   }
 
@@ -38,5 +42,11 @@ export class HostClock {
   now() {
     const offset = Math.min(this.#offset, this.#least);
     return Date.now() / 1000 - (Number.isFinite(offset) ? offset : 0);
+  }
+
+  /** The time up to which all is known; that of the newest record if that came just now, so that ages do not tremble with the batches. */
+  heardUntil() {
+    const now = this.now();
+    return now - this.newest < justNow ? this.newest : now;
   }
 }

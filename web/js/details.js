@@ -111,7 +111,7 @@ export class Details {
   }
 
   #drawRow(row) {
-    const now = this.model.clock.now();
+    const now = this.model.clock.heardUntil();
     const value = row.shownValue;
     this.#fill(this.now, [
       ["label", row.label],

@@ -6,7 +6,7 @@ import { relaysIn } from "./routes.js";
 import { Row } from "./row.js";
 import { Stream } from "./stream.js";
 
-const usualPace = 50; // milliseconds between two batches
+const usualPace = 100; // milliseconds between two batches
 const refreshPeriod = 2_000; // milliseconds, the least
 const maxRefreshPeriod = 5_000;
 const rest = 50; // times as long as a look takes, for it takes the host's time as well
@@ -33,7 +33,6 @@ export class Model extends EventTarget {
   problem = ""; // what was wrong with the last look
   goneSince = undefined; // milliseconds since 1970; undefined while the host is there
   taken = 0; // records in all
-  newest = 0; // when the newest came to the host, by its clock in seconds
   dropped = 0; // records that the server says are missing
   onPlotted = () => {};
   onGap = () => {};
@@ -50,10 +49,7 @@ export class Model extends EventTarget {
     super();
     this.#stream = new Stream({
       onRecord: (label, time, stamp, value) => this.#take(this.#outs.get(label), time, stamp, value),
-      onBatch: (time) => {
-        this.clock.note(time);
-        this.newest = time;
-      },
+      onBatch: (time) => this.clock.note(time),
       onDropped: (count) => (this.dropped += count),
       onGap: (label) => this.onGap(this.#outs.get(label)),
       onRefused: (label, why) => {

@@ -34,7 +34,7 @@ export class Status {
 
   /** To be called once a second: how many records came meanwhile, and how late. */
   measure(seconds, lag) {
-    const { taken, newest, dropped } = this.model;
+    const { taken, dropped, clock: { newest } } = this.model;
     const rate = rateOf(taken - this.#taken, newest - this.#newest, seconds);
     setText(this.rate, `${number.format(Math.round(rate))} records/s, ${number.format(taken)} in all`);
     this.rate.dataset.taken = taken;

@@ -94,7 +94,7 @@ export class Table {
     this.#first = first;
     const count = Math.min(this.#found.length - first, Math.ceil(this.element.clientHeight / this.rowHeight) + 1);
     while (this.#lines.length < count) this.#addLine();
-    const now = this.model.clock.now();
+    const now = this.model.clock.heardUntil();
     this.#lines.forEach((line, i) => {
       line.show(i < count ? this.#found[first + i] : undefined, first + i, this.address.state, now);
       line.element.style.transform = `translateY(${(first + i) * this.rowHeight}px)`;

@@ -29,10 +29,10 @@ function objectText(object) {
   return JSON.stringify(object).slice(0, maxText);
 }
 
-/** Seconds, of which a part is left out, so that what comes all the time stays at 0; undefined for never. */
+/** Seconds; undefined for never. */
 export function ageText(seconds) {
   if (seconds === undefined || seconds === null) return "never";
-  if (seconds < 10) return `${(Math.floor(10 * Math.max(seconds, 0)) / 10).toFixed(1)} s`;
+  if (seconds < 10) return `${Math.max(seconds, 0).toFixed(1)} s`;
   if (seconds < 120) return `${Math.round(seconds)} s`;
   if (seconds < 7200) return `${Math.round(seconds / 60)} min`;
   return `${Math.round(seconds / 3600)} h`;

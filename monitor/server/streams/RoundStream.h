@@ -26,7 +26,7 @@ protected:
     /// What was gathered; then the next round begins, which is about as long.
     OutMessage takeRound()
     {
-        constexpr std::size_t longest = 64 * 1024; // that is counted on
+        constexpr std::size_t longest = 256 * 1024; // that is counted on
         OutMessage next;
         next._bytes.reserve(std::min(_round._bytes.size(), longest));
         return std::exchange(_round, std::move(next));

@@ -33,6 +33,7 @@ export class Plots {
   #boxes = new Map(); // by label
   #uPlot = null;
   #lastDraw = 0;
+  pace = period;
 
   constructor(model, address, data) {
     this.model = model;
