@@ -1,5 +1,5 @@
-// Puts the page together. What the first view does without comes when somebody looks at it, at the latest after the first
-// look at the host: so it is there when the host has gone.
+// Puts the page together. What the first view does without comes when somebody looks at it, at the latest soon after the
+// first look at the host: so it is there when the host has gone.
 
 import "./ahead.js";
 import { Address, everything, viewNames } from "./address.js";
@@ -10,6 +10,8 @@ import { Model } from "./model.js";
 import { PlotData } from "./plot/plotdata.js";
 import { Status } from "./status.js";
 import { Table } from "./table.js";
+
+const restAfter = 1_000; // milliseconds, in which the first values come
 
 const at = (id) => document.getElementById(id);
 const search = at("search");
@@ -53,7 +55,8 @@ function update() {
 
 address.addEventListener("change", update);
 model.addEventListener("structure", update);
-model.addEventListener("counts", () => Object.values(later).forEach((part) => part.fetch()), { once: true });
+const fetchLater = () => Object.values(later).forEach((part) => part.fetch());
+model.addEventListener("counts", () => setTimeout(fetchLater, restAfter), { once: true });
 addEventListener("resize", update);
 update();
 
