@@ -2,7 +2,7 @@
 
 #include "explain/text/Escape.h"
 #include "scene/change/HandlerLabels.h"
-#include "scene/toml/TomlValue.h"
+#include "scene/change/SameValue.h"
 
 #include <algorithm>
 #include <map>

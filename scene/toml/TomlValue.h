@@ -33,9 +33,6 @@ struct TomlEntry {
     TomlValue _value;
 };
 
-/// Whether both say the same, wherever they stand.
-bool isSameValue(const TomlValue& one, const TomlValue& other);
-
 /// "a text ('abc')", "a whole number (7)", "a list of 3": a value as a message shows it.
 std::string described(const TomlValue& value);
 
