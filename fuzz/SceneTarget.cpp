@@ -1,6 +1,7 @@
 // The text of a scene file, read from a file, and made into sensors that run a frame. Handlers and nodes, which would
 // open devices, are left out.
 #include "fuzz/Fuzz.h"
+#include "scene/change/Difference.h"
 #include "scene/file/SceneReader.h"
 #include "scene/run/LoadedScene.h"
 #include "scene/toml/Problems.h"
@@ -57,13 +58,24 @@ void checkScene(Scenes::SceneFile scene)
     loaded.unregisterSensors();
 }
 
+Scenes::SceneFiles shared(const std::vector<Scenes::SceneFile>& scenes)
+{
+    Scenes::SceneFiles files;
+    for (const Scenes::SceneFile& scene : scenes)
+        files.push_back(std::make_shared<const Scenes::SceneFile>(scene));
+    return files;
+}
+
 } // namespace
 
 void runOnce(std::string_view input)
 {
     const MemoryFile file(input);
     try {
-        checkScene(Scenes::readScene(file.path()));
+        auto scenes = Scenes::readScenes({file.path()});
+        require(linesOf(differences(shared(scenes), shared(Scenes::readScenes({file.path()})))).empty(),
+                "a scene that is read twice has not changed");
+        checkScene(std::move(scenes.front()));
     } catch (const Scenes::SceneError& refusal) {
         checkRefusal(refusal.what(), file.path());
     }
