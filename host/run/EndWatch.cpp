@@ -9,6 +9,7 @@
 
 namespace Host {
 
+using namespace Explain;
 using namespace Scenes;
 
 namespace {

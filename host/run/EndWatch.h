@@ -1,7 +1,7 @@
 #pragma once
 
+#include "explain/HangingNode.h"
 #include "host/run/StopSignal.h"
-#include "scene/parts/HangingNode.h"
 #include "scene/run/LoadedScene.h"
 
 #include <atomic>
@@ -33,7 +33,7 @@ private:
     const StopSignal& _stop;
     const Scenes::Say _say;
     std::atomic<bool> _begun{false}, _over{false};
-    Scenes::HangingNode _hanging; // the thread's
+    Explain::HangingNode _hanging; // the thread's
     std::thread _thread;
 };
 } // namespace Host

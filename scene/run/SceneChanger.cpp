@@ -1,8 +1,8 @@
 #include "scene/run/SceneChanger.h"
 
+#include "explain/HangingNode.h"
 #include "scene/change/Plan.h"
 #include "scene/file/SceneReader.h"
-#include "scene/parts/HangingNode.h"
 
 #include <new>
 
@@ -10,7 +10,7 @@ namespace Scenes {
 
 namespace {
 
-void tellOf(HangingNode& hanging, const Say& say) noexcept
+void tellOf(Explain::HangingNode& hanging, const Say& say) noexcept
 {
     try {
         if (const std::string news = hanging.news(); !news.empty())
@@ -52,7 +52,7 @@ SceneChanger::Lines SceneChanger::apply(SceneFiles after, Session::Origin origin
     Lines lines = plan.lines();
     for (const std::string& line : lines)
         _say(line);
-    HangingNode hanging;
+    Explain::HangingNode hanging;
     _jobs.run([&] { _session.apply(plan, origin, _say); }, [&] { tellOf(hanging, _say); });
     if (_heard && origin == Session::Origin::Read)
         _heard(plan.differences());

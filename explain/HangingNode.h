@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace Scenes {
+namespace Explain {
 
 /// "node 'Context/OSC' has not stopped for 3 s".
 std::string described(const Trovio::NodeMove::Info& move);
@@ -21,4 +21,4 @@ private:
     std::optional<Trovio::NodeMove::Info> _told; // the one that was looked at last
     double _next = 0;                            // seconds that it takes until it is named
 };
-} // namespace Scenes
+} // namespace Explain

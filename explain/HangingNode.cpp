@@ -1,10 +1,10 @@
-#include "scene/parts/HangingNode.h"
+#include "explain/HangingNode.h"
 
 #include "explain/text/Escape.h"
 
 #include <algorithm>
 
-namespace Scenes {
+namespace Explain {
 
 using Trovio::NodeMove;
 
@@ -36,7 +36,7 @@ const char* doneOf(NodeMove::Kind kind)
 std::string described(const NodeMove::Info& move)
 {
     const double seconds = secondsOf(move);
-    return "node " + Explain::inQuotes(move._label) + " has not " + doneOf(move._kind) +
+    return "node " + inQuotes(move._label) + " has not " + doneOf(move._kind) +
            (seconds < first ? " yet" : " for " + std::to_string(static_cast<long>(seconds)) + " s");
 }
 
@@ -55,4 +55,4 @@ std::string HangingNode::news()
     _next = std::max(_next, seconds - every) + every;
     return described(*move);
 }
-} // namespace Scenes
+} // namespace Explain
