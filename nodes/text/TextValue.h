@@ -9,6 +9,16 @@
 // without any difference.
 namespace Trovio::Nodes {
 
+inline std::string countOfNumbers(std::size_t count)
+{
+    return count == 1 ? "a number" : std::to_string(count) + " numbers";
+}
+
+inline std::string numbersOfEach(std::size_t width)
+{
+    return width == 1 ? "numbers" : "numbers, " + std::to_string(width) + " for each element";
+}
+
 /// Each TextValue<T> has
 ///   expected()             what it is read from, in words
 ///   Width                  numbers of one element
@@ -19,7 +29,7 @@ struct TextValue {
     using Access = Components<T>;
     static constexpr std::size_t Width = Access::Count;
 
-    static std::string expected() { return Width == 1 ? "a number" : std::to_string(Width) + " numbers"; }
+    static std::string expected() { return countOfNumbers(Width); }
 
     static bool read(std::span<const TextNumber> numbers, T& value)
     {
@@ -50,10 +60,7 @@ template <class E>
 struct TextValue<SharedVector<E>> {
     static constexpr std::size_t Width = TextValue<E>::Width;
 
-    static std::string expected()
-    {
-        return Width == 1 ? "numbers" : "numbers, " + std::to_string(Width) + " for each element";
-    }
+    static std::string expected() { return numbersOfEach(Width); }
 
     static bool read(std::span<const TextNumber> numbers, SharedVector<E>& value)
     {
