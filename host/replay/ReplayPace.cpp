@@ -29,9 +29,7 @@ double ArrivalErrors::quantile(double share) const
     return 0;
 }
 
-ReplayPace::ReplayPace(Scenes::FrameClock& clock, double speed) : _clock(clock), _speed(speed), _anchor(clock.steady())
-{
-}
+ReplayPace::ReplayPace(Scenes::FrameClock& clock, double speed) : _clock(clock), _speed(speed) {}
 
 bool ReplayPace::isTimed() const
 {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <string>
 
 namespace Host {
@@ -67,9 +68,10 @@ private:
     Scenes::FrameClock& _clock;
     double _speed;
     bool _isPaused = false, _isForOneFrame = false;
-    double _anchor, _anchorPosition = 0; // the position that was due at a time of the clock
-    double _position = 0;                // that was reached last, or where it was paused
-    double _late = 0;                    // seconds
+    double _anchor = std::numeric_limits<double>::infinity(); // when _anchorPosition was due; at first no time passes
+    double _anchorPosition = 0;
+    double _position = 0; // that was reached last, or where it was paused
+    double _late = 0;     // seconds
     ArrivalErrors _errors;
 };
 } // namespace Host

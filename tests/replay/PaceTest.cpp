@@ -45,6 +45,7 @@ TEST_F(Pace, GoesAtTheSpeedThatIsSet)
 
 TEST_F(Pace, StandsWhileItIsPausedAndGoesOnFromThere)
 {
+    _pace.startAt(0);
     comes(1);
     _pace.pause();
     int looks = 0;
@@ -54,6 +55,13 @@ TEST_F(Pace, StandsWhileItIsPausedAndGoesOnFromThere)
     }));
     EXPECT_NEAR(_clock._time, 103, 1e-9) << "20 looks of 50 ms, and the second that was left";
     EXPECT_EQ(_pace.text(3), "at 2.000 s of 3.000 s, speed 1");
+}
+
+TEST_F(Pace, StandsAtItsBeginningUntilItIsStarted)
+{
+    _clock._time = 105; // while a scene is being built
+    _pace.pause();
+    EXPECT_EQ(_pace.text(3), "paused at 0.000 s of 3.000 s, speed 1");
 }
 
 TEST_F(Pace, GoesToTheNextFrameAtOnceAndPausesThere)
@@ -70,6 +78,7 @@ TEST_F(Pace, GoesToTheNextFrameAtOnceAndPausesThere)
 
 TEST_F(Pace, TellsHowLateWhatCameWas)
 {
+    _pace.startAt(0);
     for (int i = 1; i <= 100; ++i) {
         comes(i);
         _clock._time += i > 98 ? 0.5 : 0.001;
