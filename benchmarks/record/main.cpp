@@ -20,7 +20,7 @@ namespace {
 
 using Array = Trovio::SharedVector<float>;
 constexpr std::size_t megabyte = 1'000'000; // bytes of an array
-constexpr std::size_t arrays = 256;         // of a repetition
+constexpr std::size_t arrays = 500;         // of a repetition
 
 /// A name for a file, in a folder of its own.
 class NewFile {
@@ -30,7 +30,12 @@ public:
         if (!mkdtemp(_folder))
             throw std::runtime_error("no folder can be made for a recording");
     }
-    ~NewFile() { std::filesystem::remove_all(_folder); }
+    // What it takes to free a large file, and to tell the disk so, is not to be paid by the next contender.
+    ~NewFile()
+    {
+        std::filesystem::remove_all(_folder);
+        sync();
+    }
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
 

@@ -112,7 +112,7 @@ FileState finishFile(const std::string& path, const std::function<bool(std::uint
     const Bytes end = rebuild.end(state);
     require(path, output->write(state._end, end));
     require(path, output->setSize(state._end + end.size()));
-    require(path, output->sync());
+    require(path, output->sync().get());
     return state;
 }
 } // namespace Monitor::Mcap

@@ -35,6 +35,8 @@ struct Written {
             if (names > 0 && done == 3)
                 next.add(Channel{99, 0, std::string(names, 'n'), "cdr", {}});
             keep(file.add(next));
+            if (random() % 3 == 0) // else the next one is written meanwhile
+                keep(file.confirm());
             number += count;
         }
         keep(file.close());
@@ -80,10 +82,10 @@ TEST(RecordingCut, PowerCutsLoseNothingThatWasConfirmed)
 // Also the operations that put the old end back and end the file.
 TEST(RecordingCut, FailureOfAnyOperationEndsTheRecordingAndLeavesAFileThatOpens)
 {
-    const std::size_t operations = Written(100)._log.size();
+    const std::size_t operations = Written(120)._log.size();
     ASSERT_GE(operations, 200U);
     for (std::size_t failing = 0; failing < operations; ++failing) {
-        const Written written(100, failing);
+        const Written written(120, failing);
         const Found found = read(Disk::after(written._log, written._log.size()));
         EXPECT_TRUE(written._problem) << failing;
         EXPECT_EQ(found._messages, written._confirmed.back()) << failing;

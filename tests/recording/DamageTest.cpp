@@ -66,6 +66,32 @@ TEST(RecordingDamage, CostsOnlyTheChunkThatItIsIn)
     EXPECT_GT(found._state._lost, 0U);
 }
 
+// Four chunks, of which two were confirmed before the others were begun.
+TEST(RecordingDamage, IsToldFromACutByWhatTheLastCheckpointSays)
+{
+    Disk::Log log;
+    GrowingFile file(std::make_unique<Disk::Logged>(log));
+    EXPECT_FALSE(file.begin("test"));
+    for (std::uint64_t number = 0; number < 16; number += 4) {
+        ChunkBuilder next = chunk(number, 4, 30);
+        EXPECT_FALSE(file.add(next));
+        EXPECT_FALSE(number == 4 && file.confirm());
+    }
+    const auto damagedAt = [&](std::uint64_t number, Op checkpoint) {
+        Bytes bytes = Disk::after(log, log.size());
+        bytes[asText(bytes).find(asText(ByteView(payload(number, 8)).first(8)))] ^= std::byte{1};
+        const std::string_view length{"\x14\0\0\0\0\0\0\0", 8};
+        for (std::size_t at = 0; (at = asText(bytes).find(length, at + 1)) != std::string_view::npos;)
+            bytes[at - 1] = bytes[at - 1] == static_cast<std::byte>(Op::Checkpoint) ? static_cast<std::byte>(checkpoint)
+                                                                                    : bytes[at - 1];
+        return read(bytes)._state._verdict;
+    };
+    EXPECT_EQ(damagedAt(5, Op::Checkpoint), Verdict::Damaged);
+    EXPECT_EQ(damagedAt(9, Op::Checkpoint), Verdict::Cut);
+    EXPECT_EQ(damagedAt(9, Op{0x81}), Verdict::Damaged); // without them, what follows tells
+    EXPECT_EQ(damagedAt(13, Op{0x81}), Verdict::Cut);
+}
+
 TEST(RecordingDamage, AnyBeginningOfAFileIsACut)
 {
     const Bytes whole = smallFile();

@@ -15,7 +15,7 @@ using Monitor::Mcap::ByteView;
 
 struct Operation {
     enum class Kind { Write, SetSize, Sync } _kind;
-    std::uint64_t _at; // offset, size
+    std::uint64_t _at; // offset; size; of a sync how many operations before it are on the disk
     Bytes _bytes;
 };
 using Log = std::vector<Operation>;
@@ -52,22 +52,32 @@ inline Bytes afterKill(const Log& log, std::size_t last, std::mt19937& random)
     return file;
 }
 
-/// The power went after `operations`: of what was not confirmed each sector is the old or the new one, and the file may
-/// have its old size.
+/// How many of the first operations are on the disk for certain.
+inline std::size_t confirmed(const Log& log, std::size_t operations)
+{
+    while (operations > 0 && log[operations - 1]._kind != Operation::Kind::Sync)
+        --operations;
+    return operations > 0 ? log[operations - 1]._at : 0;
+}
+
+/// The power went after `operations`. Of those that were not confirmed each reached the disk as a whole, not at all, or
+/// in some of its sectors, whatever the others did.
 inline Bytes afterPowerCut(const Log& log, std::size_t operations, std::mt19937& random)
 {
     constexpr std::size_t sector = 512;
-    std::size_t confirmed = operations;
-    while (confirmed > 0 && log[confirmed - 1]._kind != Operation::Kind::Sync)
-        --confirmed;
-    Bytes file = after(log, confirmed);
-    const Bytes newer = after(log, operations);
-    file.resize(random() % 2 == 0 ? newer.size() : file.size());
-    for (std::size_t at = 0; at < std::min(file.size(), newer.size()); at += sector)
-        if (random() % 2 == 0)
-            std::copy_n(newer.begin() + static_cast<std::ptrdiff_t>(at),
-                        std::min({sector, file.size() - at, newer.size() - at}),
-                        file.begin() + static_cast<std::ptrdiff_t>(at));
+    std::size_t done = confirmed(log, operations);
+    Bytes file = after(log, done);
+    for (; done < operations; ++done) {
+        Bytes before = file;
+        const auto fate = random() % 3;
+        if (fate > 0)
+            apply(log[done], file, log[done]._bytes.size());
+        before.resize(file.size());
+        for (std::size_t at = 0; fate == 2 && at < file.size(); at += sector)
+            if (random() % 2 == 0)
+                std::copy_n(before.begin() + static_cast<std::ptrdiff_t>(at), std::min(sector, file.size() - at),
+                            file.begin() + static_cast<std::ptrdiff_t>(at));
+    }
     return file;
 }
 
@@ -89,12 +99,15 @@ public:
             _log.push_back({Operation::Kind::SetSize, size, {}});
         return verdict(fails);
     }
-    std::error_code sync() override
+    // As late as may be: it is done when somebody waits for it, and for no more than was written when it was begun.
+    std::future<std::error_code> sync() override
     {
-        const bool fails = isFailing();
-        if (!fails)
-            _log.push_back({Operation::Kind::Sync, 0, {}});
-        return verdict(fails);
+        return std::async(std::launch::deferred, [this, covered = _log.size()] {
+            const bool fails = isFailing();
+            if (!fails)
+                _log.push_back({Operation::Kind::Sync, covered, {}});
+            return verdict(fails);
+        });
     }
     std::uint64_t room() const override { return 0; }
 

@@ -15,10 +15,12 @@ public:
     Gated(Disk::Log& log, std::latch& gate) : _file(log), _gate(gate) {}
     std::error_code write(std::uint64_t offset, ByteView bytes) override { return _file.write(offset, bytes); }
     std::error_code setSize(std::uint64_t size) override { return _file.setSize(size); }
-    std::error_code sync() override
+    std::future<std::error_code> sync() override
     {
-        _gate.wait();
-        return _file.sync();
+        return std::async(std::launch::deferred, [this, done = _file.sync()]() mutable {
+            _gate.wait();
+            return done.get();
+        });
     }
     std::uint64_t room() const override { return 1000; }
 

@@ -32,13 +32,15 @@ enum class Op : std::uint8_t {
     Metadata = 0x0C,
     MetadataIndex = 0x0D,
     SummaryOffset = 0x0E,
-    DataEnd = 0x0F
+    DataEnd = 0x0F,
+    Checkpoint = 0x80 // our own, as applications may have them: what was on the disk when it was written
 };
 
 inline constexpr std::string_view magic{"\x89MCAP0\r\n", 8};
-inline constexpr std::size_t frameSize = 9;               // of a record: its opcode and length
-inline constexpr std::size_t dataEndSize = frameSize + 4; // with its checksum
-inline constexpr std::size_t footerSize = frameSize + 20; // with two offsets and a checksum
+inline constexpr std::size_t frameSize = 9;                   // of a record: its opcode and length
+inline constexpr std::size_t dataEndSize = frameSize + 4;     // with its checksum
+inline constexpr std::size_t footerSize = frameSize + 20;     // with two offsets and a checksum
+inline constexpr std::size_t checkpointSize = frameSize + 20; // likewise
 inline constexpr std::uint64_t maxRecord = 1'073'741'824; // bytes in a record that is written or read; more is refused
 inline constexpr std::size_t maxChannels = 65'535;        // as many as the numbers of channels allow
 
@@ -82,6 +84,12 @@ struct Attachment {
 struct Metadata {
     std::string _name;
     Texts _values;
+};
+
+/// Ends each addition to a file that is written while the disk is still busy with the addition before.
+struct Checkpoint {
+    std::uint64_t _offset = 0;    // its own: one that was recorded as data is none
+    std::uint64_t _confirmed = 0; // bytes of the file that were on the disk before the addition was begun
 };
 
 /// Where the messages of one channel stand in the records of a chunk, in their order there.

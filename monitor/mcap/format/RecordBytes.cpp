@@ -76,6 +76,16 @@ void RecordBytes::metadata(const Metadata& metadata)
     close();
 }
 
+void RecordBytes::checkpoint(const Checkpoint& checkpoint)
+{
+    open(Op::Checkpoint);
+    const std::size_t content = _bytes.size();
+    number(checkpoint._offset);
+    number(checkpoint._confirmed);
+    number(checksum(ByteView(_bytes).subspan(content)));
+    close();
+}
+
 std::uint32_t checksum(ByteView bytes, std::uint32_t before)
 {
     if (bytes.empty()) // they may stand nowhere, and without an address the libraries begin anew

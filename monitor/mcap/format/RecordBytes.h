@@ -54,6 +54,7 @@ public:
     void message(const Message& message);
     void attachment(const Attachment& attachment);
     void metadata(const Metadata& metadata);
+    void checkpoint(const Checkpoint& checkpoint);
 
 private:
     Bytes& _bytes;

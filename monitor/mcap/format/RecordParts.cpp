@@ -135,6 +135,18 @@ std::optional<Metadata> parseMetadata(ByteView content)
     return ifWhole(cursor, std::move(metadata));
 }
 
+std::optional<Checkpoint> parseCheckpoint(ByteView content)
+{
+    ByteCursor cursor(content);
+    Checkpoint checkpoint;
+    checkpoint._offset = cursor.number<std::uint64_t>();
+    checkpoint._confirmed = cursor.number<std::uint64_t>();
+    const auto sum = cursor.number<std::uint32_t>();
+    if (content.size() != checkpointSize - frameSize || sum != checksum(content.first(content.size() - sizeof sum)))
+        return std::nullopt;
+    return checkpoint;
+}
+
 std::optional<RecordView> takeRecord(ByteView& records)
 {
     ByteCursor cursor(records);

@@ -40,6 +40,8 @@ std::optional<ChunkIndex> parseChunkIndex(ByteView content);
 /// Nothing also where its checksum is wrong.
 std::optional<Attachment> parseAttachment(ByteView content);
 std::optional<Metadata> parseMetadata(ByteView content);
+/// Nothing also where its checksum is wrong: another application may have given the opcode another meaning.
+std::optional<Checkpoint> parseCheckpoint(ByteView content);
 
 /// A record among others in memory.
 struct RecordView {

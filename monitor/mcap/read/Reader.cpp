@@ -2,6 +2,7 @@
 
 #include "monitor/mcap/format/ByteCursor.h"
 #include "monitor/mcap/format/RecordBytes.h"
+#include "monitor/mcap/read/CheckpointSearch.h"
 #include "monitor/mcap/read/FileEnd.h"
 
 #include <algorithm>
@@ -61,8 +62,19 @@ FileState::Verdict Reader::verdict() const
 
 void Reader::problem(std::uint64_t offset, const std::string& what)
 {
-    if (_state._problem.empty())
-        _state._problem = "at byte " + std::to_string(offset) + ": " + what;
+    if (!_state._problem.empty())
+        return;
+    _state._problem = "at byte " + std::to_string(offset) + ": " + what;
+    _isCut = isCutAt(offset);
+}
+
+bool Reader::isCutAt(std::uint64_t offset)
+{
+    const auto last = lastCheckpoint(_file, offset);
+    if (!last && !_hasCheckpoints)
+        return false; // what follows will tell
+    _confirmed = last && last->_confirmed > offset;
+    return !_confirmed;
 }
 
 std::optional<Reader::Frame> Reader::frameAt(std::uint64_t offset)
@@ -90,6 +102,8 @@ bool Reader::step()
     const auto frame = frameAt(_at);
     if (!frame || frame->_op != Op::MessageIndex)
         endChunk();
+    if (_isCut && !(frame && frame->_op == Op::DataEnd))
+        return skip(_at, std::nullopt);
     const bool isHeader = frame && frame->_op == Op::Header;
     if (!frame || isHeader != (_at == magic.size()) || !load(*frame)) {
         problem(_at, _at == _state._size ? "the end is missing" : "no whole record of the right kind");
@@ -120,12 +134,13 @@ void Reader::accept(const Frame& frame)
         _chunkChecksum = _state._checksum;
 }
 
-// To the next chunk, wherever it is; where there is none, to what the frame says, or the footer.
+// To the next chunk, wherever it is; where there is none, to what the frame says, or the footer. Behind a cut only
+// that.
 bool Reader::skip(std::uint64_t from, const std::optional<Frame>& frame)
 {
-    if (const auto chunk = _search.next(from + 1))
+    if (const auto chunk = _isCut ? std::nullopt : _search.next(from + 1))
         _at = *chunk;
-    else if (frame && frameAt(frame->end()))
+    else if (!_isCut && frame && frameAt(frame->end()))
         _at = frame->end();
     else if (const auto end = dataEndByFooter(_file); end && *end > from)
         _at = *end;
@@ -155,6 +170,8 @@ std::string Reader::visit(const Frame& frame)
         return visitAttachment(frame);
     case Op::Metadata:
         return visitMetadata(frame);
+    case Op::Checkpoint:
+        return visitCheckpoint(frame);
     default:
         const std::string fault = _table.visit({frame._op, content()});
         return fault.empty() ? fault : "a record " + fault;
@@ -232,6 +249,17 @@ std::string Reader::visitMetadata(const Frame& frame)
     if (!metadata)
         return "metadata are too short for their fields";
     _visitor.metadata(*metadata, frame._offset, frame._length);
+    return {};
+}
+
+// Other writers may have another use for the opcode.
+std::string Reader::visitCheckpoint(const Frame& frame)
+{
+    const auto checkpoint = parseCheckpoint(content());
+    if (checkpoint && checkpoint->_offset == frame._offset)
+        _hasCheckpoints = true;
+    else if (_hasCheckpoints)
+        return "a checkpoint does not fit its place or its checksum";
     return {};
 }
 

@@ -6,6 +6,9 @@ namespace {
 
 // It grows by some bytes with each chunk, and is written with each: in a long recording it is left to the end.
 constexpr std::size_t maxSummary = 1024UL * 1024;
+
+// Bytes that may be lost when the power goes.
+constexpr std::uint64_t maxUnconfirmed = 32UL * 1024 * 1024;
 } // namespace
 
 std::error_code GrowingFile::begin(std::string_view library)
@@ -18,7 +21,8 @@ std::error_code GrowingFile::begin(std::string_view library)
     record.text(library);
     record.close();
     const std::uint32_t sum = checksum(bytes);
-    return replaceTail(bytes, sum, true);
+    replaceTail(bytes, sum, true);
+    return confirm(); // whatever comes then, there is a file
 }
 
 std::error_code GrowingFile::add(ChunkBuilder& chunk)
@@ -34,7 +38,7 @@ std::error_code GrowingFile::addChunk(ChunkBuilder& chunk)
         _summary.add(schema);
     for (const Channel& channel : chunk.channels())
         _summary.add(channel);
-    const ChunkBuilder::Packed packed = chunk.pack(_end, _compression);
+    const ChunkBuilder::Packed packed = chunk.pack(_written->_end, _compression);
     _summary.add(packed._index, packed._messages);
     return replaceTail(packed._bytes, packed._checksum, _summary.size() <= maxSummary);
 }
@@ -43,7 +47,7 @@ std::error_code GrowingFile::add(const Attachment& attachment)
 {
     Bytes bytes;
     RecordBytes(bytes).attachment(attachment);
-    _summary.add(attachment, _end, bytes.size());
+    _summary.add(attachment, _written->_end, bytes.size());
     return addRecord(bytes);
 }
 
@@ -51,7 +55,7 @@ std::error_code GrowingFile::add(const Metadata& metadata)
 {
     Bytes bytes;
     RecordBytes(bytes).metadata(metadata);
-    _summary.add(metadata, _end, bytes.size());
+    _summary.add(metadata, _written->_end, bytes.size());
     return addRecord(bytes);
 }
 
@@ -65,44 +69,82 @@ std::error_code GrowingFile::replaceTail(Bytes& added, std::uint32_t addedChecks
 {
     if (_failure)
         return _failure;
+    const std::uint64_t begin = _written->_end;
+    RecordBytes(added).checkpoint({begin + added.size(), _confirmed->_end});
+    addedChecksum = checksum(ByteView(added).last(checkpointSize), addedChecksum);
     const std::size_t length = added.size();
-    _summary.append(added, _end + length, 0, whole);
-    _failure = _file->write(_end, added);
+    _summary.append(added, begin + length, 0, whole);
+    auto next = std::make_shared<State>(
+        State{begin + length, joinedChecksum(_written->_checksum, addedChecksum, length), {}, _summary.messages()});
+    next->_tail.assign(added.begin() + static_cast<std::ptrdiff_t>(length), added.end());
+    std::error_code error = _file->write(begin, added);
     // A file is refused by others for one byte behind its magic.
-    if (!_failure && added.size() < _tail.size())
-        _failure = _file->setSize(_end + added.size());
-    if (!_failure)
-        _failure = _file->sync();
-    if (_failure) {
-        putBack();
+    if (!error && added.size() < _written->_tail.size())
+        error = _file->setSize(begin + added.size());
+    if (error)
+        return endSync() ? _failure : fail(error);
+    _written = std::move(next);
+    const bool isBusy = _sync.valid() && _sync.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
+    if (isBusy && _written->_end - _confirmed->_end < maxUnconfirmed)
+        return {};
+    if (!endSync())
+        beginSync();
+    return _failure;
+}
+
+void GrowingFile::beginSync()
+{
+    _sync = _file->sync();
+    _syncing = _written;
+}
+
+std::error_code GrowingFile::endSync()
+{
+    if (!_sync.valid())
         return _failure;
-    }
-    _tail.assign(added.begin() + static_cast<std::ptrdiff_t>(length), added.end());
-    _end += length;
-    _checksum = joinedChecksum(_checksum, addedChecksum, length);
-    _confirmed = _summary.messages();
-    _lacksSummary = !whole;
+    if (const std::error_code error = _sync.get())
+        return fail(error);
+    _confirmed = std::move(_syncing);
     return {};
+}
+
+std::error_code GrowingFile::confirm()
+{
+    if (!endSync() && _written != _confirmed) {
+        beginSync();
+        endSync();
+    }
+    return _failure;
+}
+
+std::error_code GrowingFile::fail(std::error_code error)
+{
+    _written = _confirmed;
+    putBack();
+    return _failure = error;
 }
 
 // Where this fails, too, walking through the file finds all that was confirmed.
 void GrowingFile::putBack()
 {
-    if (!_file->write(_end, _tail) && !_file->setSize(size()))
-        _file->sync();
+    if (!_file->write(_confirmed->_end, _confirmed->_tail) && !_file->setSize(size()))
+        _file->sync().get();
 }
 
 std::error_code GrowingFile::close()
 {
-    if (Bytes nothing; _lacksSummary && !_failure)
+    confirm();
+    // Its checkpoint says that all is there.
+    if (Bytes nothing; !_failure)
         replaceTail(nothing, 0, true);
-    if (_tail.empty())
+    confirm();
+    if (_confirmed->_tail.empty())
         return _failure;
     Bytes sum;
-    RecordBytes(sum).number(_checksum);
-    std::error_code sealed = _file->write(_end + frameSize, sum);
+    RecordBytes(sum).number(_confirmed->_checksum);
+    std::error_code sealed = _file->write(_confirmed->_end + frameSize, sum);
     if (!sealed)
-        sealed = _file->sync();
+        sealed = _file->sync().get();
     if (sealed)
         putBack(); // half a checksum would be a wrong one
     return _failure ? _failure : sealed;

@@ -7,14 +7,15 @@
 namespace Monitor::Mcap {
 
 /// A recording that is a whole file after each addition. One write puts the addition and a new end (summary, footer,
-/// magic) over the old end, and waits for the disk: what was confirmed once is never written again, only the end behind
-/// it is. Whatever cuts a write, all additions before are there, for whoever walks through the file.
+/// magic) over the old end. While the disk confirms one addition, more are written already, and confirmed together.
+/// What was confirmed once is never written again, only the end behind it is; whatever cuts a write, it is there for
+/// whoever walks through the file. Each addition ends with a checkpoint, by which readers tell what a power cut may
+/// have left in pieces from what has been damaged since.
 ///
-/// Where a write fails, the old end is put back (its blocks are the file's already, so it fits on a full disk), and
-/// nothing more can be added.
+/// Where a write or the disk fails, the end of what was confirmed is put back (its blocks are the file's already, so it
+/// fits on a full disk), and nothing more can be added.
 ///
-/// Invariant: [0, _end) is on the disk, and _tail is what stands behind it.
-/// Threads:   one at a time; each operation blocks for as long as the disk takes.
+/// Threads: one at a time; each operation blocks for as long as the disk takes.
 class GrowingFile {
 public:
     using Compression = ChunkBuilder::Compression;
@@ -28,34 +29,48 @@ public:
     std::error_code begin(std::string_view library);
 
     // One addition a call: a chunk with at least one message, an attachment or metadata.
-    // The chunk is empty afterwards, whatever comes out.
+    // The chunk is empty afterwards, whatever comes out. The error may be that of an addition before.
     std::error_code add(ChunkBuilder& chunk);
     std::error_code add(const Attachment& attachment);
     std::error_code add(const Metadata& metadata);
 
-    /// Writes the whole summary where it was left out for its size, and at last the data's checksum: who finds that
-    /// knows that all else was on the disk before.
+    /// Waits until all additions are confirmed.
+    std::error_code confirm();
+
+    /// Waits likewise, writes the whole summary where it was left out for its size, and at last the data's checksum:
+    /// who finds that knows that all else was on the disk before.
     std::error_code close();
 
     /// Bytes of the file.
-    std::uint64_t size() const { return _end + _tail.size(); }
-    std::uint64_t messages() const { return _confirmed; }
+    std::uint64_t size() const { return _written->_end + _written->_tail.size(); }
+    /// That were confirmed.
+    std::uint64_t messages() const { return _confirmed->_messages; }
     std::uint64_t room() const { return _file->room(); }
 
 private:
     std::error_code addChunk(ChunkBuilder& chunk);
     std::error_code addRecord(Bytes& record);
     std::error_code replaceTail(Bytes& added, std::uint32_t addedChecksum, bool whole);
+    void beginSync();
+    std::error_code endSync();
+    std::error_code fail(std::error_code error);
     void putBack();
+
+    /// [0, _end), and what stands behind it.
+    struct State {
+        std::uint64_t _end = 0;
+        std::uint32_t _checksum = 0; // of [0, _end)
+        Bytes _tail;
+        std::uint64_t _messages = 0;
+    };
 
     std::unique_ptr<OutputFile> _file;
     const Compression _compression;
     Summary _summary;
-    std::uint64_t _end = 0;
-    std::uint32_t _checksum = 0; // of [0, _end)
-    Bytes _tail;
-    std::uint64_t _confirmed = 0; // messages
-    bool _lacksSummary = false;
+    std::shared_ptr<const State> _written = std::make_shared<State>();
+    std::shared_ptr<const State> _syncing;              // what is brought to the disk, while _sync is valid
+    std::shared_ptr<const State> _confirmed = _written; // what is there
     std::error_code _failure;
+    std::future<std::error_code> _sync; // last: waits, where nobody else did
 };
 } // namespace Monitor::Mcap

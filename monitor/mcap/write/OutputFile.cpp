@@ -54,7 +54,12 @@ public:
         return ftruncate(_file, static_cast<off_t>(size)) == 0 ? std::error_code() : lastError();
     }
 
-    std::error_code sync() override { return fdatasync(_file) == 0 ? std::error_code() : lastError(); }
+    // Where there can be no more threads, it is done by who waits for it.
+    std::future<std::error_code> sync() override
+    {
+        return std::async(std::launch::async | std::launch::deferred,
+                          [file = _file] { return fdatasync(file) == 0 ? std::error_code() : lastError(); });
+    }
 
     std::uint64_t room() const override
     {

@@ -2,13 +2,15 @@
 
 #include "monitor/mcap/format/Format.h"
 
+#include <future>
 #include <memory>
 #include <system_error>
 
 namespace Monitor::Mcap {
 
 /// The file that a recording is written to. Tests hand in one that logs what is done to it, or fails.
-/// Threads: one at a time. Each operation may block for as long as the disk takes.
+/// Threads: one at a time. Each operation, and waiting for what sync() returns, may block for as long as the disk
+/// takes.
 class OutputFile {
 public:
     virtual ~OutputFile() = default;
@@ -16,8 +18,8 @@ public:
     /// Writes all the bytes in one go, over what stands there. After an error any part of them may stand.
     virtual std::error_code write(std::uint64_t offset, ByteView bytes) = 0;
     virtual std::error_code setSize(std::uint64_t size) = 0;
-    /// Returns once all that was written is on the disk.
-    virtual std::error_code sync() = 0;
+    /// Ready once all that was written before the call is on the disk; more may be written meanwhile. One at a time.
+    virtual std::future<std::error_code> sync() = 0;
     /// Bytes that still fit; the largest number where nobody knows.
     virtual std::uint64_t room() const = 0;
 

@@ -11,9 +11,6 @@ namespace Monitor::Mcap {
 namespace {
 
 constexpr std::size_t largeMessage = 64UL * 1024; // bytes
-
-// Each chunk waits for the disk: while one has not even begun to, the next may become so many times as large.
-constexpr std::size_t growth = 4;
 } // namespace
 
 Recording::Recording(std::string title, std::unique_ptr<OutputFile> file, std::string library,
@@ -70,7 +67,7 @@ bool Recording::add(std::uint16_t channel, std::uint64_t logTime, std::uint64_t 
     _chunk.add(Message{channel, sequence._next++, logTime, publishTime, data});
     if (data.size() >= largeMessage)
         _chunk.sumUp(); // while the processor still has it in its cache, and not on the thread that waits for the disk
-    if (_chunk.size() >= growth * _limits._chunk || (_chunk.size() >= _limits._chunk && !isBehind()))
+    if (_chunk.size() >= _limits._chunk)
         flush();
     return true;
 }
@@ -82,7 +79,7 @@ void Recording::flush()
     const std::size_t size = _chunk.size();
     ChunkBuilder full = takeSpare();
     // For the next one, which will be about as large: with what went beyond the limit, else it moves in memory.
-    full.reserve(std::min(size, (growth + 1) * _limits._chunk), _chunk.messages());
+    full.reserve(std::min(size, 2 * _limits._chunk), _chunk.messages());
     std::swap(full, _chunk);
     auto write = [this, chunk = std::move(full)](GrowingFile& file) mutable {
         const std::error_code error = file.add(chunk);
@@ -184,12 +181,19 @@ void Recording::writeAll(const std::string& library)
     bool goesOn = attempt([&](GrowingFile& file) { return file.begin(library); });
     while (auto job = nextJob()) {
         goesOn = goesOn && attempt(job->_do);
-        const Ostrel::LockGuard guard(_lock);
-        _status._waiting -= job->_bytes;
-        _changed.notify_all();
+        letGo(job->_bytes);
+        if (!isBehind())
+            goesOn = goesOn && attempt([](GrowingFile& file) { return file.confirm(); });
     }
     if (goesOn)
         attempt([](GrowingFile& file) { return file.close(); });
+}
+
+void Recording::letGo(std::size_t bytes)
+{
+    const Ostrel::LockGuard guard(_lock);
+    _status._waiting -= bytes;
+    _changed.notify_all();
 }
 
 bool Recording::attempt(const std::function<std::error_code(GrowingFile&)>& action)

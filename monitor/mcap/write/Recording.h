@@ -11,7 +11,7 @@
 namespace Monitor::Mcap {
 
 struct RecordingLimits {
-    std::size_t _chunk = 4UL * 1024 * 1024; // bytes from which on a chunk is handed to the disk, unless that is behind
+    std::size_t _chunk = 4UL * 1024 * 1024;    // bytes from which on a chunk is handed to the disk
     std::size_t _waiting = 32UL * 1024 * 1024; // bytes that may wait for the disk
     std::size_t _spare = 96UL * 1024 * 1024;   // bytes of memory that is kept for the next chunks
 };
@@ -64,13 +64,14 @@ private:
         std::size_t _bytes;
     };
     std::uint16_t numberOf(const Schema& schema);
-    /// Whether a chunk waits until the disk is done with the one before.
+    /// Whether more waits to be written.
     bool isBehind() const OSTREL_EXCLUDES(_lock);
     void hand(Job&& job) OSTREL_EXCLUDES(_lock);
     ChunkBuilder takeSpare() OSTREL_EXCLUDES(_lock);
     void keepSpare(ChunkBuilder&& chunk) OSTREL_EXCLUDES(_lock);
     std::optional<Job> nextJob() OSTREL_EXCLUDES(_lock);
     void writeAll(const std::string& library);
+    void letGo(std::size_t bytes) OSTREL_EXCLUDES(_lock);
     /// False where there was no memory for it.
     bool attempt(const std::function<std::error_code(GrowingFile&)>& action) OSTREL_EXCLUDES(_lock);
     void told(std::error_code error) OSTREL_EXCLUDES(_lock);
