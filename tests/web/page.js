@@ -111,6 +111,8 @@ async function getsBy(page) {
   await page.says(".plots .hint", /All else works/);
   await page.open("#view=graph", undefined, /\/js\/graph\//);
   await page.says("#view .hint", /did not come: .*graph\.js/);
+  await page.open("#view=table&chosen=Context/Odd0", undefined, /\/js\/details\.js/);
+  await page.says("#details .hint", /did not come: .*details\.js/);
 }
 
 async function run(browser, host) {

@@ -13,6 +13,9 @@ export class Later {
     this.note = make("p", { class: "hint" }, "Loading …");
   }
 
+  get isThere() {
+    return this.#part !== undefined;
+  }
   get element() {
     return this.#part?.element ?? this.note;
   }

@@ -49,14 +49,24 @@ function update() {
     views[view].show?.();
   }
   views[view].update();
+  showDetails(chosen);
+}
+
+function showDetails(chosen) {
   if (chosen !== "") later.details.fetch();
-  later.details.update();
+  if (later.details.isThere) return later.details.update();
+  at("details").hidden = chosen === "";
+  at("details").replaceChildren(later.details.element);
 }
 
 address.addEventListener("change", update);
 model.addEventListener("structure", update);
 const fetchLater = () => Object.values(later).forEach((part) => part.fetch());
-model.addEventListener("counts", () => setTimeout(fetchLater, restAfter), { once: true });
+model.addEventListener("counts", function onFirstLook() {
+  if (model.problem) return;
+  model.removeEventListener("counts", onFirstLook);
+  setTimeout(fetchLater, restAfter);
+});
 addEventListener("resize", update);
 update();
 

@@ -80,6 +80,7 @@ export class Model extends EventTarget {
 
   /** The routes may be others. */
   async readRoutes() {
+    this.#relaysOf = undefined;
     this.#setPairs((await ask("/flow")).edges);
   }
 
