@@ -160,6 +160,7 @@ void TapSet::renewTypes(std::int64_t now)
         if (!renewed)
             continue;
         renewed->_users = watched->_users;
+        renewed->_told = watched->_told;
         unwire(label);
         watched = renewed;
         _isRoomy = false;
@@ -244,9 +245,10 @@ bool TapSet::collectFrom(const std::shared_ptr<Watched>& watched, std::int64_t w
     const std::size_t before = round._count;
     RoundSink sink(round, *watched);
     const TapState state = watched->_tap->drain(wallAtZero, sink);
-    const bool hasLost = std::exchange(watched->_refused, state._refused) != state._refused;
+    const std::uint64_t refused = watched->_before._refused + state._refused;
+    const bool hasLost = watched->_told != refused;
     if (hasLost)
-        round._losses.push_back({watched.get(), watched->_before._refused + state._refused});
+        round._losses.push_back({watched.get(), refused});
     if (hasLost || round._count != before)
         round._watched.push_back(watched);
     return state._isRoomy;
@@ -266,9 +268,17 @@ void TapSet::drain(const Use& use)
     for (const Loss& loss : round._losses)
         if (loss._watched->_receiver)
             loss._watched->_receiver->miss(loss._refused);
+    noteTold(round);
     round.forget();
     const Ostrel::LockGuard guard(_lock);
     _spare = std::move(round);
+}
+
+void TapSet::noteTold(const Round& round)
+{
+    const Ostrel::LockGuard guard(_lock);
+    for (const Loss& loss : round._losses)
+        loss._watched->_told = loss._refused;
 }
 
 bool TapSet::isRoomy() const

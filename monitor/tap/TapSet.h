@@ -77,14 +77,15 @@ private:
         const TapCounts _before;                      // of taps that stood here before
         const std::shared_ptr<TapReceiver> _receiver; // null where labels are looked up
         std::size_t _users = 1;                       // under the lock, as the next
-        std::uint64_t _drained = 0, _refused = 0;     // by this tap, as of the last drain
+        std::uint64_t _drained = 0;                   // by this tap, as of the last drain
+        std::uint64_t _told = 0;                      // of all refused so far, those that the receiver knows of
     };
     struct Arrived {
         const Watched* _watched = nullptr;
         TapRecord _record;
     };
     struct Loss {
-        const Watched* _watched;
+        Watched* _watched;
         std::uint64_t _refused; // so far
     };
     /// What one drain found. Its memory goes on to the next.
@@ -110,6 +111,7 @@ private:
     void wire(Watched& watched) const;
     void unwire(const std::string& label) const;
     void renewTypes(std::int64_t now) OSTREL_REQUIRES(_lock);
+    void noteTold(const Round& round) OSTREL_EXCLUDES(_lock);
     Round collect() OSTREL_EXCLUDES(_lock);
     bool collectFrom(const std::shared_ptr<Watched>& watched, std::int64_t wallAtZero, Round& round)
         OSTREL_REQUIRES(_lock);
