@@ -15,7 +15,7 @@ void tellOf(Explain::HangingNode& hanging, const Say& say) noexcept
     try {
         if (const std::string news = hanging.news(); !news.empty())
             say("the frames stand until the scene is changed: " + news +
-                "; two signals (Ctrl-C, SIGTERM) end the program without it");
+                "; a second signal (Ctrl-C, SIGTERM) ends the program without it");
     } catch (const std::bad_alloc&) {
         return; // next time
     }

@@ -78,9 +78,7 @@ void PageContent::addScripts()
     std::error_code none;
     std::vector<std::string> names;
     const Files::path scripts = Files::path(_folder) / "js";
-    for (Files::recursive_directory_iterator entry(scripts, Files::directory_options::skip_permission_denied, none),
-         end;
-         !none && entry != end; entry.increment(none))
+    for (Files::recursive_directory_iterator entry(scripts, none), end; !none && entry != end; entry.increment(none))
         if (std::string name = entry->path().lexically_relative(scripts).string(); isScriptName(name))
             names.push_back(std::move(name));
     if (none)

@@ -1,5 +1,6 @@
 #include "monitor/server/streams/BatchStream.h"
 
+#include "explain/text/Escape.h"
 #include "explain/text/JsonText.h"
 #include "monitor/codec/ClientJson.h"
 #include "monitor/codec/JsonNumber.h"
@@ -44,9 +45,11 @@ void BatchStream::setPace(const nlohmann::json& object)
     if (!number || *number < FastestPace.count() || *number > SlowestPace.count())
         return say(
             {{"op", "error"},
-             {"message", "a pace of " + (asked == object.end() ? "nothing" : Explain::jsonText(*asked)) +
-                             " milliseconds; allowed: whole numbers from " + std::to_string(FastestPace.count()) +
-                             " to " + std::to_string(SlowestPace.count())}});
+             {"message", (asked == object.end()
+                              ? std::string("a pace without milliseconds")
+                              : "a pace of " + Explain::escaped(Explain::jsonText(*asked), 40) + " milliseconds") +
+                             "; allowed: whole numbers from " + std::to_string(FastestPace.count()) + " to " +
+                             std::to_string(SlowestPace.count())}});
     _pace = std::chrono::milliseconds(*number);
 }
 
