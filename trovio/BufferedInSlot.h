@@ -12,12 +12,8 @@ namespace Trovio {
 template <class T>
 class BufferedInSlot : public InSlot<T> {
 public:
-    BufferedInSlot(const std::string& name, unsigned int maxSize)
-        : InSlot<T>(name), _buffer(maxSize), _readPos(_buffer.begin()), _writePos(_buffer.begin())
-    {
-        Hooks::setCapacity(*this, maxSize);
-    }
-    ~BufferedInSlot() override = default;
+    BufferedInSlot(const std::string& name, unsigned int maxSize);
+    ~BufferedInSlot() override;
 
     bool empty() const override OSTREL_EXCLUDES(this->_dataLock);
 
@@ -41,6 +37,16 @@ private:
     Position _writePos OSTREL_GUARDED_BY(this->_dataLock); // where the next record goes
     unsigned int _count OSTREL_GUARDED_BY(this->_dataLock) = 0;
 };
+
+template <class T>
+BufferedInSlot<T>::BufferedInSlot(const std::string& name, unsigned int maxSize)
+    : InSlot<T>(name), _buffer(maxSize), _readPos(_buffer.begin()), _writePos(_buffer.begin())
+{
+    Hooks::setCapacity(*this, maxSize);
+}
+
+template <class T>
+BufferedInSlot<T>::~BufferedInSlot() = default;
 
 template <class T>
 bool BufferedInSlot<T>::empty() const

@@ -22,8 +22,8 @@ class Wiring;
 template <class T>
 class InSlot : public BasicInSlot {
 public:
-    explicit InSlot(const std::string& name) : BasicInSlot(name) {}
-    ~InSlot() override = default;
+    explicit InSlot(const std::string& name);
+    ~InSlot() override;
 
     std::string getTypeName() const override { return TypeName<T>::getName(); }
     const std::type_info& getTypeID() const override { return typeid(T); }
@@ -68,6 +68,14 @@ private:
     Data<T> _data OSTREL_GUARDED_BY(_dataLock);
     bool _empty OSTREL_GUARDED_BY(_dataLock) = true;
 };
+
+template <class T>
+InSlot<T>::InSlot(const std::string& name) : BasicInSlot(name)
+{
+}
+
+template <class T>
+InSlot<T>::~InSlot() = default;
 
 template <class T>
 bool InSlot<T>::empty() const

@@ -19,8 +19,8 @@ class Wiring;
 template <class T>
 class OutSlot : public BasicOutSlot {
 public:
-    explicit OutSlot(const std::string& name) : BasicOutSlot(name) {}
-    ~OutSlot() override = default;
+    explicit OutSlot(const std::string& name);
+    ~OutSlot() override;
 
     std::string getTypeName() const override { return TypeName<T>::getName(); }
     const std::type_info& getTypeID() const override { return typeid(T); }
@@ -39,6 +39,14 @@ private:
     Peers<InSlot<T>> _inSlots OSTREL_GUARDED_BY(_dataLock); // changed under _listenersLock too
     Data<T> _data OSTREL_GUARDED_BY(_dataLock);             // the last record
 };
+
+template <class T>
+OutSlot<T>::OutSlot(const std::string& name) : BasicOutSlot(name)
+{
+}
+
+template <class T>
+OutSlot<T>::~OutSlot() = default;
 
 template <class T>
 void OutSlot<T>::push(const Data<T>& data)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "trovio/TypeName.h"
+#include <cstddef>
+#include <iterator>
 #include <string_view>
 
 namespace Trovio {
@@ -20,18 +22,29 @@ constexpr void forEachSlotType(Visit&& visit)
 #undef TROVIO_VISIT
 }
 
+/// The place of the slot value type of that name among the 40; 40 if there is none.
+inline std::size_t slotTypeIndex(std::string_view name)
+{
+#define TROVIO_NAME_OF(type, name) TypeName<type>::getName,
+    static constexpr std::string (*names[])() = {TROVIO_SLOT_TYPES(TROVIO_NAME_OF)};
+#undef TROVIO_NAME_OF
+    std::size_t index = 0;
+    while (index < std::size(names) && names[index]() != name)
+        ++index;
+    return index;
+}
+
 /// Calls visit(TypeTag<T>()) for the slot value type of that name. False, and no call, if there is none.
 template <class Visit>
 bool withSlotType(std::string_view name, Visit&& visit)
 {
-    bool found = false;
-    forEachSlotType([&]<class T>(TypeTag<T> tag) {
-        if (!found && TypeName<T>::getName() == name) {
-            found = true;
+    const std::size_t wanted = slotTypeIndex(name);
+    std::size_t index = 0;
+    forEachSlotType([&](auto tag) {
+        if (index++ == wanted)
             visit(tag);
-        }
     });
-    return found;
+    return wanted < index;
 }
 
 } // namespace Trovio

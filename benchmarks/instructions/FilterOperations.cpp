@@ -7,6 +7,8 @@
 #include "nodes/filters/convert/Convert.h"
 #include "nodes/filters/convert/Join.h"
 #include "nodes/filters/convert/Split.h"
+#include "trovio/InSlot.h"
+#include "trovio/OutSlot.h"
 
 namespace Bench {
 

@@ -1,5 +1,6 @@
 #include "nodes/filters/Clamp.h"
 
+#include "nodes/filters/FilterLane.h"
 #include "nodes/shared/NumberList.h"
 #include <algorithm>
 

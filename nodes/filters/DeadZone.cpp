@@ -1,5 +1,6 @@
 #include "nodes/filters/DeadZone.h"
 
+#include "nodes/filters/FilterLane.h"
 #include "nodes/shared/NumberList.h"
 
 namespace Trovio::Nodes {

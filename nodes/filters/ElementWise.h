@@ -3,6 +3,7 @@
 #include "nodes/filters/Elements.h"
 #include "nodes/relay/Lane.h"
 #include "nodes/relay/Quaternion.h"
+#include "trovio/Data.h"
 #include "trovio/Settings.h"
 #include <algorithm>
 

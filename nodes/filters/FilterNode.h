@@ -1,9 +1,6 @@
 #pragma once
 
-#include "nodes/filters/ElementWise.h"
 #include "nodes/relay/RelayNode.h"
-#include "nodes/relay/TypeChoices.h"
-#include "trovio/SlotTypes.h"
 #include <array>
 #include <functional>
 
@@ -15,7 +12,7 @@ inline constexpr RejectionCauses usualCauses{
     "with a value that is not finite (NaN, infinite, or a rotation without direction)",
     "with a result beyond the limits of its type", "stamped no later than the one before"};
 
-/// A relay that applies a formula to each value. What a formula is, ElementWise.h says.
+/// A relay that applies a formula to each value: a lane of FilterLane.h, or one of its own.
 /// Threads: as for every relay; the formula runs on the node's thread only.
 class FilterNode : public RelayNode {
 public:
@@ -51,33 +48,5 @@ private:
 
 /// For settings that mean nothing to values of the type: refuses one that was given. what: where it means something.
 void refuseIfGiven(const Settings& settings, const char* name, const char* what);
-
-/// Whether the filter has a formula for a slot value type, or for its elements. Filter::Formula<E> is constrained to
-/// the element types that the filter makes sense for.
-template <class Filter, class T>
-concept FilterOf = requires
-{
-    typename Filter::template Formula<typename ElementOf<T>::Type>;
-};
-
-/// The names of the types that a filter makes sense for, as choices of a setting.
-template <class Filter>
-std::string fittingTypes()
-{
-    return typeChoices([]<class T>(TypeTag<T>) { return FilterOf<Filter, T>; });
-}
-
-template <class Filter>
-std::unique_ptr<Lane> createFilterLane(const Settings& settings, unsigned queue)
-{
-    std::unique_ptr<Lane> lane;
-    withSlotType(settings.text("type"), [&]<class T>(TypeTag<T>) {
-        if constexpr (FilterOf<Filter, T>) {
-            using Process = ElementWise<T, typename Filter::template Formula<typename ElementOf<T>::Type>>;
-            lane = std::make_unique<TypedLane<T, Process>>(queue, Process(settings));
-        }
-    });
-    return lane;
-}
 
 } // namespace Trovio::Nodes

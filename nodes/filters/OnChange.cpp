@@ -1,5 +1,9 @@
 #include "nodes/filters/OnChange.h"
 
+#include "nodes/filters/ElementWise.h"
+#include "nodes/relay/TypeChoices.h"
+#include "nodes/relay/TypedLane.h"
+
 namespace Trovio::Nodes {
 
 /// Lets a record out for its value, or for the time since the last one.

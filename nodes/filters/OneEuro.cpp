@@ -1,5 +1,6 @@
 #include "nodes/filters/OneEuro.h"
 
+#include "nodes/filters/FilterLane.h"
 #include <numbers>
 
 namespace Trovio::Nodes {

@@ -1,5 +1,6 @@
 #include "nodes/filters/Scale.h"
 
+#include "nodes/filters/FilterLane.h"
 #include "nodes/shared/NumberList.h"
 
 namespace Trovio::Nodes {

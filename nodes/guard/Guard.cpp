@@ -2,6 +2,7 @@
 
 #include "nodes/guard/GuardValue.h"
 #include "nodes/relay/TypeChoices.h"
+#include "nodes/relay/TypedLane.h"
 #include "trovio/SlotTypes.h"
 
 namespace Trovio::Nodes {

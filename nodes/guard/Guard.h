@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nodes/relay/RelayNode.h"
+#include "trovio/OutSlot.h"
 #include <functional>
 
 namespace Trovio::Nodes {

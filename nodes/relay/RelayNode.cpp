@@ -1,5 +1,8 @@
 #include "nodes/relay/RelayNode.h"
 
+#include "trovio/BasicInSlot.h"
+#include "trovio/BasicOutSlot.h"
+
 namespace Trovio::Nodes {
 
 RelayTable::RelayTable(std::string types, const char* initialType, std::initializer_list<Setting> rows,

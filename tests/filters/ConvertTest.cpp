@@ -1,5 +1,6 @@
 #include "nodes/filters/convert/Convert.h"
 #include "nodes/filters/convert/Align.h"
+#include "nodes/relay/Quaternion.h"
 #include "tests/filters/RelayBench.h"
 #include <numbers>
 #include <random>

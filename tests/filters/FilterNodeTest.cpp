@@ -1,5 +1,6 @@
 #include "nodes/filters/OneEuro.h"
 #include "nodes/filters/Scale.h"
+#include "nodes/relay/TypedLane.h"
 #include "tests/filters/RelayBench.h"
 #include "tests/support/Says.h"
 #include <thread>

@@ -1,5 +1,6 @@
 #include "nodes/filters/convert/Align.h"
 
+#include "nodes/filters/FilterLane.h"
 #include "nodes/relay/RotationMatrix.h"
 #include "nodes/shared/NumberList.h"
 

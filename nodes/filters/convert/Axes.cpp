@@ -1,5 +1,6 @@
 #include "nodes/filters/convert/Axes.h"
 
+#include "nodes/filters/FilterLane.h"
 #include "nodes/filters/convert/AxisOrder.h"
 #include <numbers>
 

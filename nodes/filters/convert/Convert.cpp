@@ -1,6 +1,9 @@
 #include "nodes/filters/convert/Convert.h"
 
 #include "nodes/filters/convert/ConvertFormula.h"
+#include "nodes/relay/TypeChoices.h"
+#include "trovio/BufferedInSlot.h"
+#include "trovio/OutSlot.h"
 #include <numbers>
 
 namespace Trovio::Nodes {
@@ -107,21 +110,40 @@ void refuseWhatMeansNothing(const Settings& settings)
             refuseIfGiven(settings, name, "Vec3f or Vec3d to Rotation, or back");
 }
 
+using CreateLane = std::unique_ptr<Lane> (*)(unsigned queue, const Settings& settings);
+
+template <class A, class B>
+std::unique_ptr<Lane> newLane(unsigned queue, const Settings& settings)
+{
+    return std::make_unique<ConvertLane<A, B>>(queue, settings);
+}
+
+/// Looks among the pairs for the one that the settings name.
+struct LaneSearch {
+    const Settings& _settings;
+    std::string _allowed{}; // what can become of the type
+    CreateLane _found = nullptr;
+
+    void consider(const std::string& from, const std::string& to, CreateLane create)
+    {
+        if (from != _settings.text("type"))
+            return;
+        _allowed += (_allowed.empty() ? "" : ", ") + to;
+        if (to == _settings.text("to"))
+            _found = create;
+    }
+};
+
 std::unique_ptr<Lane> createConvertLane(const Settings& settings, unsigned queue)
 {
     refuseWhatMeansNothing(settings);
-    std::unique_ptr<Lane> lane;
-    std::string allowed;
+    LaneSearch search{settings};
     forEachPair([&]<class A, class B>(TypeTag<A>, TypeTag<B>) {
-        if (TypeName<A>::getName() != settings.text("type"))
-            return;
-        allowed += (allowed.empty() ? "" : ", ") + TypeName<B>::getName();
-        if (TypeName<B>::getName() == settings.text("to"))
-            lane = std::make_unique<ConvertLane<A, B>>(queue, settings);
+        search.consider(TypeName<A>::getName(), TypeName<B>::getName(), newLane<A, B>);
     });
-    if (!lane)
-        throw settings.refusal("to", "what " + settings.text("type") + " can become: " + allowed);
-    return lane;
+    if (!search._found)
+        throw settings.refusal("to", "what " + settings.text("type") + " can become: " + search._allowed);
+    return search._found(queue, settings);
 }
 
 /// The names of all types that take part.

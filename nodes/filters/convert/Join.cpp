@@ -1,6 +1,8 @@
 #include "nodes/filters/convert/Join.h"
 
 #include "nodes/filters/convert/JoinParts.h"
+#include "nodes/relay/TypeChoices.h"
+#include "trovio/OutSlot.h"
 #include <deque>
 
 namespace Trovio::Nodes {

@@ -1,6 +1,10 @@
 #include "nodes/filters/convert/Split.h"
 
+#include "nodes/filters/ElementWise.h"
 #include "nodes/filters/convert/Parts.h"
+#include "nodes/relay/TypeChoices.h"
+#include "trovio/BufferedInSlot.h"
+#include "trovio/OutSlot.h"
 #include <deque>
 
 namespace Trovio::Nodes {
