@@ -1,5 +1,6 @@
 #include "host/calibrate/RoomFit.h"
 
+#include <Eigen/Eigenvalues>
 #include <Eigen/Geometry>
 #include <Eigen/SVD>
 #include <algorithm>
@@ -27,10 +28,9 @@ Eigen::Vector3d extentsOf(const std::vector<Point>& points)
 {
     Columns all = columns(points);
     all.colwise() -= all.rowwise().mean().eval();
-    Eigen::Vector3d extents = Eigen::Vector3d::Zero();
-    const Eigen::VectorXd found = Eigen::JacobiSVD<Columns>(all).singularValues();
-    extents.head(found.size()) = found;
-    return extents;
+    const Eigen::Matrix3d spread = all * all.transpose();
+    const auto squares = Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d>(spread, Eigen::EigenvaluesOnly).eigenvalues();
+    return squares.reverse().cwiseMax(0.0).cwiseSqrt();
 }
 
 // With all digits that a float has: Align sends no more.
