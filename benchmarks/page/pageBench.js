@@ -1,7 +1,8 @@
 // pageBench.js HOST SECONDS ROWS TABLE: a scene of 500 sensors at 60 Hz and its page in Chromium: how soon it shows values,
 // whether it counts all of them, and what browser, renderer and server take. What draws on the CPU here, where others have a
 // graphics card, is a row of its own and in no limit: the process of the graphics card and the renderer's threads that draw
-// tiles. Before that, without a browser: whether the scene leaves frames out because of who looks.
+// tiles. Before that, without a browser: whether the scene leaves frames out because of who looks. Afterwards, for a short
+// while, the scene that has a thread for each value.
 import { spawn } from "node:child_process";
 import { mkdtempSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
@@ -11,22 +12,15 @@ import puppeteer from "puppeteer-core";
 import { compareFrames, streams } from "./frames.js";
 import { processSeconds, threadSeconds } from "./processes.js";
 import { Rows } from "./rows.js";
+import { sensors, threadedScene, trackedScene } from "./scenes.js";
 
-const [host, seconds, json, markdown] = process.argv.slice(2);
-const sensors = 500, rate = 60, starts = 5, windows = 10;
+const [host, asked, json, markdown] = process.argv.slice(2);
+const seconds = Number(asked);
+const starts = 5, windows = 10;
 const tileThreads = "CompositorTileW"; // of 15 characters, as the system keeps names
 
-function scene() {
-  const numbers = [...Array(sensors).keys()];
-  const nodes = numbers.map((i) => `["Generator", "type=Float rate=${rate} label=Source${i}"]`);
-  const routes = numbers.map((i) => `["Source${i}/value", "Sensor${i}"]`);
-  const list = numbers.map((i) => `[[sensor]]\nname = "sensor${i}"\ntype = "SFFloat"\nlabel = "Sensor${i}"\n`);
-  return `[[handler]]\nkind = "Trovio"\nname = "large"\nnodes = [${nodes.join(",\n")}]\nroutes = [${routes.join(",\n")}]\n` +
-    list.join("");
-}
-
-function startHost(folder) {
-  writeFileSync(join(folder, "scene.toml"), scene());
+function startHost(folder, text) {
+  writeFileSync(join(folder, "scene.toml"), text);
   const running = spawn(host, ["run", join(folder, "scene.toml"), "--quiet", "--monitor=127.0.0.1:0"],
     { env: { ...process.env, XDG_RUNTIME_DIR: folder }, stdio: ["ignore", "ignore", "pipe"] });
   const said = [];
@@ -97,7 +91,7 @@ async function heap(devTools) {
 
 const wait = (time) => new Promise((resolve) => { setTimeout(resolve, time * 1000); });
 
-async function measure(setup) {
+async function measure(setup, seconds) {
   await wait(Math.min(30, seconds / 2)); // plots and caches fill
   const heapBefore = await heap(setup.devTools);
   const looks = [await look(setup)];
@@ -119,10 +113,20 @@ function reportFrames(rows, { alone, looked, server, records, dropped }) {
   rows.add("  records that they missed", "", [dropped], 0);
 }
 
+const ratesOf = (looks) => (name, scale = 1, clock = "time") =>
+  looks.slice(1).map((now, i) => scale * (now[name] - looks[i][name]) / (now[clock] - looks[i][clock]));
+
+// In no limit: no scene has a device for each value.
+function reportThreaded(rows, { firstValues, looks }) {
+  const perSecond = ratesOf(looks);
+  rows.add("500 threads: first value", "ms", firstValues);
+  rows.add("500 threads: server", "%", perSecond("server", 100));
+  rows.add("500 threads: host as a whole", "%", perSecond("host", 100));
+}
+
 // What the page counted, by the times that its records have, is as exact as their times, whenever batches come.
-function report(rows, firstValues, { looks, heapGrowth }) {
-  const perSecond = (name, scale = 1, clock = "time") =>
-    looks.slice(1).map((now, i) => scale * (now[name] - looks[i][name]) / (now[clock] - looks[i][clock]));
+function report(rows, { firstValues, looks, heapGrowth }) {
+  const perSecond = ratesOf(looks);
   const both = perSecond("browser", 100).map((percent, i) => percent + perSecond("renderer", 100)[i]);
   const all = (name) => looks.at(-1)[name] - looks[0][name];
   const counted = all("records") / all("newest"), written = all("written") / all("flowTime");
@@ -140,25 +144,44 @@ function report(rows, firstValues, { looks, heapGrowth }) {
   rows.add("frames left out", "", [all("leftOut")]);
 }
 
-const folder = mkdtempSync(join(tmpdir(), "page"));
-const { running, address } = await startHost(folder);
-const rows = new Rows(json, markdown);
-let browser;
-try {
-  reportFrames(rows, await compareFrames(running, address, Math.min(seconds, 60)));
-  browser = await puppeteer.launch({
+// Calls use() with a host that runs the scene.
+async function withHost({ text, feed }, use) {
+  const folder = mkdtempSync(join(tmpdir(), "page"));
+  const { running, address } = await startHost(folder, text);
+  const endFeed = feed();
+  try {
+    await use(running, address);
+  } finally {
+    endFeed();
+    const ended = new Promise((resolve) => { running.once("exit", resolve); });
+    running.kill();
+    await ended;
+    rmSync(folder, { recursive: true });
+  }
+}
+
+// The page of that host: milliseconds to the first value in five starts, and what is counted in so many seconds.
+async function lookWithBrowser(running, address, seconds) {
+  const browser = await puppeteer.launch({
     executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
     args: ["--no-sandbox", "--use-angle=swiftshader", "--enable-unsafe-swiftshader"],
   });
-  const firstValues = [];
-  for (let i = 0; i < starts; ++i) firstValues.push(await timeStart(browser, address));
-  const browserTools = await browser.target().createCDPSession();
-  const setup = { browser, browserTools, address, running, ...(await openPage(browser, address)) };
-  report(rows, firstValues, await measure(setup));
-} finally {
-  await browser?.close();
-  const ended = new Promise((resolve) => { running.once("exit", resolve); });
-  running.kill();
-  await ended;
-  rmSync(folder, { recursive: true });
+  try {
+    const firstValues = [];
+    for (let i = 0; i < starts; ++i) firstValues.push(await timeStart(browser, address));
+    const browserTools = await browser.target().createCDPSession();
+    const setup = { browser, browserTools, address, running, ...(await openPage(browser, address)) };
+    return { firstValues, ...(await measure(setup, seconds)) };
+  } finally {
+    await browser.close();
+  }
 }
+
+const rows = new Rows(json, markdown);
+await withHost(await trackedScene(), async (running, address) => {
+  reportFrames(rows, await compareFrames(running, address, Math.min(seconds, 60)));
+  report(rows, await lookWithBrowser(running, address, seconds));
+});
+await withHost(threadedScene(), async (running, address) => {
+  reportThreaded(rows, await lookWithBrowser(running, address, Math.min(seconds, 20)));
+});
