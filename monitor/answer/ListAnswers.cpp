@@ -3,12 +3,14 @@
 #include "explain/TreeWalk.h"
 #include "explain/text/Escape.h"
 #include "monitor/answer/Context.h"
+#include "monitor/answer/ObjectText.h"
 #include "monitor/answer/SlotMap.h"
 #include "monitor/codec/SlotCodec.h"
 #include "trovio/Root.h"
 
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <span>
 #include <unistd.h>
 
 // What there is: lists, and the graph.
@@ -17,20 +19,43 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json slotJson(const SlotMap& map, const SlotMap::Place& place)
+/// As Explain::countsJson() has it.
+void addCounts(ObjectText& object, const Trovio::SlotInfo& slot)
 {
-    Json object{{"label", place._label}};
+    if (slot._out) {
+        object.add("written", slot._out->_written);
+    } else {
+        object.add("stored", slot._in->_counts.stored);
+        object.add("overwritten", slot._in->_counts.overwritten);
+        object.add("taken", slot._in->_counts.taken);
+        object.add("waiting", slot._in->_counts.waiting);
+        object.add("interrupts", slot._in->_interrupts);
+        object.add("notStored", slot._in->_notStored);
+        object.add("cutShort", slot._in->_cutShort);
+    }
+    const Trovio::StampCounts& stamps = slot._out ? slot._out->_stamps : slot._in->_stamps;
+    object.add("lastStamp", stamps._last.getSeconds());
+    object.add("future", stamps._future);
+    object.add("backwards", stamps._backwards);
+}
+
+void appendSlot(std::string& text, const SlotMap& map, const SlotMap::Place& place)
+{
+    const Trovio::SlotInfo& slot = *place._slot;
+    ObjectText object(text);
+    object.add("label", place._label);
     if (const std::string brief = map.shortLabelOf(place); !brief.empty())
-        object["short"] = brief;
-    const SlotCodec* const codec = SlotCodec::find(place._slot->_typeName);
-    object.update({{"direction", Explain::directionOf(*place._slot)},
-                   {"type", place._slot->_typeName},
-                   {"schema", codec ? Json(codec->schemaName()) : Json()},
-                   {"active", place._slot->_active}});
-    object.update(Explain::countsJson(*place._slot));
+        object.add("short", brief);
+    object.add("direction", Explain::directionOf(slot));
+    object.add("type", slot._typeName);
+    if (const SlotCodec* const codec = SlotCodec::find(slot._typeName))
+        object.add("schema", codec->schemaName());
+    else
+        object.addNull("schema");
+    object.add("active", slot._active);
+    addCounts(object, slot);
     if (!place._sensor.empty())
-        object["sensor"] = place._sensor;
-    return object;
+        object.add("sensor", place._sensor);
 }
 
 Json sensorJson(const SceneView& scene, const SlotMap& map, const SlotMap::Place& place,
@@ -84,18 +109,18 @@ Answer answerHost(const Context& context, const Question& question)
 Answer answerSlots(const Context& context, const Question& question)
 {
     const SlotMap map(Trovio::Root::get().inspect(), placesOf(context));
-    Json slots = Json::array();
+    const auto append = [&map](std::string& text, const SlotMap::Place& place) { appendSlot(text, map, place); };
+    std::string text;
     if (const auto asked = question._query.find("label"); asked != question._query.end()) {
         std::string problem;
         const SlotMap::Place* const place = map.find(asked->second, problem);
         if (!place)
             throw Refusal(404, problem);
-        slots.push_back(slotJson(map, *place));
-        return jsonAnswer(slots);
+        appendList(text, std::span(place, 1), append);
+    } else {
+        appendList(text, map.all(), append);
     }
-    for (const SlotMap::Place& place : map.all())
-        slots.push_back(slotJson(map, place));
-    return jsonAnswer(slots);
+    return {200, "application/json", text + "\n"};
 }
 
 Answer answerSensors(const Context& context, const Question&)

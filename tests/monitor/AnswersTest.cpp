@@ -1,4 +1,6 @@
 #include "monitor/answer/Answers.h"
+#include "explain/Counts.h"
+#include "explain/text/JsonText.h"
 #include "monitor/Recorder.h"
 #include "monitor/tap/HopAges.h"
 #include "tests/monitor/WatchedScene.h"
@@ -180,6 +182,28 @@ TEST_F(AnswersTest, ListsSayWhatThereIs)
                   ._body.find("\"" + edges[1].at("tail").get<std::string>() + "\" -> \"" +
                               edges[1].at("head").get<std::string>() + "\""),
               std::string::npos);
+}
+
+TEST_F(AnswersTest, ListsThatAreWrittenAtOnceSayWhatTheOthersSayInTheirForm)
+{
+    const std::string oddLabel = "say \"\\\" \x1b \xc2\x85 \xff \u00fc";
+    Trovio::OutSlot<float> odd("odd");
+    Root::get().addOutSlot(oddLabel, &odd);
+    send(now());
+    for (const char* path : {"/slots", "/flow"}) {
+        const std::string body = get(path)._body;
+        EXPECT_EQ(body, Explain::jsonText(nlohmann::ordered_json::parse(body)) + "\n");
+    }
+    const json slots = read("/slots");
+    for (json counts : json(Explain::slotsJson(Root::get().inspect()))) {
+        const std::string label = json::parse(Explain::jsonText(json(counts.at("slot"))));
+        const auto slot = std::ranges::find_if(slots, [&](const json& one) { return one.at("label") == label; });
+        ASSERT_NE(slot, slots.end()) << label;
+        counts.erase("slot");
+        for (const auto& [name, count] : counts.items())
+            EXPECT_EQ(slot->at(name), count) << label << ' ' << name;
+    }
+    Root::get().removeSlot(oddLabel);
 }
 
 TEST_F(AnswersTest, WhatIsPublishedGoesIntoTheSlotAndNothingStays)
