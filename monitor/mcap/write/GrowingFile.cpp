@@ -82,7 +82,7 @@ std::error_code GrowingFile::replaceTail(Bytes& added, std::uint32_t addedChecks
     if (!error && added.size() < _written->_tail.size())
         error = _file->setSize(begin + added.size());
     if (error)
-        return endSync() ? _failure : fail(error);
+        return confirm() ? _failure : fail(error); // what was written before stays
     _written = std::move(next);
     const bool isBusy = _sync.valid() && _sync.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
     if (isBusy && _written->_end - _confirmed->_end < maxUnconfirmed)
