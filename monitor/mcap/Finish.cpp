@@ -37,8 +37,13 @@ public:
     // Whether readers by index will find everything once the file has an end.
     bool canBeIndexed() const { return !_unindexed && _messages == _inChunks + messagesOf(_last); }
 
-    // The bytes that the file needs from `state._end` on.
-    Bytes end(const FileState& state)
+    /// What the file needs from `state._end` on, and then, when that is on the disk, the checksum of its data.
+    struct End {
+        Bytes _bytes;
+        std::uint64_t _dataEnd;
+        std::uint32_t _checksum;
+    };
+    End end(const FileState& state)
     {
         Bytes bytes;
         if (_last && !_last->_isIndexed) {
@@ -47,9 +52,10 @@ public:
             _last->_isIndexed = true;
         }
         addLast();
+        const std::uint64_t dataEnd = state._end + bytes.size();
         const std::uint32_t sum = checksum(bytes, state._checksum);
-        _summary.append(bytes, state._end + bytes.size(), sum, true);
-        return bytes;
+        _summary.append(bytes, dataEnd, 0, true);
+        return {std::move(bytes), dataEnd, sum};
     }
 
 private:
@@ -109,9 +115,13 @@ FileState finishFile(const std::string& path, const std::function<bool(std::uint
     if (!rebuild.canBeIndexed())
         refuse(path,
                "another program wrote it without indexes of messages; 'recording export' makes a new file with them");
-    const Bytes end = rebuild.end(state);
-    require(path, output->write(state._end, end));
-    require(path, output->setSize(state._end + end.size()));
+    const Rebuild::End end = rebuild.end(state);
+    require(path, output->write(state._end, end._bytes));
+    require(path, output->setSize(state._end + end._bytes.size()));
+    require(path, output->sync().get());
+    Bytes sum;
+    RecordBytes(sum).number(end._checksum);
+    require(path, output->write(end._dataEnd + frameSize, sum));
     require(path, output->sync().get());
     return state;
 }

@@ -1,7 +1,10 @@
+#include "monitor/mcap/Finish.h"
 #include "tests/recording/LoggedDisk.h"
+#include "tests/recording/RecordingFolder.h"
 #include "tests/recording/Story.h"
 #include "tests/support/Pace.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
 
 namespace {
@@ -46,6 +49,15 @@ struct Written {
     }
 };
 
+Found finish(const Bytes& bytes)
+{
+    const RecordingFolder folder;
+    const std::string path = folder.file("cut.mcap");
+    std::ofstream(path, std::ios::binary) << asText(bytes);
+    finishFile(path, [](std::uint64_t, std::uint64_t) { return true; });
+    return read(*InputFile::open(path));
+}
+
 testing::AssertionResult keepsConfirmed(const Written& written, std::size_t operations, const Bytes& file)
 {
     const std::uint64_t confirmed = operations == 0 ? 0 : written._confirmed[operations - 1];
@@ -56,6 +68,11 @@ testing::AssertionResult keepsConfirmed(const Written& written, std::size_t oper
     if (isDamaged(found) || found._messages < confirmed)
         return testing::AssertionFailure() << "after " << operations << " operations: " << found._messages << " of "
                                            << confirmed << " messages; " << found._state._problem;
+    const Found finished = finish(file);
+    if (!finished._state._problem.empty() || !finished._state._indexed || finished._messages != found._messages)
+        return testing::AssertionFailure()
+               << "after " << operations << " operations: finished with " << finished._messages << " of "
+               << found._messages << " messages; " << finished._state._problem;
     return testing::AssertionSuccess();
 }
 

@@ -29,18 +29,17 @@ std::optional<Checkpoint> lastIn(std::uint64_t offset, ByteView window)
 }
 } // namespace
 
-std::optional<Checkpoint> lastCheckpoint(InputFile& file, std::uint64_t from)
+CheckpointSearch::CheckpointSearch(InputFile& file, std::uint64_t from)
 {
     Bytes window;
-    for (std::uint64_t end = file.size(); end >= from + checkpointSize;) {
+    for (std::uint64_t end = file.size(); !_last && end >= from + checkpointSize;) {
         const std::uint64_t begin = std::max(from, end - std::min(end, windowSize));
         window.resize(static_cast<std::size_t>(end - begin));
-        if (!file.read(begin, window))
-            return std::nullopt;
-        if (const auto found = lastIn(begin, window))
-            return found;
+        if (file.read(begin, window))
+            _last = lastIn(begin, window);
+        else
+            _isWhole = false;
         end = begin + checkpointSize - 1; // one may lie across
     }
-    return std::nullopt;
 }
 } // namespace Monitor::Mcap

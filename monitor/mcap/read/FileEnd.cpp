@@ -92,6 +92,17 @@ std::optional<std::uint64_t> dataEndByFooter(InputFile& file)
     return start - dataEndSize;
 }
 
+bool isSealed(InputFile& file)
+{
+    const auto dataEnd = dataEndByFooter(file);
+    std::array<std::byte, dataEndSize> bytes;
+    if (!dataEnd || !file.read(*dataEnd, bytes))
+        return false;
+    ByteCursor cursor(bytes);
+    return cursor.number<Op>() == Op::DataEnd && cursor.number<std::uint64_t>() == dataEndSize - frameSize &&
+           cursor.number<std::uint32_t>() != 0;
+}
+
 FileEnd readFileEnd(InputFile& file, std::uint64_t from, const Chunks& chunks)
 {
     std::array<std::byte, footerSize + magic.size()> bytes;

@@ -21,4 +21,7 @@ FileEnd readFileEnd(InputFile& file, std::uint64_t from, const std::map<std::uin
 /// Where the data end by what the footer says, for who cannot walk there; nothing where there is none.
 std::optional<std::uint64_t> dataEndByFooter(InputFile& file);
 
+/// Whether there the data have a checksum, which is written when all of them are on the disk.
+bool isSealed(InputFile& file);
+
 } // namespace Monitor::Mcap

@@ -36,6 +36,7 @@ FileState Reader::read()
     while (step())
         if (!_visitor.goOn(_at, _state._size))
             return _state;
+    endChunk();
     _state._verdict = verdict();
     return _state;
 }
@@ -68,12 +69,17 @@ void Reader::problem(std::uint64_t offset, const std::string& what)
     _isCut = isCutAt(offset);
 }
 
+// Where it cannot, what follows will tell.
 bool Reader::isCutAt(std::uint64_t offset)
 {
-    const auto last = lastCheckpoint(_file, offset);
-    if (!last && !_hasCheckpoints)
-        return false; // what follows will tell
-    _confirmed = last && last->_confirmed > offset;
+    const bool mayHaveCheckpoints = _hasCheckpoints || _accepted < 2; // the first one stands behind the header
+    if (!mayHaveCheckpoints || isSealed(_file))
+        return false;
+    const CheckpointSearch behind(_file, offset);
+    if (!behind.last() && behind.isWhole() && !_hasCheckpoints)
+        return false;
+    const bool isUnknown = !behind.isWhole() && !_file.isBeingWritten();
+    _confirmed = isUnknown || (behind.last() && behind.last()->_confirmed > offset);
     return !_confirmed;
 }
 
@@ -128,6 +134,7 @@ void Reader::accept(const Frame& frame)
         _confirmed = _confirmed || isAddition(frame._op);
         return;
     }
+    ++_accepted;
     _state._end = frame.end();
     _state._checksum = checksum(_record, _state._checksum);
     if (frame._op == Op::Chunk)
@@ -200,6 +207,7 @@ std::string Reader::visitChunk(const Frame& frame)
     place._index._size = head->_size;
     _chunks[frame._offset] = frame._length;
     _chunk = std::move(place);
+    _isChunkFirst = _state._problem.empty();
     return {};
 }
 
@@ -224,7 +232,7 @@ void Reader::endChunk()
     ChunkIndex& index = _chunk->_index;
     _chunk->_isIndexed = std::ranges::all_of(
         _chunk->_messages, [&index](const auto& row) { return index._indexOffsets.contains(row.first); });
-    if (!_chunk->_isIndexed && _state._problem.empty()) {
+    if (!_chunk->_isIndexed && _isChunkFirst) {
         _state._end = index._offset + index._length;
         _state._checksum = _chunkChecksum;
     }

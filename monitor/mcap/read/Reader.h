@@ -62,6 +62,8 @@ private:
     std::map<std::uint64_t, std::uint64_t> _chunks; // lengths of the good ones, by offset
     std::optional<ChunkPlace> _chunk;               // the last one, while its indexes come
     std::uint32_t _chunkChecksum = 0;               // up to its end
+    bool _isChunkFirst = false;                     // before any problem
+    std::uint64_t _accepted = 0;                    // records, before any problem
     bool _hasCheckpoints = false;
     bool _isCut = false;     // at the first problem, as checkpoints say
     bool _confirmed = false; // what has the first problem was on the disk once

@@ -117,18 +117,27 @@ std::error_code GrowingFile::confirm()
     return _failure;
 }
 
+std::error_code GrowingFile::confirmWhatIsThere()
+{
+    if (_sync.valid() && _sync.wait_for(std::chrono::seconds(0)) == std::future_status::timeout)
+        return _failure;
+    if (!endSync() && _written != _confirmed)
+        beginSync();
+    return _failure;
+}
+
 std::error_code GrowingFile::fail(std::error_code error)
 {
+    _failure = error;
     _written = _confirmed;
-    putBack();
-    return _failure = error;
+    _isTorn = !putBack();
+    return _failure;
 }
 
 // Where this fails, too, walking through the file finds all that was confirmed.
-void GrowingFile::putBack()
+bool GrowingFile::putBack()
 {
-    if (!_file->write(_confirmed->_end, _confirmed->_tail) && !_file->setSize(size()))
-        _file->sync().get();
+    return !_file->write(_confirmed->_end, _confirmed->_tail) && !_file->setSize(size()) && !_file->sync().get();
 }
 
 std::error_code GrowingFile::close()
@@ -138,7 +147,7 @@ std::error_code GrowingFile::close()
     if (Bytes nothing; !_failure)
         replaceTail(nothing, 0, true);
     confirm();
-    if (_confirmed->_tail.empty())
+    if (_confirmed->_tail.empty() || _isTorn)
         return _failure;
     Bytes sum;
     RecordBytes(sum).number(_confirmed->_checksum);

@@ -36,6 +36,9 @@ public:
 
     /// Waits until all additions are confirmed.
     std::error_code confirm();
+    /// Notes what the disk has confirmed meanwhile, and asks it for the rest, without waiting.
+    std::error_code confirmWhatIsThere();
+    bool isConfirmed() const { return _written == _confirmed; }
 
     /// Waits likewise, writes the whole summary where it was left out for its size, and at last the data's checksum:
     /// who finds that knows that all else was on the disk before.
@@ -54,7 +57,7 @@ private:
     void beginSync();
     std::error_code endSync();
     std::error_code fail(std::error_code error);
-    void putBack();
+    bool putBack();
 
     /// [0, _end), and what stands behind it.
     struct State {
@@ -71,6 +74,7 @@ private:
     std::shared_ptr<const State> _syncing;              // what is brought to the disk, while _sync is valid
     std::shared_ptr<const State> _confirmed = _written; // what is there
     std::error_code _failure;
+    bool _isTorn = false;               // the end that is there is none
     std::future<std::error_code> _sync; // last: waits, where nobody else did
 };
 } // namespace Monitor::Mcap

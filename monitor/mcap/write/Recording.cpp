@@ -10,7 +10,8 @@ namespace Monitor::Mcap {
 
 namespace {
 
-constexpr std::size_t largeMessage = 64UL * 1024; // bytes
+constexpr std::size_t largeMessage = 64UL * 1024;           // bytes
+constexpr auto lookInterval = std::chrono::milliseconds(5); // while the disk confirms what was written
 } // namespace
 
 Recording::Recording(std::string title, std::unique_ptr<OutputFile> file, std::string library,
@@ -137,12 +138,6 @@ void Recording::hand(Job&& job)
     _changed.notify_all();
 }
 
-bool Recording::isBehind() const
-{
-    const Ostrel::LockGuard guard(_lock);
-    return !_jobs.empty();
-}
-
 bool Recording::hasRoom() const
 {
     const Ostrel::LockGuard guard(_lock);
@@ -162,11 +157,23 @@ RecordingStatus Recording::status() const
     return _status;
 }
 
-std::optional<Recording::Job> Recording::nextJob()
+// What is written meanwhile was not handed over in vain when the program is killed, so it does not wait for the disk.
+bool Recording::waitForJob(bool isAllConfirmed)
 {
     const Ostrel::LockGuard guard(_lock);
-    while (_jobs.empty() && !_ending)
-        _changed.wait(_lock);
+    if (isAllConfirmed)
+        while (_jobs.empty() && !_ending)
+            _changed.wait(_lock);
+    else if (_jobs.empty() && !_ending)
+        _changed.wait_for(_lock, lookInterval);
+    return !_jobs.empty() || _ending;
+}
+
+std::optional<Recording::Job> Recording::nextJob()
+{
+    while (!waitForJob(_file.isConfirmed()))
+        attempt([](GrowingFile& file) { return file.confirmWhatIsThere(); });
+    const Ostrel::LockGuard guard(_lock);
     if (_jobs.empty())
         return std::nullopt;
     Job job = std::move(_jobs.front());
@@ -182,11 +189,8 @@ void Recording::writeAll(const std::string& library)
     while (auto job = nextJob()) {
         goesOn = goesOn && attempt(job->_do);
         letGo(job->_bytes);
-        if (!isBehind())
-            goesOn = goesOn && attempt([](GrowingFile& file) { return file.confirm(); });
     }
-    if (goesOn)
-        attempt([](GrowingFile& file) { return file.close(); });
+    attempt([goesOn](GrowingFile& file) { return goesOn ? file.close() : file.confirm(); });
 }
 
 void Recording::letGo(std::size_t bytes)
@@ -203,7 +207,8 @@ bool Recording::attempt(const std::function<std::error_code(GrowingFile&)>& acti
         return true;
     } catch (const std::exception&) {
         const Ostrel::LockGuard guard(_lock);
-        _status._problem.swap(_outOfMemory);
+        if (_status._problem.empty())
+            _status._problem.swap(_outOfMemory);
         return false;
     }
 }

@@ -64,11 +64,11 @@ private:
         std::size_t _bytes;
     };
     std::uint16_t numberOf(const Schema& schema);
-    /// Whether more waits to be written.
-    bool isBehind() const OSTREL_EXCLUDES(_lock);
     void hand(Job&& job) OSTREL_EXCLUDES(_lock);
     ChunkBuilder takeSpare() OSTREL_EXCLUDES(_lock);
     void keepSpare(ChunkBuilder&& chunk) OSTREL_EXCLUDES(_lock);
+    /// False where it came to nothing: while something is to be confirmed it does not wait long.
+    bool waitForJob(bool isAllConfirmed) OSTREL_EXCLUDES(_lock);
     std::optional<Job> nextJob() OSTREL_EXCLUDES(_lock);
     void writeAll(const std::string& library);
     void letGo(std::size_t bytes) OSTREL_EXCLUDES(_lock);
