@@ -42,6 +42,7 @@ export class Model extends EventTarget {
   #needsNodes = false;
   #structure = "";
   #relaysOf = undefined; // the structure whose relays are known
+  #relaysAsked = undefined; // the last question for them
   #refreshing = undefined;
   #stream;
 
@@ -80,7 +81,7 @@ export class Model extends EventTarget {
 
   /** The routes may be others. */
   async readRoutes() {
-    this.#relaysOf = undefined;
+    this.#relaysOf = this.#relaysAsked = undefined;
     this.#setPairs((await ask("/flow")).edges);
   }
 
@@ -88,8 +89,10 @@ export class Model extends EventTarget {
   async readRelays() {
     const structure = this.#structure;
     if (this.#relaysOf === structure) return;
-    this.relays = relaysIn(await ask("/graph", { form: "json" }));
-    this.#relaysOf = structure;
+    const asked = (this.#relaysAsked = {}); // readRoutes() makes what comes then too old
+    const relays = relaysIn(await ask("/graph", { form: "json" }));
+    this.relays = relays;
+    if (this.#relaysAsked === asked) this.#relaysOf = structure;
   }
 
   async #readNodes() {
