@@ -58,6 +58,11 @@ TEST_F(RecordingProgram, RunRecordsFramesRecordsAndItsScene)
     EXPECT_GT(slotOf(found, "Context/Generator/value")["messages"], 5) << found;
     EXPECT_EQ(found["attached"][0]["name"], "scene.toml");
     EXPECT_EQ(found["attached"][0]["bytes"], Files::file_size(_scene.path()));
+    const std::string text = ask({"recording", "info", file("a.mcap")});
+    for (const std::string& line :
+         {file("a.mcap") + ": whole\n", std::string("        20 messages "), std::string("@frames  ostrel.Frame\n"),
+          "attached: scene.toml, application/toml, " + std::to_string(Files::file_size(_scene.path())) + " bytes\n"})
+        EXPECT_NE(text.find(line), std::string::npos) << line << text;
     EXPECT_NE(ask({"run", _scene.path(), "--record", file("a.mcap")}, 2).find("exists"), std::string::npos);
 }
 
