@@ -5,6 +5,7 @@
 #include "trovio/Time.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -24,6 +25,8 @@ public:
     /// What the next record is written over; the same again until it is kept.
     virtual TapRecord& place() = 0;
     virtual void keep() = 0;
+    /// The same with a record whose message is not written yet: `encode` does so once, and holds the value until then.
+    virtual void keep(std::function<void(Bytes&)> encode) = 0;
 };
 
 /// How much a tap keeps between two drains.
@@ -48,9 +51,10 @@ public:
     virtual ~AnyTap() = default;
 
     virtual Trovio::BasicInSlot& slot() = 0;
-    /// Writes what the ring holds into `sink`, oldest first. A record that there is no memory for, or that the sink
-    /// does not take, counts as refused. wallAtZero: what the wall clock says, in nanoseconds, when the steady clock
-    /// says 0. One thread at a time, not a pushing one.
+    /// Writes what the ring holds into `sink`, oldest first; images and arrays only as values, which are written when
+    /// it is their turn. A record that there is no memory for, or that the sink does not take, counts as refused.
+    /// wallAtZero: what the wall clock says, in nanoseconds, when the steady clock says 0. One thread at a time, not a
+    /// pushing one.
     virtual TapState drain(std::int64_t wallAtZero, TapSink& sink) = 0;
     /// Records that were pushed into it: those that drain() handed out or will, and those that it refused.
     virtual std::uint64_t seen() const = 0;

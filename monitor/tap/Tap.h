@@ -18,7 +18,7 @@ constexpr bool isHandle<Trovio::SmartPtr<Object>> = true;
 /// Notes when each record is pushed, and keeps it in a ring until it is drained; a record that finds the ring full is
 /// refused and counted. Nobody is woken.
 /// Invariant: _waiting entries of the ring belong to who drains; the others belong to who pushes.
-/// Ownership: a record of an image or array keeps its pooled object until it is drained.
+/// Ownership: a record of an image or array keeps its pooled object until its message is written.
 /// Threads:   any thread pushes, one drains: it reads its entries without the lock, for nobody writes over them.
 template <class T>
 class Tap final : public AnyTap, public Trovio::InSlot<T> {
@@ -123,8 +123,12 @@ TapState Tap<T>::drain(std::int64_t wallAtZero, TapSink& sink)
             TapRecord& out = sink.place();
             out._arrival = entry._arrival + wallAtZero;
             out._stamp = record.getTimeStamp();
-            encode(record, out._cdr);
-            sink.keep();
+            if constexpr (isHandle<T>) {
+                sink.keep([record = std::move(record)](Bytes& cdr) { encode(record, cdr); });
+            } else {
+                encode(record, out._cdr);
+                sink.keep();
+            }
         } catch (const std::exception&) { // no memory, or 4 GiB of text
             ++drained._lost;
         }

@@ -4,6 +4,7 @@
 #include "monitor/codec/SlotCodec.h"
 #include "monitor/tap/AnyTap.h"
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <string>
@@ -79,10 +80,12 @@ private:
         std::size_t _users = 1;                       // under the lock, as the next
         std::uint64_t _drained = 0;                   // by this tap, as of the last drain
         std::uint64_t _told = 0;                      // of all refused so far, those that the receiver knows of
+        std::atomic<std::uint64_t> _unwritten = 0;    // of _drained, not handed out: no memory for the message
     };
     struct Arrived {
-        const Watched* _watched = nullptr;
+        Watched* _watched = nullptr;
         TapRecord _record;
+        std::function<void(Bytes&)> _encode; // where the message is not written yet
     };
     struct Loss {
         Watched* _watched;
@@ -95,9 +98,14 @@ private:
         std::vector<Arrived> _arrived; // the first _count; the others are of earlier rounds
         std::size_t _count = 0;
         std::vector<Arrived*> _order;
+        Bytes _large; // where messages are written when they are handed out
+        bool _needsLarge = false;
 
         TapRecord& place();
-        void keep(const Watched& watched) { _arrived[_count++]._watched = &watched; }
+        void keep(Watched& watched, std::function<void(Bytes&)> encode);
+        void handOut(Arrived& arrived, const Use& use);
+        /// False where there is no memory for it.
+        bool writeLarge(const std::function<void(Bytes&)>& encode, Bytes& cdr);
         void reserve(std::size_t taps);
         void sort();
         void forget();

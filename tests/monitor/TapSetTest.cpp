@@ -4,6 +4,7 @@
 #include "trovio/Root.h"
 #include "trovio/Values.h"
 
+#include <array>
 #include <gtest/gtest.h>
 #include <latch>
 #include <thread>
@@ -167,6 +168,37 @@ TEST_F(TapSetTest, ARecordThatThereIsNoMemoryForIsRefusedAlone)
         EXPECT_EQ(count, 2U);
     }
     expectCounts(taps, 12, 9);
+}
+
+TEST_F(TapSetTest, SoIsALargeOneWhetherOrNotItWasItsTurn)
+{
+    using Array = SharedVector<float>;
+    OutSlot<Array> arrays("arrays");
+    stand("scene", arrays);
+    TapSet taps(TapSize{1'000, 3});
+    ASSERT_TRUE(taps.add("scene/value"));
+    std::uint64_t pushed = 0, drained = 0;
+    for (std::uint64_t nth = 1; nth <= 4; ++nth) { // three to keep the values, and one for the messages
+        EXPECT_EQ(drain(taps), 0U) << "and gives back what it did not need";
+        for (std::size_t i = 1; i <= 3; ++i, ++pushed) {
+            Array array;
+            array.acquire();
+            array->assign(1'000 * i, static_cast<float>(i));
+            arrays.push(Data<Array>(array, Time(1)));
+        }
+        std::array<std::size_t, 3> sizes{};
+        std::size_t count = 0;
+        {
+            const AllocationFailure failure(nth);
+            taps.drain([&](const std::string&, const SlotCodec&, TapRecord&& record) {
+                sizes[count++] = record._cdr.size();
+            });
+        }
+        drained += count;
+        EXPECT_EQ(count, 2U);
+        EXPECT_EQ(sizes[1], sizes[0] + (nth == 2 ? 8'000 : 4'000)) << "each its own";
+    }
+    expectCounts(taps, pushed, drained);
 }
 
 TEST_F(TapSetTest, CountsEveryRecordOfManyPushers)
