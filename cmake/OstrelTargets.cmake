@@ -64,6 +64,12 @@ if(OSTREL_SANITIZE)
   target_link_options(ostrelBuild INTERFACE -fsanitize=${_sanitizers})
 endif()
 
+# What only tests is compiled without the optimiser, which takes a quarter of the time; what it tests keeps it. Stands
+# behind ostrelBuild among what a target links, because the last option of a kind counts.
+add_library(ostrelTestBuild INTERFACE)
+target_compile_options(ostrelTestBuild INTERFACE
+  "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:SHELL:-O0 -U_FORTIFY_SOURCE>")
+
 # ostrelPrograms: what a user runs. ostrelTests: the tests that this build tree takes part in, with what they need.
 add_custom_target(ostrelPrograms)
 add_custom_target(ostrelTests)
@@ -76,6 +82,8 @@ function(_ostrel_common name rpath)
     INSTALL_RPATH "${rpath}")
 endfunction()
 
+include(cmake/OstrelHeaders.cmake)
+
 # ostrel_library(NAME SOURCES a.cpp … [HEADERS a.h …]): a shared library whose headers are included from BASE_DIR.
 function(ostrel_library name)
   cmake_parse_arguments(ARG "" "BASE_DIR" "SOURCES;HEADERS" ${ARGN})
@@ -87,6 +95,7 @@ function(ostrel_library name)
     set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET default VISIBILITY_INLINES_HIDDEN OFF)
   endif()
   _ostrel_common(${name} "$ORIGIN")
+  ostrel_read_once(${name} ostrelLibraryHeaders)
 endfunction()
 
 # ostrel_export_only(NAME NAMESPACE …): the library exports what is in these namespaces, and nothing else.
@@ -124,6 +133,7 @@ function(ostrel_module type)
   _ostrel_common(${name} "$ORIGIN/..")
   set_target_properties(${name} PROPERTIES PREFIX "" OUTPUT_NAME trovio-node-${type}
     LIBRARY_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/trovio CXX_VISIBILITY_PRESET hidden)
+  ostrel_read_once(${name} ostrelLibraryHeaders)
   target_link_libraries(${name} PRIVATE ostrelSensorManager)
   add_dependencies(ostrelPrograms ${name})
 endfunction()
@@ -146,12 +156,6 @@ function(_ostrel_runs_here result)
   set(${result} ${runs} PARENT_SCOPE)
 endfunction()
 
-# What only tests is compiled without the optimiser, which takes a quarter of the time; what it tests keeps it. Stands
-# behind ostrelBuild among what a target links, because the last option of a kind counts.
-add_library(ostrelTestBuild INTERFACE)
-target_compile_options(ostrelTestBuild INTERFACE
-  "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:SHELL:-O0 -U_FORTIFY_SOURCE>")
-
 # ostrel_test(NAME SOURCES … LIBRARIES … [NEEDS target …] [LABELS …] [TIMEOUT seconds]): a GoogleTest program. Its cases
 # carry the preset's name in ctest. NEEDS names what must be built before it runs: programs, modules.
 function(ostrel_test name)
@@ -169,6 +173,7 @@ function(ostrel_test name)
   add_executable(${name} ${ARG_SOURCES})
   _ostrel_common(${name} "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
   target_link_libraries(${name} PRIVATE ostrelTestBuild ${ARG_LIBRARIES} GTest::gtest_main)
+  ostrel_read_once(${name} ostrelTestHeaders)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   add_dependencies(ostrelTests ${name})
   if(ARG_NEEDS)
