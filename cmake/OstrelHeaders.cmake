@@ -18,8 +18,7 @@ endif()
 
 # What is compiled as the target is may begin with the headers.
 function(_ostrel_headers name)
-  set(headers algorithm array atomic chrono cmath cstdint functional map memory optional set span stdexcept string
-    string_view utility vector ${ARGN})
+  set(headers algorithm functional map memory optional string vector ${ARGN}) # more of them take longer to look up
   list(TRANSFORM headers REPLACE "(.+)" "$<$<COMPILE_LANGUAGE:CXX>:<\\1$<ANGLE-R>>")
   _ostrel_common(${name} "")
   target_precompile_headers(${name} PRIVATE ${headers})
