@@ -1,5 +1,6 @@
 #include "benchmarks/harness/Result.h"
 
+#include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
@@ -88,7 +89,7 @@ std::string toText(const Verdict& verdict, const char* ifShort)
 std::string spell(const char* format, const std::optional<double>& number, int width = 0)
 {
     char text[40];
-    if (!number)
+    if (!number || std::isnan(*number)) // nothing is no multiple of nothing
         return std::string(static_cast<std::size_t>(std::max(width - 1, 0)), ' ') + "–";
     std::snprintf(text, sizeof text, format, width, *number);
     return text;
@@ -108,9 +109,9 @@ std::vector<Row> makeRows(const std::string& name, const Workload& workload, con
 std::string toText(const Row& row)
 {
     char text[160];
-    std::snprintf(text, sizeof text, "%-22s %-30s %11.2f %11.2f %11.2f %-4s %8.2f %s", row._workload.c_str(),
-                  row._contender.c_str(), row._median, row._least, row._most, row._unit.c_str(), row._ratio,
-                  spell("%*.3g", row._allocations, 7).c_str());
+    std::snprintf(text, sizeof text, "%-22s %-30s %11.2f %11.2f %11.2f %-4s %s %s", row._workload.c_str(),
+                  row._contender.c_str(), row._median, row._least, row._most, row._unit.c_str(),
+                  spell("%*.2f", row._ratio, 8).c_str(), spell("%*.3g", row._allocations, 7).c_str());
     std::string line = text;
     for (const Verdict& verdict : row._verdicts)
         line += "  " + toText(verdict, "SHORT");
@@ -121,9 +122,9 @@ std::string toMarkdown(const Row& row)
 {
     char text[200];
     const int digits = row._median < 100 ? 2 : 0;
-    std::snprintf(text, sizeof text, "| %s | %s | %.*f %s | %.*f to %.*f | %.2f | %s |", row._workload.c_str(),
+    std::snprintf(text, sizeof text, "| %s | %s | %.*f %s | %.*f to %.*f | %s | %s |", row._workload.c_str(),
                   row._contender.c_str(), digits, row._median, row._unit.c_str(), digits, row._least, digits, row._most,
-                  row._ratio, spell("%*.3g", row._allocations).c_str());
+                  spell("%*.2f", row._ratio).c_str(), spell("%*.3g", row._allocations).c_str());
     std::string line = text;
     for (const Verdict& verdict : row._verdicts)
         line += (&verdict == &row._verdicts.front() ? " " : "; ") + toText(verdict, "**short**");
