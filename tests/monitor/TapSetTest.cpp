@@ -190,9 +190,8 @@ TEST_F(TapSetTest, SoIsALargeOneWhetherOrNotItWasItsTurn)
         std::size_t count = 0;
         {
             const AllocationFailure failure(nth);
-            taps.drain([&](const std::string&, const SlotCodec&, TapRecord&& record) {
-                sizes[count++] = record._cdr.size();
-            });
+            taps.drain(
+                [&](const std::string&, const SlotCodec&, TapRecord&& record) { sizes[count++] = record._cdr.size(); });
         }
         drained += count;
         EXPECT_EQ(count, 2U);
