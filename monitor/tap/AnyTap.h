@@ -32,7 +32,8 @@ public:
 /// How much a tap keeps between two drains.
 struct TapSize {
     std::size_t _bytes = 64 * 1024; // of records with plain values, and once more of texts too long to stand in them
-    std::size_t _handles = 4;       // of images and arrays, each of which keeps its pooled object
+    std::size_t _handles = 4;       // of images and arrays, each of which keeps its pooled object, in the ring;
+                                    // as many again while those of a drain are written
 };
 
 /// What a drain saw of a tap.
@@ -52,7 +53,8 @@ public:
 
     virtual Trovio::BasicInSlot& slot() = 0;
     /// Writes what the ring holds into `sink`, oldest first; images and arrays only as values, which are written when
-    /// it is their turn. A record that there is no memory for, or that the sink does not take, counts as refused.
+    /// it is their turn. A record that there is no memory for, or that the sink does not take, counts as refused here;
+    /// one that cannot be written later is for whoever keeps the sink to count.
     /// wallAtZero: what the wall clock says, in nanoseconds, when the steady clock says 0. One thread at a time, not a
     /// pushing one.
     virtual TapState drain(std::int64_t wallAtZero, TapSink& sink) = 0;

@@ -85,7 +85,7 @@ bool TapSet::add(const std::string& label, std::shared_ptr<TapReceiver> receiver
         ++known->second->_users;
         return true;
     }
-    auto watched = makeWatched({label}, std::move(receiver));
+    auto watched = makeWatched(label, std::make_shared<Tally>(), std::move(receiver));
     if (!watched)
         return false;
     const auto added = _watched.emplace(label, watched).first;
@@ -116,15 +116,15 @@ void TapSet::remove(const std::string& label)
     _watched.erase(known);
 }
 
-std::shared_ptr<TapSet::Watched> TapSet::makeWatched(const TapCounts& before,
+std::shared_ptr<TapSet::Watched> TapSet::makeWatched(const std::string& label, std::shared_ptr<Tally> tally,
                                                      std::shared_ptr<TapReceiver> receiver) const
 {
-    const SlotCodec* const codec = codecAt(before._label);
+    const SlotCodec* const codec = codecAt(label);
     if (!codec)
         return nullptr;
     const TapSize size = _watched.size() < fullTaps ? _size : TapSize{_size._bytes / 16, 1};
     return std::shared_ptr<Watched>(
-        new Watched{before._label, *codec, makeTap(codec->slotType(), size), before, std::move(receiver)});
+        new Watched{label, *codec, makeTap(codec->slotType(), size), std::move(tally), std::move(receiver)});
 }
 
 /// A route of its own for each label, so that slots that nobody looks at cost nothing.
@@ -156,12 +156,13 @@ void TapSet::renewTypes(std::int64_t now)
         const SlotCodec* const codec = watched->_tap->slot().isActive() ? &watched->_codec : codecAt(label);
         if (!codec || codec == &watched->_codec)
             continue;
-        const auto renewed = makeWatched(countsOf(*watched), watched->_receiver);
+        const auto renewed = makeWatched(label, watched->_tally, watched->_receiver);
         if (!renewed)
             continue;
         renewed->_users = watched->_users;
-        renewed->_told = watched->_told;
         unwire(label);
+        watched->_tally->_seen += watched->_tap->seen();
+        watched->_tally->_refused += watched->_tap->refused();
         watched = renewed;
         _isRoomy = false;
         wire(*watched);
@@ -176,17 +177,18 @@ TapRecord& TapSet::Round::place()
     return _arrived[_count]._record;
 }
 
-void TapSet::Round::keep(Watched& watched, std::function<void(Bytes&)> encode)
+void TapSet::Round::keep(Share& share, std::function<void(Bytes&)> encode)
 {
     Arrived& arrived = _arrived[_count++];
-    arrived._watched = &watched;
+    arrived._share = &share;
     arrived._encode = std::move(encode);
+    ++share._collected;
 }
 
 /// Else nothing is lost: the taps keep what they hold.
 void TapSet::Round::reserve(std::size_t taps)
 {
-    _watched.reserve(taps);
+    _shares.reserve(taps);
     _losses.reserve(taps);
 }
 
@@ -207,7 +209,7 @@ void TapSet::Round::sort()
 void TapSet::Round::forget()
 {
     constexpr std::size_t someRecords = 1'024, someBytes = 1'024;
-    _watched.clear();
+    _shares.clear();
     _losses.clear();
     _arrived.resize(std::min(_arrived.size(), 2 * _count + someRecords));
     for (std::size_t i = _count; i < _arrived.size(); ++i)
@@ -218,21 +220,16 @@ void TapSet::Round::forget()
     _count = 0;
 }
 
-/// What one tap adds to a round.
 class TapSet::RoundSink final : public TapSink {
 public:
-    RoundSink(Round& round, Watched& watched) : _round(round), _watched(watched) {}
+    RoundSink(Round& round, Share& share) : _round(round), _share(share) {}
     TapRecord& place() override { return _round.place(); }
     void keep() override { keep(nullptr); }
-    void keep(std::function<void(Bytes&)> encode) override
-    {
-        _round.keep(_watched, std::move(encode));
-        ++_watched._drained;
-    }
+    void keep(std::function<void(Bytes&)> encode) override { _round.keep(_share, std::move(encode)); }
 
 private:
     Round& _round;
-    Watched& _watched;
+    Share& _share;
 };
 
 TapSet::Round TapSet::collect()
@@ -252,67 +249,100 @@ TapSet::Round TapSet::collect()
 /// Whether it is roomy.
 bool TapSet::collectFrom(const std::shared_ptr<Watched>& watched, std::int64_t wallAtZero, Round& round)
 {
-    const std::size_t before = round._count;
-    RoundSink sink(round, *watched);
+    Share& share = round._shares.emplace_back();
+    RoundSink sink(round, share);
     const TapState state = watched->_tap->drain(wallAtZero, sink);
-    const std::uint64_t refused = watched->_before._refused + state._refused + watched->_unwritten;
-    const bool hasLost = watched->_told != refused;
-    if (hasLost)
-        round._losses.push_back({watched.get(), refused});
-    if (hasLost || round._count != before)
-        round._watched.push_back(watched);
+    const Tally& tally = *watched->_tally;
+    share._refused = tally._refused + state._refused;
+    if (share._collected != 0 || share._refused + tally._unwritten != tally._told)
+        share._watched = watched;
+    else
+        round._shares.pop_back();
     return state._isRoomy;
 }
 
-bool TapSet::Round::writeLarge(const std::function<void(Bytes&)>& encode, Bytes& cdr)
+/// Lets go of the value. False where there is no memory for its message.
+bool TapSet::Arrived::write()
 {
-    _needsLarge = true;
-    cdr.swap(_large);
+    const auto encode = std::exchange(_encode, nullptr);
     try {
-        encode(cdr);
+        encode(_record._cdr);
         return true;
     } catch (const std::exception&) {
         return false;
     }
 }
 
+void TapSet::Arrived::handOut(const Use& use)
+{
+    const Watched& watched = *_share->_watched;
+    ++_share->_handedOut;
+    if (watched._receiver)
+        watched._receiver->take(watched._codec, _record);
+    else if (use)
+        use(watched._label, watched._codec, std::move(_record));
+}
+
 /// Messages of large values are written one over the other, for memory that is in the processor's caches is the faster:
 /// a round may hold more of them than go into those.
-void TapSet::Round::handOut(Arrived& arrived, const Use& use)
+void TapSet::Round::handOutLarge(Arrived& arrived, const Use& use)
 {
-    const auto encode = std::exchange(arrived._encode, nullptr);
-    Watched& watched = *arrived._watched;
-    TapRecord& record = arrived._record;
-    if (encode && !writeLarge(encode, record._cdr))
-        ++watched._unwritten;
-    else if (watched._receiver)
-        watched._receiver->take(watched._codec, record);
-    else if (use)
-        use(watched._label, watched._codec, std::move(record));
-    if (encode)
-        _large.swap(record._cdr);
+    _needsLarge = true;
+    arrived._record._cdr.swap(_large);
+    if (arrived.write())
+        arrived.handOut(use);
+    arrived._record._cdr.swap(_large);
+}
+
+void TapSet::Round::handOut(const Use& use)
+{
+    for (Arrived* const arrived : _order) {
+        if (arrived->_encode)
+            handOutLarge(*arrived, use);
+        else
+            arrived->handOut(use);
+    }
 }
 
 void TapSet::drain(const Use& use)
 {
     Round round = collect();
     round.sort();
-    for (Arrived* const arrived : round._order)
-        round.handOut(*arrived, use);
-    for (const Loss& loss : round._losses)
-        if (loss._watched->_receiver)
-            loss._watched->_receiver->miss(loss._refused);
-    noteTold(round);
+    try {
+        round.handOut(use);
+    } catch (...) {
+        settle(round);
+        throw;
+    }
+    settle(round);
+    tellLosses(round);
     round.forget();
     const Ostrel::LockGuard guard(_lock);
     _spare = std::move(round);
 }
 
-void TapSet::noteTold(const Round& round)
+/// Counts what was handed out, and finds who has to be told of losses.
+void TapSet::settle(Round& round)
 {
     const Ostrel::LockGuard guard(_lock);
+    for (const Share& share : round._shares) {
+        Tally& tally = *share._watched->_tally;
+        tally._drained += share._handedOut;
+        tally._unwritten += share._collected - share._handedOut;
+        const std::uint64_t refused = share._refused + tally._unwritten;
+        if (refused != tally._told)
+            round._losses.push_back({share._watched.get(), refused});
+    }
+}
+
+void TapSet::tellLosses(const Round& round)
+{
     for (const Loss& loss : round._losses)
-        loss._watched->_told = loss._refused;
+        if (loss._watched->_receiver)
+            loss._watched->_receiver->miss(loss._refused);
+    const Ostrel::LockGuard guard(_lock);
+    for (const Loss& loss : round._losses)
+        loss._watched->_tally->_told = loss._refused;
 }
 
 bool TapSet::isRoomy() const
@@ -329,10 +359,9 @@ double TapSet::arrivalBound() const
 
 TapCounts TapSet::countsOf(const Watched& watched)
 {
-    const std::uint64_t unwritten = watched._unwritten;
-    return {watched._label, watched._before._seen + watched._tap->seen(),
-            watched._before._drained + watched._drained - unwritten,
-            watched._before._refused + watched._tap->refused() + unwritten};
+    const Tally& tally = *watched._tally;
+    return {watched._label, tally._seen + watched._tap->seen(), tally._drained,
+            tally._refused + watched._tap->refused() + tally._unwritten};
 }
 
 std::vector<TapCounts> TapSet::getCounts() const

@@ -4,9 +4,9 @@
 #include "monitor/codec/SlotCodec.h"
 #include "monitor/tap/AnyTap.h"
 
-#include <atomic>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -54,7 +54,7 @@ public:
     void remove(const std::string& label) OSTREL_EXCLUDES(_lock);
 
     /// Hands out what has come, by the time of its arrival: to `use` what has no receiver. What they throw goes on; the
-    /// rest of that round is lost then. Under no lock.
+    /// rest of that round is refused then. Under no lock.
     using Use = std::function<void(const std::string& label, const SlotCodec& codec, TapRecord&& record)>;
     void drain(const Use& use = nullptr) OSTREL_EXCLUDES(_lock);
 
@@ -71,29 +71,42 @@ public:
     TapCounts getCounts(const std::string& label) const OSTREL_EXCLUDES(_lock);
 
 private:
+    /// Of one label, whatever taps stand there one after the other. Under the lock.
+    struct Tally {
+        std::uint64_t _seen = 0, _refused = 0; // by taps that stood here before
+        std::uint64_t _drained = 0;            // handed out
+        std::uint64_t _unwritten = 0;          // drained by a tap, and not handed out: no memory, or what threw
+        std::uint64_t _told = 0;               // of all refused so far, those that the receiver knows of
+    };
     struct Watched {
         const std::string _label;
         const SlotCodec& _codec;
         const std::unique_ptr<AnyTap> _tap;
-        const TapCounts _before;                      // of taps that stood here before
+        const std::shared_ptr<Tally> _tally;
         const std::shared_ptr<TapReceiver> _receiver; // null where labels are looked up
-        std::size_t _users = 1;                       // under the lock, as the next
-        std::uint64_t _drained = 0;                   // by this tap, as of the last drain
-        std::uint64_t _told = 0;                      // of all refused so far, those that the receiver knows of
-        std::atomic<std::uint64_t> _unwritten = 0;    // of _drained, not handed out: no memory for the message
+        std::size_t _users = 1;                       // under the lock
+    };
+    /// What one tap adds to a round.
+    struct Share {
+        std::shared_ptr<const Watched> _watched; // which may be removed meanwhile
+        std::uint64_t _refused = 0;              // so far, but for those unwritten
+        std::uint64_t _collected = 0, _handedOut = 0;
     };
     struct Arrived {
-        Watched* _watched = nullptr;
+        Share* _share = nullptr;
         TapRecord _record;
         std::function<void(Bytes&)> _encode; // where the message is not written yet
+
+        bool write();
+        void handOut(const Use& use);
     };
     struct Loss {
-        Watched* _watched;
+        const Watched* _watched;
         std::uint64_t _refused; // so far
     };
     /// What one drain found. Its memory goes on to the next.
     struct Round {
-        std::vector<std::shared_ptr<const Watched>> _watched; // which may be removed meanwhile
+        std::vector<Share> _shares; // stay where they are
         std::vector<Loss> _losses;
         std::vector<Arrived> _arrived; // the first _count; the others are of earlier rounds
         std::size_t _count = 0;
@@ -102,10 +115,9 @@ private:
         bool _needsLarge = false;
 
         TapRecord& place();
-        void keep(Watched& watched, std::function<void(Bytes&)> encode);
-        void handOut(Arrived& arrived, const Use& use);
-        /// False where there is no memory for it.
-        bool writeLarge(const std::function<void(Bytes&)>& encode, Bytes& cdr);
+        void keep(Share& share, std::function<void(Bytes&)> encode);
+        void handOut(const Use& use);
+        void handOutLarge(Arrived& arrived, const Use& use);
         void reserve(std::size_t taps);
         void sort();
         void forget();
@@ -113,16 +125,17 @@ private:
     class RoundSink;
 
     /// Null if there is no such out-slot.
-    std::shared_ptr<Watched> makeWatched(const TapCounts& before, std::shared_ptr<TapReceiver> receiver) const
-        OSTREL_REQUIRES(_lock);
+    std::shared_ptr<Watched> makeWatched(const std::string& label, std::shared_ptr<Tally> tally,
+                                         std::shared_ptr<TapReceiver> receiver) const OSTREL_REQUIRES(_lock);
     static TapCounts countsOf(const Watched& watched);
     void wire(Watched& watched) const;
     void unwire(const std::string& label) const;
     void renewTypes(std::int64_t now) OSTREL_REQUIRES(_lock);
-    void noteTold(const Round& round) OSTREL_EXCLUDES(_lock);
     Round collect() OSTREL_EXCLUDES(_lock);
     bool collectFrom(const std::shared_ptr<Watched>& watched, std::int64_t wallAtZero, Round& round)
         OSTREL_REQUIRES(_lock);
+    void settle(Round& round) OSTREL_EXCLUDES(_lock);
+    void tellLosses(const Round& round) OSTREL_EXCLUDES(_lock);
 
     const TapSize _size;
     std::string _space; // label of the namespace

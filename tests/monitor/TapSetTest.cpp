@@ -170,34 +170,66 @@ TEST_F(TapSetTest, ARecordThatThereIsNoMemoryForIsRefusedAlone)
     expectCounts(taps, 12, 9);
 }
 
-TEST_F(TapSetTest, SoIsALargeOneWhetherOrNotItWasItsTurn)
+struct Sizes final : Monitor::TapReceiver {
+    void take(const SlotCodec& /*codec*/, TapRecord& record) override
+    {
+        if (_count < _sizes.size())
+            _sizes[_count] = record._cdr.size();
+        ++_count;
+    }
+    void miss(std::uint64_t refused) override { _missed = refused; }
+
+    std::array<std::size_t, 3> _sizes{}; // of the messages; takes no memory
+    std::size_t _count = 0;
+    std::uint64_t _missed = 0;
+};
+
+TEST_F(TapSetTest, SoIsALargeOneWhetherOrNotItWasItsTurnAndIsToldAtOnce)
 {
     using Array = SharedVector<float>;
     OutSlot<Array> arrays("arrays");
     stand("scene", arrays);
     TapSet taps(TapSize{1'000, 3});
-    ASSERT_TRUE(taps.add("scene/value"));
-    std::uint64_t pushed = 0, drained = 0;
-    for (std::uint64_t nth = 1; nth <= 4; ++nth) { // three to keep the values, and one for the messages
-        EXPECT_EQ(drain(taps), 0U) << "and gives back what it did not need";
-        for (std::size_t i = 1; i <= 3; ++i, ++pushed) {
+    const auto sizes = std::make_shared<Sizes>();
+    ASSERT_TRUE(taps.add("scene/value", sizes));
+    const auto pushThree = [&arrays] {
+        for (std::size_t i = 1; i <= 3; ++i) {
             Array array;
             array.acquire();
             array->assign(1'000 * i, static_cast<float>(i));
             arrays.push(Data<Array>(array, Time(1)));
         }
-        std::array<std::size_t, 3> sizes{};
-        std::size_t count = 0;
+    };
+    pushThree();
+    taps.drain();
+    ASSERT_EQ(sizes->_count, 3U);
+    for (std::uint64_t nth = 1; nth <= 4; ++nth) { // three to keep the values, and one for the first message
+        taps.drain();                              // and gives back what it did not need
+        pushThree();
+        sizes->_count = 0;
         {
             const AllocationFailure failure(nth);
-            taps.drain(
-                [&](const std::string&, const SlotCodec&, TapRecord&& record) { sizes[count++] = record._cdr.size(); });
+            taps.drain();
+            EXPECT_TRUE(failure.happened());
         }
-        drained += count;
-        EXPECT_EQ(count, 2U);
-        EXPECT_EQ(sizes[1], sizes[0] + (nth == 2 ? 8'000 : 4'000)) << "each its own";
+        EXPECT_EQ(sizes->_count, 2U);
+        EXPECT_EQ(sizes->_missed, nth);
+        EXPECT_EQ(sizes->_sizes[1], sizes->_sizes[0] + (nth == 2 ? 8'000 : 4'000)) << "each its own";
     }
-    expectCounts(taps, pushed, drained);
+    expectCounts(taps, 15, 11);
+}
+
+TEST_F(TapSetTest, WhatAnExceptionLeavesOfARoundIsRefused)
+{
+    OutSlot<float> out("out");
+    stand("scene", out);
+    TapSet taps;
+    ASSERT_TRUE(taps.add("scene/value"));
+    for (int i = 0; i < 3; ++i)
+        out.push(Data<float>(1));
+    EXPECT_THROW(taps.drain([](const std::string&, const SlotCodec&, TapRecord&&) { throw std::bad_alloc(); }),
+                 std::bad_alloc);
+    expectCounts(taps, 3, 1);
 }
 
 TEST_F(TapSetTest, CountsEveryRecordOfManyPushers)
