@@ -4,18 +4,6 @@
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES C CXX)
 
-# What only reads the sources, for what the compiler says of them: every output is an empty file.
-option(OSTREL_READ_ONLY "Compile nothing, only look for what the compiler warns of" OFF)
-if(OSTREL_READ_ONLY)
-  set(CMAKE_CXX_COMPILE_OBJECT "<CMAKE_CXX_COMPILER> <DEFINES> <INCLUDES> <FLAGS> -fsyntax-only <SOURCE>"
-    "${CMAKE_COMMAND} -E touch <OBJECT>")
-  foreach(rule LINK_EXECUTABLE CREATE_SHARED_LIBRARY CREATE_SHARED_MODULE CREATE_STATIC_LIBRARY)
-    foreach(language C CXX)
-      set(CMAKE_${language}_${rule} "${CMAKE_COMMAND} -E touch <TARGET>")
-    endforeach()
-  endforeach()
-endif()
-
 add_library(ostrelWarnings INTERFACE)
 target_compile_options(ostrelWarnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety> $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety-beta>)

@@ -2,13 +2,7 @@
 
 // Tells the thread sanitizer what the locks do, so that it sees inversions of their order and misuse; nothing in other
 // builds.
-#if defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-#define OSTREL_THREAD_SANITIZER
-#endif
-#elif defined(__SANITIZE_THREAD__)
-#define OSTREL_THREAD_SANITIZER
-#endif
+#include "base/Sanitizers.h"
 
 #ifdef OSTREL_THREAD_SANITIZER
 #include <sanitizer/tsan_interface.h>

@@ -1,4 +1,5 @@
 #include "Scenarios.h"
+#include "base/Sanitizers.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -9,7 +10,7 @@
 #include <cstdlib>
 #include <unistd.h>
 #include <unordered_set>
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(OSTREL_ADDRESS_SANITIZER)
 #include <sanitizer/common_interface_defs.h>
 #endif
 
@@ -43,7 +44,7 @@ void sayHowToReplay()
 
 void catchCrashes()
 {
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(OSTREL_ADDRESS_SANITIZER)
     __sanitizer_set_death_callback(sayHowToReplay);
 #else
     for (const int signal : {SIGSEGV, SIGBUS, SIGABRT})

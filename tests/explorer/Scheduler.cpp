@@ -1,9 +1,10 @@
 #include "Scheduler.h"
+#include "base/Sanitizers.h"
 
 #include <algorithm>
 #include <boost/context/pooled_fixedsize_stack.hpp>
 #include <cstdio>
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(OSTREL_ADDRESS_SANITIZER)
 #include <sanitizer/common_interface_defs.h>
 #else
 // What the address sanitizer has to be told when a program changes its stack.

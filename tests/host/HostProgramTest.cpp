@@ -1,3 +1,4 @@
+#include "base/Sanitizers.h"
 #include "tests/host/HostProcess.h"
 #include "tests/support/Says.h"
 #include "tests/support/SceneOnDisk.h"
@@ -271,7 +272,7 @@ TEST(HostProgram, RunsWithoutWhatCannotBeMadeUnlessItIsStrict)
 
 TEST(HostProgram, SaysWhatWasAskedForWhenMemoryRunsOut)
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(OSTREL_ADDRESS_SANITIZER) || defined(OSTREL_THREAD_SANITIZER)
     GTEST_SKIP() << "sanitizers need more address space than there is to be";
 #endif
     const SceneOnDisk scene("[[sensor]]\nname = \"m\"\ntype = \"SFMatrix4d\"\nlabel = \"M\"\nbuffer = 1000000\n"

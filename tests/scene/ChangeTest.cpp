@@ -1,3 +1,4 @@
+#include "base/Sanitizers.h"
 #include "explain/Graph.h"
 #include "ostrel/FieldTypes.h"
 #include "scene/change/Edits.h"
@@ -84,7 +85,7 @@ std::string replaced(std::string text, const std::string& what, const std::strin
 }
 
 const std::string faster = replaced(road, "gain=1", "gain=2");
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+#if defined(OSTREL_THREAD_SANITIZER) || defined(OSTREL_ADDRESS_SANITIZER)
 constexpr long usualEdits = 100; // each takes ten times as long
 #else
 constexpr long usualEdits = 500;
