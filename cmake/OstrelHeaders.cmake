@@ -1,20 +1,25 @@
 # Precompiled headers: the standard library's that most sources take, and for tests GoogleTest's. They save a quarter of a
 # build from nothing. Sources include what they use all the same, and builds without them show it: those of the second
-# compiler, and those with a compiler cache, which saves more and could keep nothing that was compiled with them.
+# compiler, those of ./check --long, and those with a compiler cache, which saves more and could keep nothing that was
+# compiled with them.
 set(_ostrel_precompiles OFF)
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT CMAKE_CXX_COMPILER_LAUNCHER AND NOT OSTREL_READ_ONLY)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT CMAKE_CXX_COMPILER_LAUNCHER
+    AND NOT CMAKE_DISABLE_PRECOMPILE_HEADERS)
   set(_ostrel_precompiles ON)
 endif()
 
 if(_ostrel_precompiles)
-  # The compiler no longer knows that precompiled headers are the system's, and warns of how strings are copied there.
-  # Other builds keep these warnings.
-  foreach(warning array-bounds restrict stringop-overflow stringop-overread)
-    target_compile_options(ostrelWarnings INTERFACE -Wno-${warning})
-  endforeach()
   # They fit only where all options are the same, -pthread among them.
   target_link_libraries(ostrelBuild INTERFACE Threads::Threads)
 endif()
+
+# The compiler no longer knows that precompiled headers are the system's, and warns of how strings are copied there.
+# Builds without them keep these warnings.
+function(_ostrel_unwarned name)
+  foreach(warning array-bounds restrict stringop-overflow stringop-overread)
+    target_compile_options(${name} PRIVATE -Wno-${warning})
+  endforeach()
+endfunction()
 
 # The target is compiled as those are that take its headers.
 function(_ostrel_headers name)
@@ -23,6 +28,7 @@ function(_ostrel_headers name)
   list(TRANSFORM headers REPLACE "(.+)" "$<$<COMPILE_LANGUAGE:CXX>:<\\1$<ANGLE-R>>")
   _ostrel_common(${name} "")
   target_precompile_headers(${name} PRIVATE ${headers})
+  _ostrel_unwarned(${name})
 endfunction()
 
 if(_ostrel_precompiles)
@@ -41,5 +47,6 @@ endif()
 function(ostrel_precompiled name holder)
   if(TARGET ${holder})
     target_precompile_headers(${name} REUSE_FROM ${holder})
+    _ostrel_unwarned(${name})
   endif()
 endfunction()
