@@ -1,6 +1,7 @@
 #include "nodes/shared/NameLookup.h"
 
 #include <gtest/gtest.h>
+#include <netdb.h>
 #include <thread>
 
 namespace {
@@ -17,6 +18,10 @@ NameLookup::Answer answerOf(NameLookup& lookup)
 
 TEST(NameLookup, OfTheSystemFindsItsOwnMachineAlsoAfterOneThatWasGivenUp)
 {
+    addrinfo* known = nullptr;
+    if (getaddrinfo("localhost", nullptr, nullptr, &known) != 0)
+        GTEST_SKIP() << "this system does not know the name localhost; is there no /etc/hosts?";
+    freeaddrinfo(known);
     const auto lookup = NameLookup::system();
     EXPECT_NE(answerOf(*lookup)._problem, "") << "nothing was asked";
     lookup->begin("localhost", 1000);

@@ -1,27 +1,19 @@
 #!/usr/bin/env bash
-# run.sh FOLDER SCRIPT [ARGUMENT …]: runs a script of this folder by node, with the packages that package-lock.json
-# names, which come into FOLDER the first time. Exit status 77 where npm is missing.
+# run.sh FOLDER SCRIPT [ARGUMENT …]: runs a script of this folder by node, with the packages that fetch.sh has fetched into
+# FOLDER. Exit status 77 where they are not there.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 folder=$1
 shift
-for command in node npm; do
-    command -v "$command" >/dev/null || { echo "$command is missing; install the package npm" && exit 77; }
-done
+command -v node >/dev/null || { echo "node is missing; install the package npm" && exit 77; }
+cmp --silent "$here/package-lock.json" "$folder/installed.json" || {
+    echo "what package-lock.json names is not there; $here/fetch.sh $folder fetches it"
+    exit 77
+}
 
-mkdir -p "$folder"
 exec {lock}>"$folder/lock"
 flock "$lock" # tests run side by side
-cp "$here"/*.js "$here/package.json" "$here/.npmrc" "$folder"
-if ! cmp --silent "$here/package-lock.json" "$folder/installed.json"; then
-    cp "$here/package-lock.json" "$folder"
-    (cd "$folder" && npm ci --ignore-scripts --no-audit --no-fund >npm.log 2>&1) || {
-        cat "$folder/npm.log" >&2
-        echo "the packages that package-lock.json names cannot be installed" >&2
-        exit 1
-    }
-    cp "$here/package-lock.json" "$folder/installed.json"
-fi
+cp "$here"/*.js "$folder"
 exec {lock}>&-
 script=$1
 shift
