@@ -13,7 +13,7 @@ using namespace Monitor;
 
 constexpr std::uint64_t rate = 20'000, seconds = 30;                       // records a second
 constexpr std::uint64_t perRound = rate * 16 / 1000, all = rate * seconds; // a round is 16 ms
-constexpr std::uint64_t maxMore = 16 << 20;                                // bytes
+[[maybe_unused]] constexpr std::uint64_t maxMore = 16 << 20;               // bytes
 
 std::uint64_t residentBytes()
 {
